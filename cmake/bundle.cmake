@@ -1,0 +1,42 @@
+# Lays the page's plug-in out as bundles, one a product: the same program with other strings.
+#
+#   InstallDataPane.bundle              the default product
+#   InstallDataPane-<product>.bundle    the others
+#
+# Each has Contents/MacOS/InstallDataPane, Contents/Info.plist and Contents/Resources/<language>.lproj/.
+
+function(add_plugin_bundle bundle_name plugin_name folder_name)
+  set(contents ${PROJECT_BINARY_DIR}/${bundle_name}/Contents)
+  set(PLUGIN_NAME ${plugin_name})
+  set(FOLDER_NAME ${folder_name})
+  configure_file(${PROJECT_SOURCE_DIR}/resources/Info.plist.in ${contents}/Info.plist @ONLY)
+  foreach(language IN LISTS TAVENHALL_LANGUAGES)
+    configure_file(${PROJECT_SOURCE_DIR}/resources/${language}.lproj/Localizable.strings.in
+                   ${contents}/Resources/${language}.lproj/Localizable.strings @ONLY)
+  endforeach()
+  add_custom_command(
+    OUTPUT ${contents}/MacOS/InstallDataPane
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${contents}/MacOS
+    COMMAND ${CMAKE_COMMAND} -E copy $<TARGET_FILE:InstallDataPane> ${contents}/MacOS/InstallDataPane
+    DEPENDS InstallDataPane
+    VERBATIM)
+  set_property(GLOBAL APPEND PROPERTY TAVENHALL_BUNDLE_PROGRAMS ${contents}/MacOS/InstallDataPane)
+  install(DIRECTORY ${PROJECT_BINARY_DIR}/${bundle_name}
+          DESTINATION ${CMAKE_INSTALL_LIBDIR}/tavinstall USE_SOURCE_PERMISSIONS)
+endfunction()
+
+function(add_plugin_bundles)
+  set(bundle_name InstallDataPane.bundle)
+  foreach(row IN LISTS TAVENHALL_PRODUCTS)
+    string(REPLACE ":" ";" row "${row}")
+    list(GET row 0 plugin_name)
+    list(GET row 1 folder_name)
+    if(NOT bundle_name)
+      set(bundle_name InstallDataPane-${plugin_name}.bundle)
+    endif()
+    add_plugin_bundle(${bundle_name} ${plugin_name} ${folder_name})
+    set(bundle_name "")
+  endforeach()
+  get_property(programs GLOBAL PROPERTY TAVENHALL_BUNDLE_PROGRAMS)
+  add_custom_target(bundles ALL DEPENDS ${programs})
+endfunction()

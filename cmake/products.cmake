@@ -1,0 +1,10 @@
+# The products that the page installs for: the plug-in's name, which also names the bundle, and the data
+# folder's name. The first is the default.
+set(TAVENHALL_PRODUCTS
+  "Tessaphon:TANVO"
+  "Lumaweave:DOVA"
+  "Bassoria:DOVA"
+  "TemporaQX:DOVA")
+
+# The languages of the bundles' strings.
+set(TAVENHALL_LANGUAGES en)

@@ -1,0 +1,89 @@
+#include "context/attributes_file.h"
+
+#include "context/attributes_line.h"
+#include "context/installation_log.h"
+#include "context/internal_lookups.h"
+
+#include <array>
+#include <atomic>
+
+namespace tavenhall {
+
+namespace {
+
+constexpr std::size_t kAttributesPathSize = 4096;
+
+constinit std::atomic<bool> foundMessageIssued = false;
+
+std::FILE* openBesidePackage(const char* tail, BoundedText<kAttributesPathSize>& path) {
+  getFolderContainingPKGfile(nullptr);
+  path.assign(sOutputPathWithCallersSubfolder.view());
+  path.append(tail);
+  return std::fopen(path.c_str(), "r");
+}
+
+// Shows the lines of the file, in order, to `isWanted` until it says yes; whether it did. A failed read
+// uses up one of the turns.
+template <typename Test>
+bool searchLines(std::FILE* file, Test isWanted) {
+  std::array<char, kAttributesLineSize> line{};
+  for (int turn = 0; turn < kAttributesLineCount; ++turn) {
+    if (std::fgets(line.data(), static_cast<int>(line.size()), file) != nullptr &&
+        isWanted(parseAttributesLine(line.data()))) {
+      return true;
+    }
+  }
+  return false;
+}
+
+}  // namespace
+
+std::FILE* getInstallationAttributesFile(void) noexcept {
+  BoundedText<kAttributesPathSize> path;
+  std::FILE* file = openBesidePackage("/.InstallationAttributes.dat", path);
+  if (file == nullptr) {
+    file = openBesidePackage("/../.InstallationAttributes.dat", path);
+  }
+  if (!foundMessageIssued.exchange(true)) {
+    if (file != nullptr) {
+      addEventToInstallationLog("Found Installation Attribute File at  %s", path.c_str());
+    } else {
+      addEventToInstallationLog("Did not find Installation Attribute File.");
+    }
+  }
+  return file;
+}
+
+int getStringFromAttributesFile(const char* key, char* value, std::size_t size) noexcept {
+  std::FILE* file = getInstallationAttributesFile();
+  if (file == nullptr) {
+    return 0;
+  }
+  const bool found = searchLines(file, [=](const AttributesLine& line) {
+    if (!line.value.empty()) {
+      copyCut(value, size, line.value);  // required for every line, wanted or not
+    }
+    return isStringKey(line.key, key);
+  });
+  if (found) {
+    finishAttributesValue(value);
+  }
+  std::fclose(file);
+  return found ? 1 : 0;
+}
+
+std::int64_t getLongLongFromAttributesFile(const char* key) noexcept {
+  std::FILE* file = getInstallationAttributesFile();
+  if (file == nullptr) {
+    return 0;
+  }
+  std::int64_t number = 0;
+  const bool found = searchLines(file, [&number, key](const AttributesLine& line) {
+    readAttributesNumber(line.value, number);  // required for every line: a later value that is no number keeps it
+    return isNumberKey(line.key, key);
+  });
+  std::fclose(file);
+  return found ? number : 0;
+}
+
+}  // namespace tavenhall

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "platform/visibility.h"
+
+// What the InstallationAttributes file says of this installer. Each getter looks one key up in the file,
+// anew at every call, and logs what it found. A missing file or key gives the built-in text and a log line
+// that says so; no getter fails. Every buffer holds at least kAttributesValueSize bytes. Any thread.
+namespace tavenhall {
+
+extern "C" {
+
+TAVENHALL_EXPORT void getInstallDataTitle(char* text) noexcept;
+
+// One "%s" in these two takes the destination path. The completion getter ignores its first argument.
+TAVENHALL_EXPORT void getInstallingDataString(char* text) noexcept;
+TAVENHALL_EXPORT void getCompletionMessage(int ignored, char* text) noexcept;
+
+// The source folders, relative to the package's folder. The second has no built-in text: when it is missing
+// the buffer is left as the lookup left it.
+TAVENHALL_EXPORT void getRelativePath(char* text) noexcept;
+TAVENHALL_EXPORT void getRelativePath2(char* text) noexcept;
+
+TAVENHALL_EXPORT void getPreparationTitle(char* text) noexcept;
+TAVENHALL_EXPORT void getLiteVsFullPromptText(char* text) noexcept;
+
+// Required spelling: other pages of the installer call them by these names.
+TAVENHALL_EXPORT void getAlternateNameForLiteInstalltion(char* text) noexcept;
+TAVENHALL_EXPORT void getAlternateNameForFullInstalltion(char* text) noexcept;
+
+// 0 data updater, 2 install from volumes (also without a file or a mode), 3 any other package-relative
+// install, 4 product updater or service installation.
+TAVENHALL_EXPORT int getInstallationMode(void) noexcept;
+
+// 1 if the folder can be opened and has an entry whose name does not begin with '.', else 0.
+TAVENHALL_EXPORT int folderExistsAndHasContents(const char* path) noexcept;
+
+}  // extern "C"
+
+// Whether "RelativePath2" is in the file, with `text` filled and a log line written as by getRelativePath2.
+[[nodiscard]] bool findRelativePath2(char* text) noexcept;
+
+}  // namespace tavenhall

@@ -1,0 +1,167 @@
+#include "context/installation_log.h"
+#include "context/placement_rules.h"
+#include "pane/copy_streams.h"
+#include "pane/folder_listing.h"
+#include "pane/install_data_pane.h"
+#include "pane/process_wide.h"
+#include "platform/system.h"
+
+#include <cerrno>
+#include <sys/stat.h>
+
+namespace tavenhall {
+
+float progressSizeForLoggingUnitBytes = 0;
+std::int32_t progressCounterForLogging = 0;
+
+namespace {
+
+constexpr std::size_t kChildPathSize = 1024;
+constexpr std::size_t kCommandSize = 2048;
+constexpr std::size_t kErrorTextSize = 1024;
+constexpr std::size_t kChunkSize = 10240;  // bytes
+constexpr int kChunksBetweenUpdates = 100;
+constexpr float kBytesBetweenProgressLines = 100000000.0F;
+constexpr mode_t kFolderMode = 0777;  // before the umask
+
+constexpr const char* kInputSheet = "Failed to open input file.";
+constexpr const char* kOutputSheet = "Failed to open output file.";
+constexpr const char* kPluginOutputSheet =
+    "Cannot install plugin.  Use Finder to give write permission to all system plugin folders: \n\n"
+    "/Library/Audio/Plug-Ins/Components \n"
+    "/Library/Audio/Plug-Ins/VST \n"
+    "/Library/Audio/Plug-Ins/VST3\n\n"
+    "Then re-run this installer.";
+constexpr const char* kSizesDifferSheet =
+    "Failed to copy file.  Perhaps out of disk space on destination drive?   Contact customer support.";
+
+// Nothing checks that the folder is there afterwards: its files would fail to open.
+void createFolder(const char* path) {
+  const int result = mkdir(path, kFolderMode);
+  // Required: the errno is the current one; after success it is what the failed test for existence left.
+  addEventToInstallationLog("mkdir %d %d %s", result, errno, path);
+  if (result == -1) {
+    BoundedText<kCommandSize> command;
+    command.format("sudo mkdir %s", path);  // required: unquoted
+    const int status = runShellCommand(command.c_str());
+    addEventToInstallationLog("mkdir2 %s %d %d %s", command.c_str(), status, errno, path);
+  }
+}
+
+// A line in the log for each 100 MB; the bytes beyond are not carried over.
+void countForProgressLog(std::size_t bytes) {
+  progressSizeForLoggingUnitBytes += static_cast<float>(bytes);
+  if (progressSizeForLoggingUnitBytes > kBytesBetweenProgressLines) {
+    addEventToInstallationLog("Data copy progress %d (x 100MB)", progressCounterForLogging);
+    ++progressCounterForLogging;
+    progressSizeForLoggingUnitBytes = 0;
+  }
+}
+
+std::int64_t sizeOf(const char* path) {
+  struct stat found {};
+  stat(path, &found);  // required: a failure counts as a size of 0
+  return found.st_size;
+}
+
+}  // namespace
+
+std::int32_t InstallDataPane::copyDirectoryOrFile(const char* source, const char* dest, const char* tailName,
+                                                  bool isADir) noexcept {
+  if (dest == nullptr) {
+    addEventToInstallationLog("copyDirectoryOrFile: no destination for %s", source);
+    return 0;
+  }
+  placePlugin(source, dest);
+  const std::int32_t result = isADir ? copyDirectory(source, dest, tailName) : copyFile(source, dest);
+  openApplicationPermissions(dest);
+  return result;
+}
+
+std::int32_t InstallDataPane::copyDirectory(const char* source, const char* dest, const char* tailName) noexcept {
+  addEventToInstallationLog("Copying folder %s %s\n", source, dest);
+  gItemCurrentlyBeingInstalled.assign(tailName);
+  struct stat found {};
+  if (stat(dest, &found) != 0) {
+    createFolder(dest);
+  }
+
+  // Required: a source folder that cannot be opened counts as copied, without a word. No child stops the
+  // walk, and entries of unknown type go as files.
+  std::int32_t result = 1;
+  FolderListing listing(source);
+  while (const dirent* entry = listing.next()) {
+    BoundedText<kChildPathSize> childSource;
+    BoundedText<kChildPathSize> childDest;
+    childSource.format("%s/%s", source, entry->d_name);
+    childDest.format("%s/%s", dest, entry->d_name);
+    result &= copyDirectoryOrFile(childSource.c_str(), childDest.c_str(), entry->d_name, entry->d_type == DT_DIR);
+  }
+  return result;
+}
+
+std::int32_t InstallDataPane::copyFile(const char* source, const char* dest) noexcept {
+  if (isAttributesFile(source)) {
+    addEventToInstallationLog("copyDirectoryOrFile: skipping copy of Inst. Attrib file");
+    return 1;
+  }
+  if (isAaxSignature(source)) {
+    // The shell's copy keeps the attributes that the signature needs.
+    BoundedText<kCommandSize> command;
+    command.format("cp  -a  \"%s\" \"%s\"", source, dest);
+    addEventToInstallationLog("copying AAX signature with command:  %s", command.c_str());
+    runShellCommand(command.c_str());
+    return 1;
+  }
+  const std::int32_t result = copyBytes(source, dest);
+  updateProgress();
+  return result;
+}
+
+std::int32_t InstallDataPane::copyBytes(const char* source, const char* dest) noexcept {
+  std::FILE* in = openCopySource(source);
+  std::FILE* out = openCopyDestination(dest);
+  const int outError = errno;
+
+  if (in == nullptr) {
+    addEventToInstallationLog("Source error %s %s\n", source, dest);
+    showSheetFromWorker(kInputSheet);
+    if (out != nullptr) {
+      std::fclose(out);
+    }
+    return 0;
+  }
+  if (out == nullptr) {
+    std::array<char, kErrorTextSize> text{};
+    errorText(outError, text.data(), text.size());
+    addEventToInstallationLog("Target error %s %s %s\n", source, dest, text.data());
+    showSheetFromWorker(isAudioPluginDestination(dest) ? kPluginOutputSheet : kOutputSheet);
+    std::fclose(in);
+    return 0;
+  }
+
+  std::array<char, kChunkSize> chunk;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled by the read
+  int chunkNumber = 0;
+  while (const std::size_t count = std::fread(chunk.data(), 1, chunk.size(), in)) {
+    std::fwrite(chunk.data(), 1, count, out);  // a short write shows in the sizes below
+    kBytesCopied += static_cast<std::int64_t>(count >> 10);  // required: each chunk is rounded down
+    countForProgressLog(count);
+    if (++chunkNumber % kChunksBetweenUpdates == 0) {
+      updateProgress();
+    }
+  }
+  std::fclose(in);
+  std::fclose(out);
+
+  // Required: a difference is reported to the user, and the copy still counts as done.
+  const std::int64_t sourceSize = sizeOf(source);
+  const std::int64_t destSize = sizeOf(dest);
+  if (sourceSize != destSize) {
+    addEventToInstallationLog("File copy failure: sizes differ: %s (size is %lld) %s  (size is %lld)  \n", source,
+                              static_cast<long long>(sourceSize), dest, static_cast<long long>(destSize));
+    showSheetFromWorker(kSizesDifferSheet);
+  }
+  return 1;
+}
+
+}  // namespace tavenhall

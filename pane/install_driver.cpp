@@ -1,0 +1,81 @@
+#include "context/attributes_line.h"
+#include "context/install_settings.h"
+#include "context/installation_log.h"
+#include "context/internal_lookups.h"
+#include "pane/install_data_pane.h"
+#include "pane/sleep_holds.h"
+
+#include <sys/stat.h>
+
+namespace tavenhall {
+
+// The closing steps run whatever the passes found: whether the install succeeded is readyToProceed's to
+// say, when the user leaves the page.
+void InstallDataPane::doEntireInstall() noexcept {
+  onMainThread([this] {
+    progressIndicator->setDoubleValue(0.0);
+    progressIndicator->displayIfNeeded();
+  });
+
+  if (gInstallMode == kModeProductUpdater) {
+    copySupportHubExternalFolders();
+
+    gTANVOorDOVAnameOnly.assign("TANVO");
+    gTANVOorDOVA_destinationPath = findCentralFolder("TANVO");
+    installAllVolumesForOneOf_TANVOorDOVA();
+
+    BoundedText<kAttributesValueSize> relativePath;
+    getRelativePath(relativePath.data());
+    getFolderContainingPKGfile(relativePath.c_str());
+    gPathOfSourceDataExcludingTANVOtail.assign(sOutputPathWithCallersSubfolder.view());
+
+    gTANVOorDOVAnameOnly.assign("DOVA");
+    gTANVOorDOVA_destinationPath = findCentralFolder("DOVA");
+  } else {
+    gTANVOorDOVAnameOnly.assign(_localizedStringForKey("FolderName"));
+  }
+  installAllVolumesForOneOf_TANVOorDOVA();
+  addEventToInstallationLog("Finished with all TANVO/DOVA data");
+
+  onMainThread([this] {
+    host().beginAnimationGrouping();
+    host().setAnimationDuration(0.0);
+    progressIndicator->setMinValue(0.0);
+    progressIndicator->setMaxValue(1.0);
+    progressIndicator->setDoubleValue(1.0);
+    progressIndicator->displayIfNeeded();
+    host().endAnimationGrouping();
+  });
+
+  _updateNextButtonState();
+  displayCompletionMessage();
+
+  // Required: Next is enabled twice, before the holds are given back and after.
+  host().setNextEnabled(true);
+  addEventToInstallationLog("Enabling Next button 1");
+  addEventToInstallationLog("Re-enabling sleep");
+  releaseSleepHolds(host());
+  host().setNextEnabled(true);
+  host().setPreviousEnabled(false);
+  addEventToInstallationLog("Enabling Next button 2");
+  addEventToInstallationLog("Installation complete\n*********************************************************\n");
+}
+
+// A folder that is not beside the package is passed over without a word.
+void InstallDataPane::copySupportHubExternalFolders() noexcept {
+  for (const char* folder : {"/Library", "/Applications"}) {
+    getFolderContainingPKGfile(nullptr);
+    BoundedText<4096> source;
+    source.assign(sOutputPathWithCallersSubfolder.view());
+    source.append(folder);
+    struct stat found {};
+    if (stat(source.c_str(), &found) != 0) {
+      continue;
+    }
+    BoundedText<1024> destination;
+    destination.format("%s/", folder);
+    copyDirectoryOrFile(source.c_str(), destination.c_str(), "", true);  // the sheets tell of failures
+  }
+}
+
+}  // namespace tavenhall

@@ -1,0 +1,71 @@
+#include "context/installation_log.h"
+#include "pane/folder_listing.h"
+#include "pane/install_data_pane.h"
+#include "pane/process_wide.h"
+#include "platform/system.h"
+
+namespace tavenhall {
+
+namespace {
+
+constexpr int kReadinessAttempts = 3;
+constexpr unsigned kSecondsForDiscToInitialise = 5;
+constexpr std::size_t kSubfolderPathSize = 2048;
+
+// Gives a disc that was just put in its time to become readable. It only waits: the copy comes after the
+// last failed attempt too, and reports what it cannot read.
+void waitForReadableFolder(const char* folder) {
+  for (int attempt = 0; attempt < kReadinessAttempts; ++attempt) {
+    {
+      FolderListing listing(folder);
+      if (!listing.isOpen()) {
+        addEventToInstallationLog("copySingleVolume: cannot open top level folder. Attempt %d", attempt);
+      } else if (listing.next() != nullptr) {
+        return;
+      } else {
+        addEventToInstallationLog("copySingleVolume: no items found in top level folder. Attempt %d", attempt);
+      }
+    }
+    addEventToInstallationLog("copySingleVolume: sleep to give disc a chance to initialize");
+    sleepSeconds(kSecondsForDiscToInitialise);
+  }
+}
+
+}  // namespace
+
+void InstallDataPane::copySingleVolume() noexcept {
+  if (gInstallMode == kModeVolumes) {
+    waitForReadableFolder(copySrcPath);
+  }
+  progressSizeForLoggingUnitBytes = 0;
+  progressCounterForLogging = 0;
+
+  if (gInstallMode == kModeProductUpdater && gCurrentVolumeNumber == 1) {
+    // The second component of an update: only for the libraries that the user has in full. The last copy's
+    // result counts.
+    for (std::int32_t i = 0; i < gNumTwoComponentInstallFolders; ++i) {
+      if (gTwoComponentInstallChoicesAreLite[i] != 0) {
+        continue;
+      }
+      const char* name = gTwoComponentInstallFolderNames[i].c_str();
+      BoundedText<kSubfolderPathSize> source;
+      source.format("%s/%s", copySrcPath, name);
+      BoundedText<kSubfolderPathSize> destination;
+      if (copyDstPath != nullptr) {
+        destination.format("%s/%s", copyDstPath, name);
+      }
+      addEventToInstallationLog("Begin copySingleVolume for copySrcPathWithSubFolder %s\n", source.c_str());
+      readyToProceed = copyDirectoryOrFile(source.c_str(), copyDstPath != nullptr ? destination.c_str() : nullptr,
+                                           gTANVOorDOVAnameOnly.c_str(), true);
+    }
+  } else {
+    addEventToInstallationLog("Begin copySingleVolume: copySrcPath %s\n", copySrcPath);
+    readyToProceed = copyDirectoryOrFile(copySrcPath, copyDstPath, gTANVOorDOVAnameOnly.c_str(), true);
+  }
+
+  status->setTitleWithMnemonic(" ");
+  addEventToInstallationLog("End copySingleVolume: copySrcPath %s\n", copySrcPath);
+  copySingleVolumeRunning.store(0, std::memory_order_release);  // the last act: the install thread goes on
+}
+
+}  // namespace tavenhall

@@ -1,0 +1,200 @@
+#include "context/attributes_line.h"
+#include "context/install_settings.h"
+#include "context/installation_log.h"
+#include "context/internal_lookups.h"
+#include "context/text_expansion.h"
+#include "pane/install_data_pane.h"
+#include "platform/system.h"
+
+#include <algorithm>
+#include <sys/stat.h>
+
+namespace tavenhall {
+
+namespace {
+
+constexpr std::int32_t kFirstOptionalVolume = 2;
+constexpr std::size_t kVolumesPrefixLength = 9;  // of "/Volumes/"
+constexpr unsigned kSecondsBetweenDiscChecks = 10;
+constexpr std::int64_t kExpectedBytesWhenUnknown = 100000000;
+
+bool exists(const char* path) {
+  struct stat found {};
+  return stat(path, &found) == 0;
+}
+
+}  // namespace
+
+void InstallDataPane::installAllVolumesForOneOf_TANVOorDOVA() noexcept {
+  // Asked of the root as the caller left it, before a volume changes it.
+  const bool hasOptionalDiscs = rootHasOptionalDiscs(gPathOfSourceDataExcludingTANVOtail.view());
+  determineNumVolumesToInstall();
+  // The count is read anew after each volume, since the first one may change it.
+  for (gCurrentVolumeNumber = 0; gCurrentVolumeNumber < gVolumeCount; ++gCurrentVolumeNumber) {
+    const OptionalDisc* optionalDisc = chooseVolumeRoot(hasOptionalDiscs);
+    auto& root = gPathOfSourceDataExcludingTANVOtail;
+    gPathOfSourceDataIncludingTANVOtail.format("%s/%s", root.c_str(), gTANVOorDOVAnameOnly.c_str());
+    addEventToInstallationLog("Volume %d %s\n", gCurrentVolumeNumber, gPathOfSourceDataIncludingTANVOtail.c_str());
+    gAltSrcFolder.format("%s/Mac OSX/%s", root.c_str(), gTANVOorDOVAnameOnly.c_str());
+    status->setTitleWithMnemonic(" ");
+
+    if (gInstallMode == kModeVolumes && !waitForVolume(optionalDisc)) {
+      continue;
+    }
+    if (gCurrentVolumeNumber == 0) {
+      prepareFirstVolume();
+    }
+    if (const char* folder = chooseFolderToCopy()) {
+      copyVolumeOnItsThread(folder);
+    } else if (gInstallMode != kModeProductUpdater) {
+      gCurrentVolumeNumber = gVolumeCount;
+      return;
+    }
+  }
+}
+
+const OptionalDisc* InstallDataPane::chooseVolumeRoot(bool hasOptionalDiscs) noexcept {
+  auto& root = gPathOfSourceDataExcludingTANVOtail;
+  if (gCurrentVolumeNumber == 0) {
+    return nullptr;
+  }
+  if (gCurrentVolumeNumber == 1 && gInstallationHasLiteVsFullOption != 0 && gInstallMode != kModeVolumes) {
+    if (gAllTwoComponentInstallChoicesAreLite == 0) {
+      BoundedText<kAttributesValueSize> relativePath;
+      getRelativePath2(relativePath.data());
+      getFolderContainingPKGfile(relativePath.c_str());
+      root.assign(sOutputPathWithCallersSubfolder.view());
+    }
+    return nullptr;
+  }
+  const OptionalDisc* disc = hasOptionalDiscs ? optionalDiscForVolume(gCurrentVolumeNumber) : nullptr;
+  if (disc != nullptr) {
+    root.assign(disc->mountPath);
+  } else {
+    getFullPathOfVolumeNumber(gCurrentVolumeNumber, root);
+  }
+  return disc;
+}
+
+bool InstallDataPane::waitForVolume(const OptionalDisc* optionalDisc) noexcept {
+  const char* root = gPathOfSourceDataExcludingTANVOtail.c_str();
+  const char* primary = gPathOfSourceDataIncludingTANVOtail.c_str();
+  const char* alternate = gAltSrcFolder.c_str();
+  while (true) {
+    addEventToInstallationLog("File check: %s %s %s", root, primary, alternate);
+    if (exists(root) && (exists(primary) || exists(alternate))) {
+      return true;
+    }
+    addEventToInstallationLog("Disc not ready: %d %d %d", exists(root), exists(primary), exists(alternate));
+    if (optionalDisc != nullptr) {
+      if (askForOptionalDisc(*optionalDisc) == kAlertSecondButtonReturn) {
+        addEventToInstallationLog("Skipping an optional disc (ProcessThisDisc false)");
+        return false;
+      }
+    } else {
+      askForMandatoryVolume();
+    }
+    sleepSeconds(kSecondsBetweenDiscChecks);
+  }
+}
+
+int InstallDataPane::askForOptionalDisc(const OptionalDisc& disc) noexcept {
+  addEventToInstallationLog("Dialog prompting to insert optional disc: %d %s\n",
+                            gCurrentVolumeNumber - kFirstOptionalVolume, disc.title);
+  int choice = 0;
+  onMainThread([this, &disc, &choice] {
+    BoundedText<256> text;
+    text.format("Insert %s Outrider disc. Press Skip if you do not have this disc.", disc.title);
+    static constexpr std::array<const char*, 2> kButtons{"OK", "Skip"};
+    choice = host().runModal({"Ready for next volume", text.c_str(), kButtons, kAlertStyleInformational});
+  });
+  addEventToInstallationLog("Optional disc button choice %d\n", choice);
+  return choice;
+}
+
+void InstallDataPane::askForMandatoryVolume() noexcept {
+  BoundedText<512> name;
+  const std::string_view root = gPathOfSourceDataExcludingTANVOtail.view();
+  name.assign(root.substr(std::min(kVolumesPrefixLength, root.size())));
+  onMainThread([this, &name] {
+    addEventToInstallationLog("Dialog prompting to insert mandatory volume %d %s ", gCurrentVolumeNumber + 1,
+                              name.c_str());
+    BoundedText<name.capacity() + 16> text;
+    text.format("Please insert %s", name.c_str());
+    static constexpr std::array<const char*, 1> kButtons{"OK"};
+    static_cast<void>(
+        host().runModal({"Ready for next volume", text.c_str(), kButtons, kAlertStyleInformational}));
+  });
+}
+
+void InstallDataPane::prepareFirstVolume() noexcept {
+  getCompletionMessage(0, gCompletionMessage.data());
+
+  BoundedText<kAttributesValueSize> installing;
+  getInstallingDataString(installing.data());
+  instructions->setTitleWithMnemonic(expandFormat(installing.view(), gTANVOorDOVA_destinationPath).c_str());
+
+  std::int64_t millions = getLongLongFromAttributesFile("TotalSizeMillionsBytes");
+  if (gInstallationHasLiteVsFullOption != 0 && gAllTwoComponentInstallChoicesAreLite != 0) {
+    millions = getLongLongFromAttributesFile("Component1SizeMillionsBytes");
+  }
+  totalNumBytesExpectedAcrossAllVolumes = announcedBytes(millions);
+  addEventToInstallationLog("Data from attributes file:   data size=%lld (bytes)",
+                            static_cast<long long>(totalNumBytesExpectedAcrossAllVolumes));
+  if (millions != 0) {
+    host().beginAnimationGrouping();
+    host().setAnimationDuration(0.0);
+    progressIndicator->setMinValue(0.0);
+    progressIndicator->setMaxValue(barMaximumForBytes(totalNumBytesExpectedAcrossAllVolumes));
+    host().endAnimationGrouping();
+  } else {
+    // Required as it stands: the text says 10 GB, the value is 100 MB, the bar keeps its range, and the
+    // volume count keeps its value.
+    addEventToInstallationLog(
+        "Unable to read expectd size from installation instruction file. Assuming 1 volume and 10 GB.");
+    totalNumBytesExpectedAcrossAllVolumes = kExpectedBytesWhenUnknown;
+  }
+
+  if (gInstallMode == kModeVolumes) {
+    determineNumVolumesToInstall();  // once more, now that the first volume is readable
+  }
+  addEventToInstallationLog("Volume count: %d", gVolumeCount);
+}
+
+const char* InstallDataPane::chooseFolderToCopy() noexcept {
+  const char* root = gPathOfSourceDataExcludingTANVOtail.c_str();
+  const char* primary = gPathOfSourceDataIncludingTANVOtail.c_str();
+  const char* alternate = gAltSrcFolder.c_str();
+  if (exists(primary)) {
+    addEventToInstallationLog("Using primary folder %s %s %s", root, primary, alternate);
+    return primary;
+  }
+  if (exists(alternate)) {
+    addEventToInstallationLog("Using alternate folder %s %s %s", root, primary, alternate);
+    return alternate;
+  }
+  if (gInstallMode != kModeProductUpdater) {
+    addEventToInstallationLog("Files to be installed not found %s %s %s", root, primary, alternate);
+    showSheetFromWorker("Files to be installed not found.");
+    _updateNextButtonState();
+  }
+  return nullptr;  // an updater carries what it carries: no word about the rest
+}
+
+void InstallDataPane::copyVolumeOnItsThread(const char* folder) noexcept {
+  copySrcPath = folder;
+  copyDstPath = gTANVOorDOVA_destinationPath;
+  copySingleVolumeRunning = 1;
+  const auto body = [](void* pane) { static_cast<InstallDataPane*>(pane)->copySingleVolume(); };
+  if (!detachNewThread(host(), "copySingleVolume", body, this)) {
+    copySingleVolume();  // no thread to be had: here, then
+  }
+  while (copySingleVolumeRunning.load(std::memory_order_acquire) != 0) {
+    sleepSeconds(1);
+  }
+  if (gInstallMode == kModeVolumes) {
+    runShellCommand("drutil -drive 1 eject");
+  }
+}
+
+}  // namespace tavenhall
