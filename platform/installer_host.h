@@ -23,10 +23,7 @@ class TextField {
 };
 
 // Connected in the page's layout; the page neither reads nor writes it.
-class Button {
- protected:
-  ~Button() = default;
-};
+class Button {};
 
 // The bar. Starts as 0 of 0 to 100 or as the host's layout has it. Any thread.
 class ProgressIndicator {

@@ -1,0 +1,68 @@
+#include "host/bundle_loader.h"
+
+#include "host/build_facts.h"
+#include "host/usage_error.h"
+#include "platform/program_path.h"
+
+#include <dlfcn.h>
+
+namespace tavenhall {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* kBundleProgram = "Contents/MacOS/InstallDataPane";
+
+// Folders relative to the program's own: installed, and in a build folder.
+constexpr const char* kBundleFolders[] = {kInstalledBundles, ".."};
+constexpr const char* kStandInFolders[] = {kInstalledStandIns, "../libexec/tavinstall"};
+
+fs::path programFolder() { return programPath().parent_path(); }
+
+}  // namespace
+
+fs::path findBundle(const std::string& product) {
+  const std::string ending = product.empty() || product == kDefaultProduct ? "" : "-" + product;
+  const fs::path name = "InstallDataPane" + ending + ".bundle";
+  std::string looked;
+  for (const char* folder : kBundleFolders) {
+    const fs::path bundle = (programFolder() / folder / name).lexically_normal();
+    std::error_code error;
+    if (fs::is_directory(bundle, error)) {
+      return bundle;
+    }
+    looked += (looked.empty() ? "" : " or ") + bundle.string();
+  }
+  throw UsageError("no plug-in at " + looked + "; --bundle names another");
+}
+
+fs::path findStandIns() {
+  for (const char* folder : kStandInFolders) {
+    fs::path standIns = (programFolder() / folder).lexically_normal();
+    std::error_code error;
+    if (fs::is_directory(standIns, error)) {
+      return standIns;
+    }
+  }
+  return {};
+}
+
+PageFactory loadBundle(const fs::path& bundle) {
+  const fs::path program = fs::absolute(bundle) / kBundleProgram;
+  std::error_code error;
+  if (!fs::exists(program, error)) {
+    throw UsageError("cannot load " + bundle.string() + ": it has no " + kBundleProgram);
+  }
+  void* handle = dlopen(program.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (handle == nullptr) {
+    throw UsageError("cannot load " + bundle.string() + ": " + dlerror());
+  }
+  auto factory = reinterpret_cast<PageFactory>(dlsym(handle, kPageFactoryName));
+  if (factory == nullptr) {
+    throw UsageError("cannot load " + bundle.string() + ": it makes no page (" + kPageFactoryName + " is missing)");
+  }
+  return factory;
+}
+
+}  // namespace tavenhall

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "platform/installer_pane.h"
+
+#include <filesystem>
+#include <string>
+
+namespace tavenhall {
+
+// The bundle beside this program, in a build folder or installed: that of `product`, or of the default
+// product when it is empty. Throws UsageError, naming where it looked.
+[[nodiscard]] std::filesystem::path findBundle(const std::string& product);
+
+// Where the tools lie that stand in for missing ones; empty when they are not there.
+[[nodiscard]] std::filesystem::path findStandIns();
+
+// Loads the bundle's program for good and gives its page factory. Throws UsageError.
+[[nodiscard]] PageFactory loadBundle(const std::filesystem::path& bundle);
+
+}  // namespace tavenhall

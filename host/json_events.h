@@ -1,0 +1,39 @@
+#pragma once
+
+#include "host/event_sink.h"
+
+#include <nlohmann/json_fwd.hpp>
+
+namespace tavenhall {
+
+// Writes each event as one JSON object on a line of its own, at once. Text that is not valid UTF-8 is
+// written with replacement characters. When nobody reads any more, events are dropped.
+class JsonEvents final : public EventSink {
+ public:
+  // The descriptor stays the caller's.
+  explicit JsonEvents(int descriptor) : descriptor_(descriptor) {}
+
+  void plain(const char* event) override;
+  void text(const char* event, std::string_view text) override;
+  void number(const char* event, double value) override;
+  void enabled(const char* event, bool enabled) override;
+  void exit(std::int64_t direction, bool allowed) override;
+  void alert(const Alert& alert) override;
+  void sheet(const Sheet& sheet) override;
+  void assertion(const char* type, std::uint32_t level, const char* name) override;
+  void assertionReleased(const char* type) override;
+  void error(std::string_view message) override;
+
+ private:
+  void write(const nlohmann::ordered_json& event) const;
+
+  int descriptor_;
+};
+
+// One JSON object as a line, newline included.
+[[nodiscard]] std::string jsonLine(const nlohmann::ordered_json& object);
+
+// Writes all of `text`, whatever signals arrive; false when the descriptor does not take it.
+bool writeAll(int descriptor, std::string_view text);
+
+}  // namespace tavenhall

@@ -1,0 +1,192 @@
+#include "host/plain_face.h"
+
+#include "host/engine_process.h"
+#include "host/json_events.h"
+#include "host/line_reader.h"
+#include "host/plain_printer.h"
+#include "platform/installer_host.h"
+#include "platform/system.h"
+#include "platform/wake_up.h"
+
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <csignal>
+#include <deque>
+#include <nlohmann/json.hpp>
+#include <poll.h>
+#include <string>
+#include <unistd.h>
+
+namespace tavenhall {
+
+namespace {
+
+using nlohmann::ordered_json;
+
+void printLine(std::string_view line) { writeAll(STDOUT_FILENO, std::string(line) + "\n"); }
+
+// Ctrl-C and its like reach the face; the engine is out of the terminal's reach, so it is told.
+WakeUp* stopRequested = nullptr;
+
+void askToStop(int /*signal*/) { stopRequested->signal(); }
+
+// One run, seen through the lines of an engine in another process.
+class PlainFace {
+ public:
+  explicit PlainFace(const RunOptions& options) : engine_(startEngineProcess(options)) {
+    send({{"do", "title"}});
+    send({{"do", "enter"}});
+    send({{"do", "wait"}});
+  }
+
+  ExitStatus run() {
+    stopRequested = &wakeUp_;
+    struct sigaction action {};
+    action.sa_handler = askToStop;
+    action.sa_flags = SA_RESTART;
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+      sigaction(signal, &action, nullptr);
+    }
+    std::signal(SIGPIPE, SIG_IGN);
+
+    while (engineLines_.isOpen()) {
+      step();
+    }
+    printer_.flush();
+    return lastWord(waitForEngineProcess(engine_));
+  }
+
+ private:
+  void step() {
+    std::array<pollfd, 3> sources{{{engine_.lines.events, POLLIN, 0},
+                                   {wakeUp_.descriptor(), POLLIN, 0},
+                                   {buttons_ > 0 && answerLines_.isOpen() ? STDIN_FILENO : -1, POLLIN, 0}}};
+    if (::poll(sources.data(), sources.size(), -1) <= 0) {
+      return;
+    }
+    if (sources[1].revents != 0) {
+      wakeUp_.clear();
+      isStopped_ = true;
+      kill(engine_.pid, SIGTERM);
+    }
+    if (sources[0].revents != 0) {
+      engineLines_.read([this](const std::string& line) { hear(line); });
+    }
+    if (sources[2].revents != 0) {
+      answerLines_.read([this](const std::string& line) { typed_.push_back(line); });
+      answerFromWhatWasTyped();
+    }
+  }
+
+  // Lines may be typed, or piped, before their question comes.
+  void answerFromWhatWasTyped() {
+    while (buttons_ > 0 && !typed_.empty()) {
+      answer(typed_.front());
+      typed_.pop_front();
+    }
+    if (buttons_ > 0 && !answerLines_.isOpen()) {
+      closeCommands();  // nobody can answer: the engine ends the run
+    }
+  }
+
+  void hear(const std::string& line) {
+    const ordered_json event = ordered_json::parse(line, nullptr, false);
+    if (!event.is_object()) {
+      return;
+    }
+    printer_.show(event, std::chrono::steady_clock::now());
+    const std::string name = event.value("event", std::string());
+    if (name == "alert") {
+      buttons_ = static_cast<int>(event["buttons"].size());
+      answerFromWhatWasTyped();
+    } else if (name == "next") {
+      nextIsEnabled_ = event.value("enabled", false);
+    } else if (name == "idle") {
+      if (nextIsEnabled_) {
+        send({{"do", "forward"}});
+      }
+      send({{"do", "quit"}});
+    }
+  }
+
+  // Buttons are answered by number; an empty line presses the first.
+  void answer(const std::string& line) {
+    const std::size_t start = line.find_first_not_of(" \t\r");
+    const std::string_view digits = start == std::string::npos ? "1" : std::string_view(line).substr(start);
+    int number = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    const bool isWhole = std::string_view(end, digits.data() + digits.size()).find_first_not_of(" \t\r") ==
+                         std::string_view::npos;
+    if (error != std::errc{} || !isWhole || number < 1 || number > buttons_) {
+      printLine("  Please type a number from 1 to " + std::to_string(buttons_) + ".");
+      return;
+    }
+    buttons_ = 0;
+    send({{"answer", kAlertFirstButtonReturn + number - 1}});
+  }
+
+  void send(const ordered_json& command) {
+    if (engine_.lines.commands >= 0) {
+      writeAll(engine_.lines.commands, jsonLine(command));
+    }
+  }
+
+  void closeCommands() {
+    if (engine_.lines.commands >= 0) {
+      close(engine_.lines.commands);
+      engine_.lines.commands = -1;
+    }
+  }
+
+  std::string readSummary() {
+    std::string text;
+    std::array<char, 4096> buffer{};
+    ssize_t count = 0;
+    while ((count = ::read(engine_.lines.summary, buffer.data(), buffer.size())) > 0) {
+      text.append(buffer.data(), static_cast<std::size_t>(count));
+    }
+    return text;
+  }
+
+  ExitStatus lastWord(ExitStatus status) {
+    const ordered_json summary = ordered_json::parse(readSummary(), nullptr, false);
+    if (summary.is_object()) {
+      const std::string amount = sizeText(summary.value("kBytesCopied", 0.0) * 1024.0) + " in " +
+                                 durationText(summary.value("seconds", 0.0));
+      switch (status) {
+        case ExitStatus::success: printLine("Installed " + amount + "."); break;
+        case ExitStatus::noAnswer:
+          printLine("! Stopped: a question needs an answer, and the input is closed. Copied " + amount + ".");
+          break;
+        default:
+          printLine("! Not installed, or not wholly: see the lines that begin with \"!\". Copied " + amount + ".");
+          break;
+      }
+    } else if (isStopped_) {
+      printLine("! Stopped. What was copied so far stays; run the installer again to complete it.");
+    } else if (status == ExitStatus::failure) {
+      printLine("! The installer's engine ended before its time.");
+    }
+    if (std::string caches; status != ExitStatus::badUsage && firstUserSearchPath(SearchPath::caches, caches)) {
+      printLine("The log is " + caches + "/Tavenhall/installationLog.txt.");
+    }
+    return status;
+  }
+
+  WakeUp wakeUp_;
+  EngineProcess engine_;
+  PlainPrinter printer_{printLine};
+  LineReader engineLines_{engine_.lines.events};
+  LineReader answerLines_{STDIN_FILENO};
+  std::deque<std::string> typed_;
+  int buttons_ = 0;  // of the alert that is up; 0 when there is none
+  bool nextIsEnabled_ = false;
+  bool isStopped_ = false;
+};
+
+}  // namespace
+
+ExitStatus runPlainFace(const RunOptions& options) { return PlainFace(options).run(); }
+
+}  // namespace tavenhall

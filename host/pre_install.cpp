@@ -1,0 +1,84 @@
+#include "host/pre_install.h"
+
+#include "host/usage_error.h"
+#include "platform/system.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <string>
+#include <string_view>
+#include <unistd.h>
+
+namespace tavenhall {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* kLocationFile = "/tmp/TavInstallLoc";
+constexpr const char* kInstallTypeFile = "/tmp/TavInstallType";
+constexpr std::size_t kLongestLocation = 1022;  // bytes that the page reads of it before the newline
+
+// Links are not followed: anybody may have put one into a folder that everybody can write.
+void writeLine(const char* path, const std::string& line) {
+  const int descriptor = open(path, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0644);
+  const std::string text = line + "\n";
+  const bool isWritten =
+      descriptor >= 0 && write(descriptor, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+  const int error = errno;
+  if (descriptor >= 0) {
+    close(descriptor);
+  }
+  if (!isWritten) {
+    throw UsageError("cannot write " + std::string(path) + ": " + std::strerror(error));
+  }
+}
+
+void makeHomeFolder(SearchPath which) {
+  std::string path;
+  if (!firstUserSearchPath(which, path)) {
+    throw UsageError("cannot find the home folder; set HOME");
+  }
+  std::error_code error;
+  fs::create_directories(path, error);
+  if (error) {
+    throw UsageError("cannot make the folder " + path + ": " + error.message());
+  }
+}
+
+}  // namespace
+
+fs::path packageLocation(const fs::path& package) {
+  std::error_code error;
+  if (!fs::exists(package, error)) {
+    throw UsageError("no package at " + package.string() + "; --package takes the installer package's path");
+  }
+  fs::path location = package;
+  if (package.is_relative()) {
+    // The package's own name stays, also when it is a link: its folder is where the set lies.
+    const fs::path parent = package.has_parent_path() ? package.parent_path() : fs::path(".");
+    location = package.filename() == ".." || package.filename() == "." ? fs::canonical(package)
+                                                                      : fs::canonical(parent) / package.filename();
+  }
+  const std::string& text = location.native();
+  if (text.find('\n') != std::string::npos) {
+    throw UsageError("the package's path holds a line break, so the page cannot be told of it: move " + text);
+  }
+  if (text.size() > kLongestLocation) {
+    throw UsageError("the package's path is longer than " + std::to_string(kLongestLocation) +
+                     " bytes, so the page cannot be told of it: move " + text);
+  }
+  return location;
+}
+
+void runPreInstallStep(const RunOptions& options) {
+  makeHomeFolder(SearchPath::caches);
+  makeHomeFolder(SearchPath::applicationSupport);
+  writeLine(kLocationFile, packageLocation(options.package).native());
+  if (!options.installType.empty()) {
+    writeLine(kInstallTypeFile, options.installType);
+  }
+}
+
+}  // namespace tavenhall
