@@ -1,88 +1,23 @@
 #include "host/build_facts.h"
-#include "host/bundle_loader.h"
-#include "host/engine_process.h"
-#include "host/plain_face.h"
-#include "host/pre_install.h"
-#include "host/run_options.h"
+#include "host/command_line.h"
 #include "host/usage_error.h"
 
 #include <CLI/CLI.hpp>
 #include <clocale>
 #include <cstdio>
 #include <exception>
-#include <iterator>
 #include <string>
-#include <unistd.h>
-#include <vector>
 
 namespace tavenhall {
 
 namespace {
 
-struct RunArguments {
-  std::string package;
-  std::string installType;
-  std::string bundle;
-  std::string product;
-  std::string ui = "plain";
-  std::string summary;
-  bool noPreInstall = false;
-};
-
-CLI::App* addRunCommand(CLI::App& program, RunArguments& arguments) {
-  CLI::App* run = program.add_subcommand("run", "Install: show the page and see it through");
-  run->add_option("--package", arguments.package, "The installer package; its data lies beside it or on discs")
-      ->type_name("PATH");
-  run->add_option("--install-type", arguments.installType, "The edition to install, where there is a choice")
-      ->check(CLI::IsMember({"Lite", "Full"}))
-      ->type_name("Lite|Full");
-  run->add_option("--product", arguments.product, "The product whose plug-in shows the page")
-      ->check(CLI::IsMember(std::vector<std::string>(std::begin(kProducts), std::end(kProducts))))
-      ->type_name("NAME");
-  run->add_option("--bundle", arguments.bundle, "The plug-in bundle, instead of a product's own")
-      ->type_name("DIR")
-      ->excludes("--product");
-  run->add_option("--ui", arguments.ui, "How the page is shown")
-      ->check(CLI::IsMember({"json", "plain", "quiet"}))
-      ->type_name("json|plain|quiet")
-      ->capture_default_str();
-  run->add_option("--summary", arguments.summary, "Write what happened to this file, as JSON")->type_name("FILE");
-  run->add_flag("--no-preinstall", arguments.noPreInstall,
-                "Use the files that a package's pre-install step has left in /tmp");
-  return run;
-}
-
-RunOptions optionsFrom(const RunArguments& arguments) {
-  RunOptions options;
-  if (!arguments.noPreInstall) {
-    if (arguments.package.empty()) {
-      throw UsageError("--package is needed (or --no-preinstall)");
-    }
-    options.package = packageLocation(arguments.package);
-    options.installType = arguments.installType;
-  }
-  options.bundle = arguments.bundle.empty() ? findBundle(arguments.product) : std::filesystem::path(arguments.bundle);
-  options.face = arguments.ui == "json" ? Face::json : arguments.ui == "quiet" ? Face::quiet : Face::plain;
-  options.summary = arguments.summary;
-  return options;
-}
-
-ExitStatus run(const RunArguments& arguments) {
-  const RunOptions options = optionsFrom(arguments);
-  switch (options.face) {
-    case Face::json: runEngine(options, {STDIN_FILENO, STDOUT_FILENO, -1});
-    case Face::quiet: runEngine(options, {});
-    case Face::plain: break;
-  }
-  return runPlainFace(options);
-}
-
 ExitStatus runProgram(int argc, char** argv) {
-  CLI::App program("Installs sample libraries: the data page of the installer, without one.", "tavinstall");
+  CommandLine commandLine;
+  CLI::App& program = commandLine.program;
   program.set_version_flag("--version", std::string("tavinstall ") + kVersion);
   program.require_subcommand(1);
-  RunArguments arguments;
-  addRunCommand(program, arguments);
+  addRunCommand(commandLine);
   try {
     program.parse(argc, argv);
   } catch (const CLI::Success& request) {
@@ -91,7 +26,7 @@ ExitStatus runProgram(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     throw UsageError(error.what());
   }
-  return run(arguments);
+  return commandLine.chosen();
 }
 
 }  // namespace
