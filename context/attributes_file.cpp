@@ -79,7 +79,7 @@ std::int64_t getLongLongFromAttributesFile(const char* key) noexcept {
   }
   std::int64_t number = 0;
   const bool found = searchLines(file, [&number, key](const AttributesLine& line) {
-    readAttributesNumber(line.value, number);  // required for every line: a later value that is no number keeps it
+    readAttributesNumber(line.value, number);  // required for every line, so a value that is no number keeps it
     return isNumberKey(line.key, key);
   });
   std::fclose(file);

@@ -53,7 +53,9 @@ constexpr std::array<OptionalDisc, 5> kOptionalDiscs{{
     {"Tin Parade", "/Volumes/Tin Parade DOVA Outrider"},
 }};
 
-bool contains(std::string_view text, std::string_view part) { return text.find(part) != std::string_view::npos; }
+bool contains(std::string_view text, std::string_view part) {
+  return text.find(part) != std::string_view::npos;
+}
 
 }  // namespace
 
@@ -131,7 +133,8 @@ void volumeMountPath(std::string_view pluginName, std::int32_t number, BoundedTe
     } else {
       // Required: only the first disc carries the maker's name, since the discs are labelled so. The
       // letter wraps in 8 bits.
-      const auto letter = static_cast<char>(static_cast<unsigned char>('B' + static_cast<std::uint32_t>(number) - 1U));
+      const auto letter =
+          static_cast<char>(static_cast<unsigned char>('B' + static_cast<std::uint32_t>(number) - 1U));
       path.append("Tessaphon ");
       path.append(std::string_view(&letter, letter == '\0' ? 0 : 1));
     }
@@ -144,7 +147,9 @@ void volumeMountPath(std::string_view pluginName, std::int32_t number, BoundedTe
   }
 }
 
-bool rootHasOptionalDiscs(std::string_view root) noexcept { return root.starts_with("/Volumes/Tempora QX Disc"); }
+bool rootHasOptionalDiscs(std::string_view root) noexcept {
+  return root.starts_with("/Volumes/Tempora QX Disc");
+}
 
 const OptionalDisc* optionalDiscForVolume(std::int32_t number) noexcept {
   if (number < kFirstOptionalVolume) {

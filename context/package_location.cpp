@@ -27,9 +27,8 @@ void getFolderContainingPKGfile(const char* subfolder) noexcept {
   sOutputPathWithCallersSubfolder.clear();
 
   bool couldNotOpen = false;
-  std::call_once(sHaveReadTavLocFile, [&couldNotOpen] {
-    couldNotOpen = !readFirstLine(kLocationFile, sContentsOfTavLocFile);
-  });
+  std::call_once(sHaveReadTavLocFile,
+                 [&couldNotOpen] { couldNotOpen = !readFirstLine(kLocationFile, sContentsOfTavLocFile); });
   if (couldNotOpen) {
     addEventToInstallationLog("getFolderContainingPKGfile: could not open preinstall file  %s", kLocationFile);
     return;

@@ -24,7 +24,9 @@ constexpr std::array<KindTest, kPluginKindCount> kKindTests{{
 // Required order. ".vst" matches whatever ".vst3" does, so the second never decides; it is left as it is.
 constexpr std::array<const char*, 5> kRemovableSuffixes{".vst", ".vst3", ".aaxplugin", ".component", ".app"};
 
-bool contains(std::string_view text, std::string_view part) { return text.find(part) != std::string_view::npos; }
+bool contains(std::string_view text, std::string_view part) {
+  return text.find(part) != std::string_view::npos;
+}
 
 }  // namespace
 
@@ -67,7 +69,9 @@ bool isAaxSignature(std::string_view source) noexcept {
   return contains(source, "Resources/__Pace_Eden/Signatures/codesign.dsig");
 }
 
-bool isAttributesFile(std::string_view source) noexcept { return contains(source, ".InstallationAttributes.dat"); }
+bool isAttributesFile(std::string_view source) noexcept {
+  return contains(source, ".InstallationAttributes.dat");
+}
 
 bool isAudioPluginDestination(std::string_view destination) noexcept {
   return contains(destination, "/Audio/Plug-Ins");

@@ -60,7 +60,8 @@ PageFactory loadBundle(const fs::path& bundle) {
   }
   auto factory = reinterpret_cast<PageFactory>(dlsym(handle, kPageFactoryName));
   if (factory == nullptr) {
-    throw UsageError("cannot load " + bundle.string() + ": it makes no page (" + kPageFactoryName + " is missing)");
+    throw UsageError("cannot load " + bundle.string() + ": it makes no page (" + kPageFactoryName +
+                     " is missing)");
   }
   return factory;
 }

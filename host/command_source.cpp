@@ -63,7 +63,8 @@ void CommandSource::read() {
 }
 
 void CommandSource::take(std::string_view line) {
-  const ParsedLine parsed = line.size() > LineReader::kLongestLine ? BadLine{"the line is too long"} : parseCommandLine(line);
+  const ParsedLine parsed =
+      line.size() > LineReader::kLongestLine ? BadLine{"the line is too long"} : parseCommandLine(line);
   if (const auto* command = std::get_if<Command>(&parsed)) {
     commands_.push_back(*command);
   } else if (const auto* answer = std::get_if<int>(&parsed)) {

@@ -167,9 +167,7 @@ void Engine::perform(Command command) {
       page_->didEnterPane(kDirectionForward);
       say([](EventSink& events) { events.plain("entered"); });
       break;
-    case Command::wait:
-      say([](EventSink& events) { events.plain("idle"); });
-      break;
+    case Command::wait: say([](EventSink& events) { events.plain("idle"); }); break;
     case Command::forward: leave(kDirectionForward); break;
     case Command::back: leave(kDirectionBackward); break;
     case Command::quit: isQuitting_ = true; break;

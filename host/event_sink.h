@@ -13,7 +13,7 @@ class EventSink {
  public:
   virtual ~EventSink() = default;
 
-  virtual void plain(const char* event) = 0;                       // "entered", "idle"
+  virtual void plain(const char* event) = 0;                        // "entered", "idle"
   virtual void text(const char* event, std::string_view text) = 0;  // "title", "instructions", "status"
   virtual void number(const char* event, double value) = 0;         // "progress.min", and so on
   virtual void enabled(const char* event, bool enabled) = 0;        // "previous", "next"

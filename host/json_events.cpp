@@ -38,7 +38,9 @@ void JsonEvents::assertion(const char* type, std::uint32_t level, const char* na
   write({{"event", "assertion"}, {"type", type}, {"level", level}, {"name", name}});
 }
 
-void JsonEvents::assertionReleased(const char* type) { write({{"event", "assertion.release"}, {"type", type}}); }
+void JsonEvents::assertionReleased(const char* type) {
+  write({{"event", "assertion.release"}, {"type", type}});
+}
 
 void JsonEvents::error(std::string_view message) { write({{"event", "error"}, {"message", message}}); }
 

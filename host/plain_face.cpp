@@ -160,7 +160,8 @@ class PlainFace {
           printLine("! Stopped: a question needs an answer, and the input is closed. Copied " + amount + ".");
           break;
         default:
-          printLine("! Not installed, or not wholly: see the lines that begin with \"!\". Copied " + amount + ".");
+          printLine("! Not installed, or not wholly: see the lines that begin with \"!\". Copied " + amount +
+                    ".");
           break;
       }
     } else if (isStopped_) {

@@ -72,8 +72,8 @@ void PlainPrinter::showText(std::string_view text) {
   std::string_view rest = clean;
   while (!rest.empty()) {
     const std::size_t end = std::min(rest.find('\n'), rest.size());
-    const std::string_view line = rest.substr(0, end);
-    print_(line.empty() ? std::string() : "  " + std::string(line));
+    const std::string line = "  " + std::string(rest.substr(0, end));
+    print_(line.substr(0, line.find_last_not_of(' ') + 1));  // texts from a file have blanks before line breaks
     rest.remove_prefix(std::min(end + 1, rest.size()));
   }
 }

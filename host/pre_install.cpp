@@ -58,8 +58,9 @@ fs::path packageLocation(const fs::path& package) {
   if (package.is_relative()) {
     // The package's own name stays, also when it is a link: its folder is where the set lies.
     const fs::path parent = package.has_parent_path() ? package.parent_path() : fs::path(".");
-    location = package.filename() == ".." || package.filename() == "." ? fs::canonical(package)
-                                                                      : fs::canonical(parent) / package.filename();
+    location = package.filename() == ".." || package.filename() == "."
+                   ? fs::canonical(package)
+                   : fs::canonical(parent) / package.filename();
   }
   const std::string& text = location.native();
   if (text.find('\n') != std::string::npos) {

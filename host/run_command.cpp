@@ -28,6 +28,9 @@ struct RunArguments {
   bool noPreInstall = false;
 };
 
+// The names are in the option's own text already, so the help does not list them again.
+CLI::Validator oneOf(const std::vector<std::string>& names) { return CLI::IsMember(names).description(""); }
+
 RunOptions optionsFrom(const RunArguments& arguments) {
   RunOptions options;
   if (!arguments.noPreInstall) {
@@ -37,7 +40,8 @@ RunOptions optionsFrom(const RunArguments& arguments) {
     options.package = packageLocation(arguments.package);
     options.installType = arguments.installType;
   }
-  options.bundle = arguments.bundle.empty() ? findBundle(arguments.product) : std::filesystem::path(arguments.bundle);
+  options.bundle =
+      arguments.bundle.empty() ? findBundle(arguments.product) : std::filesystem::path(arguments.bundle);
   options.face = arguments.ui == "json" ? Face::json : arguments.ui == "quiet" ? Face::quiet : Face::plain;
   options.summary = arguments.summary;
   return options;
@@ -61,23 +65,25 @@ void addRunCommand(CommandLine& commandLine) {
   run->add_option("--package", arguments->package, "The installer package; its data lies beside it or on discs")
       ->type_name("PATH");
   run->add_option("--install-type", arguments->installType, "The edition to install, where there is a choice")
-      ->check(CLI::IsMember({"Lite", "Full"}))
+      ->check(oneOf({"Lite", "Full"}))
       ->type_name("Lite|Full");
   CLI::Option* product =
       run->add_option("--product", arguments->product, "The product whose plug-in shows the page")
-          ->check(CLI::IsMember(std::vector<std::string>(std::begin(kProducts), std::end(kProducts))))
+          ->check(oneOf({std::begin(kProducts), std::end(kProducts)}))
           ->type_name("NAME");
   run->add_option("--bundle", arguments->bundle, "The plug-in bundle, instead of a product's own")
       ->type_name("DIR")
       ->excludes(product);
   run->add_option("--ui", arguments->ui, "How the page is shown")
-      ->check(CLI::IsMember({"json", "plain", "quiet"}))
+      ->check(oneOf({"json", "plain", "quiet"}))
       ->type_name("json|plain|quiet")
       ->capture_default_str();
-  run->add_option("--summary", arguments->summary, "Write what happened to this file, as JSON")->type_name("FILE");
+  run->add_option("--summary", arguments->summary, "Write what happened to this file, as JSON")
+      ->type_name("FILE");
   run->add_flag("--no-preinstall", arguments->noPreInstall,
                 "Use the files that a package's pre-install step has left in /tmp");
-  run->callback([&commandLine, arguments] { commandLine.chosen = [arguments] { return tavenhall::run(*arguments); }; });
+  run->callback(
+      [&commandLine, arguments] { commandLine.chosen = [arguments] { return tavenhall::run(*arguments); }; });
 }
 
 }  // namespace tavenhall

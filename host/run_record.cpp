@@ -56,7 +56,8 @@ std::string RunRecord::summary(const PaneSnapshot& pane) const {
   }
   auto alerts = nlohmann::ordered_json::array();
   for (const ShownAlert& alert : alerts_) {
-    alerts.push_back({{"message", alert.message}, {"informative", alert.informative}, {"buttons", alert.buttons}});
+    alerts.push_back(
+        {{"message", alert.message}, {"informative", alert.informative}, {"buttons", alert.buttons}});
     if (alert.answer) {
       alerts.back()["answer"] = *alert.answer;
     }

@@ -78,7 +78,8 @@ std::int32_t InstallDataPane::copyDirectoryOrFile(const char* source, const char
   return result;
 }
 
-std::int32_t InstallDataPane::copyDirectory(const char* source, const char* dest, const char* tailName) noexcept {
+std::int32_t InstallDataPane::copyDirectory(const char* source, const char* dest,
+                                            const char* tailName) noexcept {
   addEventToInstallationLog("Copying folder %s %s\n", source, dest);
   gItemCurrentlyBeingInstalled.assign(tailName);
   struct stat found {};
@@ -95,7 +96,8 @@ std::int32_t InstallDataPane::copyDirectory(const char* source, const char* dest
     BoundedText<kChildPathSize> childDest;
     childSource.format("%s/%s", source, entry->d_name);
     childDest.format("%s/%s", dest, entry->d_name);
-    result &= copyDirectoryOrFile(childSource.c_str(), childDest.c_str(), entry->d_name, entry->d_type == DT_DIR);
+    result &=
+        copyDirectoryOrFile(childSource.c_str(), childDest.c_str(), entry->d_name, entry->d_type == DT_DIR);
   }
   return result;
 }
@@ -143,7 +145,7 @@ std::int32_t InstallDataPane::copyBytes(const char* source, const char* dest) no
   std::array<char, kChunkSize> chunk;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled by the read
   int chunkNumber = 0;
   while (const std::size_t count = std::fread(chunk.data(), 1, chunk.size(), in)) {
-    std::fwrite(chunk.data(), 1, count, out);  // a short write shows in the sizes below
+    std::fwrite(chunk.data(), 1, count, out);                // a short write shows in the sizes below
     kBytesCopied += static_cast<std::int64_t>(count >> 10);  // required: each chunk is rounded down
     countForProgressLog(count);
     if (++chunkNumber % kChunksBetweenUpdates == 0) {
@@ -157,8 +159,9 @@ std::int32_t InstallDataPane::copyBytes(const char* source, const char* dest) no
   const std::int64_t sourceSize = sizeOf(source);
   const std::int64_t destSize = sizeOf(dest);
   if (sourceSize != destSize) {
-    addEventToInstallationLog("File copy failure: sizes differ: %s (size is %lld) %s  (size is %lld)  \n", source,
-                              static_cast<long long>(sourceSize), dest, static_cast<long long>(destSize));
+    addEventToInstallationLog("File copy failure: sizes differ: %s (size is %lld) %s  (size is %lld)  \n",
+                              source, static_cast<long long>(sourceSize), dest,
+                              static_cast<long long>(destSize));
     showSheetFromWorker(kSizesDifferSheet);
   }
   return 1;

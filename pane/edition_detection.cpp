@@ -95,8 +95,8 @@ void InstallDataPane::determineInstallationTypesInLocalTANVOFolder() noexcept {
 void InstallDataPane::detectMirelPackEdition(std::int32_t index) noexcept {
   const std::string library(mirelPackLibrary(gTwoComponentInstallFolderNames[index].view()));
   DetectionPath path;
-  path.format("%s/Mirel Packs/%s/Soundsources/Factory/%s Library", gTANVOorDOVA_destinationPath, library.c_str(),
-              library.c_str());
+  path.format("%s/Mirel Packs/%s/Soundsources/Factory/%s Library", gTANVOorDOVA_destinationPath,
+              library.c_str(), library.c_str());
   addEventToInstallationLog("Searching: %s \n", path.c_str());
 
   FolderListing listing(path.c_str());
@@ -120,9 +120,9 @@ void InstallDataPane::detectMirelPackEdition(std::int32_t index) noexcept {
     addEventToInstallationLog("Found %s file with size = %d\n", path.c_str(), size);
     const bool isLite = databaseSizeIsLite(size);
     gTwoComponentInstallChoicesAreLite[index] = isLite ? 1 : 0;
-    addEventToInstallationLog(isLite ? "Confirmed %s Library Installation is Lite\n"
-                                     : "Confirmed %s Library Installation is Full\n",
-                              library.c_str());
+    addEventToInstallationLog(
+        isLite ? "Confirmed %s Library Installation is Lite\n" : "Confirmed %s Library Installation is Full\n",
+        library.c_str());
     return;
   }
 }

@@ -107,10 +107,10 @@ class InstallDataPane final : public InstallerPane {
   [[nodiscard]] std::int32_t isReadyToProceed() const noexcept override;
   [[nodiscard]] PaneSnapshot snapshot() const noexcept override;
 
-  [[nodiscard]] bool _entriesAreValid() const noexcept;  // any thread
-  void _updateNextButtonState() noexcept;                // any thread
+  [[nodiscard]] bool _entriesAreValid() const noexcept;                               // any thread
+  void _updateNextButtonState() noexcept;                                             // any thread
   [[nodiscard]] static std::string _localizedStringForKey(const char* key) noexcept;  // any thread
-  void displayCompletionMessage() noexcept;              // the install thread
+  void displayCompletionMessage() noexcept;                                           // the install thread
 
   // A sheet with one button, the localised "OK_BUTTON". The second, for worker threads, hands over to the
   // main thread and returns once the sheet is begun.

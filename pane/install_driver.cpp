@@ -58,7 +58,8 @@ void InstallDataPane::doEntireInstall() noexcept {
   host().setNextEnabled(true);
   host().setPreviousEnabled(false);
   addEventToInstallationLog("Enabling Next button 2");
-  addEventToInstallationLog("Installation complete\n*********************************************************\n");
+  addEventToInstallationLog(
+      "Installation complete\n*********************************************************\n");
 }
 
 // A folder that is not beside the package is passed over without a word.

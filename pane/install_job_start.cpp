@@ -60,9 +60,7 @@ void InstallDataPane::spawnBackgroundInstallJob() noexcept {
 void InstallDataPane::settleEditionOption() noexcept {
   switch (gInstallMode) {
     case kModeDataUpdater:
-    case kModeOtherRelative:
-      gInstallationHasLiteVsFullOption = readVolumesOfferEditions() ? 1 : 0;
-      break;
+    case kModeOtherRelative: gInstallationHasLiteVsFullOption = readVolumesOfferEditions() ? 1 : 0; break;
     case kModeVolumes:
       gInstallationHasLiteVsFullOption = readVolumesOfferEditions() && promptIsWanted() ? 1 : 0;
       break;
@@ -71,8 +69,7 @@ void InstallDataPane::settleEditionOption() noexcept {
       gInstallationHasLiteVsFullOption = gNumTwoComponentInstallFolders > 0 ? 1 : 0;
       determineInstallationTypesInLocalTANVOFolder();
       return;  // the choice file is for the other modes
-    default:
-      return;
+    default: return;
   }
   if (gInstallationHasLiteVsFullOption != 0) {
     readEditionChoiceFile();
@@ -117,8 +114,8 @@ void InstallDataPane::announceDetectedEditions() noexcept {
     text.format("%s installation detected for %s. Performing %s data update.", words.edition,
                 libraryDisplayName(folder).c_str(), words.phrase);
     static constexpr std::array<const char*, 1> kButtons{"Continue"};
-    static_cast<void>(host().runModal(
-        {"Detected Installation Type", text.c_str(), kButtons, kAlertStyleInformational}));
+    static_cast<void>(
+        host().runModal({"Detected Installation Type", text.c_str(), kButtons, kAlertStyleInformational}));
   }
 }
 

@@ -42,9 +42,9 @@ void removeExisting(const char* dest) {
   RemovalError error;
   if (isRemovable(dest)) {
     error = removeItem(dest);
-    addEventToInstallationLog(error.failed ? "Unable to delete existing p/w/a at %s"
-                                           : "Successfully deleted existing p/w/a at %s",
-                              dest);
+    addEventToInstallationLog(
+        error.failed ? "Unable to delete existing p/w/a at %s" : "Successfully deleted existing p/w/a at %s",
+        dest);
   }
   addEventToInstallationLog(" ...  %s %s", error.localizedDescription.c_str(),
                             error.localizedFailureReason.c_str());

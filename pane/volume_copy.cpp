@@ -55,8 +55,9 @@ void InstallDataPane::copySingleVolume() noexcept {
         destination.format("%s/%s", copyDstPath, name);
       }
       addEventToInstallationLog("Begin copySingleVolume for copySrcPathWithSubFolder %s\n", source.c_str());
-      readyToProceed = copyDirectoryOrFile(source.c_str(), copyDstPath != nullptr ? destination.c_str() : nullptr,
-                                           gTANVOorDOVAnameOnly.c_str(), true);
+      readyToProceed =
+          copyDirectoryOrFile(source.c_str(), copyDstPath != nullptr ? destination.c_str() : nullptr,
+                              gTANVOorDOVAnameOnly.c_str(), true);
     }
   } else {
     addEventToInstallationLog("Begin copySingleVolume: copySrcPath %s\n", copySrcPath);

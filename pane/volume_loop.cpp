@@ -34,7 +34,8 @@ void InstallDataPane::installAllVolumesForOneOf_TANVOorDOVA() noexcept {
     const OptionalDisc* optionalDisc = chooseVolumeRoot(hasOptionalDiscs);
     auto& root = gPathOfSourceDataExcludingTANVOtail;
     gPathOfSourceDataIncludingTANVOtail.format("%s/%s", root.c_str(), gTANVOorDOVAnameOnly.c_str());
-    addEventToInstallationLog("Volume %d %s\n", gCurrentVolumeNumber, gPathOfSourceDataIncludingTANVOtail.c_str());
+    addEventToInstallationLog("Volume %d %s\n", gCurrentVolumeNumber,
+                              gPathOfSourceDataIncludingTANVOtail.c_str());
     gAltSrcFolder.format("%s/Mac OSX/%s", root.c_str(), gTANVOorDOVAnameOnly.c_str());
     status->setTitleWithMnemonic(" ");
 
