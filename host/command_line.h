@@ -16,5 +16,6 @@ struct CommandLine {
 };
 
 void addRunCommand(CommandLine& commandLine);
+void addLogCommand(CommandLine& commandLine);
 
 }  // namespace tavenhall

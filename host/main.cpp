@@ -18,6 +18,7 @@ ExitStatus runProgram(int argc, char** argv) {
   program.set_version_flag("--version", std::string("tavinstall ") + kVersion);
   program.require_subcommand(1);
   addRunCommand(commandLine);
+  addLogCommand(commandLine);
   try {
     program.parse(argc, argv);
   } catch (const CLI::Success& request) {

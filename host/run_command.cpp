@@ -31,6 +31,14 @@ struct RunArguments {
 // The names are in the option's own text already, so the help does not list them again.
 CLI::Validator oneOf(const std::vector<std::string>& names) { return CLI::IsMember(names).description(""); }
 
+std::string joinedProducts() {
+  std::string names;
+  for (const char* product : kProducts) {
+    names += (names.empty() ? "" : "|") + std::string(product);
+  }
+  return names;
+}
+
 RunOptions optionsFrom(const RunArguments& arguments) {
   RunOptions options;
   if (!arguments.noPreInstall) {
@@ -70,7 +78,7 @@ void addRunCommand(CommandLine& commandLine) {
   CLI::Option* product =
       run->add_option("--product", arguments->product, "The product whose plug-in shows the page")
           ->check(oneOf({std::begin(kProducts), std::end(kProducts)}))
-          ->type_name("NAME");
+          ->type_name(joinedProducts());
   run->add_option("--bundle", arguments->bundle, "The plug-in bundle, instead of a product's own")
       ->type_name("DIR")
       ->excludes(product);

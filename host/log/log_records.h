@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstddef>
+#include <ctime>
+#include <functional>
+#include <string>
+#include <string_view>
+
+// An installation log as the page writes it: records of the form "<local time> <host>: <message>\n", whose
+// messages may hold line breaks of their own.
+namespace tavenhall {
+
+struct LogRecord {
+  std::string_view time;  // "November 21 2026 05:14:47"
+  std::string_view host;
+  std::string_view message;  // without the record's last newline
+};
+
+// Cuts a log into records. One thread; the memory it needs is that of the longest record.
+class LogRecords {
+ public:
+  // `take` gets each record when it is whole; its texts are valid only during the call.
+  explicit LogRecords(std::function<void(const LogRecord&)> take) : take_(std::move(take)) {}
+
+  // The next piece of the log, of any size.
+  void add(std::string_view bytes);
+
+  // The log has ended: what is left is the last record.
+  void finish();
+
+  // Bytes before the first record, and of records longer than kLongestRecord beyond that: not of this page.
+  [[nodiscard]] std::size_t foreignBytes() const { return foreignBytes_; }
+
+  static constexpr std::size_t kLongestRecord = 65536;  // bytes; the page's own end at about 4500
+
+ private:
+  void takeLine(std::string_view line);
+  void takeRecord();
+
+  std::function<void(const LogRecord&)> take_;
+  std::string partialLine_;
+  std::string record_;  // the lines of the record that is being read
+  std::size_t foreignBytes_ = 0;
+};
+
+// The seconds of a record's time since 1970, as the local time of this machine's time zone; -1 when it is no
+// time.
+[[nodiscard]] std::time_t timeOfRecord(std::string_view time);
+
+}  // namespace tavenhall

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "host/log/run_story.h"
+
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+
+namespace tavenhall {
+
+// One run as a person at support reads it: several lines, newline at the end. `number` counts from 1.
+[[nodiscard]] std::string reportText(const RunStory& story, int number);
+
+// The same as one JSON object.
+[[nodiscard]] nlohmann::ordered_json reportJson(const RunStory& story, int number);
+
+}  // namespace tavenhall

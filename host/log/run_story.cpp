@@ -1,0 +1,227 @@
+#include "host/log/run_story.h"
+
+#include <charconv>
+#include <utility>
+
+namespace tavenhall {
+
+namespace {
+
+// If `text` begins with `start`, steps over it.
+bool take(std::string_view& text, std::string_view start) {
+  if (!text.starts_with(start)) {
+    return false;
+  }
+  text.remove_prefix(start.size());
+  return true;
+}
+
+std::string_view withoutEnd(std::string_view text) {
+  const std::size_t last = text.find_last_not_of(" \n");
+  return text.substr(0, last == std::string_view::npos ? 0 : last + 1);
+}
+
+// The number at the start of the text, which is stepped over.
+std::optional<int> takeNumber(std::string_view& text) {
+  int number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc{}) {
+    return std::nullopt;
+  }
+  text.remove_prefix(static_cast<std::size_t>(end - text.data()));
+  return number;
+}
+
+std::string_view nameOf(std::string_view path) { return path.substr(path.rfind('/') + 1); }
+
+// The first of two paths that a record names one after the other. Paths hold blanks, so where the first ends
+// is told by the name that both have in common; the whole text where there is no such place.
+std::string_view firstPath(std::string_view paths) {
+  for (std::size_t at = paths.find(" /"); at != std::string_view::npos; at = paths.find(" /", at + 1)) {
+    const std::string_view first = paths.substr(0, at);
+    const std::string_view second = paths.substr(at + 1);
+    const std::string_view name = nameOf(first);
+    const std::size_t found = second.find(name);
+    const bool isInBoth = !name.empty() && found != std::string_view::npos && found > 0 &&
+                          second[found - 1] == '/' &&
+                          (found + name.size() == second.size() || second[found + name.size()] == ' ');
+    if (isInBoth) {
+      return first;
+    }
+  }
+  return paths;
+}
+
+// The folder that "<folder> <result> <errno> <folder>" names, if the result is not 0; else nothing.
+std::string_view failedFolder(std::string_view text) {
+  for (std::size_t at = text.find(' '); at != std::string_view::npos; at = text.find(' ', at + 1)) {
+    const std::string_view folder = text.substr(0, at);
+    std::string_view rest = text.substr(at + 1);
+    const auto result = takeNumber(rest);
+    if (result && take(rest, " ") && takeNumber(rest) && take(rest, " ") && rest == folder) {
+      return *result != 0 ? folder : std::string_view();
+    }
+  }
+  return {};
+}
+
+}  // namespace
+
+void RunStories::add(const LogRecord& record) {
+  std::string_view message = record.message;
+  if (const std::size_t banner = message.find("  Install Data Pane Enter: ");
+      message.starts_with("\n\n*") && banner != std::string_view::npos) {
+    finish();
+    story_.emplace();
+    story_->begin = record.time;
+    story_->host = record.host;
+    story_->pageVersion = withoutEnd(message.substr(message.find(": ", banner) + 2));
+    story_->title = std::exchange(titleBefore_, {});
+    story_->attributesFile = attributesBefore_;
+  }
+  takeSetting(message);
+  if (!story_ || story_->outcome == RunEnd::complete) {
+    return;  // what follows a run that is complete belongs to the next one
+  }
+  story_->end = record.time;
+  story_->lastMessage = withoutEnd(message);
+  takeVolume(record);
+  takePrompt(record);
+  takeFailure(record);
+  if (message.starts_with("Installation complete")) {
+    story_->outcome = RunEnd::complete;
+  } else if (message.starts_with("InstallData fatal error")) {
+    story_->outcome = RunEnd::noDataFolder;
+  }
+}
+
+void RunStories::finish() {
+  if (story_) {
+    tell_(*story_);
+    story_.reset();
+  }
+}
+
+// The attributes file is named once a process, and the title is asked for at any time, so both may come
+// before the run that they belong to.
+void RunStories::takeSetting(std::string_view message) {
+  if (take(message, "Found Installation Attribute File at  ")) {
+    attributesBefore_ = withoutEnd(message);
+    if (story_) {
+      story_->attributesFile = attributesBefore_;
+    }
+  } else if (message == "Did not find Installation Attribute File.") {
+    attributesBefore_.clear();
+  } else if (take(message, "Data from attributes file::  InstallData title=")) {
+    (story_ && story_->outcome == RunEnd::never ? story_->title : titleBefore_) = withoutEnd(message);
+  }
+  if (!story_) {
+    return;
+  }
+  if (take(message, "Installation mode is ")) {
+    story_->mode = takeNumber(message);
+  } else if (take(message, "Install Type = ")) {
+    story_->edition = message;
+  } else if (take(message, "After resolve 1 ")) {
+    story_->destination = message;
+  } else if (take(message, "Confirmed ")) {
+    constexpr std::string_view kMiddle = " Library Installation is ";
+    if (const std::size_t middle = message.find(kMiddle); middle != std::string_view::npos) {
+      story_->detectedEditions.push_back(std::string(message.substr(0, middle)) + ": " +
+                                         std::string(withoutEnd(message.substr(middle + kMiddle.size()))));
+    }
+  } else if (take(message, "Successfully deleted existing p/w/a at ")) {
+    story_->placed.emplace_back(message);
+  } else if (message.starts_with("readyToProceed is False")) {
+    ++story_->refusals;
+  }
+}
+
+RunVolume& RunStories::volume() {
+  if (story_->volumes.empty()) {
+    story_->volumes.emplace_back();
+  }
+  return story_->volumes.back();
+}
+
+void RunStories::takeVolume(const LogRecord& record) {
+  std::string_view message = record.message;
+  if (take(message, "Volume ")) {
+    const auto number = takeNumber(message);
+    if (number && message.starts_with(" /")) {
+      story_->volumes.emplace_back();
+      story_->volumes.back().number = *number;
+    }
+  } else if (take(message, "Begin copySingleVolume: copySrcPath ") ||
+             take(message, "Begin copySingleVolume for copySrcPathWithSubFolder ")) {
+    if (volume().begin.empty()) {
+      volume().begin = record.time;
+      volume().folder = withoutEnd(message);
+    }
+  } else if (take(message, "End copySingleVolume: copySrcPath ")) {
+    volume().end = record.time;
+  } else if (message.starts_with("Copying folder ")) {
+    ++volume().folders;
+  } else if (message.starts_with("Data copy progress ")) {
+    ++volume().hundredsOfMegabytes;
+  }
+}
+
+// Is the latest prompt for that volume, and still open? Some products' discs all bear one name.
+bool RunStories::isWaitingFor(std::string_view volumeName) const {
+  return !story_->prompts.empty() && story_->prompts.back().volume == volumeName &&
+         story_->prompts.back().found.empty() && !story_->prompts.back().isSkipped;
+}
+
+void RunStories::takePrompt(const LogRecord& record) {
+  std::string_view message = record.message;
+  const bool isOptional = take(message, "Dialog prompting to insert optional disc: ");
+  if (isOptional || take(message, "Dialog prompting to insert mandatory volume ")) {
+    takeNumber(message);
+    const std::string name(withoutEnd(message.substr(message.empty() ? 0 : 1)));
+    if (!isWaitingFor(name)) {
+      RunPrompt& prompt = story_->prompts.emplace_back();
+      prompt.time = record.time;
+      prompt.volume = name;
+      prompt.isOptional = isOptional;
+    }
+    ++story_->prompts.back().times;
+  } else if (message.starts_with("Skipping an optional disc")) {
+    if (!story_->prompts.empty()) {
+      story_->prompts.back().isSkipped = true;
+    }
+  } else if (message.starts_with("Using primary folder ") || message.starts_with("Using alternate folder ")) {
+    if (!story_->prompts.empty() && isWaitingFor(story_->prompts.back().volume)) {
+      story_->prompts.back().found = record.time;
+    }
+  }
+}
+
+void RunStories::takeFailure(const LogRecord& record) {
+  std::string_view message = record.message;
+  if (take(message, "Source error ")) {
+    fail(record, "source", firstPath(withoutEnd(message)));
+  } else if (take(message, "Target error ")) {
+    fail(record, "target", firstPath(withoutEnd(message)));
+  } else if (take(message, "File copy failure: sizes differ: ")) {
+    fail(record, "size", message.substr(0, message.find(" (size is ")));
+  } else if (take(message, "mkdir2 sudo mkdir ")) {
+    if (const std::string_view folder = failedFolder(message); !folder.empty()) {
+      fail(record, "folder", folder);
+    }
+  } else if (take(message, "Files to be installed not found ")) {
+    fail(record, "not-found", message);
+  } else if (take(message, "copyDirectoryOrFile: no destination for ")) {
+    fail(record, "no-destination", message);
+  }
+}
+
+void RunStories::fail(const LogRecord& record, const char* kind, std::string_view file) {
+  ++story_->failureCount;
+  if (story_->failures.size() < RunStory::kMostFailures) {
+    story_->failures.push_back(
+        {std::string(record.time), kind, std::string(file), std::string(withoutEnd(record.message))});
+  }
+}
+
+}  // namespace tavenhall
