@@ -52,6 +52,9 @@ class RecordingHost final : public InstallerHost {
   // and counts as one.
   void serve();
 
+  // Runs `worker` on a page thread of its own, of which no line tells, and serves as above.
+  void serve(std::function<void()> worker);
+
   // ---- InstallerHost ----
 
   TextField& instructions() noexcept override;

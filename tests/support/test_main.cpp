@@ -1,0 +1,14 @@
+#include "tests/support/private_root.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+int main(int argumentCount, char** arguments) {
+  testing::InitGoogleTest(&argumentCount, arguments);
+  const rlimit noCoreFiles{0, 0};  // some tests expect a process to abort
+  setrlimit(RLIMIT_CORE, &noCoreFiles);
+  if (!GTEST_FLAG_GET(list_tests)) {
+    tavenhall::test::enterPrivateRoot();
+  }
+  return RUN_ALL_TESTS();
+}
