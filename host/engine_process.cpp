@@ -141,6 +141,10 @@ Pipe makePipe() {
 }  // namespace
 
 EngineProcess startEngineProcess(const RunOptions& options) {
+  return startEngineProcess([&options](const EngineLines& lines) -> ExitStatus { runEngine(options, lines); });
+}
+
+EngineProcess startEngineProcess(const EngineBody& body) {
   const Pipe commands = makePipe();
   const Pipe events = makePipe();
   const Pipe summary = makePipe();
@@ -155,7 +159,7 @@ EngineProcess startEngineProcess(const RunOptions& options) {
     close(summary.readEnd);
     setsid();
     try {
-      runEngine(options, {commands.readEnd, events.writeEnd, summary.writeEnd});
+      endProcess(body({commands.readEnd, events.writeEnd, summary.writeEnd}));
     } catch (const UsageError& error) {
       std::fprintf(stderr, "tavinstall: %s\n", error.what());
       endProcess(ExitStatus::badUsage);

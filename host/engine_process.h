@@ -3,6 +3,7 @@
 #include "host/exit_status.h"
 #include "host/run_options.h"
 
+#include <functional>
 #include <sys/types.h>
 
 namespace tavenhall {
@@ -28,6 +29,11 @@ struct EngineProcess {
 // Starts one. Usage errors are shown by it on standard error, and its exit status tells. Before any thread.
 // Throws std::system_error when there can be no process.
 [[nodiscard]] EngineProcess startEngineProcess(const RunOptions& options);
+
+// The same with something else that speaks an engine's lines: `body` runs in the new process, with the
+// engine's ends, and its result is the exit status.
+using EngineBody = std::function<ExitStatus(const EngineLines& lines)>;
+[[nodiscard]] EngineProcess startEngineProcess(const EngineBody& body);
 
 // Waits for it and gives its exit status; ExitStatus::failure when a signal ended it.
 [[nodiscard]] ExitStatus waitForEngineProcess(const EngineProcess& process);

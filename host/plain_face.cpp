@@ -1,6 +1,5 @@
 #include "host/plain_face.h"
 
-#include "host/engine_process.h"
 #include "host/json_events.h"
 #include "host/line_reader.h"
 #include "host/plain_printer.h"
@@ -34,7 +33,7 @@ void askToStop(int /*signal*/) { stopRequested->signal(); }
 // One run, seen through the lines of an engine in another process.
 class PlainFace {
  public:
-  explicit PlainFace(const RunOptions& options) : engine_(startEngineProcess(options)) {
+  explicit PlainFace(const EngineProcess& engine) : engine_(engine) {
     send({{"do", "title"}});
     send({{"do", "enter"}});
     send({{"do", "wait"}});
@@ -188,6 +187,6 @@ class PlainFace {
 
 }  // namespace
 
-ExitStatus runPlainFace(const RunOptions& options) { return PlainFace(options).run(); }
+ExitStatus runPlainFace(const EngineProcess& engine) { return PlainFace(engine).run(); }
 
 }  // namespace tavenhall

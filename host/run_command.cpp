@@ -62,7 +62,7 @@ ExitStatus run(const RunArguments& arguments) {
     case Face::quiet: runEngine(options, {});
     case Face::plain: break;
   }
-  return runPlainFace(options);
+  return runPlainFace(startEngineProcess(options));
 }
 
 }  // namespace
