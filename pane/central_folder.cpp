@@ -80,8 +80,8 @@ const char* InstallDataPane::findCentralFolder(const char* name) noexcept {
     path = linked.c_str();
   }
   std::string aliased;
-  if (resolveAlias(path.c_str(), aliased)) {
-    path = aliased;
+  if (resolveAlias(path.c_str(), aliased) && aliased.size() < kLinkSize) {
+    path = aliased;  // one that is longer counts as none
   }
 
   const char* buf = keepForProcess(path.c_str());
