@@ -26,11 +26,12 @@ class StringTable {
 };
 
 // Reads the table of the bundle whose Contents folder is given, in the first language that both the user
-// (LANGUAGE, LC_ALL, LC_MESSAGES, LANG) and the bundle have, else in English. Empty when there is none.
+// (LANGUAGE, LC_ALL, LC_MESSAGES, LANG) and the bundle have, else in English, else in the first that the bundle
+// has by name. Empty when there is none.
 [[nodiscard]] StringTable loadBundleStrings(const std::string& contentsFolder);
 
 // The table of the bundle that this code was loaded from; read at the first call, and kept for the process.
-// Any thread.
+// Empty where the code does not lie at <bundle>/Contents/MacOS/<program>. Any thread.
 [[nodiscard]] const StringTable& bundleStrings();
 
 }  // namespace tavenhall
