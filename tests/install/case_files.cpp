@@ -1,0 +1,97 @@
+#include "tests/install/case_files.h"
+
+#include "tests/install/source_tree.h"
+#include "tests/support/files.h"
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <gtest/gtest.h>
+
+namespace tavenhall::test {
+
+namespace {
+
+std::string maskedLog() {
+  std::string text;
+  for (const std::string& message : logMessages()) {
+    text += "<time> <host>: " + message + "\n";
+  }
+  return text;
+}
+
+std::string joined(const std::vector<std::string>& lines) {
+  std::string text;
+  for (const std::string& line : lines) {
+    text += line + "\n";
+  }
+  return text;
+}
+
+void apply(const Mask& mask, std::string& text) {
+  for (std::size_t at = text.find(mask.first); at != std::string::npos;
+       at = text.find(mask.first, at + mask.second.size())) {
+    text.replace(at, mask.first.size(), mask.second);
+  }
+}
+
+// The difference as the usual tool shows it; "-" lines are expected, "+" lines are what came.
+std::string difference(const std::string& expected, const std::string& actual) {
+  writeFile("/tmp/.compare/expected", expected);
+  writeFile("/tmp/.compare/actual", actual);
+  std::FILE* tool = popen(
+      "diff -u --label expected --label actual /tmp/.compare/expected /tmp/.compare/actual", "r");
+  std::string text;
+  std::array<char, 4096> buffer{};
+  while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), tool)) {
+    text.append(buffer.data(), count);
+  }
+  pclose(tool);
+  return text;
+}
+
+bool isRenewing() {
+  const char* variable = std::getenv("TAVINSTALL_RENEW");
+  return variable != nullptr && std::string_view(variable) == "1";
+}
+
+void expectFile(const std::string& path, const std::string& actual) {
+  const std::string expected = exists(path) ? readFile(path) : "";
+  if (isRenewing()) {
+    if (actual != expected) {
+      std::printf("renewed %s\n%s", path.c_str(), difference(expected, actual).c_str());
+      writeFile(path, actual);
+    }
+    return;
+  }
+  EXPECT_TRUE(exists(path)) << "there is no " << path;
+  EXPECT_TRUE(actual == expected) << path << "\n" << difference(expected, actual);
+}
+
+}  // namespace
+
+void layPackage(std::string_view attributes, const std::vector<std::string>& centralFolders) {
+  layTree(kSet, {textFile("Installer.pkg", ""), textFile(".InstallationAttributes.dat", attributes)});
+  for (const std::string& name : centralFolders) {
+    layTree(std::string(kMakersFolder) + "/" + name, {});
+  }
+}
+
+void expectCase(const std::string& name, const JsonInstaller& installer, const CaseOptions& options) {
+  std::vector<std::string> folders{"/Applications", "/Library", "/Users/tester/Library/Application Support"};
+  folders.insert(folders.end(), options.folders.begin(), options.folders.end());
+  std::string log = maskedLog();
+  std::string events = joined(installer.events());
+  std::string tree = joined(describeTree(folders));
+  for (const Mask& mask : options.masks) {
+    apply(mask, log);
+    apply(mask, events);
+    apply(mask, tree);
+  }
+  const std::string folder = std::string(TAVINSTALL_SOURCE_DIR "/tests/install/cases/") + name;
+  expectFile(folder + "/expected.log", log);
+  expectFile(folder + "/expected.events", events);
+  expectFile(folder + "/expected.tree", tree);
+}
+
+}  // namespace tavenhall::test

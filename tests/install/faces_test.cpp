@@ -1,0 +1,251 @@
+#include "tests/install/case_files.h"
+#include "tests/install/source_tree.h"
+#include "tests/support/files.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <regex>
+#include <sstream>
+
+// The faces that see an install through by themselves.
+namespace tavenhall::test {
+namespace {
+
+using testing::Contains;
+using testing::HasSubstr;
+
+Outcome run(const std::string& face, std::string_view input = "", const std::string& summary = "/tmp/summary.json") {
+  return runThrough({kTavinstall, "run", "--ui", face, "--package", kPackage, "--summary", summary}, {}, input);
+}
+
+bool isProgressLine(const std::string& line) { return std::regex_match(line, std::regex(" *[0-9]+ %.*")); }
+
+// The lines of the output; how long it took is the machine's. Which progress lines there are depends on the
+// machine's pace, so they are left out.
+std::string steadyLines(const std::string& output) {
+  std::istringstream lines(output);
+  std::string text;
+  for (std::string line; std::getline(lines, line);) {
+    if (!isProgressLine(line)) {
+      text += std::regex_replace(line, std::regex(" in [0-9]+ s\\.$"), " in <time>.") + "\n";
+    }
+  }
+  return text;
+}
+
+std::vector<std::string> progressLines(const std::string& output) {
+  std::istringstream lines(output);
+  std::vector<std::string> found;
+  for (std::string line; std::getline(lines, line);) {
+    if (isProgressLine(line)) {
+      found.push_back(line);
+    }
+  }
+  return found;
+}
+
+void layTwoDiscs() {
+  layPackage(
+      "Mode = InstallFromVolumes\nInstallDataTitle = Tessaphon\nInstallingData = Installing into:\\n%s\n"
+      "InstalledData = All is in:\\n%s\nNumberOfVolumes = 2\nTotalSizeMillionsBytes = 1\n");
+  layTree(kDiscA, {file("TANVO/Tessaphon/a.db", 12288)});
+}
+
+TEST(PlainFace, AGoodInstallIsToldInLinesAndAnAlertIsAnsweredByNumber) {
+  layTwoDiscs();
+
+  ChildProgram program({kTavinstall, "run", "--ui", "plain", "--package", kPackage});
+  std::string output;
+  for (std::string line; line != "  1) OK";) {
+    line = program.readLine().value();
+    output += line + "\n";
+  }
+  layTree(kDiscB, {file("TANVO/Tessaphon/b.db", 10240)});
+  program.write("2\nno\n 1 \n");
+  for (const std::string& line : program.readLines()) {
+    output += line + "\n";
+  }
+
+  EXPECT_EQ(program.waitForEnd(), 0);
+  EXPECT_EQ(steadyLines(output),
+            "Tessaphon\n"
+            "  Installing into:\n"
+            "  /Users/tester/Library/Application Support/Tavenhall/TANVO\n"
+            "? Ready for next volume\n"
+            "  Please insert Tessaphon B\n"
+            "  1) OK\n"
+            "  Please type a number from 1 to 1.\n"
+            "  Please type a number from 1 to 1.\n"
+            "  All is in:\n"
+            "  /Users/tester/Library/Application Support/Tavenhall/TANVO\n"
+            "Installed 22.5 kB in <time>.\n"
+            "The log is /Users/tester/Library/Caches/Tavenhall/installationLog.txt.\n");
+  EXPECT_EQ(program.standardError(), "");
+  EXPECT_EQ(progressLines(output).front(), "  0 %");
+  EXPECT_EQ(progressLines(output).back(), "100 %");
+}
+
+TEST(PlainFace, AFailedInstallEndsWithStatusOneAndSaysWhatWasMissing) {
+  layPackage("Mode = DataUpdater\nInstalledData = Done.\nInstallingData = Going on.\nRelativePath = Nowhere\n");
+
+  const Outcome outcome = run("plain");
+
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(steadyLines(outcome.output),
+            "Installing Data\n"
+            "  Going on.\n"
+            "! Files to be installed not found.\n"
+            "  Done.\n"
+            "! The installation of the Tessaphon data has not finished.\n"
+            "! Not installed, or not wholly: see the lines that begin with \"!\". Copied 0 bytes in <time>.\n"
+            "The log is /Users/tester/Library/Caches/Tavenhall/installationLog.txt.\n");
+  EXPECT_EQ(outcome.error, "");
+}
+
+TEST(PlainFace, WithoutTheCentralFolderThePageIsNotLeft) {
+  layPackage("Mode = DataUpdater\nInstallingData = Going on.\n", {});
+
+  const Outcome outcome = run("plain");
+
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(steadyLines(outcome.output),
+            "Installing Data\n"
+            "  Going on.\n"
+            "! The folder for the Tessaphon data was not found. Please install Tessaphon first, then run this "
+            "installer again.\n"
+            "! Not installed, or not wholly: see the lines that begin with \"!\". Copied 0 bytes in <time>.\n"
+            "The log is /Users/tester/Library/Caches/Tavenhall/installationLog.txt.\n");
+  EXPECT_THAT(readFile("/tmp/summary.json"), HasSubstr(R"("left":false)"));
+}
+
+void layEditions() {
+  layTree(kSet, {textFile(".InstallationAttributes.dat",
+                          "Mode = SupportHub\nInstalledData = Done.\nInstallingData = Going on.\n"
+                          "RelativePath = .\nRelativePath2 = Full\n"),
+                 folder("Full/TANVO/Choirs"), folder("Full/TANVO/Tessaphon"),
+                 textFile("Installer.pkg", ""), file("TANVO/a.db", 2048)});
+  layTree(kTanvo, {});
+}
+
+TEST(PlainFace, AnswersMayBeTypedAhead) {
+  layEditions();
+
+  const Outcome outcome = run("plain", "\n1\n");
+
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(steadyLines(outcome.output),
+            "Installing Data\n"
+            "  Going on.\n"
+            "? Detected Installation Type\n"
+            "  Full installation detected for Choirs. Performing a Full data update.\n"
+            "  1) Continue\n"
+            "? Detected Installation Type\n"
+            "  Lite installation detected for Tessaphon. Performing a Lite data update.\n"
+            "  1) Continue\n"
+            "  Done.\n"
+            "Installed 2.0 kB in <time>.\n"
+            "The log is /Users/tester/Library/Caches/Tavenhall/installationLog.txt.\n");
+}
+
+TEST(PlainFace, InputThatIsClosedAtAQuestionEndsWithStatusThree) {
+  layEditions();
+
+  const Outcome outcome = run("plain", "1\n");
+
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_EQ(steadyLines(outcome.output),
+            "Installing Data\n"
+            "  Going on.\n"
+            "? Detected Installation Type\n"
+            "  Full installation detected for Choirs. Performing a Full data update.\n"
+            "  1) Continue\n"
+            "? Detected Installation Type\n"
+            "  Lite installation detected for Tessaphon. Performing a Lite data update.\n"
+            "  1) Continue\n"
+            "! Stopped: a question needs an answer, and the input is closed. Copied 0 bytes in <time>.\n"
+            "The log is /Users/tester/Library/Caches/Tavenhall/installationLog.txt.\n");
+  EXPECT_FALSE(exists(std::string(kTanvo) + "/a.db"));
+}
+
+TEST(PlainFace, ControlCharactersOfAFileDoNotReachTheReader) {
+  layTree(kSet, {textFile(".InstallationAttributes.dat",
+                          "Mode = DataUpdater\nInstallDataTitle = Red \x1b[31m and \a\n"
+                          "InstallingData = A\tB\x7f\nInstalledData = C\bD\nRelativePath = .\n"
+                          "TotalSizeMillionsBytes = 1\n"),
+                 textFile("Installer.pkg", ""), file("TANVO/E\x1b]0;F/a.db", 2048)});
+  layTree(kTanvo, {});
+
+  const Outcome outcome = run("plain");
+
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(steadyLines(outcome.output),
+            "Red ?[31m and ?\n"
+            "  A?B?\n"
+            "  C?D\n"
+            "Installed 2.0 kB in <time>.\n"
+            "The log is /Users/tester/Library/Caches/Tavenhall/installationLog.txt.\n");
+  EXPECT_EQ(outcome.output.find('\x1b'), std::string::npos);
+}
+
+TEST(QuietFace, SaysNothingAndAnswersEveryAlertWithItsFirstButton) {
+  layEditions();
+
+  const Outcome outcome = run("quiet");
+
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.output, "");
+  EXPECT_EQ(outcome.error, "");
+  EXPECT_EQ(treeOf(kTanvo), (std::vector<std::string>{"Choirs/", "a.db"}));
+  const std::string summary = readFile("/tmp/summary.json");
+  EXPECT_THAT(summary, HasSubstr(R"({"left":true,"ready":1,"mode":4,)"));
+  EXPECT_THAT(summary, HasSubstr(R"("buttons":["Continue"],"answer":1000},{"message")"));
+  EXPECT_THAT(logMessages(), Contains("Displaying Lite Vs Full Informational Prompt 1"));
+}
+
+TEST(QuietFace, AnInstallThatFailsEndsWithStatusOne) {
+  layPackage("Mode = DataUpdater\nRelativePath = Nowhere\n");
+
+  const Outcome outcome = run("quiet");
+
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.output, "");
+  EXPECT_THAT(readFile("/tmp/summary.json"), HasSubstr(R"({"left":false,"ready":0,"mode":0,)"));
+}
+
+TEST(QuietFace, AnUpdateThatIsLeftForwardsButShowedASheetEndsWithStatusOne) {
+  layTree(kSet, {textFile(".InstallationAttributes.dat", "Mode = TavenhallUpdater\nRelativePath = .\n"),
+                 pipe("Applications/pipe"), textFile("Installer.pkg", ""), file("TANVO/a.db", 1024)});
+  layTree(kTanvo, {});
+
+  const Outcome outcome = run("quiet");
+
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(readFile("/tmp/summary.json"), HasSubstr(R"({"left":true,"ready":1,"mode":4,)"));
+  EXPECT_THAT(readFile("/tmp/summary.json"), HasSubstr("Failed to open input file."));
+}
+
+// The first volume's copy fails and the last one's succeeds, so the page may be left.
+TEST(QuietFace, AnInstallOfWhichOneVolumeFailedEndsWithStatusOne) {
+  layTree(kSet, {textFile(".InstallationAttributes.dat",
+                          "Mode = Downloaded\nNumberOfVolumes = 2\nRelativePath = 1\nRelativePath2 = 2\n"),
+                 link("1/TANVO/a.db", "nowhere"), file("2/TANVO/b.db", 1024), textFile("Installer.pkg", "")});
+  layTree(kTanvo, {});
+
+  const Outcome outcome = run("quiet");
+
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(readFile("/tmp/summary.json"), HasSubstr(R"({"left":true,"ready":1,"mode":3,)"));
+}
+
+TEST(QuietFace, ASummaryThatCannotBeWrittenIsSaidOnStandardError) {
+  layPackage("Mode = DataUpdater\nRelativePath = Nowhere\n");
+
+  const Outcome outcome = run("quiet", "", "/nowhere/summary.json");
+
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.error,
+            "tavinstall: cannot write the summary /nowhere/summary.json: No such file or directory\n");
+}
+
+}  // namespace
+}  // namespace tavenhall::test

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "tests/install/child_program.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tavenhall::test {
+
+// What is sent to the installer; one line each.
+inline constexpr const char* kTitle = R"({"do":"title"})";
+inline constexpr const char* kEnter = R"({"do":"enter"})";
+inline constexpr const char* kForward = R"({"do":"forward"})";
+inline constexpr const char* kBack = R"({"do":"back"})";
+inline constexpr const char* kQuit = R"({"do":"quit"})";
+inline constexpr const char* kWait = R"({"do":"wait"})";
+inline constexpr const char* kFirstButton = R"({"answer":1000})";
+inline constexpr const char* kSecondButton = R"({"answer":1001})";
+
+// A run of `tavinstall run --ui json`, and every event of it.
+class JsonInstaller {
+ public:
+  // Starts it with further arguments of the run command.
+  explicit JsonInstaller(const std::vector<std::string>& arguments,
+                         const ChildProgram::Environment& environment = {});
+
+  void send(std::string_view line);
+  void send(std::initializer_list<std::string_view> lines);
+  void closeInput() { program_.closeInput(); }
+
+  // Reads up to the next event of that name, which it gives, as a line. Throws when none comes.
+  std::string await(std::string_view name);
+
+  // Closes the input, reads up to the end and gives the exit status.
+  int finish();
+
+  // Every event so far, as lines.
+  [[nodiscard]] const std::vector<std::string>& events() const { return events_; }
+
+  [[nodiscard]] const ChildProgram& program() const { return program_; }
+
+ private:
+  ChildProgram program_;
+  std::vector<std::string> events_;
+};
+
+}  // namespace tavenhall::test
