@@ -1,8 +1,8 @@
 #include "host/command_line.h"
 #include "host/json_events.h"
 #include "host/log/log_report.h"
+#include "host/log/users_log.h"
 #include "host/usage_error.h"
-#include "platform/system.h"
 
 #include <CLI/CLI.hpp>
 #include <array>
@@ -21,12 +21,6 @@ struct LogArguments {
   std::string file;
   std::string format = "text";
 };
-
-std::string usersLog() {
-  std::string caches;
-  return firstUserSearchPath(SearchPath::caches, caches) ? caches + "/Tavenhall/installationLog.txt"
-                                                         : "/tmp/installationLog.txt";
-}
 
 void print(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }
 
@@ -61,7 +55,7 @@ class Teller {
 };
 
 ExitStatus tellLog(const LogArguments& arguments) {
-  const std::string path = arguments.file.empty() ? usersLog() : arguments.file;
+  const std::string path = arguments.file.empty() ? usersInstallationLog() : arguments.file;
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rbe"), std::fclose);
   struct stat found {};
   if (!file || fstat(fileno(file.get()), &found) != 0) {

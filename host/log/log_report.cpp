@@ -64,6 +64,17 @@ std::string row(const char* label, const std::string& text) {
   return line + " " + printableText(text) + "\n";
 }
 
+std::string promptText(const RunPrompt& prompt) {
+  std::string text = prompt.volume + (prompt.isOptional ? " (optional)" : "") + ", asked " +
+                     std::to_string(prompt.times) + (prompt.times == 1 ? " time" : " times");
+  if (prompt.isSkipped) {
+    return text + ", skipped";
+  }
+  return text + (prompt.found.empty() ? ", never found" : ", found after " + lasted(prompt.time, prompt.found));
+}
+
+}  // namespace
+
 std::string volumeText(const RunVolume& volume) {
   if (volume.folder.empty()) {
     return std::to_string(volume.number + 1) + ": nothing was copied";
@@ -83,17 +94,6 @@ std::string volumeText(const RunVolume& volume) {
   }
   return text + ", " + std::to_string(volume.folders) + (volume.folders == 1 ? " folder" : " folders");
 }
-
-std::string promptText(const RunPrompt& prompt) {
-  std::string text = prompt.volume + (prompt.isOptional ? " (optional)" : "") + ", asked " +
-                     std::to_string(prompt.times) + (prompt.times == 1 ? " time" : " times");
-  if (prompt.isSkipped) {
-    return text + ", skipped";
-  }
-  return text + (prompt.found.empty() ? ", never found" : ", found after " + lasted(prompt.time, prompt.found));
-}
-
-}  // namespace
 
 std::string reportText(const RunStory& story, int number) {
   std::string text = "Run " + std::to_string(number) + ", " + story.begin + ", on " +

@@ -10,7 +10,10 @@ namespace tavenhall {
 // One run as a person at support reads it: several lines, newline at the end. `number` counts from 1.
 [[nodiscard]] std::string reportText(const RunStory& story, int number);
 
-// The same as one JSON object.
+// What became of one volume, in a line without its end.
+[[nodiscard]] std::string volumeText(const RunVolume& volume);
+
+// A run as one JSON object.
 [[nodiscard]] nlohmann::ordered_json reportJson(const RunStory& story, int number);
 
 }  // namespace tavenhall

@@ -154,16 +154,16 @@ void RunStories::takeVolume(const LogRecord& record) {
     }
   } else if (take(message, "Begin copySingleVolume: copySrcPath ") ||
              take(message, "Begin copySingleVolume for copySrcPathWithSubFolder ")) {
+    ++volume().copies;
     if (volume().begin.empty()) {
       volume().begin = record.time;
       volume().folder = withoutEnd(message);
     }
   } else if (take(message, "End copySingleVolume: copySrcPath ")) {
     volume().end = record.time;
-  } else if (message.starts_with("Copying folder ")) {
-    ++volume().folders;
-  } else if (message.starts_with("Data copy progress ")) {
-    ++volume().hundredsOfMegabytes;
+  } else if (!story_->volumes.empty()) {  // what is copied before the first volume is none
+    story_->volumes.back().folders += message.starts_with("Copying folder ") ? 1 : 0;
+    story_->volumes.back().hundredsOfMegabytes += message.starts_with("Data copy progress ") ? 1 : 0;
   }
 }
 

@@ -39,6 +39,7 @@ struct RunVolume {
   std::string folder;  // copied from; empty: nothing was
   std::string begin;
   std::string end;  // empty: it never ended
+  int copies = 0;   // more than one where libraries are copied one by one
   int folders = 0;
   int hundredsOfMegabytes = 0;  // at least so much was copied, in units of 100000000 bytes
 };

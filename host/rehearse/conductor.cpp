@@ -1,0 +1,187 @@
+#include "host/rehearse/conductor.h"
+
+#include "host/json_events.h"
+#include "host/line_reader.h"
+#include "platform/installer_host.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <poll.h>
+#include <sys/wait.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+namespace tavenhall {
+
+using nlohmann::ordered_json;
+
+namespace {
+
+// The page asks without end, so somebody must say that the set has no such disc.
+constexpr int kMostTimesAskedInVain = 2;
+
+std::array<int, 2> makePipe() {
+  std::array<int, 2> ends{};
+  if (pipe(ends.data()) != 0) {
+    throw std::system_error(errno, std::generic_category(), "pipe");
+  }
+  for (const int end : ends) {
+    fcntl(end, F_SETFD, FD_CLOEXEC);
+  }
+  return ends;
+}
+
+std::string command(const char* name) { return jsonLine({{"do", name}}); }
+
+}  // namespace
+
+Conductor::Conductor(std::vector<std::string> command, std::filesystem::path summaryFile, DiscTray& tray,
+                     const EngineLines& face)
+    : command_(std::move(command)), summaryFile_(std::move(summaryFile)), tray_(tray), face_(face) {}
+
+void Conductor::start() {
+  const std::array<int, 2> commands = makePipe();
+  const std::array<int, 2> events = makePipe();
+  engine_.pid = fork();
+  if (engine_.pid < 0) {
+    throw std::system_error(errno, std::generic_category(), "fork");
+  }
+  if (engine_.pid == 0) {
+    dup2(commands[0], STDIN_FILENO);
+    dup2(events[1], STDOUT_FILENO);
+    std::vector<char*> arguments;
+    for (std::string& argument : command_) {
+      arguments.push_back(argument.data());
+    }
+    arguments.push_back(nullptr);
+    execvp(arguments[0], arguments.data());
+    std::fprintf(stderr, "tavinstall: cannot run %s: %s\n", arguments[0], std::strerror(errno));
+    _exit(static_cast<int>(ExitStatus::badUsage));
+  }
+  close(commands[0]);
+  close(events[1]);
+  engine_.lines = {commands[1], events[0], -1};
+}
+
+ExitStatus Conductor::run() {
+  std::signal(SIGPIPE, SIG_IGN);
+  start();
+  if (face_.commands < 0) {
+    for (const char* name : {"title", "enter", "wait"}) {
+      tellEngine(command(name));
+    }
+  }
+  LineReader engineLines(engine_.lines.events);
+  LineReader faceLines(face_.commands);
+  while (engineLines.isOpen()) {
+    std::array<pollfd, 2> sources{{{engineLines.descriptor(), POLLIN, 0}, {faceLines.descriptor(), POLLIN, 0}}};
+    if (poll(sources.data(), sources.size(), -1) <= 0) {
+      continue;
+    }
+    if (sources[0].revents != 0) {
+      engineLines.read([this](const std::string& line) { hearEngine(line); });
+    }
+    if (sources[1].revents != 0) {
+      faceLines.read([this](const std::string& line) { hearFace(line); });
+      if (!faceLines.isOpen()) {
+        closeCommands();
+      }
+    }
+  }
+  const ExitStatus status = waitForEngineProcess(engine_);
+  record_.insertedDiscs = tray_.inserted();
+  takeSummary();
+  return record_.missingDisc.empty() ? status : ExitStatus::failure;
+}
+
+void Conductor::hearEngine(const std::string& line) {
+  const ordered_json event = ordered_json::parse(line, nullptr, false);
+  const std::string name = event.is_object() ? event.value("event", std::string()) : std::string();
+  if (name == "alert") {
+    takeAlert(event.value("message", std::string()), event.value("informative", std::string()));
+  } else if (name == "sheet") {
+    record_.sheets.push_back(event.value("message", std::string()));
+  } else if (name == "progress.max") {
+    record_.addBarMaximum(event.value("value", 0.0));
+  } else if (name == "progress.value") {
+    record_.addBarValue(event.value("value", 0.0));
+  } else if (name == "next") {
+    nextIsEnabled_ = event.value("enabled", false);
+  } else if (name == "exit") {
+    record_.hasLeft = record_.hasLeft || (event.value("direction", 1) == 0 && event.value("allowed", false));
+  } else if (name == "idle" && face_.commands < 0) {
+    if (nextIsEnabled_) {
+      tellEngine(command("forward"));
+    }
+    tellEngine(command("quit"));
+  }
+  if (face_.events >= 0) {
+    writeAll(face_.events, line + "\n");
+  }
+}
+
+void Conductor::takeAlert(const std::string& message, const std::string& informative) {
+  record_.addAlert(message, informative);
+  int answer = kAlertFirstButtonReturn;
+  if (const auto volume = volumeAskedFor(message, informative)) {
+    const DiscTray::Reply reply = tray_.ask(*volume);
+    const bool isOptional = !informative.starts_with("Please insert ");
+    record_.prompts.push_back({*volume, reply == DiscTray::Reply::inserted ? "inserted"
+                                        : reply == DiscTray::Reply::notYet ? "late"
+                                                                           : "no such disc"});
+    if (reply == DiscTray::Reply::noSuchDisc) {
+      if (isOptional) {
+        answer = kAlertSecondButtonReturn;
+      } else if (++timesAskedInVain_ == kMostTimesAskedInVain) {
+        record_.missingDisc = *volume;
+        kill(engine_.pid, SIGTERM);
+      }
+    }
+  }
+  if (face_.commands < 0) {
+    hearFace(jsonLine({{"answer", answer}}));
+  }
+}
+
+void Conductor::hearFace(const std::string& line) {
+  const ordered_json said = ordered_json::parse(line, nullptr, false);
+  if (said.is_object() && said.contains("answer") && said["answer"].is_number_integer()) {
+    record_.addAnswer(said["answer"]);
+  }
+  tellEngine(line.ends_with('\n') ? line : line + "\n");
+}
+
+void Conductor::tellEngine(const std::string& line) {
+  if (engine_.lines.commands >= 0) {
+    writeAll(engine_.lines.commands, line);
+  }
+}
+
+void Conductor::closeCommands() {
+  if (engine_.lines.commands >= 0) {
+    close(engine_.lines.commands);
+    engine_.lines.commands = -1;
+  }
+}
+
+void Conductor::takeSummary() {
+  std::ifstream file(summaryFile_);
+  const ordered_json summary = ordered_json::parse(file, nullptr, false);
+  if (!summary.is_object()) {
+    return;
+  }
+  record_.seconds = summary.value("seconds", 0.0);
+  record_.kBytesCopied = summary.value("kBytesCopied", std::int64_t{0});
+  if (face_.summary >= 0) {
+    writeAll(face_.summary, jsonLine(summary));
+  }
+}
+
+}  // namespace tavenhall

@@ -1,0 +1,74 @@
+#include "host/rehearse/rehearsal_record.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+namespace tavenhall {
+
+using nlohmann::ordered_json;
+
+void RehearsalRecord::addAlert(const std::string& message, const std::string& informative) {
+  alerts.push_back({message, informative, 0});
+}
+
+void RehearsalRecord::addAnswer(int answer) {
+  for (Alert& alert : alerts) {
+    if (alert.answer == 0) {
+      alert.answer = answer;
+      return;
+    }
+  }
+}
+
+void RehearsalRecord::addBarMaximum(double maximum) { bars.push_back({maximum, 0.0}); }
+
+void RehearsalRecord::addBarValue(double value) {
+  if (!bars.empty()) {
+    bars.back().highest = std::max(bars.back().highest, value);
+  }
+}
+
+ordered_json RehearsalRecord::toJson() const {
+  ordered_json json = {{"left", hasLeft},
+                       {"seconds", seconds},
+                       {"kBytesCopied", kBytesCopied},
+                       {"sheets", sheets},
+                       {"missingDisc", missingDisc},
+                       {"insertedDiscs", insertedDiscs},
+                       {"prompts", ordered_json::array()},
+                       {"alerts", ordered_json::array()},
+                       {"bars", ordered_json::array()}};
+  for (const Prompt& prompt : prompts) {
+    json["prompts"].push_back({{"volume", prompt.volume}, {"reply", prompt.reply}});
+  }
+  for (const Alert& alert : alerts) {
+    json["alerts"].push_back(
+        {{"message", alert.message}, {"informative", alert.informative}, {"answer", alert.answer}});
+  }
+  for (const Bar& bar : bars) {
+    json["bars"].push_back({{"maximum", bar.maximum}, {"highest", bar.highest}});
+  }
+  return json;
+}
+
+RehearsalRecord RehearsalRecord::fromJson(const ordered_json& json) {
+  RehearsalRecord record;
+  record.hasLeft = json.at("left");
+  record.seconds = json.at("seconds");
+  record.kBytesCopied = json.at("kBytesCopied");
+  record.sheets = json.at("sheets").get<std::vector<std::string>>();
+  record.missingDisc = json.at("missingDisc");
+  record.insertedDiscs = json.at("insertedDiscs").get<std::vector<std::size_t>>();
+  for (const auto& prompt : json.at("prompts")) {
+    record.prompts.push_back({prompt.at("volume"), prompt.at("reply")});
+  }
+  for (const auto& alert : json.at("alerts")) {
+    record.alerts.push_back({alert.at("message"), alert.at("informative"), alert.at("answer")});
+  }
+  for (const auto& bar : json.at("bars")) {
+    record.bars.push_back({bar.at("maximum"), bar.at("highest")});
+  }
+  return record;
+}
+
+}  // namespace tavenhall

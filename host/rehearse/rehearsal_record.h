@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+#include <vector>
+
+namespace tavenhall {
+
+// What was seen of the page while a rehearsal ran.
+struct RehearsalRecord {
+  struct Prompt {
+    std::string volume;
+    std::string reply;  // "inserted", "late", "no such disc"
+  };
+  struct Alert {
+    std::string message;
+    std::string informative;
+    int answer = 0;
+  };
+  // The bar between two settings of its maximum.
+  struct Bar {
+    double maximum = 0.0;
+    double highest = 0.0;
+  };
+
+  std::vector<Prompt> prompts;
+  std::vector<Alert> alerts;
+  std::vector<std::string> sheets;
+  std::vector<Bar> bars;
+  std::vector<std::size_t> insertedDiscs;  // indices into the set's, in order
+  std::string missingDisc;                 // the volume that was asked for in vain; empty: none
+  bool hasLeft = false;                    // the page let itself be left forwards
+  double seconds = 0.0;
+  std::int64_t kBytesCopied = 0;
+
+  void addAlert(const std::string& message, const std::string& informative);
+  void addAnswer(int answer);
+  void addBarMaximum(double maximum);
+  void addBarValue(double value);
+
+  [[nodiscard]] nlohmann::ordered_json toJson() const;
+  [[nodiscard]] static RehearsalRecord fromJson(const nlohmann::ordered_json& json);
+};
+
+}  // namespace tavenhall

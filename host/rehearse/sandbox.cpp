@@ -1,0 +1,97 @@
+#include "host/rehearse/sandbox.h"
+
+#include "host/usage_error.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <system_error>
+#include <utility>
+
+namespace tavenhall {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::array<const char*, 5> kOwnFolders{"tmp", "Volumes", "Library", "Applications", "Users"};
+
+bool isOwnFolder(const fs::path& name) {
+  return std::find(kOwnFolders.begin(), kOwnFolders.end(), name) != kOwnFolders.end();
+}
+
+bool isBelow(const std::string& path, const std::string& folder) {
+  return path == folder || path.starts_with(folder + "/");
+}
+
+void add(std::vector<std::string>& arguments, std::initializer_list<std::string> more) {
+  arguments.insert(arguments.end(), more);
+}
+
+// The system as it is, read-only, save the folders that the sandbox has of its own.
+void addSystem(std::vector<std::string>& arguments) {
+  std::error_code error;
+  for (const fs::directory_entry& entry : fs::directory_iterator("/", error)) {
+    const fs::path name = entry.path().filename();
+    if (isOwnFolder(name) || name == "proc" || name == "dev" || name == "rehearsal") {
+      continue;
+    }
+    if (entry.is_symlink(error)) {
+      add(arguments, {"--symlink", fs::read_symlink(entry.path(), error).string(), entry.path().string()});
+    } else if (entry.is_directory(error)) {
+      add(arguments, {"--ro-bind-try", entry.path().string(), entry.path().string()});
+    }
+  }
+}
+
+}  // namespace
+
+Sandbox::Sandbox(fs::path root) : root_(std::move(root)) {
+  std::error_code error;
+  if (fs::exists(root_, error) && !fs::is_empty(root_, error)) {
+    throw UsageError("the folder " + root_.string() + " is not empty; --keep takes a new or an empty one");
+  }
+  for (const char* folder : kOwnFolders) {
+    fs::create_directories(root_ / folder, error);
+  }
+  fs::create_directories(root_ / "Users" / "rehearsal", error);
+  if (error) {
+    throw UsageError("cannot make the rehearsal's folder " + root_.string() + ": " + error.message());
+  }
+  root_ = fs::canonical(root_);
+  fs::permissions(root_ / "tmp", fs::perms::all | fs::perms::sticky_bit, error);
+}
+
+fs::path Sandbox::outside(const std::string& inside) const {
+  for (const SandboxBind& place : binds_) {
+    if (isBelow(inside, place.inside)) {
+      return place.outside / fs::path(inside.substr(place.inside.size())).relative_path();
+    }
+  }
+  for (const char* folder : kOwnFolders) {
+    if (isBelow(inside, std::string("/").append(folder))) {
+      return root_ / fs::path(inside).relative_path();
+    }
+  }
+  return {};
+}
+
+std::vector<std::string> Sandbox::commandLine(const std::vector<std::string>& command) const {
+  std::vector<std::string> arguments{"bwrap", "--die-with-parent", "--unshare-pid", "--unshare-ipc"};
+  addSystem(arguments);
+  add(arguments, {"--proc", "/proc", "--dev", "/dev"});
+  for (const char* folder : kOwnFolders) {
+    add(arguments, {"--bind", (root_ / folder).string(), std::string("/").append(folder)});
+  }
+  for (const SandboxBind& place : binds_) {
+    add(arguments, {"--ro-bind", place.outside.string(), place.inside});
+  }
+  const char* path = std::getenv("PATH");
+  add(arguments, {"--setenv", "HOME", kHome, "--setenv", "PATH",
+                  std::string(kTools) + ":" + (path != nullptr ? path : "/usr/local/bin:/usr/bin:/bin"),
+                  "--chdir", "/", "--"});
+  arguments.insert(arguments.end(), command.begin(), command.end());
+  return arguments;
+}
+
+}  // namespace tavenhall

@@ -1,0 +1,242 @@
+#include "host/set/install_plan.h"
+
+#include "context/first_line.h"
+#include "context/text_expansion.h"
+#include "host/set/installed_editions.h"
+#include "host/set/product_table.h"
+#include "host/usage_error.h"
+
+#include <algorithm>
+#include <strings.h>
+#include <sys/stat.h>
+
+namespace tavenhall {
+
+namespace {
+
+constexpr const char* kInstallTypeFile = "/tmp/TavInstallType";
+constexpr const char* kNobodysDataRoot = "~/Library/Application Support/Tavenhall";
+constexpr std::size_t kModeSize = 64;  // the page's buffer for a mode
+constexpr std::int32_t kMostVolumesListed = 100;
+constexpr std::int64_t kExpectedBytesWhenUnknown = 100000000;
+
+bool exists(const std::string& path) {
+  struct stat found {};
+  return stat(path.c_str(), &found) == 0;
+}
+
+std::string inLine(const AttributesReading& attributes, const AttributesPiece& piece) {
+  return "line " + std::to_string(piece.line) + " of " + attributes.path().filename().string();
+}
+
+std::string subfolderOf(const std::string& folder, const std::string& subfolder) {
+  return folder + "/" + subfolder;
+}
+
+void settleMode(InstallPlan& plan) {
+  const AttributesReading& attributes = plan.attributes;
+  const FoundText mode = attributes.findText("Mode", kModeSize);
+  if (!attributes.isFilePresent()) {
+    plan.mode = kModeVolumes;
+    plan.modeReason = "There is no .InstallationAttributes.dat, so the page installs from discs.";
+  } else if (!mode) {
+    plan.mode = kModeVolumes;
+    plan.modeReason = "No line has the key Mode, so the page installs from discs.";
+  } else {
+    plan.mode = installModeForValue(mode.value);
+    plan.modeReason = "The Mode in " + inLine(attributes, *mode.key) + " reads \"" + mode.value + "\".";
+  }
+}
+
+// ---- Editions ----
+
+void readChoice(const PlanRequest& request, EditionPlan& editions) {
+  if (request.installType) {
+    editions.source = EditionSource::request;
+    editions.choice = *request.installType;
+  } else if (BoundedText<kFirstLineSize> line; readFirstLine(kInstallTypeFile, line)) {
+    editions.source = EditionSource::choiceFile;
+    editions.choice = line.c_str();
+  } else {
+    editions.source = EditionSource::noChoice;
+  }
+  editions.allAreLite = editions.source != EditionSource::noChoice && choiceIsLite(editions.choice);
+  const std::string edition = editions.allAreLite ? "Lite" : "Full";
+  switch (editions.source) {
+    case EditionSource::request: editions.reason += " " + edition + " is asked for."; break;
+    case EditionSource::choiceFile:
+      editions.reason +=
+          " " + std::string(kInstallTypeFile) + " says \"" + editions.choice + "\": " + edition + ".";
+      break;
+    default: editions.reason += " Nothing says which, so it is Full."; break;
+  }
+}
+
+bool promptIsWanted(const AttributesReading& attributes) {
+  const FoundText prompt = attributes.findText("LiteVsFullPrompt");
+  return prompt && strcasecmp(prompt.value.c_str(), "Yes") == 0;
+}
+
+void detectEditions(const PlanRequest& request, const std::string& centralFolder, InstallPlan& plan) {
+  EditionPlan& editions = plan.editions;
+  if (const FoundText path = plan.attributes.findText("RelativePath2")) {
+    editions.libraries = listLibraries(subfolderOf(plan.packageFolder, path.value) + "/TANVO");
+  }
+  editions.isOffered = !editions.libraries.empty();
+  if (!editions.isOffered) {
+    editions.reason = "The update lists no libraries, so it is installed as a whole.";
+    return;
+  }
+  editions.source = EditionSource::detection;
+  detectInstalledEditions(request.dataRoot ? centralFolder : std::string(), editions.libraries);
+  editions.allAreLite = std::all_of(editions.libraries.begin(), editions.libraries.end(),
+                                    [](const PlannedLibrary& library) { return library.isLite; });
+  editions.reason = "The update carries " + std::to_string(editions.libraries.size()) +
+                    (editions.libraries.size() == 1 ? " library" : " libraries") +
+                    ", each installed in the edition that the user has.";
+}
+
+// Required of the page: the modes differ in what they ask.
+void settleEditions(const PlanRequest& request, const std::string& centralFolder, InstallPlan& plan) {
+  plan.numberOfVolumes = plan.attributes.findNumber("NumberOfVolumes").number;
+  const bool twoVolumes = volumesOfferEditions(plan.numberOfVolumes);
+  EditionPlan& editions = plan.editions;
+  switch (plan.mode) {
+    case kModeProductUpdater: detectEditions(request, centralFolder, plan); return;
+    case kModeVolumes:
+      editions.isOffered = twoVolumes && promptIsWanted(plan.attributes);
+      editions.reason = editions.isOffered
+                            ? "NumberOfVolumes is 2 and LiteVsFullPrompt is Yes, so there is a Lite "
+                              "and a Full edition."
+                            : "There is one edition.";
+      break;
+    default:
+      editions.isOffered = twoVolumes;
+      editions.reason = editions.isOffered ? "NumberOfVolumes is 2, so there is a Lite and a Full edition."
+                                           : "There is one edition.";
+      break;
+  }
+  if (editions.isOffered) {
+    readChoice(request, editions);
+  }
+}
+
+// ---- Passes and volumes ----
+
+std::int32_t volumeCountOf(const InstallPlan& plan) {
+  const EditionPlan& editions = plan.editions;
+  if (editions.isOffered && editions.allAreLite) {
+    return 1;
+  }
+  if (editions.isOffered && plan.mode != kModeVolumes) {
+    return 2;
+  }
+  return volumeCountForNumber(plan.numberOfVolumes);
+}
+
+std::string mountPathOf(const Product& product, std::int32_t number) {
+  BoundedText<kPathSize> path;
+  volumeMountPath(product.pluginName, number, path);
+  return path.c_str();
+}
+
+PlannedPass planPass(const InstallPlan& plan, const std::string& folderName, const std::string& dataRoot) {
+  PlannedPass pass;
+  pass.folderName = folderName;
+  pass.destination = dataRoot + "/" + folderName;
+  pass.text = expandFormat(plan.attributes.textOrFallback("InstallingData"), pass.destination.c_str());
+  pass.volumeCount = volumeCountOf(plan);
+
+  std::string root = plan.mode == kModeVolumes
+                         ? mountPathOf(plan.product, 0)
+                         : subfolderOf(plan.packageFolder, plan.attributes.textOrFallback("RelativePath"));
+  const bool hasOptionalDiscs = rootHasOptionalDiscs(root);
+  for (std::int32_t number = 0; number < std::min(pass.volumeCount, kMostVolumesListed); ++number) {
+    PlannedVolume volume;
+    volume.number = number;
+    volume.isMounted = plan.mode == kModeVolumes;
+    if (number == 1 && plan.editions.isOffered && plan.mode != kModeVolumes) {
+      // Required of the page: with the key missing, the root is what the lookup left in the buffer.
+      root = subfolderOf(plan.packageFolder, plan.attributes.findText("RelativePath2").value);
+    } else if (number > 0) {
+      const OptionalDisc* disc = hasOptionalDiscs ? optionalDiscForVolume(number) : nullptr;
+      root = disc != nullptr ? disc->mountPath : mountPathOf(plan.product, number);
+      volume.isOptional = disc != nullptr;
+      volume.isMounted = true;
+    }
+    volume.root = root;
+    volume.primary = root + "/" + folderName;
+    volume.alternate = root + "/Mac OSX/" + folderName;
+    volume.librariesOnly = plan.mode == kModeProductUpdater && number == 1;
+    pass.volumes.push_back(std::move(volume));
+  }
+  return pass;
+}
+
+void settlePasses(const std::string& dataRoot, InstallPlan& plan) {
+  if (plan.mode != kModeProductUpdater) {
+    plan.passes.push_back(planPass(plan, plan.product.folderName, dataRoot));
+    return;
+  }
+  for (const char* folder : {"/Library", "/Applications"}) {
+    if (exists(plan.packageFolder + folder)) {
+      plan.systemFolders.push_back({plan.packageFolder + folder, std::string(folder) + "/"});
+    }
+  }
+  plan.passes.push_back(planPass(plan, "TANVO", dataRoot));
+  plan.passes.push_back(planPass(plan, "DOVA", dataRoot));
+}
+
+void settleAnnouncedSize(InstallPlan& plan) {
+  AnnouncedSize& announced = plan.announced;
+  announced.totalMillions = plan.attributes.findNumber("TotalSizeMillionsBytes").number;
+  announced.componentMillions = plan.attributes.findNumber("Component1SizeMillionsBytes").number;
+  const bool isComponent = plan.editions.isOffered && plan.editions.allAreLite;
+  announced.countedKey = isComponent ? "Component1SizeMillionsBytes" : "TotalSizeMillionsBytes";
+  announced.countedMillions = isComponent ? announced.componentMillions : announced.totalMillions;
+  announced.isKnown = announced.countedMillions != 0;
+  announced.bytes = announced.isKnown ? announcedBytes(announced.countedMillions) : kExpectedBytesWhenUnknown;
+}
+
+}  // namespace
+
+Product productNamed(const std::string& name) {
+  std::string known;
+  for (const ProductRow& row : kProductTable) {
+    if (name.empty() || name == row.pluginName) {
+      return {std::string(row.pluginName), std::string(row.folderName)};
+    }
+    known += (known.empty() ? "" : ", ") + std::string(row.pluginName);
+  }
+  throw UsageError("no product is called " + name + "; there are " + known);
+}
+
+std::string packageFolderOf(const std::string& package) {
+  std::string folder = package;
+  if (!folder.empty() && (folder.back() == '/' || folder.back() == '\\')) {
+    folder.pop_back();
+  }
+  return folder.substr(0, folder.find_last_of("/\\"));
+}
+
+InstallPlan planInstall(const PlanRequest& request) {
+  InstallPlan plan;
+  plan.product = request.product;
+  plan.packageFolder = packageFolderOf(request.package);
+  plan.attributes = AttributesReading::besidePackage(plan.packageFolder);
+  plan.title = plan.attributes.textOrFallback("InstallDataTitle");
+
+  const std::string dataRoot = request.dataRoot.value_or(kNobodysDataRoot);
+  const std::string centralFolder = dataRoot + "/" + plan.product.folderName;
+  plan.enteringText = expandFormat(plan.attributes.textOrFallback("InstallingData"), centralFolder.c_str());
+
+  settleMode(plan);
+  settleEditions(request, centralFolder, plan);
+  settlePasses(dataRoot, plan);
+  settleAnnouncedSize(plan);
+  plan.completionText =
+      expandFormat(plan.attributes.textOrFallback("InstalledData"), plan.passes.back().destination.c_str());
+  return plan;
+}
+
+}  // namespace tavenhall

@@ -1,0 +1,117 @@
+#pragma once
+
+#include "context/install_rules.h"
+#include "host/set/attributes_reading.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+// What the page would do with an installer package, worked out beforehand by the page's own rules. Only
+// reads: no log, nothing written, nothing that is done once a process. Any thread.
+namespace tavenhall {
+
+// The two names that the page takes from its bundle's strings.
+struct Product {
+  std::string pluginName;
+  std::string folderName;
+};
+
+// The product of that name; of the default one where `name` is empty. Throws UsageError, naming those there
+// are.
+[[nodiscard]] Product productNamed(const std::string& name);
+
+struct PlanRequest {
+  std::string package;  // the package's path, as the page is told of it
+  Product product;
+
+  // The folder that holds the data folders, as "Tavenhall" in the user's Application Support folder does.
+  // None: of nobody in particular; a text then says "~" for the home, and nothing counts as installed.
+  std::optional<std::string> dataRoot;
+
+  // "Lite" or "Full" where the pre-install step writes the choice file; none: the one that lies in /tmp
+  // counts, if there is one.
+  std::optional<std::string> installType;
+};
+
+// Where the page's choice between Lite and Full comes from.
+enum class EditionSource {
+  none,        // there is no choice: everything is installed
+  request,     // the install type that was asked for
+  choiceFile,  // what lies in /tmp already
+  noChoice,    // nobody chose, so it is Full
+  detection,   // what the user has installed, library by library
+};
+
+// A library that an update carries, and the edition in which the user is found to have it.
+struct PlannedLibrary {
+  std::string folderName;  // below the data folder; "Mirel Packs/" and the name for a Mirel Pack
+  bool isLite = false;
+  bool isDetected = false;  // false: nothing said so, and it counts as Full
+};
+
+struct EditionPlan {
+  bool isOffered = false;  // the installation has a Lite and a Full edition
+  bool allAreLite = false;
+  EditionSource source = EditionSource::none;
+  std::string choice;  // what the choice file says, as the page reads it
+  std::vector<PlannedLibrary> libraries;
+  std::string reason;  // a sentence for the reader
+};
+
+struct PlannedVolume {
+  std::int32_t number = 0;  // from 0
+  std::string root;         // a mount path, or a folder relative to the package's
+  std::string primary;      // the data folder there; it wins
+  std::string alternate;    // the data folder below "Mac OSX"
+  bool isMounted = false;   // the root is a mount path
+  bool isOptional = false;
+  bool librariesOnly = false;  // only the folders of the libraries that are not Lite are copied from it
+};
+
+struct PlannedPass {
+  std::string folderName;
+  std::string destination;
+  std::string text;  // the page's large text while it runs
+  std::int32_t volumeCount = 0;
+  std::vector<PlannedVolume> volumes;  // in order; an absurd number of them is not listed to its end
+};
+
+// A folder that lies beside the package and goes into the system's folder of the same name.
+struct PlannedFolder {
+  std::string source;
+  std::string destination;
+};
+
+struct AnnouncedSize {
+  std::int64_t totalMillions = 0;
+  std::int64_t componentMillions = 0;  // of the first component, which is all that a Lite edition has
+  const char* countedKey = nullptr;
+  std::int64_t countedMillions = 0;
+  std::int64_t bytes = 0;  // what the page then expects
+  bool isKnown = false;    // false: nothing is announced, and the bar keeps the range it had
+};
+
+struct InstallPlan {
+  AttributesReading attributes;
+  Product product;
+  std::string packageFolder;
+  std::int32_t mode = kModeVolumes;
+  std::string modeReason;  // a sentence for the reader
+  std::string title;
+  std::string enteringText;  // the page's large text at first; a pass replaces it
+  std::string completionText;
+  EditionPlan editions;
+  std::int64_t numberOfVolumes = 0;  // what the file says
+  std::vector<PlannedFolder> systemFolders;
+  std::vector<PlannedPass> passes;
+  AnnouncedSize announced;
+};
+
+// The text that the page derives from the package's path: the folder that holds the package.
+[[nodiscard]] std::string packageFolderOf(const std::string& package);
+
+[[nodiscard]] InstallPlan planInstall(const PlanRequest& request);
+
+}  // namespace tavenhall

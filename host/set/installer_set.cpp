@@ -1,0 +1,174 @@
+#include "host/set/installer_set.h"
+
+#include "context/install_rules.h"
+#include "host/usage_error.h"
+
+#include <algorithm>
+#include <charconv>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+namespace tavenhall {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* kRehearsalFile = "rehearsal.json";
+
+bool isPackageName(const fs::path& name) { return name.extension() == ".pkg" && !isHiddenName(name.native()); }
+
+std::vector<fs::path> sortedEntries(const fs::path& folder) {
+  std::vector<fs::path> entries;
+  std::error_code error;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+    entries.push_back(entry->path());
+  }
+  std::sort(entries.begin(), entries.end());
+  return entries;
+}
+
+// The packages in the set's own folder, or else in the folders right below it.
+std::vector<fs::path> findPackages(const fs::path& folder) {
+  std::vector<fs::path> packages;
+  const auto takeFrom = [&packages](const fs::path& place) {
+    for (const fs::path& entry : sortedEntries(place)) {
+      if (isPackageName(entry.filename())) {
+        packages.push_back(entry);
+      }
+    }
+  };
+  takeFrom(folder);
+  if (packages.empty()) {
+    for (const fs::path& entry : sortedEntries(folder)) {
+      std::error_code error;
+      if (fs::is_directory(entry, error) && entry.filename() != "discs") {
+        takeFrom(entry);
+      }
+    }
+  }
+  return packages;
+}
+
+fs::path onlyPackage(const fs::path& folder) {
+  const std::vector<fs::path> packages = findPackages(folder);
+  if (packages.size() == 1) {
+    return packages.front();
+  }
+  if (packages.empty()) {
+    throw UsageError("no installer package in " + folder.string() + "; put one there, its name ending in .pkg");
+  }
+  throw UsageError("more than one installer package in " + folder.string() + " (" +
+                   packages[0].filename().string() + ", " + packages[1].filename().string() +
+                   "); name one in " + kRehearsalFile + ", as \"package\"");
+}
+
+std::string textIn(const nlohmann::json& json, const char* key, const fs::path& file) {
+  const auto found = json.find(key);
+  if (found == json.end()) {
+    return {};
+  }
+  if (!found->is_string()) {
+    throw UsageError(file.string() + ": \"" + key + "\" is not a text; put it in quotes");
+  }
+  return found->get<std::string>();
+}
+
+void readRehearsalFile(InstallerSet& set) {
+  const fs::path file = set.folder / kRehearsalFile;
+  std::error_code error;
+  if (!fs::exists(file, error)) {
+    return;
+  }
+  std::ifstream stream(file);
+  const nlohmann::json json = nlohmann::json::parse(stream, nullptr, false);
+  if (!json.is_object()) {
+    throw UsageError(file.string() + " is not a JSON object; write it as {\"product\": \"NAME\"}");
+  }
+  for (const auto& [key, value] : json.items()) {
+    if (key != "product" && key != "package" && key != "installType") {
+      throw UsageError(file.string() + ": \"" + key + "\" is none of product, package and installType");
+    }
+  }
+  set.product = textIn(json, "product", file);
+  set.installType = textIn(json, "installType", file);
+  if (!set.installType.empty() && set.installType != "Lite" && set.installType != "Full") {
+    throw UsageError(file.string() + ": the installType is neither Lite nor Full");
+  }
+  if (const std::string package = textIn(json, "package", file); !package.empty()) {
+    set.package = (set.folder / package).lexically_normal();
+    if (!fs::exists(set.package, error)) {
+      throw UsageError(file.string() + ": there is no package " + set.package.string());
+    }
+  }
+}
+
+void findDiscs(InstallerSet& set) {
+  for (const fs::path& path : sortedEntries(set.folder / "discs")) {
+    if (isHiddenName(path.filename().native())) {
+      continue;
+    }
+    std::error_code error;
+    const std::optional<Disc> disc = discFromName(path, fs::is_directory(path, error));
+    const bool isTaken = disc && std::any_of(set.discs.begin(), set.discs.end(), [&disc](const Disc& other) {
+                           return other.number == disc->number;
+                         });
+    if (disc && !isTaken) {
+      set.discs.push_back(*disc);
+    } else {
+      set.notDiscs.push_back(path);
+    }
+  }
+  std::sort(set.discs.begin(), set.discs.end(),
+            [](const Disc& one, const Disc& other) { return one.number < other.number; });
+}
+
+}  // namespace
+
+std::optional<Disc> discFromName(const fs::path& path, bool isFolder) {
+  Disc disc;
+  disc.path = path;
+  disc.isImage = !isFolder;
+  if (disc.isImage && path.extension() != ".squashfs" && path.extension() != ".iso") {
+    return std::nullopt;
+  }
+  const std::string name = (disc.isImage ? path.stem() : path.filename()).string();
+  const char* end = name.data() + name.size();
+  const auto [rest, error] = std::from_chars(name.data(), end, disc.number);
+  if (error != std::errc{} || disc.number < 1 || end - rest < 2 || *rest != ' ') {
+    return std::nullopt;
+  }
+  disc.volumeName.assign(rest + 1, end);
+  return disc;
+}
+
+InstallerSet openInstallerSet(const fs::path& folder) {
+  std::error_code error;
+  if (!fs::is_directory(folder, error)) {
+    throw UsageError("no set at " + folder.string() + "; it is a folder with an installer package");
+  }
+  InstallerSet set;
+  set.folder = fs::canonical(folder, error);
+  if (error || fs::directory_iterator(set.folder, error) == fs::directory_iterator()) {
+    throw UsageError("nothing can be read in " + folder.string() +
+                     "; a set is a folder with an installer package");
+  }
+  readRehearsalFile(set);
+  if (set.package.empty()) {
+    set.package = onlyPackage(set.folder);
+  }
+  findDiscs(set);
+  return set;
+}
+
+std::string dataRootIn(const fs::path& installed) {
+  std::error_code error;
+  if (!fs::is_directory(installed, error)) {
+    throw UsageError("no folder at " + installed.string() +
+                     "; --installed takes one that holds the data folders as the user has them");
+  }
+  const fs::path inHome = installed / "Library/Application Support/Tavenhall";
+  return fs::canonical(fs::is_directory(inHome, error) ? inHome : installed).string();
+}
+
+}  // namespace tavenhall
