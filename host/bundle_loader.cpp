@@ -27,7 +27,7 @@ fs::path findBundle(const std::string& product) {
   const fs::path name = "InstallDataPane" + ending + ".bundle";
   std::string looked;
   for (const char* folder : kBundleFolders) {
-    const fs::path bundle = (programFolder() / folder / name).lexically_normal();
+    fs::path bundle = (programFolder() / folder / name).lexically_normal();
     std::error_code error;
     if (fs::is_directory(bundle, error)) {
       return bundle;

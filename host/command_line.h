@@ -16,6 +16,8 @@ struct CommandLine {
 };
 
 void addRunCommand(CommandLine& commandLine);
+void addRehearseCommand(CommandLine& commandLine);
+void addCheckCommand(CommandLine& commandLine);
 void addLogCommand(CommandLine& commandLine);
 
 }  // namespace tavenhall

@@ -2,6 +2,7 @@
 
 #include "host/bundle_loader.h"
 #include "host/engine.h"
+#include "host/install_lock.h"
 #include "host/json_events.h"
 #include "host/pre_install.h"
 #include "host/quiet_events.h"
@@ -83,38 +84,40 @@ void writeSummary(const RunOptions& options, const EngineLines& lines, const std
 
 }  // namespace
 
-void runEngine(const RunOptions& options, const EngineLines& given) {
+void runEngine(const RunOptions& options, const EngineLines& lines) {
   const PageFactory factory = loadBundle(options.bundle);
+  const InstallLock lock(!options.package.empty());
   if (!options.package.empty()) {
     runPreInstallStep(options);
   }
-  const EngineLines lines{setAside(given.commands), setAside(given.events), given.summary};
+  const EngineLines own{setAside(lines.commands), setAside(lines.events), lines.summary, -1};
   shieldStandardStreams();
   survivePipes();
   addStandInsToPath();
 
   std::unique_ptr<EventSink> events = std::make_unique<QuietEvents>();
-  if (lines.events >= 0) {
-    events = std::make_unique<JsonEvents>(lines.events);
+  if (own.events >= 0) {
+    events = std::make_unique<JsonEvents>(own.events);
   }
-  const bool isObeying = lines.commands >= 0;
+  const bool isObeying = own.commands >= 0;
   CommandSource commands =
-      isObeying ? CommandSource(lines.commands)
+      isObeying ? CommandSource(own.commands)
                 : CommandSource({Command::title, Command::enter, Command::wait}, kAlertFirstButtonReturn);
 
   const Engine* running = nullptr;
   Engine engine(commands, *events, [&] {
-    writeSummary(options, lines, running->summary());
+    writeSummary(options, own, running->summary());
     endProcess(ExitStatus::noAnswer);
   });
   running = &engine;
   engine.makePage(factory);
   engine.run();
-  if (!isObeying && engine.nextIsEnabled()) {
+  const bool faceIsGone = options.face != Face::json && commands.isClosed();
+  if ((!isObeying || faceIsGone) && engine.nextIsEnabled()) {
     commands.add(Command::forward);
     engine.run();
   }
-  writeSummary(options, lines, engine.summary());
+  writeSummary(options, own, engine.summary());
   // A program that speaks the lines itself judges the install itself.
   const bool isDone = options.face == Face::json || engine.record().isSuccess();
   endProcess(isDone ? ExitStatus::success : ExitStatus::failure);
@@ -141,13 +144,15 @@ Pipe makePipe() {
 }  // namespace
 
 EngineProcess startEngineProcess(const RunOptions& options) {
-  return startEngineProcess([&options](const EngineLines& lines) -> ExitStatus { runEngine(options, lines); });
+  return startEngineProcess([&options](const EngineLines& lines) -> ExitStatus { runEngine(options, lines); },
+                            options.face == Face::terminal ? Errors::aLine : Errors::shared);
 }
 
-EngineProcess startEngineProcess(const EngineBody& body) {
+EngineProcess startEngineProcess(const EngineBody& body, Errors errors) {
   const Pipe commands = makePipe();
   const Pipe events = makePipe();
   const Pipe summary = makePipe();
+  const Pipe said = errors == Errors::aLine ? makePipe() : Pipe{-1, -1};
   std::fflush(nullptr);
   const pid_t pid = fork();
   if (pid < 0) {
@@ -158,17 +163,26 @@ EngineProcess startEngineProcess(const EngineBody& body) {
     close(events.readEnd);
     close(summary.readEnd);
     setsid();
+    if (said.writeEnd >= 0) {
+      // A command must neither wait nor die because nobody listens, so it is never told: this end never waits,
+      // and the other one stays open here.
+      fcntl(said.writeEnd, F_SETFL, O_NONBLOCK);
+      dup2(said.writeEnd, STDERR_FILENO);
+    }
     try {
-      endProcess(body({commands.readEnd, events.writeEnd, summary.writeEnd}));
+      endProcess(body({commands.readEnd, events.writeEnd, summary.writeEnd, -1}));
     } catch (const UsageError& error) {
-      std::fprintf(stderr, "tavinstall: %s\n", error.what());
+      showError(error);
       endProcess(ExitStatus::badUsage);
     }
   }
   close(commands.readEnd);
   close(events.writeEnd);
   close(summary.writeEnd);
-  return {pid, {commands.writeEnd, events.readEnd, summary.readEnd}};
+  if (said.writeEnd >= 0) {
+    close(said.writeEnd);
+  }
+  return {pid, {commands.writeEnd, events.readEnd, summary.readEnd, said.readEnd}};
 }
 
 ExitStatus waitForEngineProcess(const EngineProcess& process) {

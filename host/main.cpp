@@ -18,6 +18,8 @@ ExitStatus runProgram(int argc, char** argv) {
   program.set_version_flag("--version", std::string("tavinstall ") + kVersion);
   program.require_subcommand(1);
   addRunCommand(commandLine);
+  addRehearseCommand(commandLine);
+  addCheckCommand(commandLine);
   addLogCommand(commandLine);
   try {
     program.parse(argc, argv);
@@ -42,7 +44,7 @@ int main(int argc, char** argv) {
   try {
     status = tavenhall::runProgram(argc, argv);
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "tavinstall: %s\n", error.what());
+    tavenhall::showError(error);
   }
   return static_cast<int>(status);
 }

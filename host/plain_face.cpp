@@ -4,7 +4,6 @@
 #include "host/line_reader.h"
 #include "host/plain_printer.h"
 #include "platform/installer_host.h"
-#include "platform/system.h"
 #include "platform/wake_up.h"
 
 #include <array>
@@ -16,6 +15,7 @@
 #include <poll.h>
 #include <string>
 #include <unistd.h>
+#include <utility>
 
 namespace tavenhall {
 
@@ -33,7 +33,7 @@ void askToStop(int /*signal*/) { stopRequested->signal(); }
 // One run, seen through the lines of an engine in another process.
 class PlainFace {
  public:
-  explicit PlainFace(const EngineProcess& engine) : engine_(engine) {
+  PlainFace(const EngineProcess& engine, std::string log) : engine_(engine), log_(std::move(log)) {
     send({{"do", "title"}});
     send({{"do", "enter"}});
     send({{"do", "wait"}});
@@ -168,14 +168,15 @@ class PlainFace {
     } else if (status == ExitStatus::failure) {
       printLine("! The installer's engine ended before its time.");
     }
-    if (std::string caches; status != ExitStatus::badUsage && firstUserSearchPath(SearchPath::caches, caches)) {
-      printLine("The log is " + caches + "/Tavenhall/installationLog.txt.");
+    if (status != ExitStatus::badUsage) {
+      printLine("The log is " + log_ + ".");
     }
     return status;
   }
 
   WakeUp wakeUp_;
   EngineProcess engine_;
+  const std::string log_;
   PlainPrinter printer_{printLine};
   LineReader engineLines_{engine_.lines.events};
   LineReader answerLines_{STDIN_FILENO};
@@ -187,6 +188,8 @@ class PlainFace {
 
 }  // namespace
 
-ExitStatus runPlainFace(const EngineProcess& engine) { return PlainFace(engine).run(); }
+ExitStatus runPlainFace(const EngineProcess& engine, const std::string& log) {
+  return PlainFace(engine, log).run();
+}
 
 }  // namespace tavenhall

@@ -2,9 +2,12 @@
 #include "host/bundle_loader.h"
 #include "host/command_line.h"
 #include "host/engine_process.h"
+#include "host/log/users_log.h"
 #include "host/plain_face.h"
 #include "host/pre_install.h"
 #include "host/run_options.h"
+#include "host/terminal/terminal_face.h"
+#include "host/terminal/terminal_facts.h"
 #include "host/usage_error.h"
 
 #include <CLI/CLI.hpp>
@@ -23,7 +26,7 @@ struct RunArguments {
   std::string installType;
   std::string bundle;
   std::string product;
-  std::string ui = "plain";
+  std::string ui;  // empty: the terminal page where there is a terminal for it, else plain lines
   std::string summary;
   bool noPreInstall = false;
 };
@@ -39,6 +42,16 @@ std::string joinedProducts() {
   return names;
 }
 
+Face faceFor(const std::string& name) {
+  if (name == "json") {
+    return Face::json;
+  }
+  if (name == "quiet") {
+    return Face::quiet;
+  }
+  return name != "plain" && terminalIsUsable() ? Face::terminal : Face::plain;
+}
+
 RunOptions optionsFrom(const RunArguments& arguments) {
   RunOptions options;
   if (!arguments.noPreInstall) {
@@ -50,7 +63,7 @@ RunOptions optionsFrom(const RunArguments& arguments) {
   }
   options.bundle =
       arguments.bundle.empty() ? findBundle(arguments.product) : std::filesystem::path(arguments.bundle);
-  options.face = arguments.ui == "json" ? Face::json : arguments.ui == "quiet" ? Face::quiet : Face::plain;
+  options.face = faceFor(arguments.ui);
   options.summary = arguments.summary;
   return options;
 }
@@ -58,11 +71,13 @@ RunOptions optionsFrom(const RunArguments& arguments) {
 ExitStatus run(const RunArguments& arguments) {
   const RunOptions options = optionsFrom(arguments);
   switch (options.face) {
-    case Face::json: runEngine(options, {STDIN_FILENO, STDOUT_FILENO, -1});
+    case Face::json: runEngine(options, {STDIN_FILENO, STDOUT_FILENO, -1, -1});
     case Face::quiet: runEngine(options, {});
-    case Face::plain: break;
+    case Face::plain: return runPlainFace(startEngineProcess(options), usersInstallationLog());
+    case Face::terminal: break;
   }
-  return runPlainFace(startEngineProcess(options));
+  const TerminalPage page = terminalPageFor(options);
+  return runTerminalFace(startEngineProcess(options), page);
 }
 
 }  // namespace
@@ -82,10 +97,9 @@ void addRunCommand(CommandLine& commandLine) {
   run->add_option("--bundle", arguments->bundle, "The plug-in bundle, instead of a product's own")
       ->type_name("DIR")
       ->excludes(product);
-  run->add_option("--ui", arguments->ui, "How the page is shown")
-      ->check(oneOf({"json", "plain", "quiet"}))
-      ->type_name("json|plain|quiet")
-      ->capture_default_str();
+  run->add_option("--ui", arguments->ui, "How the page is shown; terminal where there is one, else plain")
+      ->check(oneOf({"json", "plain", "quiet", "terminal"}))
+      ->type_name("json|plain|quiet|terminal");
   run->add_option("--summary", arguments->summary, "Write what happened to this file, as JSON")
       ->type_name("FILE");
   run->add_flag("--no-preinstall", arguments->noPreInstall,

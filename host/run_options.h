@@ -5,7 +5,7 @@
 
 namespace tavenhall {
 
-enum class Face { json, plain, quiet };
+enum class Face { json, plain, quiet, terminal };
 
 // What `tavinstall run` was asked to do.
 struct RunOptions {

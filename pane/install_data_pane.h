@@ -85,7 +85,7 @@ class InstallDataPane final : public InstallerPane {
   BoundedText<kPathSize> gCompletionMessage;  // a format; its "%s" takes the destination path
 
   // The folder being copied. Written by the thread that runs the copy engine.
-  BoundedText<512> gItemCurrentlyBeingInstalled;
+  BoundedText<kFolderNameSize> gItemCurrentlyBeingInstalled;
 
   // ---- Editions: written before the install thread starts, only read by it, save the second, which it
   // ---- settles anew with the volume count

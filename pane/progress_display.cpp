@@ -25,7 +25,7 @@ void InstallDataPane::updateProgress() noexcept {
   ++sAsteriskAnimationCounter;
 
   onMainThread([this] {
-    BoundedText<gItemCurrentlyBeingInstalled.capacity() + 16> text;
+    BoundedText<kFolderNameSize + 16> text;
     text.format("Installing... %s", gItemCurrentlyBeingInstalled.c_str());
     status->setTitleWithMnemonic(text.c_str());
     status->setNeedsDisplay();

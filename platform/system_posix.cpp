@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -14,6 +15,7 @@
 #include <semaphore>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
+#include <thread>
 #include <unistd.h>
 
 namespace tavenhall {
@@ -21,7 +23,7 @@ namespace tavenhall {
 namespace {
 
 // A walk down a folder tree recurses; the default of some systems' threads is too small for the deepest.
-constexpr std::size_t kStackSize = 8U * 1024 * 1024;
+constexpr std::size_t kStackSize = 8388608;  // bytes
 
 bool homeFolder(std::string& home) {
   if (const char* variable = std::getenv("HOME"); variable != nullptr && *variable != '\0') {
@@ -100,11 +102,8 @@ bool detachNewThread(InstallerHost& host, const char* name, void (*body)(void*),
   return true;
 }
 
-void sleepSeconds(unsigned seconds) noexcept {
-  while (seconds > 0) {
-    seconds = sleep(seconds);  // what is left when a signal came
-  }
-}
+// Not by sleep: what it gives as left after a signal is rounded, and may be too little.
+void sleepSeconds(unsigned seconds) noexcept { std::this_thread::sleep_for(std::chrono::seconds(seconds)); }
 
 int runShellCommand(const char* command) noexcept { return std::system(command); }
 

@@ -18,6 +18,7 @@ int runTool(const std::vector<std::string>& command) {
     dup2(STDERR_FILENO, STDOUT_FILENO);
     std::vector<std::string> words = command;
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words) {
       arguments.push_back(word.data());
     }

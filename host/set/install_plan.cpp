@@ -68,7 +68,7 @@ void readChoice(const PlanRequest& request, EditionPlan& editions) {
       editions.reason +=
           " " + std::string(kInstallTypeFile) + " says \"" + editions.choice + "\": " + edition + ".";
       break;
-    default: editions.reason += " Nothing says which, so it is Full."; break;
+    default: editions.reason += " No " + std::string(kInstallTypeFile) + " says which, so it is Full."; break;
   }
 }
 
