@@ -1,0 +1,163 @@
+#include "context/placement_rules.h"
+#include "host/check/bundles.h"
+#include "host/check/rules.h"
+#include "host/check/words.h"
+
+#include <algorithm>
+#include <array>
+
+namespace tavenhall {
+
+namespace {
+
+constexpr std::array<std::string_view, 8> kBundleSuffixes{".vst", ".vst3",   ".aaxplugin", ".component",
+                                                          ".app", ".bundle", ".framework", ".plugin"};
+
+// What a shell makes something else of than a letter of a path. Blanks are counted apart.
+constexpr std::string_view kShellCharacters = "\"'`$&|;<>()*?[]{}!#~\\\t\n";
+
+bool hasShellCharacter(std::string_view path) {
+  return path.find_first_of(kShellCharacters) != std::string::npos;
+}
+
+// A plug-in or an application with everything inside it.
+struct Item {
+  std::string path;  // below the system folder
+  std::string destination;
+  std::vector<const TreeEntry*> inside;
+};
+
+std::string destinationOf(const CheckedFolder& folder, const std::string& path) {
+  return folder.folder.destination + "/" + path;
+}
+
+bool isPlaced(const std::string& destination) {
+  return pluginKindOf(destination).has_value() || isApplicationDestination(destination);
+}
+
+// The outermost entries that the page takes for a plug-in or an application. The entries are sorted, so what
+// lies inside an item follows it, though not at once.
+std::vector<Item> itemsOf(const CheckedFolder& folder) {
+  std::vector<Item> items;
+  for (const TreeEntry& entry : folder.tree.entries()) {
+    if (entry.isHidden) {
+      continue;
+    }
+    const std::string destination = destinationOf(folder, entry.path);
+    const auto outer = std::find_if(items.begin(), items.end(), [&entry](const Item& item) {
+      return entry.path.starts_with(item.path + "/");
+    });
+    if (outer != items.end()) {
+      outer->inside.push_back(&entry);
+    } else if (isPlaced(destination)) {
+      items.push_back({entry.path, destination, {}});
+    }
+  }
+  return items;
+}
+
+class BundleRules {
+ public:
+  BundleRules(const CheckedFolder& folder, Remarks& remarks) : folder_(folder), remarks_(remarks) {}
+
+  void check(const Item& item) {
+    if (pluginKindOf(item.destination)) {
+      checkProduct(item);
+    }
+    const bool isApplication = isApplicationDestination(item.destination);
+    if (isApplication) {
+      checkCommand(item);
+    }
+    checkPermissions(item, isApplication);
+    checkLinks(item);
+  }
+
+ private:
+  [[nodiscard]] std::string shown(const std::string& path) const { return folder_.shownRoot + "/" + path; }
+
+  void checkProduct(const Item& item) {
+    const auto product = productIn(folder_.folder.source + "/" + item.path);
+    const auto own = productIn(item.path);
+    if (!product) {
+      remarks_.add(
+          "plugin-unknown", {shown(item.path)},
+          "No product's name is in this path, so the page copies over what the user has of it and leaves "
+          "the old files inside.");
+    } else if (product != own) {
+      remarks_.add("product-in-path", {shown(item.path)},
+                   "The package's own folder has the name " + std::string(pluginNames[*product]) +
+                       " in its path, so the page takes this for " + pluginNames[*product] +
+                       "'s, and removes an earlier one only of the first plug-in of its kind.");
+    }
+  }
+
+  void checkCommand(const Item& item) {
+    const auto isSplit = [](const TreeEntry* entry) { return entry->path.find(' ') != std::string::npos; };
+    const auto isRead = [](const TreeEntry* entry) { return hasShellCharacter(entry->path); };
+    if (hasShellCharacter(item.destination) || std::any_of(item.inside.begin(), item.inside.end(), isRead)) {
+      remarks_.add(
+          "app-path-shell", {shown(item.path)},
+          "A path in the application holds a character that the shell reads as a command, so the command "
+          "that opens its permissions does something else.");
+    } else if (item.destination.find(' ') != std::string::npos) {
+      remarks_.add("app-path-blank", {shown(item.path)},
+                   "The blank in this path splits the command that opens the application's permissions, so the "
+                   "application may not start.");
+    } else if (std::any_of(item.inside.begin(), item.inside.end(), isSplit)) {
+      remarks_.add(
+          "app-path-blank", {shown(item.path)},
+          "Paths with blanks inside the application split their permission commands; the one for the whole "
+          "application makes up for it, and the log shows the failures.");
+    }
+  }
+
+  void checkPermissions(const Item& item, bool isApplication) {
+    const bool isOpenedLater = isApplication && item.destination.find(' ') == std::string::npos;
+    const auto isProgram = [](const TreeEntry* entry) {
+      return entry->kind == EntryKind::file && (entry->permissions & 0111U) != 0;
+    };
+    const auto programs = std::count_if(item.inside.begin(), item.inside.end(), isProgram);
+    if (programs > 0 && !isOpenedLater) {
+      remarks_.add("bundle-permissions", {shown(item.path)},
+                   counted(programs, "program file") +
+                       " in the bundle will not be marked as a program once installed, since the copy keeps no "
+                       "permissions.");
+    }
+  }
+
+  void checkLinks(const Item& item) {
+    const auto links = std::count_if(item.inside.begin(), item.inside.end(), [](const TreeEntry* entry) {
+      return entry->kind == EntryKind::linkToFile;
+    });
+    if (links > 0) {
+      remarks_.add(
+          "bundle-link", {shown(item.path)},
+          counted(links, "link") +
+              " in the bundle will be copies of what they lead to, so the bundle is larger and its signature "
+              "no longer holds.");
+    }
+  }
+
+  const CheckedFolder& folder_;
+  Remarks& remarks_;
+};
+
+}  // namespace
+
+bool isInBundle(std::string_view path) noexcept {
+  return std::any_of(kBundleSuffixes.begin(), kBundleSuffixes.end(), [path](std::string_view suffix) {
+    const std::size_t found = path.find(suffix);
+    return found != std::string_view::npos && path.find('/', found) == found + suffix.size();
+  });
+}
+
+void checkBundles(const CheckedSet& checked, Remarks& remarks) {
+  for (const CheckedFolder& folder : checked.systemFolders) {
+    BundleRules rules(folder, remarks);
+    for (const Item& item : itemsOf(folder)) {
+      rules.check(item);
+    }
+  }
+}
+
+}  // namespace tavenhall

@@ -1,0 +1,17 @@
+#include "host/check/check.h"
+
+#include "host/check/rules.h"
+
+namespace tavenhall {
+
+CheckResult checkSet(const CheckRequest& request) {
+  CheckResult result{openCheckedSet(request), {}};
+  for (const auto rule : {checkSettings, checkAttributesFile, checkKeys, checkValues, checkSizes, checkMachine,
+                          checkDiscs, checkDataFolders, checkFiles, checkLibraries, checkBundles}) {
+    rule(result.checked, result.remarks);
+  }
+  result.remarks.sort();
+  return result;
+}
+
+}  // namespace tavenhall

@@ -1,0 +1,112 @@
+#include "host/check/check.h"
+
+#include <nlohmann/json.hpp>
+
+namespace tavenhall {
+
+namespace {
+
+using nlohmann::json;
+
+json orNull(const std::optional<std::int64_t>& number) { return number ? json(*number) : json(); }
+
+json librariesJson(const EditionPlan& editions) {
+  json libraries = json::array();
+  for (const PlannedLibrary& library : editions.libraries) {
+    libraries.push_back(
+        {{"folder", library.folderName}, {"lite", library.isLite}, {"detected", library.isDetected}});
+  }
+  return libraries;
+}
+
+const char* sourceWord(EditionSource source) {
+  switch (source) {
+    case EditionSource::none: return "none";
+    case EditionSource::request: return "request";
+    case EditionSource::choiceFile: return "choice file";
+    case EditionSource::noChoice: return "no choice";
+    case EditionSource::detection: break;
+  }
+  return "detection";
+}
+
+json passesJson(const InstallPlan& plan) {
+  json passes = json::array();
+  for (const PlannedPass& pass : plan.passes) {
+    json volumes = json::array();
+    for (const PlannedVolume& volume : pass.volumes) {
+      volumes.push_back({{"root", volume.root},
+                         {"primary", volume.primary},
+                         {"alternate", volume.alternate},
+                         {"mounted", volume.isMounted},
+                         {"optional", volume.isOptional},
+                         {"librariesOnly", volume.librariesOnly}});
+    }
+    passes.push_back({{"folder", pass.folderName},
+                      {"destination", pass.destination},
+                      {"volumeCount", pass.volumeCount},
+                      {"volumes", std::move(volumes)}});
+  }
+  return passes;
+}
+
+json planJson(const CheckResult& result) {
+  const InstallPlan& plan = result.checked.plan;
+  const RealSizes real = result.checked.realSizes();
+  json systemFolders = json::array();
+  for (const PlannedFolder& folder : plan.systemFolders) {
+    systemFolders.push_back({{"source", folder.source}, {"destination", folder.destination}});
+  }
+  return {{"mode", plan.mode},
+          {"modeReason", plan.modeReason},
+          {"title", plan.title},
+          {"text", plan.enteringText},
+          {"completionText", plan.completionText},
+          {"edition",
+           {{"offered", plan.editions.isOffered},
+            {"lite", plan.editions.allAreLite},
+            {"source", sourceWord(plan.editions.source)},
+            {"reason", plan.editions.reason},
+            {"libraries", librariesJson(plan.editions)}}},
+          {"size",
+           {{"key", plan.announced.countedKey},
+            {"announcedBytes", plan.announced.isKnown ? json(plan.announced.bytes) : json()},
+            {"realBytes", orNull(real.whole)},
+            {"realFirstComponentBytes", orNull(real.component)},
+            {"realSystemFolderBytes", real.systemFolders}}},
+          {"systemFolders", std::move(systemFolders)},
+          {"passes", passesJson(plan)}};
+}
+
+}  // namespace
+
+std::string checkJson(const CheckResult& result) {
+  const CheckedSet& checked = result.checked;
+  const Remarks& remarks = result.remarks;
+  json list = json::array();
+  for (const Remark& remark : remarks.all()) {
+    list.push_back({{"name", remark.name},
+                    {"severity", severityWord(remark.severity)},
+                    {"file", remark.place.file},
+                    {"line", remark.place.line > 0 ? json(remark.place.line) : json()},
+                    {"text", remark.sentence},
+                    {"reference", remark.reference()}});
+  }
+  json more = json::object();
+  for (const auto& [name, count] : remarks.more()) {
+    more[std::string(name)] = count;
+  }
+  const json report{
+      {"set", checked.set.folder.string()},
+      {"package", checked.set.package.string()},
+      {"product", {{"plugin", checked.product.pluginName}, {"folder", checked.product.folderName}}},
+      {"plan", planJson(result)},
+      {"remarks", std::move(list)},
+      {"more", std::move(more)},
+      {"errors", remarks.count(Severity::error)},
+      {"warnings", remarks.count(Severity::warning)},
+      {"notes", remarks.count(Severity::note)}};
+  return report.dump(2, ' ', false, json::error_handler_t::replace) + "\n";
+}
+
+}  // namespace tavenhall

@@ -1,0 +1,153 @@
+#include "host/check/key_effects.h"
+#include "host/check/rules.h"
+#include "host/check/words.h"
+
+#include <algorithm>
+#include <cctype>
+#include <map>
+
+namespace tavenhall {
+
+namespace {
+
+bool isComment(std::string_view key) {
+  return key.starts_with('#') || key.starts_with(';') || key.starts_with("//");
+}
+
+bool hasLetterOrDigit(std::string_view word) {
+  return std::any_of(word.begin(), word.end(), [](unsigned char byte) { return std::isalnum(byte) != 0; });
+}
+
+class KeyRules {
+ public:
+  KeyRules(const CheckedSet& checked, Remarks& remarks)
+      : checked_(checked), attributes_(checked.plan.attributes), remarks_(remarks) {
+    for (const AttributesKey& key : attributesKeys()) {
+      counting_[&key] =
+          key.kind == KeyKind::text ? attributes_.findText(key.name).key : attributes_.findNumber(key.name).key;
+    }
+  }
+
+  void check(const AttributesPiece& piece) {
+    const std::string_view word = piece.parts.key;
+    const bool isSearched = piece.turn <= kAttributesLineCount;
+    if (piece.continuesLine || word.empty() || isComment(word) || word.starts_with(kByteOrderMark)) {
+      return;  // the mark was said of the file
+    }
+    if (const AttributesKey* key = knownKey(word)) {
+      isSearched ? checkKnown(piece, *key) : checkLate(piece, *key);
+    } else if (isSearched && !checkJoined(piece) && !checkNumberCase(piece)) {
+      checkUnknown(piece);
+    }
+  }
+
+ private:
+  void add(std::string_view name, const AttributesPiece& piece, std::string sentence) {
+    remarks_.add(name, checked_.attributesPlace(&piece), std::move(sentence));
+  }
+
+  [[nodiscard]] bool isFound(const AttributesKey& key) const { return counting_.at(&key) != nullptr; }
+
+  void checkKnown(const AttributesPiece& piece, const AttributesKey& key) {
+    const std::string name = key.name;
+    const AttributesPiece* counting = counting_.at(&key);
+    if (counting != &piece) {
+      add("key-twice", piece,
+          name + " stands in line " + std::to_string(counting->line) +
+              " already, and that one counts: nobody sees this one.");
+    } else if (hasLetterOrDigit(piece.parts.separator)) {
+      add("separator-missing", piece,
+          "The word after a key is skipped, so the page does not see " + inQuotes(piece.parts.separator) +
+              " as part of " + name + "; write \"" + name + " = ...\", with blanks.");
+    } else if (piece.parts.value.empty()) {
+      checkEmpty(piece, key);
+    }
+  }
+
+  void checkEmpty(const AttributesPiece& piece, const AttributesKey& key) {
+    const std::string name = key.name;
+    const AttributesPiece* source =
+        key.kind == KeyKind::text ? attributes_.findText(name).source : attributes_.findNumber(name).source;
+    const std::string effect = source == nullptr ? "it is empty or 0 for the page"
+                                                 : "the page takes what line " + std::to_string(source->line) +
+                                                       " says, " + inQuotes(source->parts.value);
+    add("value-missing", piece, name + " has no value, so " + effect + ".");
+  }
+
+  void checkLate(const AttributesPiece& piece, const AttributesKey& key) {
+    if (isFound(key)) {
+      add("key-twice", piece,
+          std::string(key.name) + " stands in an earlier line already: nobody sees this one.");
+    } else {
+      add("key-too-late", piece,
+          "The page searches the first 999 lines only and does not find " + std::string(key.name) +
+              " here, so " + missingKeyEffect(key.name) + ".");
+    }
+  }
+
+  // "Mode=Text", without the blanks that part the three.
+  bool checkJoined(const AttributesPiece& piece) {
+    const std::string_view word = piece.parts.key;
+    const std::string_view start = word.substr(0, word.find_first_of("=:"));
+    if (start.size() == word.size()) {
+      return false;
+    }
+    for (const AttributesKey& key : attributesKeys()) {
+      if (isSameInAnyCase(start, key.name)) {
+        add("key-joined", piece,
+            "Without a blank behind " + std::string(key.name) + " the page does not know the key, so " +
+                missingKeyEffect(key.name) + ".");
+        return true;
+      }
+    }
+    return false;
+  }
+
+  bool checkNumberCase(const AttributesPiece& piece) {
+    for (const AttributesKey& key : attributesKeys()) {
+      if (isSameInAnyCase(piece.parts.key, key.name) && !isFound(key)) {
+        add("key-case", piece,
+            "The page finds a number by its exact key only, " + std::string(key.name) + ", so " +
+                missingKeyEffect(key.name) + ".");
+        return true;
+      }
+    }
+    return false;
+  }
+
+  void checkUnknown(const AttributesPiece& piece) {
+    const std::string word = inQuotes(piece.parts.key);
+    const AttributesKey* nearest = nullptr;
+    for (const AttributesKey& key : attributesKeys()) {
+      if (isMisspeltFor(piece.parts.key, key.name) && !isFound(key) &&
+          (nearest == nullptr ||
+           lettersApart(piece.parts.key, key.name) < lettersApart(piece.parts.key, nearest->name))) {
+        nearest = &key;
+      }
+    }
+    if (nearest != nullptr) {
+      add("key-misspelt", piece,
+          word + " is probably meant to be " + nearest->name + ", which is missing, so " +
+              missingKeyEffect(nearest->name) + ".");
+    } else {
+      add("key-unknown", piece,
+          "No part of the installer knows the key " + word + ", so nobody sees this line.");
+    }
+  }
+
+  const CheckedSet& checked_;
+  const AttributesReading& attributes_;
+  Remarks& remarks_;
+  std::map<const AttributesKey*, const AttributesPiece*> counting_;  // the line that counts, or null
+};
+
+}  // namespace
+
+void checkKeys(const CheckedSet& checked, Remarks& remarks) {
+  KeyRules rules(checked, remarks);
+  for (const AttributesPiece& piece : checked.plan.attributes.pieces()) {
+    rules.check(piece);
+  }
+}
+
+}  // namespace tavenhall

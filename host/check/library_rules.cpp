@@ -1,0 +1,204 @@
+#include "host/check/rules.h"
+#include "host/check/words.h"
+#include "host/set/installed_editions.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace tavenhall {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kMirelPacks = "Mirel Packs";
+
+class LibraryRules {
+ public:
+  LibraryRules(const CheckedSet& checked, Remarks& remarks)
+      : checked_(checked), remarks_(remarks), path_(checked.whole.attributes.findText("RelativePath2")) {
+    folder_ = fs::path(checked.whole.packageFolder) / path_.value / "TANVO";
+    libraries_ = listLibraries(folder_.string(), std::numeric_limits<std::size_t>::max());
+  }
+
+  void check() {
+    if (!path_) {
+      return;  // then nothing is listed, and nothing is meant to be
+    }
+    std::error_code error;
+    if (!fs::exists(folder_, error)) {
+      remarks_.add(
+          "data-folder-missing", checked_.attributesPlace(path_.key),
+          "RelativePath2 names a place without a folder TANVO, so the page lists no libraries and updates "
+          "everybody alike.");
+      return;
+    }
+    checkCount();
+    for (const PlannedLibrary& library : libraries_) {
+      checkLibrary(library);
+    }
+    for (const CheckedVolume& volume : checked_.volumes) {
+      for (const std::string& name : volume.leftOut) {
+        if (isBeyondTheLast(name)) {
+          continue;  // the count has been remarked
+        }
+        remarks_.add("folder-left-out", {volume.shown(name)},
+                     "Of the second component the page copies the listed libraries only, and none is called " +
+                         inQuotes(name) + ", so nobody gets it.");
+      }
+      if (volume.folderName == "TANVO" && !volume.chosen.empty()) {
+        volume.volume.number == 0 ? checkFirstComponent(volume) : checkPacks(volume);
+      }
+    }
+    checkInstalledPacks();
+  }
+
+ private:
+  // Is it a library that only the page's limit keeps from being listed?
+  [[nodiscard]] bool isBeyondTheLast(const std::string& name) const {
+    return std::any_of(libraries_.begin(), libraries_.end(),
+                       [&name](const PlannedLibrary& library) { return library.folderName == name; });
+  }
+
+  void checkCount() {
+    if (libraries_.size() > kLibrarySlots) {
+      remarks_.add("too-many-libraries", {checked_.shown(folder_)},
+                   "The update carries " + std::to_string(libraries_.size()) +
+                       " libraries, of which the page sees " + std::to_string(kLibrarySlots) +
+                       ", so the rest do not get their second component.");
+    }
+  }
+
+  void checkLibrary(const PlannedLibrary& library) {
+    std::error_code error;
+    const fs::path path = folder_ / library.folderName;
+    if (!fs::is_directory(path, error)) {
+      remarks_.add(
+          "library-not-a-folder", {checked_.shown(path)},
+          "The page takes this file for a library, so the user reads \"Full installation detected for " +
+              std::string(libraryDisplayName(library.folderName).view()) + "\" and it is not installed.");
+    }
+    if (library.folderName != kMirelPacks && library.folderName.find('/') == std::string::npos &&
+        isMisspeltFor(library.folderName, kMirelPacks)) {
+      remarks_.add(
+          "mirel-pack-unseen", {checked_.shown(path)},
+          "Only a folder that is called exactly \"Mirel Packs\" holds packs for the page, so these count as "
+          "one library, always Full.");
+    }
+  }
+
+  // Libraries that the page does not list are copied as they are in the first component, unannounced.
+  void checkFirstComponent(const CheckedVolume& volume) {
+    for (const TreeEntry& entry : volume.tree.entries()) {
+      const bool isLibrary = !entry.isHidden && entry.kind == EntryKind::folder && entry.path != kMirelPacks &&
+                             (entry.path.find('/') == std::string::npos ||
+                              (entry.path.starts_with("Mirel Packs/") && depthOf(entry.path) == 1));
+      if (isLibrary && !isListed(entry.path)) {
+        remarks_.add("library-not-listed", {volume.shown(entry.path)},
+                     "The folder of RelativePath2 has no " + inQuotes(entry.path) +
+                         ", so the page does not look which edition the user has, and says nothing of it.");
+      }
+    }
+    checkPacks(volume);
+  }
+
+  // What the detection will find of a pack once this is installed: a folder of the pack's name with
+  // " Library", and a database in each folder right below it.
+  void checkPacks(const CheckedVolume& volume) {
+    for (const TreeEntry& entry : volume.tree.entries()) {
+      const bool isFactory = !entry.isHidden && entry.kind == EntryKind::folder && depthOf(entry.path) == 3 &&
+                             entry.path.starts_with("Mirel Packs/") &&
+                             entry.path.ends_with("/Soundsources/Factory");
+      if (isFactory) {
+        checkPack(volume, entry.path);
+      }
+    }
+  }
+
+  void checkPack(const CheckedVolume& volume, const std::string& factory) {
+    const std::size_t start = kMirelPacks.size() + 1;
+    const std::string pack = factory.substr(start, factory.find('/', start) - start);
+    const std::string library = factory + "/" + pack + " Library";
+    if (!isAnywhere([&library](const TreeEntry& entry) {
+          return entry.path == library && entry.kind == EntryKind::folder;
+        })) {
+      remarks_.add("mirel-pack-unseen", {volume.shown(factory)},
+                   "The pack has no folder " + inQuotes(pack + " Library") +
+                       " here, so the page cannot see its edition and takes it for Full.");
+      return;
+    }
+    const bool bringsDatabases = isAnywhere([&library](const TreeEntry& entry) {
+      return isDatabase(entry) && entry.path.starts_with(library + "/");
+    });
+    if (!bringsDatabases) {
+      return;  // the ones that the user has count
+    }
+    for (const TreeEntry& entry : volume.tree.entries()) {
+      if (entry.kind == EntryKind::folder && !entry.isHidden && entry.path.starts_with(library + "/") &&
+          depthOf(entry.path) == 5 && !hasDatabase(entry.path)) {
+        remarks_.add(
+            "mirel-pack-unseen", {volume.shown(entry.path)},
+            "There is no .db file right in this folder, so where the system lists it first, the page cannot "
+            "see the pack's edition and takes it for Full.");
+      }
+    }
+  }
+
+  void checkInstalledPacks() {
+    if (!checked_.isInstalledKnown) {
+      return;
+    }
+    const fs::path central = fs::path(checked_.dataRoot) / checked_.product.folderName;
+    for (const PlannedLibrary& library : checked_.plan.editions.libraries) {
+      std::error_code error;
+      const fs::path path = central / library.folderName;
+      if (isMirelPack(library.folderName) && !library.isDetected && fs::exists(path, error)) {
+        remarks_.add(
+            "mirel-pack-unseen", {checked_.shown(path)},
+            "The page finds no database of this pack where it looks for one, so it takes it for Full.");
+      }
+    }
+  }
+
+  static std::ptrdiff_t depthOf(const std::string& path) { return std::count(path.begin(), path.end(), '/'); }
+
+  static bool isDatabase(const TreeEntry& entry) {
+    return entry.kind == EntryKind::file && !entry.isHidden && isDatabaseName(entry.name());
+  }
+
+  // Both components are laid over each other, so what one of them brings is there.
+  template <typename Test>
+  [[nodiscard]] bool isAnywhere(Test test) const {
+    return std::any_of(checked_.volumes.begin(), checked_.volumes.end(), [&test](const CheckedVolume& volume) {
+      const auto& entries = volume.tree.entries();
+      return volume.folderName == "TANVO" && std::any_of(entries.begin(), entries.end(), test);
+    });
+  }
+
+  [[nodiscard]] bool hasDatabase(const std::string& folder) const {
+    return isAnywhere([&folder](const TreeEntry& entry) {
+      return isDatabase(entry) && entry.path == folder + "/" + entry.name();
+    });
+  }
+
+  [[nodiscard]] bool isListed(const std::string& name) const {
+    return std::any_of(libraries_.begin(), libraries_.end(),
+                       [&name](const PlannedLibrary& library) { return library.folderName == name; });
+  }
+
+  const CheckedSet& checked_;
+  Remarks& remarks_;
+  FoundText path_;
+  fs::path folder_;
+  std::vector<PlannedLibrary> libraries_;
+};
+
+}  // namespace
+
+void checkLibraries(const CheckedSet& checked, Remarks& remarks) {
+  if (checked.whole.mode == kModeProductUpdater) {
+    LibraryRules(checked, remarks).check();
+  }
+}
+
+}  // namespace tavenhall

@@ -1,0 +1,233 @@
+#include "context/install_rules.h"
+#include "host/check/rules.h"
+#include "host/check/words.h"
+
+#include <algorithm>
+#include <limits>
+#include <sys/stat.h>
+
+namespace tavenhall {
+
+namespace {
+
+constexpr std::size_t kModeSize = 64;      // the page's buffer for a mode
+constexpr std::size_t kFolderSize = 1024;  // its buffer for a folder relative to the package's
+constexpr std::int64_t kMostMillions = std::numeric_limits<std::int64_t>::max() / 1000000;
+
+// What a mode's value is searched for; whether one is found is the page's own rule.
+constexpr std::string_view kModeWords[] = {"DataUpdater", "InstallFromVolumes", "TavenhallUpdater",
+                                           "SupportHub"};
+
+// A value up to its first carriage return, where it ends for the page.
+std::string_view untilCarriageReturn(std::string_view value) { return value.substr(0, value.find('\r')); }
+
+std::string_view withoutBlanksAtEnd(std::string_view value) {
+  return value.substr(0, value.find_last_not_of(" \t") + 1);
+}
+
+class ValueRules {
+ public:
+  ValueRules(const CheckedSet& checked, Remarks& remarks)
+      : checked_(checked), attributes_(checked.plan.attributes), remarks_(remarks) {}
+
+  void checkMode() {
+    const FoundText mode = attributes_.findText("Mode", kModeSize);
+    if (!mode) {
+      if (attributes_.isFilePresent()) {
+        remarks_.add("mode-missing", checked_.attributesPlace(),
+                     "No line says which Mode the installer has, so the page installs from discs.");
+      }
+      return;
+    }
+    if (mode.source != mode.key) {
+      return;  // a value of another line's was said of the key
+    }
+    const std::string_view written = untilCarriageReturn(mode.key->parts.value);
+    if (written.size() >= kModeSize) {
+      add("value-cut", *mode.key, "The page reads 63 bytes of a Mode, so the end of this one does not count.");
+    }
+    const auto words =
+        std::count_if(std::begin(kModeWords), std::end(kModeWords),
+                      [&mode](std::string_view word) { return mode.value.find(word) != std::string::npos; });
+    if (words > 1) {
+      add("mode-several", *mode.key,
+          "The Mode names more than one kind of installer, and the page takes the first that it tests for, "
+          "mode " +
+              std::to_string(installModeForValue(mode.value)) + ".");
+    } else if (words == 0) {
+      checkModeSpelling(mode);
+    }
+  }
+
+  void checkNumber(const AttributesKey& key) {
+    const FoundNumber found = attributes_.findNumber(key.name);
+    if (!found || found.key->parts.value.empty()) {
+      return;
+    }
+    const std::string_view value = found.key->parts.value;
+    if (found.source != found.key) {
+      const std::string effect =
+          found.source == nullptr
+              ? "0"
+              : std::to_string(found.number) + ", the number of line " + std::to_string(found.source->line);
+      add("number-invalid", *found.key,
+          std::string(key.name) + " is " + inQuotes(value) + ", which is no number, so the page takes " +
+              effect + ".");
+      return;
+    }
+    const std::size_t sign = value.starts_with('-') || value.starts_with('+') ? 1 : 0;
+    const std::size_t end = std::min(value.find_first_not_of("0123456789", sign), value.size());
+    if (value.find_first_not_of(" \t\r", end) != std::string_view::npos) {
+      add("number-trailing-text", *found.key,
+          "The page reads " + std::string(key.name) + " up to the first character that is no digit, so it is " +
+              std::to_string(found.number) + ".");
+    }
+    checkRange(key, found, value.substr(0, end));
+  }
+
+  void checkPrompt() {
+    const FoundText prompt = attributes_.findText("LiteVsFullPrompt");
+    if (!prompt || prompt.source != prompt.key) {
+      return;
+    }
+    const std::string_view trimmed = withoutBlanksAtEnd(prompt.value);
+    const bool isYes = isSameInAnyCase(trimmed, "Yes");
+    if (isYes && trimmed.size() < prompt.value.size()) {
+      add("trailing-blank", *prompt.key,
+          "A blank follows the Yes of LiteVsFullPrompt, which then does not count, so the user gets no choice "
+          "between Lite and Full.");
+      return;
+    }
+    if (!isYes && !isSameInAnyCase(trimmed, "No")) {
+      add("prompt-value", *prompt.key,
+          "LiteVsFullPrompt is " + inQuotes(trimmed) + ", and the page takes everything but Yes for No.");
+      return;
+    }
+    checkPromptEffect(*prompt.key, isYes);
+  }
+
+  void checkText(const char* key) {
+    const FoundText text = attributes_.findText(key);
+    if (!text || text.source != text.key) {
+      return;
+    }
+    int places = 0;
+    for (std::size_t i = 0; i + 1 < text.value.size(); ++i) {
+      if (text.value.compare(i, 2, "%s") == 0) {
+        ++places;
+      }
+      i += text.value[i] == '%' ? 1 : 0;  // also over "%%", which is a percent sign
+    }
+    if (places == 0) {
+      add("placeholder-missing", *text.key,
+          std::string(key) + " has no \"%s\", so the user is not told where the data goes.");
+    } else if (places > 1) {
+      add("placeholder-repeated", *text.key,
+          "The destination takes the place of the first \"%s\" of " + std::string(key) +
+              ", and the user reads the others as they stand.");
+    }
+  }
+
+  void checkPath(const char* key) {
+    const FoundText path = attributes_.findText(key);
+    if (!path || path.source != path.key) {
+      return;
+    }
+    const std::string_view written = untilCarriageReturn(path.key->parts.value);
+    if (written.find('\\') != std::string_view::npos) {
+      add("path-backslash", *path.key,
+          std::string(key) +
+              " holds a backslash, which parts no folders and makes a line break before n or r, so "
+              "the page looks for a folder that is not there.");
+    } else if (withoutBlanksAtEnd(written).size() < written.size() && !isFolderThere(path.value)) {
+      add("trailing-blank", *path.key,
+          "A blank at its end is part of " + std::string(key) +
+              ", so the page looks for a folder that is not there.");
+    }
+    if (checked_.plan.packageFolder.size() + 1 + path.value.size() >= kFolderSize) {
+      add("path-too-long", *path.key,
+          "The package's folder and " + std::string(key) +
+              " make more than 1023 bytes together, and the installer ends at once.");
+    }
+  }
+
+ private:
+  void add(std::string_view name, const AttributesPiece& piece, std::string sentence) {
+    remarks_.add(name, checked_.attributesPlace(&piece), std::move(sentence));
+  }
+
+  void checkModeSpelling(const FoundText& mode) {
+    for (const std::string_view word : kModeWords) {
+      if (isMisspeltFor(withoutBlanksAtEnd(mode.value), word)) {
+        add("mode-misspelt", *mode.key,
+            "The Mode " + inQuotes(mode.value) + " is probably meant to be " + std::string(word) +
+                ", and the page takes it for an installer that has its data beside the package.");
+        return;
+      }
+    }
+  }
+
+  void checkRange(const AttributesKey& key, const FoundNumber& found, std::string_view digits) {
+    const bool isVolumes = std::string_view(key.name) == "NumberOfVolumes";
+    const bool isLimit = found.number == std::numeric_limits<std::int64_t>::max() ||
+                         found.number == std::numeric_limits<std::int64_t>::min();
+    const bool fits =
+        !isLimit && found.number >= 0 &&
+        (isVolumes ? found.number <= std::numeric_limits<std::int32_t>::max() : found.number <= kMostMillions);
+    if (fits) {
+      return;
+    }
+    const std::string effect =
+        isVolumes ? "installs " + counted(std::max(volumeCountForNumber(found.number), 0), "volume")
+                  : "expects " + std::to_string(announcedBytes(found.number)) + " bytes";
+    add("number-out-of-range", *found.key,
+        std::string(key.name) + " cannot be " + std::string(digits.substr(0, 24)) +
+            ", of which the page makes what it "
+            "can: it " +
+            effect + ".");
+  }
+
+  void checkPromptEffect(const AttributesPiece& piece, bool isYes) {
+    const bool twoVolumes = volumesOfferEditions(checked_.plan.numberOfVolumes);
+    const std::int32_t mode = checked_.plan.mode;
+    std::string effect;
+    if (mode == kModeProductUpdater) {
+      effect = "an updater finds out by itself which edition the user has";
+    } else if (isYes && !twoVolumes) {
+      effect = "only NumberOfVolumes 2 makes a choice, so the user gets everything";
+    } else if (!isYes && twoVolumes && mode != kModeVolumes) {
+      effect = "in this mode NumberOfVolumes 2 alone makes a choice between Lite and Full";
+    }
+    if (!effect.empty()) {
+      add("prompt-without-effect", piece, "LiteVsFullPrompt has no effect here: " + effect + ".");
+    }
+  }
+
+  bool isFolderThere(const std::string& value) const {
+    struct stat found {};
+    return stat((checked_.plan.packageFolder + "/" + value).c_str(), &found) == 0;
+  }
+
+  const CheckedSet& checked_;
+  const AttributesReading& attributes_;
+  Remarks& remarks_;
+};
+
+}  // namespace
+
+void checkValues(const CheckedSet& checked, Remarks& remarks) {
+  ValueRules rules(checked, remarks);
+  rules.checkMode();
+  for (const AttributesKey& key : attributesKeys()) {
+    if (key.kind == KeyKind::number) {
+      rules.checkNumber(key);
+    }
+  }
+  rules.checkPrompt();
+  rules.checkText("InstallingData");
+  rules.checkText("InstalledData");
+  rules.checkPath("RelativePath");
+  rules.checkPath("RelativePath2");
+}
+
+}  // namespace tavenhall

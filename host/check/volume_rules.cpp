@@ -1,0 +1,145 @@
+#include "host/check/key_effects.h"
+#include "host/check/rules.h"
+#include "host/check/words.h"
+
+#include <cstdlib>
+
+namespace tavenhall {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::int64_t kMillion = 1000000;
+constexpr std::int64_t kTolerance = 20;  // a size may be off by one part in so many, and by the rounding
+
+bool isClose(std::int64_t announced, std::int64_t least, std::int64_t most) {
+  return announced >= least - least / kTolerance - kMillion && announced <= most + most / kTolerance + kMillion;
+}
+
+Place placeOfKey(const CheckedSet& checked, const char* key) {
+  return checked.attributesPlace(checked.plan.attributes.findNumber(key).key);
+}
+
+// A size that the file announces, against what is there. The system folders of an update may be counted or
+// not: they are copied, and they are no data.
+void checkSize(const CheckedSet& checked, std::string_view remark, const char* key, std::int64_t millions,
+               std::optional<std::int64_t> real, Remarks& remarks) {
+  const FoundNumber found = checked.plan.attributes.findNumber(key);
+  if (found.source != found.key || millions <= 0 || millions > INT64_MAX / kMillion || !real) {
+    return;  // said elsewhere, or not to be known
+  }
+  const std::int64_t announced = announcedBytes(millions);
+  const std::int64_t systemFolders = checked.realSizes().systemFolders;
+  if (isClose(announced, *real, *real + systemFolders)) {
+    return;
+  }
+  std::string effect;
+  if (checked.plan.mode == kModeProductUpdater) {
+    effect = "the bar starts again, or stops, at the wrong place";
+  } else if (announced > *real) {
+    effect = "the bar stops at " + std::to_string(*real * 100 / announced) + " % and then jumps to its end";
+  } else {
+    effect = "the bar is full when " + std::to_string(announced * 100 / *real) + " % of the data is copied";
+  }
+  remarks.add(remark, placeOfKey(checked, key),
+              std::string(key) + " announces " + megabytes(announced) + " and there are " + megabytes(*real) +
+                  ", so " + effect + ".");
+}
+
+void checkSizeIsGiven(const CheckedSet& checked, const char* key, std::int64_t millions, Remarks& remarks) {
+  const FoundNumber found = checked.plan.attributes.findNumber(key);
+  if (millions == 0 && (!found || found.source == found.key)) {
+    remarks.add("size-missing", checked.attributesPlace(found.key),
+                "Nothing announces a size as " + std::string(key) + ", so " + missingKeyEffect(key) + ".");
+  }
+}
+
+}  // namespace
+
+void checkSettings(const CheckedSet& checked, Remarks& remarks) {
+  const InstallPlan& whole = checked.whole;
+  const std::string package = checked.set.package.string();
+  if (package.find('\\') != std::string::npos || package.find('\n') != std::string::npos) {
+    remarks.add(
+        "package-path", {checked.shown(package)},
+        "The package's path holds a backslash or a line break, so the page looks for its files in a folder "
+        "that is not there.");
+  } else if (package.size() > 1022) {
+    remarks.add(
+        "package-path", {checked.shown(package)},
+        "The package's path is longer than the 1022 bytes that the page can be told, so it finds nothing.");
+  }
+  if (checked.isProductAssumed) {
+    remarks.add("product-assumed", {checked.shown(package)},
+                "Nobody said which product this is for, so it was checked for " + checked.product.pluginName +
+                    "; name it with --product or in rehearsal.json.");
+  }
+
+  const FoundText secondPath = whole.attributes.findText("RelativePath2");
+  if (whole.editions.isOffered && whole.mode != kModeVolumes && !secondPath) {
+    remarks.add("second-path-missing", placeOfKey(checked, "NumberOfVolumes"),
+                "There is a second component and no RelativePath2, so the page looks for it in the folder " +
+                    inQuotes(secondPath.value) + " beside the package" +
+                    (secondPath.value.empty() ? "." : ", which is another line's value."));
+  }
+
+  for (const CheckedVolume& volume : checked.volumes) {
+    if (volume.volume.isMounted && whole.mode != kModeVolumes) {
+      remarks.add("volumes-without-prompt", placeOfKey(checked, "NumberOfVolumes"),
+                  "In this mode the page takes volume " + std::to_string(volume.volume.number + 1) + " from " +
+                      inQuotes(volume.volume.root) + " and asks nobody to put it in, so it is " +
+                      (whole.mode == kModeProductUpdater ? "passed over without a word."
+                                                         : "not found and the install ends there."));
+      break;
+    }
+  }
+}
+
+void checkSizes(const CheckedSet& checked, Remarks& remarks) {
+  const AnnouncedSize& announced = checked.plan.announced;
+  const bool hasComponent = checked.whole.editions.isOffered;
+  const RealSizes real = checked.realSizes();
+  if (checked.plan.attributes.isFilePresent()) {
+    checkSizeIsGiven(checked, "TotalSizeMillionsBytes", announced.totalMillions, remarks);
+    if (hasComponent) {
+      checkSizeIsGiven(checked, "Component1SizeMillionsBytes", announced.componentMillions, remarks);
+    }
+  }
+  checkSize(checked, "size-total", "TotalSizeMillionsBytes", announced.totalMillions, real.whole, remarks);
+  if (hasComponent) {
+    checkSize(checked, "size-component", "Component1SizeMillionsBytes", announced.componentMillions,
+              real.component, remarks);
+  }
+}
+
+void checkMachine(const CheckedSet& checked, Remarks& remarks) {
+  const EditionPlan& editions = checked.plan.editions;
+  if (editions.source == EditionSource::choiceFile) {
+    remarks.add("choice-file-stale", {"/tmp/TavInstallType"},
+                "This file lies here from an earlier install and says " + inQuotes(editions.choice) +
+                    ", so an install whose package writes none installs the " +
+                    (editions.allAreLite ? "Lite" : "Full") + " edition on this machine.");
+  }
+  if (!checked.isInstalledKnown) {
+    return;
+  }
+  std::error_code error;
+  const fs::path central = fs::path(checked.dataRoot) / checked.product.folderName;
+  if (!fs::exists(central, error)) {
+    remarks.add("central-folder-missing", {checked.shown(central)},
+                "The user has no folder " + checked.product.folderName +
+                    ", so the page says that it was not found and installs nothing.");
+    return;
+  }
+  for (const CheckedVolume& volume : checked.volumes) {
+    const fs::path destination = fs::path(checked.dataRoot) / volume.folderName;
+    if (!volume.chosen.empty() && volume.volume.number == 0 && !fs::exists(destination, error)) {
+      remarks.add("central-folder-missing", {checked.shown(destination)},
+                  "The user has no folder " + volume.folderName +
+                      ", so the page copies nothing of it and tells nobody but the log.");
+    }
+  }
+}
+
+}  // namespace tavenhall

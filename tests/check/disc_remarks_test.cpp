@@ -1,0 +1,150 @@
+#include "tests/check/sets.h"
+
+#include <cstdlib>
+
+namespace tavenhall::test {
+
+namespace {
+
+void renameDisc(const std::string& from, const std::string& to) {
+  std::filesystem::rename(inSet("discs/" + from), inSet("discs/" + to));
+}
+
+// Turns a disc's folder into an image.
+void makeImage(const std::string& name, const std::string& extension) {
+  const std::string folder = inSet("discs/" + name);
+  const std::string command =
+      "mksquashfs '" + folder + "' '" + folder + extension + "' -quiet -no-progress >/dev/null 2>&1";
+  ASSERT_EQ(std::system(command.c_str()), 0);
+  std::filesystem::remove_all(folder);
+}
+
+}  // namespace
+
+TEST(DiscRemark, ADiscIsMissing) {
+  makeDiscSet();
+  std::filesystem::remove_all(inSet("discs/2 Tavenhall Lumaweave"));
+  const CheckResult result = checkFor("Lumaweave");
+  expectRemarks(result, {{"disc-missing", "error", "discs"}}, 1);
+  EXPECT_EQ(sentenceOf(result, "disc-missing"),
+            "There is no disc 2, so the page asks for \"Tavenhall Lumaweave\" until somebody has one.");
+}
+
+TEST(DiscRemark, ADiscHasAnotherName) {
+  makeDiscSet();
+  renameDisc("2 Tavenhall Lumaweave", "2 Lumaweave B");
+  expectRemarks(checkFor("Lumaweave"), {{"disc-name", "error", "discs/2 Lumaweave B"}}, 1);
+}
+
+TEST(DiscRemark, ADiscThatIsNeverAskedFor) {
+  makeDiscSet();
+  writeFile(inSet("discs/3 Tavenhall Lumaweave/DOVA/three"), "three");
+  expectRemarks(checkFor("Lumaweave"), {{"disc-surplus", "warning", "discs/3 Tavenhall Lumaweave"}}, 3);
+}
+
+TEST(DiscRemark, SomethingThatIsNoDisc) {
+  makeDiscSet();
+  writeFile(inSet("discs/readme.txt"), "text");
+  makeFolder(inSet("discs/Tavenhall Lumaweave"));
+  makeFolder(inSet("discs/02 Tavenhall Lumaweave"));
+  expectRemarks(checkFor("Lumaweave"),
+                {{"disc-not-numbered", "warning", "discs/readme.txt"},
+                 {"disc-not-numbered", "warning", "discs/Tavenhall Lumaweave"},
+                 {"disc-not-numbered", "warning", "discs/2 Tavenhall Lumaweave"},
+                 {"data-folder-missing", "error", "discs/02 Tavenhall Lumaweave"}},
+                1);
+}
+
+TEST(DiscRemark, DiscsThatNobodyAsksFor) {
+  makeDataUpdateSet();
+  writeFile(inSet("discs/1 Tavenhall Tessaphon A/TANVO/a"), "a");
+  expectRemarks(checkFor("Tessaphon"), {{"discs-unused", "warning", "discs"}}, 3);
+}
+
+TEST(DiscRemark, AnOptionalDiscThatNoPromptReaches) {
+  makeDiscSet("Mode = InstallFromVolumes\nNumberOfVolumes = 3\nTotalSizeMillionsBytes = 1\n");
+  renameDisc("1 Tavenhall Lumaweave", "1 Tavenhall Tempora QX");
+  renameDisc("2 Tavenhall Lumaweave", "2 Tavenhall Tempora QX");
+  writeFile(inSet("discs/3 Northfield DOVA Outrider/DOVA/three"), "three");
+  writeFile(inSet("discs/4 Tin Parade DOVA Outrider/DOVA/four"), "four");
+  const CheckResult result = checkFor("TemporaQX");
+  expectRemarks(result,
+                {{"optional-disc-unreachable", "error", "discs/3 Northfield DOVA Outrider"},
+                 {"optional-disc-unreachable", "error", "discs/4 Tin Parade DOVA Outrider"}},
+                1);
+}
+
+TEST(DiscRemark, AnImageIsLookedInto) {
+  makeDiscSet();
+  makeFolder(inSet("discs/2 Tavenhall Lumaweave/Mac OSX/DOVA"));
+  makeImage("2 Tavenhall Lumaweave", ".squashfs");
+  expectRemarks(checkFor("Lumaweave"),
+                {{"both-folders", "warning", "discs/2 Tavenhall Lumaweave.squashfs/Mac OSX/DOVA"}}, 3);
+}
+
+TEST(DiscRemark, AnImageThatNothingHereCanRead) {
+  makeDiscSet();
+  std::filesystem::remove_all(inSet("discs/2 Tavenhall Lumaweave"));
+  writeFile(inSet("discs/2 Tavenhall Lumaweave.iso"), "an image");
+  const CheckResult result = checkFor("Lumaweave");
+  expectRemarks(result, {{"image-not-read", "note", "discs/2 Tavenhall Lumaweave.iso"}}, 0);
+  EXPECT_FALSE(result.checked.realSizes().whole.has_value());
+}
+
+TEST(DiscRemark, AnImageThatIsNone) {
+  makeDiscSet();
+  std::filesystem::remove_all(inSet("discs/2 Tavenhall Lumaweave"));
+  writeFile(inSet("discs/2 Tavenhall Lumaweave.squashfs"), "no image");
+  expectRemarks(checkFor("Lumaweave"), {{"image-not-read", "note", "discs/2 Tavenhall Lumaweave.squashfs"}}, 0);
+}
+
+// ---- Data folders ----
+
+TEST(FolderRemark, ADiscWithoutItsDataFolder) {
+  makeDiscSet();
+  renameDisc("2 Tavenhall Lumaweave/DOVA", "2 Tavenhall Lumaweave/dova");
+  expectRemarks(checkFor("Lumaweave"), {{"data-folder-missing", "error", "discs/2 Tavenhall Lumaweave"}}, 1);
+}
+
+TEST(FolderRemark, APackageWithoutItsDataFolder) {
+  makeDownloadSet();
+  std::filesystem::remove_all(inSet("TANVO"));
+  const CheckResult result = checkFor("Tessaphon");
+  expectRemarks(result, {{"data-folder-missing", "error", "TANVO"}}, 1);
+  EXPECT_THAT(sentenceOf(result, "data-folder-missing"),
+              testing::HasSubstr("says \"Files to be installed not found.\" and ends"));
+}
+
+TEST(FolderRemark, AnUpdateWithoutTheFolderOfItsSecondPath) {
+  makeUpdateSet();
+  std::filesystem::remove_all(inSet("Second"));
+  expectRemarks(checkFor("Tessaphon"), {{"data-folder-missing", "error", kAttributes, 3}}, 1);
+}
+
+TEST(FolderRemark, AnEmptyDataFolder) {
+  makeDiscSet();
+  std::filesystem::remove_all(inSet("discs/2 Tavenhall Lumaweave/DOVA/Factory"));
+  expectRemarks(checkFor("Lumaweave"), {{"data-folder-empty", "warning", "discs/2 Tavenhall Lumaweave/DOVA"}},
+                3);
+}
+
+TEST(FolderRemark, BothDataFolders) {
+  makeDownloadSet();
+  writeFile(inSet("Mac OSX/TANVO/never.db"), "never");
+  expectRemarks(checkFor("Tessaphon"), {{"both-folders", "warning", "Mac OSX/TANVO"}}, 3);
+}
+
+TEST(FolderRemark, TheAlternateFolderAloneIsSound) {
+  makeDiscSet();
+  makeFolder(inSet("discs/2 Tavenhall Lumaweave/Mac OSX"));
+  renameDisc("2 Tavenhall Lumaweave/DOVA", "2 Tavenhall Lumaweave/Mac OSX/DOVA");
+  expectRemarks(checkFor("Lumaweave"), {}, 0);
+}
+
+TEST(FolderRemark, AnUpdateWithNothingInIt) {
+  writeFile(inSet("Installer.pkg"), "package");
+  writeAttributes("Mode = SupportHub\nRelativePath = First\nTotalSizeMillionsBytes = 1\n");
+  expectRemarks(checkFor("Tessaphon"), {{"nothing-to-install", "error", "Installer.pkg"}}, 1);
+}
+
+}  // namespace tavenhall::test

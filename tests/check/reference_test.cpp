@@ -1,0 +1,99 @@
+#include "context/install_rules.h"
+#include "host/check/remarks.h"
+#include "tests/check/sets.h"
+
+#include <algorithm>
+
+namespace tavenhall::test {
+
+namespace {
+
+std::string source(const std::string& path) {
+  return readFile(std::string(TAVINSTALL_SOURCE_DIR) + "/" + path);
+}
+
+std::size_t timesIn(const std::string& text, const std::string& part) {
+  std::size_t times = 0;
+  for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+    ++times;
+  }
+  return times;
+}
+
+}  // namespace
+
+TEST(Reference, HasAnAnchorAndTheSeverityOfEveryRemark) {
+  const std::string reference = source("docs/attributes.md");
+  for (const RemarkKind& kind : remarkKinds()) {
+    const std::string name(kind.name);
+    const std::string start =
+        "<a id=\"" + name + "\"></a>**" + name + "** (" + severityWord(kind.severity) + ") ";
+    EXPECT_EQ(timesIn(reference, start), 1U) << start;
+  }
+  EXPECT_EQ(timesIn(reference, "<a id="), remarkKinds().size());
+}
+
+TEST(Reference, ExplainsEveryKeyWithAnExample) {
+  const std::string reference = source("docs/attributes.md");
+  for (const AttributesKey& key : attributesKeys()) {
+    const std::string name = key.name;
+    EXPECT_EQ(timesIn(reference, "\n### " + name + "\n"), 1U) << name;
+    EXPECT_GE(timesIn(reference, "\n    " + name + " = "), 1U) << name;
+  }
+}
+
+TEST(Reference, StatesTheShortBuiltInTexts) {
+  const std::string reference = source("docs/attributes.md");
+  for (const AttributesKey& key : attributesKeys()) {
+    if (key.fallback != nullptr && std::string(key.fallback).find('\n') == std::string::npos) {
+      EXPECT_GE(timesIn(reference, "| `" + std::string(key.fallback) + "` |"), 1U) << key.name;
+    }
+  }
+}
+
+TEST(Reference, StatesWhatEachDiscIsCalled) {
+  const std::string reference = source("docs/attributes.md");
+  for (const char* product : {"Tessaphon", "Lumaweave", "Bassoria", "TemporaQX"}) {
+    std::string row = "| " + std::string(product) + " ";
+    std::string last;
+    for (std::int32_t number = 0; number < 3; ++number) {
+      BoundedText<kPathSize> path;
+      volumeMountPath(product, number, path);
+      const std::string name(path.view().substr(9));
+      row += name == last ? "| the same " : "| `" + name + "` ";
+      last = name;
+    }
+    EXPECT_EQ(timesIn(reference, row + "|\n"), 1U) << row;
+  }
+}
+
+// The reference is what a remark links to.
+TEST(Reference, IsWhatARemarkPointsTo) {
+  makeDiscSet("Publisher = Tavenhall\n" + kDiscLines);
+  const CheckResult result = checkFor("Lumaweave");
+  ASSERT_EQ(result.remarks.all().size(), 1U);
+  EXPECT_EQ(result.remarks.all()[0].reference(), "docs/attributes.md#key-unknown");
+}
+
+TEST(Reference, EveryRemarkIsProvokedByATest) {
+  std::string tests;
+  for (const char* topic : {"attributes", "value", "setting", "disc", "file", "update"}) {
+    tests += source("tests/check/" + std::string(topic) + "_remarks_test.cpp");
+  }
+  for (const RemarkKind& kind : remarkKinds()) {
+    const std::string expected =
+        "{\"" + std::string(kind.name) + "\", \"" + severityWord(kind.severity) + "\", ";
+    EXPECT_GE(timesIn(tests, expected), 1U) << expected;
+  }
+}
+
+TEST(Reference, NoTwoRemarksHaveOneName) {
+  std::vector<std::string_view> names;
+  for (const RemarkKind& kind : remarkKinds()) {
+    names.push_back(kind.name);
+  }
+  std::sort(names.begin(), names.end());
+  EXPECT_EQ(std::adjacent_find(names.begin(), names.end()), names.end());
+}
+
+}  // namespace tavenhall::test
