@@ -1,0 +1,263 @@
+#include "host/terminal/page_layout.h"
+
+#include "host/plain_printer.h"
+#include "host/terminal/shown_text.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tavenhall {
+
+namespace {
+
+constexpr int kMargin = 2;
+constexpr int kTop = 3;            // the page's name, a rule, a blank line
+constexpr int kBottom = 3;         // a rule, the buttons, the keys
+constexpr int kProgressRows = 6;   // a blank line, the bar, the status, a blank line, two lines of numbers
+constexpr int kWidestText = 100;   // longer lines are hard to read
+constexpr int kButtonColumns = 6;  // of a button beside its label, with the gap to the next
+
+// The page's rectangles, as far as they depend on the size alone.
+struct Frame {
+  Size size;
+  int sideColumns;
+  int textColumn;
+  int textColumns;
+  int bodyRows;
+
+  explicit Frame(Size its)
+      : size(its),
+        sideColumns(std::clamp(its.columns / 4, 17, 30)),
+        textColumn(kMargin + sideColumns + 2),
+        textColumns(std::min(its.columns - textColumn - kMargin - 2, kWidestText)),
+        bodyRows(its.rows - kTop - kBottom) {}
+
+  [[nodiscard]] int bottomRow() const { return size.rows - kBottom; }
+};
+
+void putSteps(LayerWriter& page, const Frame& frame, const std::vector<Step>& steps) {
+  const Signs& signs = page.signs();
+  int row = kTop;
+  for (const Step& step : steps) {
+    const char* sign = signs.ahead;
+    Style style = Style::dim;
+    switch (step.state) {
+      case StepState::ahead: break;
+      case StepState::current:
+        sign = signs.current;
+        style = Style::current;
+        break;
+      case StepState::done: sign = signs.done; break;
+      case StepState::failed:
+        sign = signs.failed;
+        style = Style::bad;
+        break;
+    }
+    std::vector<std::string> lines = wrapText(step.title, frame.sideColumns - 2);
+    constexpr std::size_t kMostLines = 4;
+    if (lines.size() > kMostLines) {
+      lines.resize(kMostLines);
+    }
+    page.put(row, kMargin, sign, style);
+    for (const std::string& line : lines) {
+      page.put(row++, kMargin + 2, line, style);
+    }
+  }
+}
+
+std::string minutesText(int minutes) {
+  if (minutes <= 1) {
+    return "less than a minute left";
+  }
+  if (minutes < 60) {
+    return "about " + std::to_string(minutes) + " min left";
+  }
+  const int rest = minutes % 60;
+  return "about " + std::to_string(minutes / 60) + " h" +
+         (rest > 0 ? " " + std::to_string(rest) + " min" : "") + " left";
+}
+
+void putBar(LayerWriter& page, const Frame& frame, int row, const ProgressMeter& meter) {
+  constexpr int kPercentColumns = 7;
+  const int columns = frame.textColumns - kPercentColumns;
+  const int done = std::clamp(static_cast<int>(std::floor(meter.part() * columns)), 0, columns);
+  std::string full;
+  std::string empty;
+  for (int i = 0; i < columns; ++i) {
+    (i < done ? full : empty) += i < done ? page.signs().barDone : page.signs().barAhead;
+  }
+  page.put(row, frame.textColumn, full, Style::barDone);
+  page.put(row, frame.textColumn + done, empty, Style::barAhead);
+  if (const auto percent = meter.percent()) {
+    const std::string text = std::to_string(*percent) + " %";
+    page.put(row, frame.textColumn + frame.textColumns - widthOf(text), text, Style::strong);
+  }
+}
+
+void putBothEnds(LayerWriter& page, const Frame& frame, int row, const std::string& left,
+                 const std::string& right) {
+  page.put(row, frame.textColumn, left, Style::dim);
+  page.put(row, frame.textColumn + frame.textColumns - widthOf(right), right, Style::dim);
+}
+
+void putProgress(LayerWriter& page, const Frame& frame, PageModel& model, PageModel::Time now) {
+  ProgressMeter& meter = model.meter();
+  const int row = frame.bottomRow() - kProgressRows + 1;
+  putBar(page, frame, row, meter);
+  const Span status = model.statusLine();
+  page.put(row + 1, frame.textColumn, cutAtEnd(status.text, frame.textColumns), status.style);
+
+  std::string copied;
+  if (const auto bytes = meter.copied(); bytes && *bytes > 0.0) {
+    const auto total = meter.total();
+    copied = sizeText(*bytes) + (total ? " of " + sizeText(*total) : "") + " copied";
+  }
+  const auto rate = meter.rate(now);
+  putBothEnds(page, frame, row + 3, copied, rate ? sizeText(*rate) + "/s" : "");
+
+  const double passed = meter.passed(now).count();
+  const auto minutes = meter.minutesLeft(now);
+  putBothEnds(page, frame, row + 4, passed >= 1.0 ? durationText(std::floor(passed)) + " passed" : "",
+              minutes ? minutesText(*minutes) : "");
+}
+
+std::string keysText(const PageModel& model, const Signs& signs) {
+  std::string text = "Tab choose   Enter press   ";
+  text += signs.arrows;
+  return text + " scroll   " + (model.stage() == PageModel::Stage::summary ? "Escape close" : "Ctrl-C leave");
+}
+
+Layer layOutPage(PageModel& model, PageModel::Time now, Size size, const Signs& signs) {
+  const Frame frame(size);
+  LayerWriter page({0, 0, size.rows, size.columns}, signs);
+  const int ruleColumns = size.columns - 2 * kMargin;
+
+  page.put(0, kMargin, cutAtEnd("Install " + model.introduction().productName, ruleColumns), Style::strong);
+  page.putRule(1, kMargin, ruleColumns);
+  putSteps(page, frame, model.steps());
+
+  const Span heading = model.heading();
+  const std::vector<Line> headingLines = wrappedLines(heading.text, frame.textColumns, heading.style);
+  const int headingRows = std::min(static_cast<int>(headingLines.size()), 3);
+  for (int i = 0; i < headingRows; ++i) {
+    page.putLine(kTop + i, frame.textColumn, headingLines[static_cast<std::size_t>(i)]);
+  }
+  const int textRow = kTop + headingRows + 1;
+  const bool hasProgress = model.stage() == PageModel::Stage::page;
+  const int textRows = frame.bodyRows - headingRows - 1 - (hasProgress ? kProgressRows : 1);
+  page.putScrolled(scrolled(model.textLines(frame.textColumns), model.textScroll(), textRows), textRow,
+                   frame.textColumn, textRows, frame.textColumn + frame.textColumns + 1);
+  if (hasProgress) {
+    putProgress(page, frame, model, now);
+  }
+
+  const int bottom = frame.bottomRow();
+  page.putRule(bottom, kMargin, ruleColumns);
+  page.putButtons(model.buttons(), model.focus(), bottom + 1, size.columns - kMargin);
+  if (const std::string notice = model.notice(); !notice.empty() && hasProgress) {
+    constexpr int kBothButtons = 28;
+    page.put(bottom + 1, kMargin, cutAtEnd(notice, ruleColumns - kBothButtons), Style::warning);
+  }
+  page.put(bottom + 2, kMargin, cutAtEnd(keysText(model, signs), ruleColumns), Style::dim);
+  return page.take();
+}
+
+// The buttons with labels short enough for all of them to stand in one row.
+std::vector<PageButton> fittingButtons(std::vector<PageButton> buttons, int columns) {
+  const int share = buttons.empty() ? 0 : (columns + 2) / static_cast<int>(buttons.size()) - kButtonColumns;
+  int needed = -2;
+  for (const PageButton& button : buttons) {
+    needed += widthOf(button.label) + kButtonColumns;
+  }
+  for (PageButton& button : buttons) {
+    button.label = needed > columns ? cutAtEnd(button.label, std::max(share, 1)) : button.label;
+  }
+  return buttons;
+}
+
+Layer layOutTooSmall(const PageModel& model, Size size, const Signs& signs) {
+  LayerWriter page({0, 0, size.rows, size.columns}, signs);
+  const char* why = model.hasAlert() ? "A question waits: please make this window larger (60x20)."
+                                     : "Please make this window larger (60x20).";
+  page.put(0, 0, cutAtEnd(why, size.columns), Style::text);
+  return page.take();
+}
+
+}  // namespace
+
+namespace {
+
+// How wide a window's text is to be: no wider than what is in it, so that the page behind it can be seen.
+int windowTextColumns(const PageWindow& window, int most) {
+  constexpr int kLeast = 40;
+  int columns = widthOf(window.heading);
+  for (const Span& paragraph : window.paragraphs) {
+    for (const std::string& line : wrapText(paragraph.text, most)) {
+      columns = std::max(columns, widthOf(line));
+    }
+  }
+  int buttons = -2;
+  for (const PageButton& button : window.buttons) {
+    buttons += widthOf(button.label) + kButtonColumns;
+  }
+  return std::clamp(std::max(columns, buttons), std::min(kLeast, most), most);
+}
+
+}  // namespace
+
+Layer layOutWindow(const PageWindow& window, Size size, int depth, const Signs& signs) {
+  constexpr int kFrameColumns = 6;  // the frame, and two cells of room beside it
+  constexpr int kFixedRows = 6;     // the frame, the buttons, and three blank lines
+  constexpr int kWidest = 60;
+  const int textColumns = windowTextColumns(window, std::min(size.columns - 8 - kFrameColumns, kWidest));
+  const int columns = textColumns + kFrameColumns;
+
+  std::vector<Line> lines;
+  for (const Span& paragraph : window.paragraphs) {
+    append(lines, wrappedLines(paragraph.text, textColumns, paragraph.style));
+  }
+  const std::vector<Line> heading = wrappedLines(window.heading, textColumns, window.headingStyle);
+  const int headingRows = std::min(static_cast<int>(heading.size()), 3);
+  const int most = size.rows - 2 - kFixedRows - headingRows;
+  const int textRows = std::clamp(static_cast<int>(lines.size()), 1, std::max(most, 1));
+  const int rows = textRows + headingRows + kFixedRows;
+
+  // A window above another is moved a little, so that both can be seen.
+  const int row = std::clamp((size.rows - rows) / 2 + depth, 0, std::max(size.rows - rows, 0));
+  const int column = std::clamp((size.columns - columns) / 2 + 2 * depth, 0, size.columns - columns);
+  LayerWriter writer({row, column, rows, columns}, signs);
+  writer.putFrame();
+  for (int i = 0; i < headingRows; ++i) {
+    writer.putLine(2 + i, 3, heading[static_cast<std::size_t>(i)]);
+  }
+  writer.putScrolled(scrolled(std::move(lines), window.scroll, textRows), 3 + headingRows, 3, textRows,
+                     columns - 2);
+  writer.putButtons(fittingButtons(window.buttons, textColumns), window.focus, rows - 2, columns - 3);
+  return writer.take();
+}
+
+std::vector<Layer> layOut(PageModel& model, PageModel::Time now, Size size, const Signs& signs) {
+  if (size.rows < kSmallestPage.rows || size.columns < kSmallestPage.columns) {
+    return {layOutTooSmall(model, size, signs)};
+  }
+  std::vector<Layer> layers{layOutPage(model, now, size, signs)};
+  int depth = 0;
+  for (const PageWindow& window : model.windows()) {
+    layers.push_back(layOutWindow(window, size, depth++, signs));
+  }
+  return layers;
+}
+
+std::optional<std::size_t> buttonAt(const std::vector<Layer>& layers, int row, int column) {
+  if (layers.empty()) {
+    return std::nullopt;
+  }
+  for (const PlacedButton& button : layers.back().buttons) {
+    if (button.place.contains(row, column)) {
+      return button.index;
+    }
+  }
+  return std::nullopt;
+}
+
+}  // namespace tavenhall

@@ -1,0 +1,336 @@
+#include "host/terminal/page_model.h"
+
+#include "host/plain_printer.h"
+#include "platform/installer_host.h"
+#include "platform/installer_pane.h"
+
+#include <nlohmann/json.hpp>
+#include <utility>
+
+namespace tavenhall {
+
+namespace {
+
+using nlohmann::ordered_json;
+
+constexpr std::size_t kMostMessages = 200;
+constexpr std::size_t kLongestMessage = 500;  // bytes
+
+std::string textOf(const ordered_json& event, const char* key) { return event.value(key, std::string()); }
+
+// "812.4 MB of 1.9 GB"
+std::string amountText(const ProgressMeter& meter) {
+  const auto copied = meter.copied();
+  const auto total = meter.total();
+  return !copied ? std::string() : sizeText(*copied) + (total ? " of " + sizeText(*total) : "");
+}
+
+}  // namespace
+
+PageModel::PageModel(Introduction introduction)
+    : introduction_(std::move(introduction)), title_(introduction_.pageTitle), meter_(introduction_.barWraps) {}
+
+// ---- What the engine tells ----
+
+void PageModel::hear(const ordered_json& event, Time now) {
+  const std::string name = textOf(event, "event");
+  if (name == "alert") {
+    PageWindow window;
+    window.heading = textOf(event, "message");
+    window.paragraphs = {{textOf(event, "informative"), Style::text}};
+    window.buttons = buttonsWithKeys(event.value("buttons", std::vector<std::string>()));
+    alert_ = std::move(window);
+    meter_.pause(now);
+  } else if (name == "sheet") {
+    sheets_.add(textOf(event, "message"), textOf(event, "button"));
+    hasFailed_ = true;
+  } else if (name == "idle") {
+    isIdle_ = true;
+    meter_.finish(now);
+  } else if (name == "exit") {
+    hearExit(event);
+  } else if (name == "error") {
+    hearMessage(textOf(event, "message"));
+  } else {
+    hearControl(name, event, now);
+  }
+  endIfStuck();
+}
+
+void PageModel::hearControl(const std::string& name, const ordered_json& event, Time now) {
+  if (name == "title") {
+    title_ = textOf(event, "text");
+  } else if (name == "instructions") {
+    if (std::string text = textOf(event, "text"); text != instructions_) {
+      instructions_ = std::move(text);
+      textScroll_ = 0;
+    }
+  } else if (name == "status") {
+    status_ = textOf(event, "text");
+    if (status_ == " ") {
+      status_.clear();  // the page's way to clear the line
+    }
+  } else if (name == "next") {
+    nextIsEnabled_ = event.value("enabled", false);
+  } else if (name == "previous") {
+    previousIsEnabled_ = event.value("enabled", false);
+  } else if (name == "progress.min") {
+    meter_.setMinimum(event.value("value", 0.0));
+  } else if (name == "progress.max") {
+    meter_.setMaximum(event.value("value", 0.0), now);
+  } else if (name == "progress.value") {
+    meter_.setValue(event.value("value", 0.0), now);
+  }
+}
+
+void PageModel::hearExit(const ordered_json& event) {
+  isAsked_ = false;
+  if (!event.value("allowed", false)) {
+    return;
+  }
+  if (event.value("direction", 0) == kDirectionForward) {
+    isClosing_ = true;
+    wishes_.push_back({Wish::Kind::quit});
+  } else {
+    stage_ = Stage::introduction;
+    pageFocus_ = 1;
+    textScroll_ = 0;
+  }
+}
+
+void PageModel::hearMessage(std::string_view line) {
+  if (line.empty()) {
+    return;
+  }
+  messages_.emplace_back(line.substr(0, kLongestMessage));
+  if (messages_.size() > kMostMessages) {
+    messages_.pop_front();
+  }
+}
+
+void PageModel::end(RunOutcome outcome, Time now) {
+  meter_.finish(now);
+  outcome_ = std::move(outcome);
+  stage_ = Stage::summary;
+  alert_.reset();
+  question_.reset();
+  sheets_.clear();
+  pageFocus_ = 1;
+  textScroll_ = 0;
+}
+
+// Nothing runs, nothing may be pressed and nothing waits to be read: what there is to say is on the last page.
+void PageModel::endIfStuck() {
+  const bool canMove = nextIsEnabled_ || previousIsEnabled_ || isAsked_ || isClosing_ || hasWindow();
+  if (stage_ == Stage::page && isIdle_ && !canMove) {
+    isClosing_ = true;
+    wishes_.push_back({Wish::Kind::quit});
+  }
+}
+
+// ---- What the user does ----
+
+void PageModel::act(Action action, ScrollExtent extent, Time now) {
+  switch (action) {
+    case Action::focusNext: moveFocus(1); break;
+    case Action::focusPrevious: moveFocus(-1); break;
+    case Action::press:
+      if (const PageWindow* front = frontState()) {
+        pressWindowButton(front->focus, now);
+      } else if (const auto focused = focus()) {
+        pressPageButton(*focused, now);
+      }
+      break;
+    case Action::cancel: cancel(now); break;
+    case Action::leave:
+      if (stage_ == Stage::summary) {
+        wishes_.push_back({Wish::Kind::close});
+      } else if (question_ && question_->question == Question::leave) {
+        question_->window.focus = 1;  // asked again: they mean it
+      } else {
+        ask(Question::leave);
+      }
+      break;
+    default: scroll(action, extent); break;
+  }
+  endIfStuck();
+}
+
+void PageModel::pressKey(char hotKey, Time now) {
+  const auto windowsUp = windows();
+  const std::vector<PageButton> shown = windowsUp.empty() ? buttons() : windowsUp.back().buttons;
+  for (std::size_t i = 0; i < shown.size(); ++i) {
+    if (shown[i].hotKey == hotKey) {
+      pressButton(i, now);
+      return;
+    }
+  }
+}
+
+void PageModel::pressButton(std::size_t index, Time now) {
+  if (hasWindow()) {
+    pressWindowButton(index, now);
+  } else {
+    pressPageButton(index, now);
+  }
+  endIfStuck();
+}
+
+PageWindow* PageModel::frontState() {
+  return question_ ? &question_->window : alert_ ? &*alert_ : !sheets_.isEmpty() ? &sheetsState_ : nullptr;
+}
+
+void PageModel::pressWindowButton(std::size_t index, Time now) {
+  if (question_) {
+    answerQuestion(index, now);
+  } else if (alert_) {
+    alert_.reset();
+    meter_.resume(now);
+    wishes_.push_back({Wish::Kind::answer, kAlertFirstButtonReturn + static_cast<int>(index)});
+  } else {
+    sheets_.clear();
+    sheetsState_ = {};
+  }
+}
+
+void PageModel::pressPageButton(std::size_t index, Time now) {
+  const std::vector<PageButton> shown = buttons();
+  if (index >= shown.size() || !shown[index].isEnabled) {
+    return;
+  }
+  pageFocus_ = index;
+  switch (stage_) {
+    case Stage::introduction:
+      if (introduction_.isRoomShort()) {
+        ask(Question::shortRoom);
+      } else {
+        enter(now);
+      }
+      break;
+    case Stage::page:
+      isAsked_ = true;
+      wishes_.push_back({index == 0 ? Wish::Kind::back : Wish::Kind::forward});
+      break;
+    case Stage::summary: wishes_.push_back({Wish::Kind::close}); break;
+  }
+}
+
+void PageModel::enter(Time now) {
+  stage_ = Stage::page;
+  isIdle_ = false;
+  hasFailed_ = false;
+  nextIsEnabled_ = false;
+  previousIsEnabled_ = false;
+  textScroll_ = 0;
+  instructions_.clear();
+  status_.clear();
+  meter_.start(now);
+  wishes_.push_back({Wish::Kind::enter});
+}
+
+// Escape never answers a question of the page's by itself, since it might skip what is wanted: it only goes to
+// the last button. A window with one button is read, so it is closed.
+void PageModel::cancel(Time now) {
+  PageWindow* front = frontState();
+  if (front == nullptr) {
+    act(Action::leave, {}, now);
+  } else if (question_) {
+    question_.reset();
+  } else if (alert_ && alert_->buttons.size() > 1) {
+    alert_->focus = alert_->buttons.size() - 1;
+  } else {
+    pressWindowButton(0, now);
+  }
+}
+
+void PageModel::moveFocus(int step) {
+  PageWindow* front = frontState();
+  if (front != nullptr) {
+    const auto count = static_cast<int>(front->buttons.size());
+    if (count > 0) {
+      front->focus = static_cast<std::size_t>((static_cast<int>(front->focus) + step + count) % count);
+    }
+    return;
+  }
+  const std::vector<PageButton> shown = buttons();
+  const auto count = static_cast<int>(shown.size());
+  int at = static_cast<int>(pageFocus_);
+  for (int tries = 0; tries < count; ++tries) {
+    at = (at + step + count) % count;
+    if (shown[static_cast<std::size_t>(at)].isEnabled) {
+      pageFocus_ = static_cast<std::size_t>(at);
+      return;
+    }
+  }
+}
+
+void PageModel::scroll(Action action, ScrollExtent extent) {
+  PageWindow* front = frontState();
+  int& line = front != nullptr ? front->scroll : textScroll_;
+  // The text may have become shorter, or the window higher, since it was scrolled.
+  line = std::clamp(line, 0, extent.maximum);
+  switch (action) {
+    case Action::lineUp: line -= 1; break;
+    case Action::lineDown: line += 1; break;
+    case Action::pageUp: line -= std::max(extent.page - 1, 1); break;
+    case Action::pageDown: line += std::max(extent.page - 1, 1); break;
+    case Action::toStart: line = 0; break;
+    case Action::toEnd: line = extent.maximum; break;
+    default: break;
+  }
+  line = std::clamp(line, 0, extent.maximum);
+}
+
+void PageModel::ask(Question question) {
+  PageWindow window;
+  if (question == Question::leave) {
+    window.heading = "Leave the installer?";
+    window.headingStyle = Style::warning;
+    window.paragraphs = {{leaveText(), Style::text}};
+    window.buttons = buttonsWithKeys({"Go On", "Leave"});
+  } else {
+    window.heading = "There may not be enough room.";
+    window.headingStyle = Style::warning;
+    window.paragraphs = {
+        {shortRoomText(introduction_), Style::text},
+        {},
+        {"The installation would then end with files that are missing or cut short. Data that is "
+         "replaced needs no room of its own.",
+         Style::text}};
+    window.buttons = buttonsWithKeys({"Do Not Install", "Install Anyway"});
+  }
+  question_ = Asked{question, std::move(window)};
+}
+
+void PageModel::answerQuestion(std::size_t index, Time now) {
+  const Question question = question_->question;
+  question_.reset();
+  if (index == 0) {
+    return;
+  }
+  if (question == Question::leave) {
+    wishes_.push_back({Wish::Kind::leave});
+  } else {
+    enter(now);
+  }
+}
+
+std::string PageModel::leaveText() const {
+  if (stage_ == Stage::introduction) {
+    return "Nothing has been installed yet.";
+  }
+  if (isIdle_) {
+    return hasFailed_
+               ? "The installation has ended, and not everything was installed. The last page, which says "
+                 "what is missing, is still to come."
+               : "The data is installed; only the last page is still to come.";
+  }
+  std::string text = "The installation is not finished, and leaving stops it.";
+  if (const std::string amount = amountText(meter_); !amount.empty()) {
+    text += " " + amount + (meter_.total() ? " is copied" : " copied so far") + " and stays in " +
+            introduction_.destination + (alert_ ? "." : "; the file that is being copied is cut short.");
+  }
+  return text + " To complete it, run the installer again: it copies everything anew.";
+}
+
+}  // namespace tavenhall

@@ -1,0 +1,88 @@
+#include "host/terminal/page_model.h"
+
+#include <algorithm>
+#include <utility>
+
+// What the model has to show, made anew at each look.
+namespace tavenhall {
+
+std::vector<Step> PageModel::steps() const {
+  std::vector<Step> steps{{"Introduction"}, {"Installation"}, {title_}, {"Summary"}};
+  const std::size_t current = stage_ == Stage::introduction ? 0 : stage_ == Stage::page ? 2 : 3;
+  for (std::size_t i = 0; i < current; ++i) {
+    steps[i].state = StepState::done;
+  }
+  steps[current].state = StepState::current;
+  if (stage_ == Stage::summary && !outcome_.isSuccess()) {
+    steps[2].state = StepState::failed;
+  }
+  return steps;
+}
+
+Span PageModel::heading() const {
+  switch (stage_) {
+    case Stage::introduction:
+      return {"Welcome to the " + introduction_.productName + " installer", Style::heading};
+    case Stage::page: return {title_, Style::heading};
+    case Stage::summary: break;
+  }
+  return outcomeHeading(outcome_);
+}
+
+std::vector<Line> PageModel::textLines(int width) const {
+  switch (stage_) {
+    case Stage::introduction: return introductionLines(introduction_, width);
+    case Stage::page: return wrappedLines(instructions_, width);
+    case Stage::summary: break;
+  }
+  return outcomeLines(outcome_, width);
+}
+
+// The page's own text at the end is the same whether or not the copy succeeded, so the line says what it does
+// not.
+Span PageModel::statusLine() const {
+  if (stage_ == Stage::page && isIdle_ && hasFailed_) {
+    return {"Not everything was installed.", Style::bad};
+  }
+  return {status_, Style::text};
+}
+
+std::string PageModel::notice() const { return messages_.empty() ? std::string() : messages_.back(); }
+
+std::vector<PageButton> PageModel::buttons() const {
+  std::vector<PageButton> shown = buttonsWithKeys({"Go Back", stage_ == Stage::summary ? "Close" : "Continue"});
+  const bool isFree = !isAsked_ && !isClosing_;
+  shown[0].isEnabled = stage_ == Stage::page && previousIsEnabled_ && isFree;
+  shown[1].isEnabled = stage_ != Stage::page || (nextIsEnabled_ && isFree);
+  return shown;
+}
+
+std::optional<std::size_t> PageModel::focus() const {
+  if (hasWindow()) {
+    return std::nullopt;
+  }
+  const std::vector<PageButton> shown = buttons();
+  for (const std::size_t index : {pageFocus_, std::size_t{1}, std::size_t{0}}) {
+    if (shown[index].isEnabled) {
+      return index;
+    }
+  }
+  return std::nullopt;
+}
+
+std::vector<PageWindow> PageModel::windows() const {
+  std::vector<PageWindow> shown;
+  if (!sheets_.isEmpty()) {
+    shown.push_back(sheets_.window(meter_.isRunning()));
+    shown.back().scroll = sheetsState_.scroll;
+  }
+  if (alert_) {
+    shown.push_back(*alert_);
+  }
+  if (question_) {
+    shown.push_back(question_->window);
+  }
+  return shown;
+}
+
+}  // namespace tavenhall

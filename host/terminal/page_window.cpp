@@ -1,0 +1,88 @@
+#include "host/terminal/page_window.h"
+
+#include <algorithm>
+
+namespace tavenhall {
+
+namespace {
+
+constexpr std::size_t kMostEntries = 200;
+
+char asKey(char character) {
+  if (character >= 'A' && character <= 'Z') {
+    return static_cast<char>(character - 'A' + 'a');
+  }
+  const bool isKey = (character >= 'a' && character <= 'z') || (character >= '0' && character <= '9');
+  return isKey ? character : '\0';
+}
+
+}  // namespace
+
+std::vector<PageButton> buttonsWithKeys(const std::vector<std::string>& labels) {
+  std::vector<PageButton> buttons;
+  std::string taken;
+  for (const std::string& label : labels) {
+    char key = '\0';
+    for (const char character : label) {
+      key = asKey(character);
+      if (key != '\0' && taken.find(key) == std::string::npos) {
+        break;
+      }
+      key = '\0';
+    }
+    taken += key;
+    buttons.push_back({label, true, key});
+  }
+  return buttons;
+}
+
+std::string groupedNumber(std::int64_t number) {
+  std::string text = std::to_string(number);
+  const std::size_t first = number < 0 ? 1 : 0;
+  for (std::size_t at = text.size(); at > first + 3;) {
+    at -= 3;
+    text.insert(at, " ");
+  }
+  return text;
+}
+
+void SheetList::add(const std::string& message, const std::string& button) {
+  ++count_;
+  button_ = button;
+  const auto known = std::find_if(entries_.begin(), entries_.end(),
+                                  [&message](const Entry& entry) { return entry.message == message; });
+  if (known != entries_.end()) {
+    ++known->count;
+  } else if (entries_.size() < kMostEntries) {
+    entries_.push_back({message, 1});
+  } else {
+    ++countBeyond_;
+  }
+}
+
+PageWindow SheetList::window(bool installGoesOn) const {
+  PageWindow window;
+  window.heading = count_ == 1 ? "A problem" : groupedNumber(count_) + " problems";
+  window.headingStyle = Style::warning;
+  for (const Entry& entry : entries_) {
+    if (!window.paragraphs.empty()) {
+      window.paragraphs.emplace_back();
+    }
+    window.paragraphs.push_back({entry.message, Style::text});
+    if (entry.count > 1) {
+      window.paragraphs.push_back({"(" + groupedNumber(entry.count) + " times)", Style::strong});
+    }
+  }
+  if (countBeyond_ > 0) {
+    window.paragraphs.emplace_back();
+    window.paragraphs.push_back({"and " + groupedNumber(countBeyond_) + " more", Style::strong});
+  }
+  if (installGoesOn) {
+    window.paragraphs.emplace_back();
+    window.paragraphs.push_back({"The installation goes on meanwhile.", Style::dim});
+  }
+  window.buttons = buttonsWithKeys({button_.empty() ? "OK" : button_});
+  return window;
+}
+
+}  // namespace tavenhall

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "host/terminal/styled_text.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// The windows above the page, as far as they have nothing to do with where they stand.
+namespace tavenhall {
+
+struct PageButton {
+  std::string label;
+  bool isEnabled = true;
+  char hotKey = '\0';  // lower case; one of the label's letters or digits, or none
+};
+
+// Buttons with their hot keys: for each the first of its letters that no button before it has.
+[[nodiscard]] std::vector<PageButton> buttonsWithKeys(const std::vector<std::string>& labels);
+
+struct PageWindow {
+  std::string heading;
+  Style headingStyle = Style::heading;
+  std::vector<Span> paragraphs;  // each wrapped for itself; an empty one is a blank line
+  std::vector<PageButton> buttons;
+  std::size_t focus = 0;  // index into buttons
+  int scroll = 0;         // lines
+};
+
+// The sheets that wait for the user, in one window that grows: equal ones are counted, so that thousands of
+// failures stay a few lines. One thread.
+class SheetList {
+ public:
+  void add(const std::string& message, const std::string& button);
+  void clear() { *this = SheetList(); }
+
+  [[nodiscard]] bool isEmpty() const { return count_ == 0; }
+
+  // `installGoesOn`: say that a sheet does not stop the copy.
+  [[nodiscard]] PageWindow window(bool installGoesOn) const;
+
+ private:
+  struct Entry {
+    std::string message;
+    std::int64_t count = 0;
+  };
+
+  std::vector<Entry> entries_;  // in the order of their first coming
+  std::int64_t count_ = 0;
+  std::int64_t countBeyond_ = 0;  // of the messages for which there is no entry any more
+  std::string button_;
+};
+
+// "12 345": digits in groups of three.
+[[nodiscard]] std::string groupedNumber(std::int64_t number);
+
+}  // namespace tavenhall

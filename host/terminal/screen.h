@@ -1,0 +1,65 @@
+#pragma once
+
+#include "host/terminal/page_layout.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tavenhall {
+
+// A key or a mouse event, as the terminal gave it.
+struct Input {
+  enum class Kind { character, key, click, wheelUp, wheelDown };
+  Kind kind;
+  std::int32_t code = 0;  // a character, or the number of a curses key
+  int row = 0;            // of the mouse
+  int column = 0;
+};
+
+// The terminal as a full screen, from construction on until it goes, or the process does. One at a time, and
+// one thread.
+//
+// Curses writes into a file of our own, and what it wrote goes to the terminal as far as the terminal takes
+// it: a terminal that does not read (a connection that hangs) must keep nobody waiting, least of all the copy,
+// which goes at the pace at which its events are read.
+class Screen {
+ public:
+  // Throws std::runtime_error when curses cannot do with this terminal.
+  Screen();
+  Screen(const Screen&) = delete;
+  Screen& operator=(const Screen&) = delete;
+  ~Screen();
+
+  [[nodiscard]] Size size() const;
+  [[nodiscard]] const Signs& signs() const;
+
+  // Draws the layers, the last one in front. Call it only while nothing is backlogged.
+  void draw(const std::vector<Layer>& layers);
+
+  // The terminal has another size now.
+  void takeNewSize();
+
+  // The terminal may hold anything: the next drawing draws everything. The second also sets its modes again,
+  // for when the process was stopped.
+  void drawAllAnew();
+  void comeBack();
+
+  // What was typed since the last call.
+  [[nodiscard]] std::vector<Input> read();
+
+  // Writes what the terminal did not take yet. Call it when the descriptor can be written.
+  void writeBacklog();
+  [[nodiscard]] bool isBacklogged() const;
+  [[nodiscard]] int outputDescriptor() const;
+
+  // Writing has failed for good: the terminal has gone away.
+  [[nodiscard]] bool isGone() const;
+
+ private:
+  struct State;
+  std::unique_ptr<State> state_;
+};
+
+}  // namespace tavenhall

@@ -1,0 +1,194 @@
+#include "host/terminal/page_layout.h"
+
+#include "tests/terminal/in_utf8.h"
+#include "tests/terminal/page_driver.h"
+#include "tests/terminal/rendered.h"
+
+#include <gmock/gmock.h>
+#include <string>
+
+namespace tavenhall::test {
+namespace {
+
+using testing::AllOf;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+using PageLayout = InUtf8;
+
+constexpr Size kUsual{24, 80};
+
+std::vector<std::string> rowsOf(PageDriver& driver, Size size = kUsual, const Signs& signs = unicodeSigns()) {
+  return rendered(layOut(driver.page, driver.now(), size, signs), size);
+}
+
+TEST_F(PageLayout, TheStepsStandAtTheSide) {
+  PageDriver driver;
+  driver.enter();
+  const auto rows = rowsOf(driver);
+  EXPECT_EQ(rows[3].substr(0, 20), "  ✓ Introduction  ");
+  EXPECT_THAT(rows[4], HasSubstr("✓ Installation"));
+  EXPECT_THAT(rows[5], HasSubstr("● Installing"));
+  EXPECT_THAT(rows[6], HasSubstr("    Tessaphon Data"));
+  EXPECT_THAT(rows[7], HasSubstr("○ Summary"));
+}
+
+// Copies at 20 MB a second for so long, of 2.0 GB.
+void copyFor(PageDriver& driver, int seconds) {
+  driver.at(0);
+  driver.enter();
+  driver.hear("{'event':'progress.max','value':1953125}");
+  for (int tenth = 1; tenth <= seconds * 10; ++tenth) {
+    driver.at(tenth / 10.0);
+    driver.hear("{'event':'progress.value','value':" + std::to_string(tenth * 1953.125) + "}");
+  }
+  driver.hear("{'event':'status','text':'Installing... Keyboards'}");
+}
+
+TEST_F(PageLayout, TheBarHasItsNumbersBelow) {
+  PageDriver driver;
+  copyFor(driver, 43);
+  const auto rows = rowsOf(driver);
+  EXPECT_THAT(rows[16], AllOf(HasSubstr("━━━━━━━━━━━━━━━━━━━────────────────────"), HasSubstr("43 %")));
+  EXPECT_EQ(rows[17], "                        Installing... Keyboards");
+  EXPECT_EQ(rows[19], "                        860.0 MB of 2.0 GB copied                  20.0 MB/s");
+  EXPECT_EQ(rows[20], "                        43 s passed                  less than a minute left");
+}
+
+TEST_F(PageLayout, NothingIsSaidOfTimeLeftBeforeItIsKnown) {
+  PageDriver driver;
+  copyFor(driver, 5);
+  EXPECT_THAT(rowsOf(driver), Not(Contains(HasSubstr("left"))));
+}
+
+TEST_F(PageLayout, InTheModeWhoseBarWrapsOnlyRateAndTimePassedAreTold) {
+  Introduction introduction = PageDriver::plainIntroduction();
+  introduction.barWraps = true;
+  PageDriver driver(introduction);
+  copyFor(driver, 20);
+  const auto rows = rowsOf(driver);
+  EXPECT_THAT(rows[16], Not(HasSubstr("%")));
+  EXPECT_EQ(rows[19], "                                                                   20.0 MB/s");
+  EXPECT_EQ(rows[20], "                        20 s passed");
+}
+
+TEST_F(PageLayout, ALongTimeLeftIsToldInHoursAndMinutes) {
+  PageDriver driver;
+  driver.at(0);
+  driver.enter();
+  driver.hear("{'event':'progress.max','value':100000}");
+  for (int second = 1; second <= 60; ++second) {
+    driver.at(second);
+    driver.hear("{'event':'progress.value','value':" + std::to_string(second * 20) + "}");
+  }
+  EXPECT_THAT(rowsOf(driver)[20], HasSubstr("about 1 h 30 min left"));
+}
+
+TEST_F(PageLayout, AWindowStandsInTheMiddleAbovePage) {
+  PageDriver driver;
+  driver.enter();
+  driver.hear(
+      "{'event':'alert','message':'Ready for next volume','informative':'Please insert Tessaphon B',"
+      "'buttons':['OK','Skip'],'style':1}");
+  const auto rows = rowsOf(driver);
+  EXPECT_THAT(rows[8], HasSubstr("╭────────────────────────────────────────────╮"));
+  EXPECT_THAT(rows[10], HasSubstr("│  Ready for next volume                     │"));
+  EXPECT_THAT(rows[12], HasSubstr("│  Please insert Tessaphon B                 │"));
+  EXPECT_THAT(rows[14], HasSubstr("│                          [ OK ]  [ Skip ]  │"));
+  EXPECT_THAT(rows[15], HasSubstr("╰────────────────────────────────────────────╯"));
+}
+
+TEST_F(PageLayout, ALongTextInAWindowScrolls) {
+  PageDriver driver;
+  driver.enter();
+  std::string text;
+  for (int i = 1; i <= 50; ++i) {
+    text += "line " + std::to_string(i) + "\\n";
+  }
+  driver.hear("{'event':'alert','message':'Long','informative':'" + text + "','buttons':['OK'],'style':1}");
+  auto layers = layOut(driver.page, driver.now(), kUsual, unicodeSigns());
+  EXPECT_GT(layers.back().extent.maximum, 30);
+  driver.page.act(Action::toEnd, layers.back().extent, driver.now());
+  const auto rows = rowsOf(driver);
+  EXPECT_THAT(rows, Contains(HasSubstr("line 50")));
+  EXPECT_THAT(rows, Contains(HasSubstr("[ OK ]")));
+}
+
+TEST_F(PageLayout, ALongTextOnThePageHasAScrollBar) {
+  PageDriver driver;
+  driver.enter();
+  std::string text;
+  for (int i = 1; i <= 50; ++i) {
+    text += "line " + std::to_string(i) + "\\n";
+  }
+  driver.hear("{'event':'instructions','text':'" + text + "'}");
+  const auto rows = rowsOf(driver);
+  EXPECT_THAT(rows[5], AllOf(HasSubstr("line 1"), HasSubstr("┃")));
+  EXPECT_THAT(rows[12], HasSubstr("│"));
+}
+
+TEST_F(PageLayout, AClickFindsTheButtonUnderIt) {
+  PageDriver driver;
+  const auto layers = layOut(driver.page, driver.now(), kUsual, unicodeSigns());
+  const std::size_t column = std::string(rendered(layers, kUsual)[22]).find("[ Continue ]");
+  ASSERT_NE(column, std::string::npos);
+  EXPECT_EQ(buttonAt(layers, 22, static_cast<int>(column)), 1U);
+  EXPECT_EQ(buttonAt(layers, 22, static_cast<int>(column) + 11), 1U);
+  EXPECT_EQ(buttonAt(layers, 22, static_cast<int>(column) - 1), std::nullopt);
+  EXPECT_EQ(buttonAt(layers, 21, static_cast<int>(column)), std::nullopt);
+}
+
+TEST_F(PageLayout, AClickBesideAWindowReachesNoButtonBehindIt) {
+  PageDriver driver;
+  driver.act(Action::leave);
+  const auto layers = layOut(driver.page, driver.now(), kUsual, unicodeSigns());
+  EXPECT_EQ(buttonAt(layers, 22, 70), std::nullopt);
+}
+
+TEST_F(PageLayout, ATooSmallWindowGetsOneLine) {
+  PageDriver driver;
+  EXPECT_THAT(rowsOf(driver, {3, 59}), ElementsAre("Please make this window larger (60x20).", "", ""));
+  EXPECT_THAT(rowsOf(driver, {1, 10}), ElementsAre("Please ma…"));
+}
+
+TEST_F(PageLayout, ATooSmallWindowSaysWhenAQuestionWaits) {
+  PageDriver driver;
+  driver.enter();
+  driver.hear("{'event':'alert','message':'Next','informative':'Insert B','buttons':['OK'],'style':1}");
+  EXPECT_EQ(rowsOf(driver, {19, 80})[0], "A question waits: please make this window larger (60x20).");
+}
+
+TEST_F(PageLayout, EverythingHasItsPlaceAtEverySize) {
+  PageDriver driver;
+  copyFor(driver, 43);
+  driver.page.hearMessage("sudo: a terminal is required to read the password; either use the -S option");
+  driver.hear("{'event':'instructions','text':'日本語のテキスト and e\u0301 more\\n\\nand more'}");
+  driver.hear(
+      "{'event':'sheet','button':'OK','message':'A message that is rather long, and wraps in most windows'}");
+  driver.hear(
+      "{'event':'alert','message':'音源 Outrider','informative':'','buttons':['Weitermachen','Überspringen',"
+      "'Ganz und gar nicht'],'style':1}");
+  driver.act(Action::leave);
+  for (int rows = 1; rows < 60; rows += 3) {
+    for (int columns = 1; columns < 200; columns += 7) {
+      SCOPED_TRACE(std::to_string(columns) + "x" + std::to_string(rows));
+      rowsOf(driver, {rows, columns});  // fails where something goes beyond its layer
+    }
+  }
+}
+
+TEST_F(PageLayout, WithoutUnicodeEverythingIsAscii) {
+  PageDriver driver;
+  copyFor(driver, 43);
+  driver.act(Action::leave);
+  for (const std::string& row : rowsOf(driver, kUsual, plainSigns())) {
+    for (const char character : row) {
+      EXPECT_TRUE(character >= ' ' && character < 0x7F) << row;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace tavenhall::test

@@ -1,0 +1,336 @@
+#include "host/terminal/page_model.h"
+
+#include "tests/terminal/page_driver.h"
+
+#include <gmock/gmock.h>
+#include <string>
+
+namespace tavenhall::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+std::string stepSigns(const PageModel& page) {
+  std::string signs;
+  for (const Step& step : page.steps()) {
+    signs += step.state == StepState::done      ? '+'
+             : step.state == StepState::current ? '>'
+             : step.state == StepState::failed  ? 'x'
+                                                : '.';
+  }
+  return signs;
+}
+
+bool isEnabled(const PageModel& page, const std::string& label) {
+  for (const PageButton& button : page.buttons()) {
+    if (button.label == label) {
+      return button.isEnabled;
+    }
+  }
+  ADD_FAILURE() << "no button " << label;
+  return false;
+}
+
+TEST(PageModel, ContinueOnTheFirstPageEntersThePage) {
+  PageDriver driver;
+  EXPECT_EQ(stepSigns(driver.page), ">...");
+  driver.act(Action::press);
+  EXPECT_THAT(driver.wishes(), ElementsAre("enter"));
+  EXPECT_EQ(driver.page.stage(), PageModel::Stage::page);
+  EXPECT_EQ(stepSigns(driver.page), "++>.");
+}
+
+TEST(PageModel, ThePagesOwnTitleIsAStepAndTheHeading) {
+  PageDriver driver;
+  driver.hear("{'event':'title','text':'Installing DOVA'}");
+  driver.enter();
+  EXPECT_EQ(driver.page.steps()[2].title, "Installing DOVA");
+  EXPECT_EQ(driver.page.heading().text, "Installing DOVA");
+}
+
+TEST(PageModel, ContinueIsEnabledAsThePageSays) {
+  PageDriver driver;
+  driver.enter();
+  EXPECT_FALSE(isEnabled(driver.page, "Continue"));
+  driver.act(Action::press);
+  EXPECT_THAT(driver.wishes(), IsEmpty());
+  driver.hear("{'event':'next','enabled':true}");
+  EXPECT_TRUE(isEnabled(driver.page, "Continue"));
+  driver.act(Action::press);
+  EXPECT_THAT(driver.wishes(), ElementsAre("forward"));
+}
+
+TEST(PageModel, AnAllowedExitForwardsQuitsTheEngine) {
+  PageDriver driver;
+  driver.enter();
+  driver.hear("{'event':'next','enabled':true}");
+  driver.hear("{'event':'idle'}");
+  driver.act(Action::press);
+  driver.hear("{'event':'exit','direction':0,'allowed':true}");
+  EXPECT_THAT(driver.wishes(), ElementsAre("forward", "quit"));
+  EXPECT_FALSE(isEnabled(driver.page, "Continue"));
+}
+
+TEST(PageModel, ContinueIsPressedOnlyOnceWhileThePageIsAsked) {
+  PageDriver driver;
+  driver.enter();
+  driver.hear("{'event':'next','enabled':true}");
+  driver.act(Action::press);
+  driver.act(Action::press);
+  EXPECT_THAT(driver.wishes(), ElementsAre("forward"));
+}
+
+TEST(PageModel, GoBackIsEnabledAsThePageSaysAndLeadsToTheFirstPage) {
+  PageDriver driver;
+  EXPECT_FALSE(isEnabled(driver.page, "Go Back"));
+  driver.enter();
+  driver.hear("{'event':'previous','enabled':true}");
+  driver.press('g');
+  driver.hear("{'event':'exit','direction':1,'allowed':true}");
+  EXPECT_THAT(driver.wishes(), ElementsAre("back"));
+  EXPECT_EQ(driver.page.stage(), PageModel::Stage::introduction);
+  driver.act(Action::press);
+  EXPECT_THAT(driver.wishes(), ElementsAre("enter"));
+}
+
+TEST(PageModel, ARefusedExitStaysOnThePageUntilItsSheetIsRead) {
+  PageDriver driver;
+  driver.enter();
+  driver.hear("{'event':'next','enabled':true}");
+  driver.hear("{'event':'idle'}");
+  driver.act(Action::press);
+  driver.hear("{'event':'next','enabled':false}");
+  driver.hear("{'event':'sheet','button':'OK','message':'The installation has not finished.'}");
+  driver.hear("{'event':'exit','direction':0,'allowed':false}");
+  EXPECT_THAT(driver.wishes(), ElementsAre("forward"));
+  driver.act(Action::press);
+  EXPECT_THAT(driver.wishes(), ElementsAre("quit"));
+}
+
+TEST(PageModel, APageThatCanDoNothingAnyMoreGoesToTheLastPage) {
+  PageDriver driver;
+  driver.enter();
+  driver.hear("{'event':'sheet','button':'OK','message':'The folder was not found.'}");
+  driver.hear("{'event':'entered'}");
+  driver.hear("{'event':'idle'}");
+  EXPECT_THAT(driver.wishes(), IsEmpty());
+  driver.act(Action::press);
+  EXPECT_THAT(driver.wishes(), ElementsAre("quit"));
+}
+
+TEST(PageModel, TheStatusOfOneBlankIsAnEmptyLine) {
+  PageDriver driver;
+  driver.enter();
+  driver.hear("{'event':'status','text':'Installing... Keyboards'}");
+  EXPECT_EQ(driver.page.statusLine().text, "Installing... Keyboards");
+  driver.hear("{'event':'status','text':' '}");
+  EXPECT_EQ(driver.page.statusLine().text, "");
+}
+
+TEST(PageModel, ThePagesTextIsWrapped) {
+  PageDriver driver;
+  driver.enter();
+  driver.hear("{'event':'instructions','text':'Now installing the library.'}");
+  ASSERT_EQ(driver.page.textLines(16).size(), 2U);
+  EXPECT_EQ(driver.page.textLines(16)[0][0].text, "Now installing");
+}
+
+TEST(PageModel, ANewTextIsShownFromItsBeginning) {
+  PageDriver driver;
+  driver.enter();
+  driver.hear("{'event':'instructions','text':'one'}");
+  driver.act(Action::lineDown);
+  driver.act(Action::lineDown);
+  EXPECT_EQ(driver.page.textScroll(), 2);
+  driver.hear("{'event':'instructions','text':'one'}");
+  EXPECT_EQ(driver.page.textScroll(), 2);
+  driver.hear("{'event':'instructions','text':'two'}");
+  EXPECT_EQ(driver.page.textScroll(), 0);
+}
+
+TEST(PageModel, ScrollingEndsAtBothEnds) {
+  PageDriver driver;
+  driver.act(Action::lineUp);
+  EXPECT_EQ(driver.page.textScroll(), 0);
+  driver.act(Action::pageDown);
+  EXPECT_EQ(driver.page.textScroll(), 4);
+  driver.act(Action::toEnd);
+  EXPECT_EQ(driver.page.textScroll(), 20);
+  driver.act(Action::pageDown);
+  EXPECT_EQ(driver.page.textScroll(), 20);
+  driver.act(Action::toStart);
+  EXPECT_EQ(driver.page.textScroll(), 0);
+}
+
+TEST(PageModel, TheClockStartsWithTheInstall) {
+  PageDriver driver;
+  driver.at(100);
+  EXPECT_FALSE(driver.page.meter().isRunning());
+  driver.enter();
+  driver.at(130);
+  EXPECT_EQ(driver.page.meter().passed(driver.now()).count(), 30);
+}
+
+// ---- Room ----
+
+Introduction withLittleRoom() {
+  Introduction introduction = PageDriver::plainIntroduction();
+  introduction.freeBytes = 300000000;
+  return introduction;
+}
+
+TEST(PageModel, TooLittleRoomIsAskedAboutBeforeThePageIsEntered) {
+  PageDriver driver(withLittleRoom());
+  driver.act(Action::press);
+  EXPECT_THAT(driver.wishes(), IsEmpty());
+  EXPECT_THAT(
+      driver.windowTexts(),
+      ElementsAre("There may not be enough room.", "The data takes 2.0 GB, and the disk has 300.0 MB free.",
+                  "The installation would then end with files that are missing or cut short. Data that is "
+                  "replaced needs no room of its own."));
+}
+
+TEST(PageModel, WithTooLittleRoomNotToInstallIsWhatEnterMeans) {
+  PageDriver driver(withLittleRoom());
+  driver.act(Action::press);
+  driver.act(Action::press);
+  EXPECT_THAT(driver.wishes(), IsEmpty());
+  EXPECT_EQ(driver.page.stage(), PageModel::Stage::introduction);
+}
+
+TEST(PageModel, WithTooLittleRoomTheUserMayInstallAllTheSame) {
+  PageDriver driver(withLittleRoom());
+  driver.act(Action::press);
+  driver.press('i');
+  EXPECT_THAT(driver.wishes(), ElementsAre("enter"));
+}
+
+// ---- The end ----
+
+RunOutcome success() {
+  RunOutcome outcome;
+  outcome.status = ExitStatus::success;
+  outcome.isTold = true;
+  return outcome;
+}
+
+TEST(PageModel, TheLastPageClosesByItsButton) {
+  PageDriver driver;
+  driver.enter();
+  driver.page.end(success(), driver.now());
+  EXPECT_EQ(stepSigns(driver.page), "+++>");
+  EXPECT_TRUE(isEnabled(driver.page, "Close"));
+  driver.act(Action::press);
+  EXPECT_THAT(driver.wishes(), ElementsAre("close"));
+}
+
+TEST(PageModel, AFailedInstallIsAFailedStep) {
+  PageDriver driver;
+  driver.enter();
+  driver.page.end(RunOutcome{}, driver.now());
+  EXPECT_EQ(stepSigns(driver.page), "++x>");
+}
+
+TEST(PageModel, ThePagesLastTextOverAFailedInstallIsSetRight) {
+  PageDriver driver;
+  driver.enter();
+  driver.hear("{'event':'sheet','button':'OK','message':'Failed to open input file.'}");
+  driver.hear("{'event':'instructions','text':'Step 1 finished.'}");
+  driver.hear("{'event':'next','enabled':true}");
+  driver.hear("{'event':'idle'}");
+  EXPECT_EQ(driver.page.statusLine().text, "Not everything was installed.");
+}
+
+TEST(PageModel, WhatCommandsSayIsKeptAndTheLatestIsANotice) {
+  PageDriver driver;
+  driver.page.hearMessage("sudo: a password is required");
+  driver.page.hearMessage("");
+  EXPECT_EQ(driver.page.notice(), "sudo: a password is required");
+  EXPECT_THAT(driver.page.messages(), ElementsAre("sudo: a password is required"));
+}
+
+TEST(PageModel, OnlyTheLatestMessagesAreKept) {
+  PageDriver driver;
+  for (int i = 0; i < 1000; ++i) {
+    driver.page.hearMessage("message " + std::to_string(i));
+  }
+  EXPECT_EQ(driver.page.messages().size(), 200U);
+  EXPECT_EQ(driver.page.messages().back(), "message 999");
+}
+
+// ---- Leaving ----
+
+TEST(PageModel, LeavingIsAskedAboutAndStayingIsTheFirstButton) {
+  PageDriver driver;
+  driver.act(Action::leave);
+  EXPECT_THAT(driver.windowTexts(), ElementsAre("Leave the installer?", "Nothing has been installed yet."));
+  driver.act(Action::press);
+  EXPECT_THAT(driver.wishes(), IsEmpty());
+  EXPECT_FALSE(driver.page.hasWindow());
+}
+
+TEST(PageModel, LeavingIsDoneWhenItIsMeant) {
+  PageDriver driver;
+  driver.act(Action::leave);
+  driver.press('l');
+  EXPECT_THAT(driver.wishes(), ElementsAre("leave"));
+}
+
+TEST(PageModel, AskedToLeaveTwiceTheSecondButtonIsTheOneThatEnterPresses) {
+  PageDriver driver;
+  driver.act(Action::leave);
+  driver.act(Action::leave);
+  EXPECT_THAT(driver.wishes(), IsEmpty());
+  driver.act(Action::press);
+  EXPECT_THAT(driver.wishes(), ElementsAre("leave"));
+}
+
+TEST(PageModel, LeavingSaysWhatIsLeftHalfDone) {
+  PageDriver driver;
+  driver.enter();
+  driver.hear("{'event':'progress.max','value':2000000}");
+  driver.hear("{'event':'progress.value','value':500000}");
+  EXPECT_EQ(
+      driver.page.leaveText(),
+      "The installation is not finished, and leaving stops it. 512.0 MB of 2.0 GB is copied and stays in "
+      "/Users/tester/Library/Application Support/Tavenhall/TANVO; the file that is being copied is cut short. "
+      "To complete it, run the installer again: it copies everything anew.");
+}
+
+TEST(PageModel, WhileAQuestionWaitsNoFileIsCutShort) {
+  PageDriver driver;
+  driver.enter();
+  driver.hear("{'event':'progress.max','value':2000000}");
+  driver.hear("{'event':'progress.value','value':500000}");
+  driver.hear("{'event':'alert','message':'Next','informative':'Please insert B','buttons':['OK'],'style':1}");
+  EXPECT_THAT(driver.page.leaveText(),
+              HasSubstr("stays in /Users/tester/Library/Application Support/Tavenhall/TANVO."));
+}
+
+TEST(PageModel, WhenAllIsDoneLeavingSaysSo) {
+  PageDriver driver;
+  driver.enter();
+  driver.hear("{'event':'next','enabled':true}");
+  driver.hear("{'event':'idle'}");
+  EXPECT_EQ(driver.page.leaveText(), "The data is installed; only the last page is still to come.");
+}
+
+TEST(PageModel, EscapeOnThePageAsksWhetherToLeave) {
+  PageDriver driver;
+  driver.act(Action::cancel);
+  EXPECT_THAT(driver.windowTexts(), ElementsAre("Leave the installer?", "Nothing has been installed yet."));
+  driver.act(Action::cancel);
+  EXPECT_FALSE(driver.page.hasWindow());
+}
+
+TEST(PageModel, TheLastPageIsLeftWithoutAsking) {
+  PageDriver driver;
+  driver.page.end(success(), driver.now());
+  driver.act(Action::leave);
+  EXPECT_THAT(driver.wishes(), ElementsAre("close"));
+}
+
+}  // namespace
+}  // namespace tavenhall::test

@@ -1,0 +1,89 @@
+#include "tests/terminal/rendered.h"
+
+#include "host/terminal/shown_text.h"
+#include "host/terminal/wide_text.h"
+
+#include <gtest/gtest.h>
+#include <wchar.h>
+
+namespace tavenhall::test {
+
+namespace {
+
+using Cells = std::vector<std::vector<std::string>>;  // the second cell of a wide character is empty
+
+void write(Cells& cells, const Layer& layer, const Run& run) {
+  const int row = layer.place.row + run.row;
+  int column = layer.place.column + run.column;
+  EXPECT_GE(run.column, 0) << run.text;
+  EXPECT_LE(run.column + widthOf(run.text), layer.place.columns) << run.text;
+  for (const wchar_t character : wideText(run.text)) {
+    const int width = wcwidth(character);
+    if (column >= static_cast<int>(cells[row].size()) || column < 0) {
+      return;
+    }
+    if (width == 0) {
+      cells[row][column - 1] += narrowText({&character, 1});
+      continue;
+    }
+    cells[row][column] = narrowText({&character, 1});
+    if (width == 2 && column + 1 < static_cast<int>(cells[row].size())) {
+      cells[row][column + 1].clear();
+    }
+    column += width;
+  }
+}
+
+}  // namespace
+
+std::vector<std::string> textOf(const std::vector<Line>& lines) {
+  std::vector<std::string> texts;
+  for (const Line& line : lines) {
+    std::string& text = texts.emplace_back();
+    for (const Span& span : line) {
+      text += span.text;
+    }
+  }
+  return texts;
+}
+
+std::vector<std::string> rendered(const std::vector<Layer>& layers, Size size) {
+  Cells cells(size.rows, std::vector<std::string>(size.columns, " "));
+  for (const Layer& layer : layers) {
+    const Rect& place = layer.place;
+    const bool isInside = place.row >= 0 && place.column >= 0 && place.row + place.rows <= size.rows &&
+                          place.column + place.columns <= size.columns;
+    EXPECT_TRUE(isInside) << "a layer goes beyond the screen";
+    if (!isInside) {
+      continue;
+    }
+    for (int row = 0; row < place.rows; ++row) {
+      for (int column = 0; column < place.columns; ++column) {
+        cells[place.row + row][place.column + column] = " ";
+      }
+    }
+    for (const Run& run : layer.runs) {
+      write(cells, layer, run);
+    }
+  }
+  std::vector<std::string> rows;
+  for (const auto& row : cells) {
+    std::string text;
+    for (const std::string& cell : row) {
+      text += cell;
+    }
+    text.erase(text.find_last_not_of(' ') + 1);
+    rows.push_back(text);
+  }
+  return rows;
+}
+
+std::string renderedText(const std::vector<Layer>& layers, Size size) {
+  std::string text;
+  for (const std::string& row : rendered(layers, size)) {
+    text += row + "\n";
+  }
+  return text;
+}
+
+}  // namespace tavenhall::test

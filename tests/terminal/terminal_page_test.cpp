@@ -1,0 +1,211 @@
+// What the page shows, and how it is worked, in a terminal.
+#include "tests/support/files.h"
+#include "tests/terminal/in_utf8.h"
+#include "tests/terminal/kept_screens.h"
+#include "tests/terminal/page_in_terminal.h"
+#include "tests/terminal/tmux_terminal.h"
+
+#include <gmock/gmock.h>
+#include <string>
+
+namespace tavenhall::test {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+
+using TerminalPageTest = InUtf8;
+
+// A copy that stands still at 43 %; "/tmp/go" lets it end well.
+constexpr const char* kCopy =
+    "thread\n"
+    "instructions Now installing the Tessaphon library to:\\n\\n/Users/tester/Library/Application Support/"
+    "Tavenhall/TANVO\\n\\nPlease have both discs at hand.\n"
+    "max 1953125\n"
+    "value 840000\n"
+    "status Installing... Keyboards\n";
+constexpr const char* kEnd =
+    "wait /tmp/go\n"
+    "max 1\n"
+    "value 1\n"
+    "status  \n"
+    "ready 1\n"
+    "next 1\n";
+
+// Enters the page of that script, and waits for a text on it.
+void enter(TmuxTerminal& terminal, const std::string& text) {
+  terminal.waitFor("Press Continue to begin.");
+  terminal.press({"Enter"});
+  terminal.waitFor(text);
+}
+
+TEST_F(TerminalPageTest, ASheetStandsAboveTheCopyAndDoesNotStopIt) {
+  TmuxTerminal terminal(80, 24,
+                        runScript(std::string(kCopy) +
+                                  "sheet Failed to open input file.\nwait /tmp/more\n"
+                                  "value 1250000\n" +
+                                  kEnd));
+  enter(terminal, "Failed to open input file.");
+  expectScreen(terminal.screen(), "sheet-during-copy");
+  let("more");
+  EXPECT_THAT(terminal.waitFor("64 %"), HasSubstr("Failed to open input file."));
+  terminal.press({"Enter"});
+  terminal.waitUntilGone("Failed to open input file.");
+}
+
+TEST_F(TerminalPageTest, FiftyThousandFailuresAreOneSheetThatGrows) {
+  TmuxTerminal terminal(80, 24,
+                        runScript(std::string(kCopy) + "sheets 50000 Failed to open input file.\n" + kEnd));
+  enter(terminal, "50 000 problems");
+  expectScreen(terminal.screen(), "fifty-thousand-failures");
+  terminal.press({"Enter"});
+  terminal.waitUntilGone("problems");
+  EXPECT_THAT(terminal.screen(), HasSubstr("43 %"));
+}
+
+constexpr const char* kQuestion =
+    "alert Ready for next volume|Insert Northfield Outrider disc. Press Skip if you do not have this "
+    "disc.|OK|Skip\n";
+
+std::string answers() { return exists("/tmp/page-answers") ? readFile("/tmp/page-answers") : ""; }
+
+TEST_F(TerminalPageTest, AnAlertWithTwoButtonsIsAnsweredByTabAndEnter) {
+  TmuxTerminal terminal(80, 24, runScript(std::string(kCopy) + kQuestion + kEnd));
+  enter(terminal, "[ Skip ]");
+  expectScreen(terminal.screen(), "two-button-alert");
+  terminal.press({"Tab", "Enter"});
+  terminal.waitUntilGone("[ Skip ]");
+  EXPECT_EQ(answers(), "1001\n");
+}
+
+TEST_F(TerminalPageTest, AnAlertIsAnsweredByItsHotKeyAndByArrows) {
+  TmuxTerminal terminal(80, 24,
+                        runScript(std::string(kCopy) + kQuestion + "wait /tmp/more\n" + kQuestion + kEnd));
+  enter(terminal, "[ Skip ]");
+  terminal.press({"s"});
+  terminal.waitUntilGone("[ Skip ]");
+  let("more");
+  terminal.waitFor("[ Skip ]");
+  terminal.press({"Right", "Left", "Enter"});
+  terminal.waitUntilGone("[ Skip ]");
+  EXPECT_EQ(answers(), "1001\n1000\n");
+}
+
+TEST_F(TerminalPageTest, ButtonsAreClicked) {
+  TmuxTerminal terminal(80, 24, runScript(std::string(kCopy) + kQuestion + kEnd));
+  terminal.waitFor("Press Continue to begin.");
+  const auto proceed = terminal.find("[ Continue ]");
+  terminal.click(proceed.column + 3, proceed.row);
+  terminal.waitFor("[ Skip ]");
+  const auto skip = terminal.find("[ Skip ]");
+  terminal.click(skip.column, skip.row);
+  terminal.waitUntilGone("[ Skip ]");
+  EXPECT_EQ(answers(), "1001\n");
+}
+
+TEST_F(TerminalPageTest, EscapeClosesASheet) {
+  TmuxTerminal terminal(80, 24, runScript(std::string(kCopy) + "sheet Failed to copy file.\n" + kEnd));
+  enter(terminal, "Failed to copy file.");
+  terminal.press({"Escape"});
+  terminal.waitUntilGone("Failed to copy file.");
+  EXPECT_THAT(terminal.screen(), Not(HasSubstr("Leave the installer?")));
+}
+
+TEST_F(TerminalPageTest, TheWindowMayBeResizedDuringTheCopy) {
+  TmuxTerminal terminal(80, 24, runScript(std::string(kCopy) + kEnd));
+  enter(terminal, "43 %");
+  expectScreen(terminal.screen(), "copy-80x24");
+  terminal.resize(120, 40);
+  terminal.waitFor(std::string("Tavenhall/TANVO\n"));
+  expectScreen(terminal.screen(), "copy-120x40");
+  terminal.resize(60, 20);
+  terminal.waitFor("Support/Tavenhall");
+  expectScreen(terminal.screen(), "copy-60x20");
+  terminal.resize(50, 10);
+  terminal.waitFor("Please make this window larger (60x20).");
+  terminal.resize(80, 24);
+  terminal.waitFor("43 %");
+  expectScreen(terminal.screen(), "copy-80x24");
+}
+
+TEST_F(TerminalPageTest, AWindowAboveThePageIsResizedWithIt) {
+  TmuxTerminal terminal(120, 40, runScript(std::string(kCopy) + kQuestion + kEnd));
+  enter(terminal, "[ Skip ]");
+  expectScreen(terminal.screen(), "two-button-alert-120x40");
+  terminal.resize(60, 20);
+  terminal.waitFor("[ Skip ]");
+  expectScreen(terminal.screen(), "two-button-alert-60x20");
+}
+
+TEST_F(TerminalPageTest, WithColoursThePageIsColoured) {
+  TmuxTerminal terminal(80, 24, runScript(std::string(kCopy) + kEnd), {{"TERM", "tmux-256color"}});
+  enter(terminal, "43 %");
+  EXPECT_THAT(terminal.colouredScreen(), HasSubstr("\033[38;5;32m"));
+}
+
+TEST_F(TerminalPageTest, WithSixteenColoursThoseAreUsed) {
+  TmuxTerminal terminal(80, 24, runScript(std::string(kCopy) + kEnd), {{"TERM", "xterm-16color"}});
+  enter(terminal, "43 %");
+  EXPECT_THAT(terminal.colouredScreen(), AllOf(HasSubstr("\033[36m"), Not(HasSubstr("38;5"))));
+}
+
+TEST_F(TerminalPageTest, NoColorMeansNoColour) {
+  TmuxTerminal terminal(80, 24, runScript(std::string(kCopy) + kQuestion + kEnd), {{"NO_COLOR", "1"}});
+  enter(terminal, "[ Skip ]");
+  const std::string shown = terminal.colouredScreen();
+  EXPECT_THAT(shown, Not(testing::ContainsRegex("\033\\[([0-9;]*;)?[349][0-9]")));
+  // Where the focus is shows all the same.
+  EXPECT_THAT(shown, HasSubstr("\033[7m[ "));
+}
+
+TEST_F(TerminalPageTest, WideAndCombiningCharactersKeepEverythingInItsPlace) {
+  writeFile("/tmp/page-title", "音源をインストール");
+  TmuxTerminal terminal(
+      80, 24,
+      runScript("thread\n"
+                "instructions 音源データをインストールしています。このディスクは取り出さないでください。終わる"
+                "までしばらくお待ちください。\\n\\nPlease wait, cafe\u0301 au lait\n"
+                "max 1953125\nvalue 840000\n"
+                "status Installing... 鍵盤楽器\n"
+                "alert 次のディスク|「音源 B」を入れてください。|はい|いいえ\n"));
+  enter(terminal, "はい");
+  expectScreen(terminal.screen(), "wide-characters");
+}
+
+TEST_F(TerminalPageTest, WithoutUtf8ThePageIsAscii) {
+  TmuxTerminal terminal(80, 24, runScript(std::string(kCopy) + "sheet Grüße\n" + kEnd), {{"LC_ALL", "C"}});
+  enter(terminal, "Gr??e");
+  expectScreen(terminal.screen(), "ascii");
+}
+
+TEST_F(TerminalPageTest, WhatCommandsSayNeverWritesOverThePage) {
+  TmuxTerminal terminal(
+      80, 24, runScript(std::string(kCopy) + "run echo 'sudo: a password is required' >&2; echo out\n" + kEnd));
+  enter(terminal, "43 %");
+  terminal.waitFor("out");
+  expectScreen(terminal.screen(), "notice");
+  let("go");
+  terminal.waitFor("[ Continue ]");
+  terminal.press({"Enter"});
+  EXPECT_THAT(terminal.waitFor("The installation was successful."),
+              AllOf(HasSubstr("Commands that ran on the way said"), HasSubstr("sudo: a password is required")));
+}
+
+TEST_F(TerminalPageTest, ALongTextIsScrolled) {
+  std::string text = "thread\ninstructions first line";
+  for (int i = 2; i <= 40; ++i) {
+    text += "\\nline " + std::to_string(i);
+  }
+  TmuxTerminal terminal(80, 24, runScript(text + "\n" + kEnd));
+  enter(terminal, "first line");
+  terminal.press({"PageDown"});
+  terminal.waitUntilGone("first line");
+  terminal.press({"End"});
+  terminal.waitFor("line 40");
+  terminal.press({"Home"});
+  terminal.waitFor("first line");
+}
+
+}  // namespace
+}  // namespace tavenhall::test

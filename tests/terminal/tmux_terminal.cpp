@@ -1,0 +1,155 @@
+#include "tests/terminal/tmux_terminal.h"
+
+#include "host/terminal/shown_text.h"
+#include "tests/install/child_program.h"
+
+#include <chrono>
+#include <csignal>
+#include <fstream>
+#include <functional>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <thread>
+
+namespace tavenhall::test {
+
+namespace {
+
+constexpr auto kPatience = std::chrono::seconds(30);
+
+// Asks every 30 ms until the answer is yes; whether it ever was.
+bool comesTrue(const std::function<bool()>& question) {
+  const auto end = std::chrono::steady_clock::now() + kPatience;
+  while (!question()) {
+    if (std::chrono::steady_clock::now() > end) {
+      return false;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+  }
+  return true;
+}
+
+std::string quoted(const std::string& word) {
+  std::string text = "'";
+  for (const char character : word) {
+    text += character == '\'' ? "'\\''" : std::string(1, character);
+  }
+  return text + "'";
+}
+
+}  // namespace
+
+TmuxTerminal::TmuxTerminal(int columns, int rows, const std::vector<std::string>& command,
+                           const Environment& environment) {
+  std::string line = "exec 2>&1; env -u TMUX LC_ALL=C.UTF-8";
+  for (const auto& [name, value] : environment) {
+    line += " " + name + "=" + quoted(value);
+  }
+  for (const std::string& word : command) {
+    line += " " + quoted(word);
+  }
+  // The shell outlives the program, so that its status can be read and nothing of the screen is lost.
+  line += "; echo \"[ended with $?]\"; trap '' INT; sleep 3600";
+  tmux({"new-session", "-d", "-x", std::to_string(columns), "-y", std::to_string(rows), line, ";", "set-option",
+        "-g", "status", "off"});
+}
+
+TmuxTerminal::~TmuxTerminal() { close(); }
+
+std::string TmuxTerminal::tmux(std::vector<std::string> arguments) {
+  std::vector<std::string> line{"tmux", "-u", "-L", "terminal-test", "-f", "/dev/null"};
+  line.insert(line.end(), arguments.begin(), arguments.end());
+  return runThrough(line, {{"LC_ALL", "C.UTF-8"}, {"SHELL", "/bin/sh"}}).output;
+}
+
+void TmuxTerminal::press(std::initializer_list<const char*> keys) {
+  std::vector<std::string> arguments{"send-keys"};
+  arguments.insert(arguments.end(), keys.begin(), keys.end());
+  tmux(arguments);
+}
+
+void TmuxTerminal::click(int column, int row) {
+  const auto report = [column, row](char button) {
+    return std::string("\033[M") + button + static_cast<char>(33 + column) + static_cast<char>(33 + row);
+  };
+  tmux({"send-keys", "-l", report(' ')});
+  tmux({"send-keys", "-l", report('#')});
+}
+
+void TmuxTerminal::resize(int columns, int rows) {
+  tmux({"resize-window", "-x", std::to_string(columns), "-y", std::to_string(rows)});
+}
+
+void TmuxTerminal::close() { tmux({"kill-server"}); }
+
+std::string TmuxTerminal::screen() { return tmux({"capture-pane", "-p"}); }
+
+std::string TmuxTerminal::colouredScreen() { return tmux({"capture-pane", "-p", "-e"}); }
+
+std::string TmuxTerminal::waitFor(const std::string& text) {
+  std::string shown;
+  const bool hasCome = comesTrue([&] {
+    shown = screen();
+    return shown.find(text) != std::string::npos;
+  });
+  EXPECT_TRUE(hasCome) << "\"" << text << "\" never came; there is\n" << shown;
+  return shown;
+}
+
+void TmuxTerminal::waitUntilGone(const std::string& text) {
+  EXPECT_TRUE(comesTrue([&] { return screen().find(text) == std::string::npos; })) << text << " never went";
+}
+
+TmuxTerminal::Place TmuxTerminal::find(const std::string& text) {
+  std::istringstream shown(screen());
+  int row = 0;
+  for (std::string line; std::getline(shown, line); ++row) {
+    if (const std::size_t at = line.find(text); at != std::string::npos) {
+      return {widthOf(line.substr(0, at)), row};
+    }
+  }
+  ADD_FAILURE() << text << " is not on the screen";
+  return {};
+}
+
+std::string TmuxTerminal::ask(const std::string& format) {
+  const std::string answer = tmux({"display-message", "-p", format});
+  return answer.substr(0, answer.find('\n'));
+}
+
+pid_t TmuxTerminal::program() {
+  const std::vector<pid_t> children = childrenOf(std::stoi(ask("#{pane_pid}")));
+  EXPECT_EQ(children.size(), 1U);
+  return children.empty() ? -1 : children[0];
+}
+
+std::vector<pid_t> childrenOf(pid_t process) {
+  const std::string id = std::to_string(process);
+  std::ifstream file("/proc/" + id + "/task/" + id + "/children");
+  std::vector<pid_t> children;
+  for (pid_t child = 0; file >> child;) {
+    children.push_back(child);
+  }
+  return children;
+}
+
+long ticksOf(pid_t process) {
+  std::ifstream file("/proc/" + std::to_string(process) + "/stat");
+  std::string text;
+  std::getline(file, text);
+  std::istringstream rest(text.substr(text.rfind(')') + 2));
+  std::string skipped;
+  for (int field = 3; field < 14; ++field) {
+    rest >> skipped;
+  }
+  long user = 0;
+  long system = 0;
+  rest >> user >> system;
+  return user + system;
+}
+
+void waitForEndOf(pid_t process) {
+  EXPECT_TRUE(comesTrue([process] { return kill(process, 0) != 0; })) << "process " << process << " runs on";
+}
+
+}  // namespace tavenhall::test
