@@ -42,8 +42,9 @@ TEST(FindBundle, WhereThereIsNoneBothPlacesAreNamed) {
     static_cast<void>(findBundle("Nothing"));
     ADD_FAILURE() << "there is a bundle for Nothing";
   } catch (const UsageError& error) {
-    EXPECT_THAT(error.what(), AllOf(HasSubstr(TAVINSTALL_BINARY_DIR "/InstallDataPane-Nothing.bundle"),
-                                    HasSubstr("/tavinstall/InstallDataPane-Nothing.bundle"), Not(HasSubstr("\n"))));
+    EXPECT_THAT(error.what(),
+                AllOf(HasSubstr(TAVINSTALL_BINARY_DIR "/InstallDataPane-Nothing.bundle"),
+                      HasSubstr("/tavinstall/InstallDataPane-Nothing.bundle"), Not(HasSubstr("\n"))));
   }
 }
 

@@ -51,8 +51,8 @@ TEST(CommandLineForm, NamesAreComparedExactly) {
 }
 
 TEST(CommandLineForm, WhatIsNoJsonObjectIsBad) {
-  for (const char* line : {"", " ", "{", "enter", "{'do':'enter'}", R"({"do":"enter"} x)", R"({"do":"enter"}{})",
-                           "[]", "null", "1000", "\xEF\xBB\xBF"}) {
+  for (const char* line : {"", " ", "{", "enter", "{'do':'enter'}", R"({"do":"enter"} x)",
+                           R"({"do":"enter"}{})", "[]", "null", "1000", "\xEF\xBB\xBF"}) {
     EXPECT_TRUE(isBad(line)) << line;
   }
 }

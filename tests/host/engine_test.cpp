@@ -102,7 +102,8 @@ TEST(EnginePage, APluginForAnotherHostIsRefused) {
   CommandSource source({}, kAlertFirstButtonReturn);
   QuietEvents events;
   Engine engine(source, events, [] {});
-  EXPECT_THROW(engine.makePage([](InstallerHost*, std::uint32_t) -> InstallerPane* { return nullptr; }), UsageError);
+  EXPECT_THROW(engine.makePage([](InstallerHost*, std::uint32_t) -> InstallerPane* { return nullptr; }),
+               UsageError);
 }
 
 }  // namespace

@@ -96,18 +96,21 @@ TEST(JsonEvents, LeavingThePage) {
 }
 
 TEST(JsonEvents, Alerts) {
-  EXPECT_EQ(written([](JsonEvents& events) {
-              events.alert({"Ready for next volume", "Please insert Tessaphon B", kOneButton, 1});
-              events.alert({"m", "i\xFF", kTwoButtons, 2});
-            }),
-            "{\"event\":\"alert\",\"message\":\"Ready for next volume\",\"informative\":\"Please insert Tessaphon "
-            "B\",\"buttons\":[\"OK\"],\"style\":1}\n"
-            "{\"event\":\"alert\",\"message\":\"m\",\"informative\":\"i\xEF\xBF\xBD\",\"buttons\":[\"OK\",\"Skip\"],"
-            "\"style\":2}\n");
+  EXPECT_EQ(
+      written([](JsonEvents& events) {
+        events.alert({"Ready for next volume", "Please insert Tessaphon B", kOneButton, 1});
+        events.alert({"m", "i\xFF", kTwoButtons, 2});
+      }),
+      "{\"event\":\"alert\",\"message\":\"Ready for next volume\",\"informative\":\"Please insert Tessaphon "
+      "B\",\"buttons\":[\"OK\"],\"style\":1}\n"
+      "{\"event\":\"alert\",\"message\":\"m\",\"informative\":\"i\xEF\xBF\xBD\",\"buttons\":[\"OK\",\"Skip\"],"
+      "\"style\":2}\n");
 }
 
 TEST(JsonEvents, Sheets) {
-  EXPECT_EQ(written([](JsonEvents& events) { events.sheet({"OK", "100 %s of \"it\""}); }),
+  EXPECT_EQ(written([](JsonEvents& events) {
+              events.sheet({"OK", "100 %s of \"it\""});
+            }),
             "{\"event\":\"sheet\",\"button\":\"OK\",\"message\":\"100 %s of \\\"it\\\"\"}\n");
 }
 

@@ -113,7 +113,11 @@ TEST_F(Printer, ALineThatSaysNothingNewIsLeftAway) {
 TEST_F(Printer, WhatWasHeldBackIsSaidBeforeAnAlert) {
   progress(1.0);
   progress(2.0);
-  show({{"event", "alert"}, {"message", "Ready"}, {"informative", "Insert B"}, {"buttons", {"OK", "Skip"}}, {"style", 1}});
+  show({{"event", "alert"},
+        {"message", "Ready"},
+        {"informative", "Insert B"},
+        {"buttons", {"OK", "Skip"}},
+        {"style", 1}});
   EXPECT_EQ(lines, (Lines{"  1 %", "  2 %", "? Ready", "  Insert B", "  1) OK", "  2) Skip"}));
 }
 
@@ -141,7 +145,8 @@ TEST_F(Printer, ErrorsAreLines) {
 }
 
 TEST_F(Printer, WhatTheReaderNeedsNotKnowIsNoLine) {
-  for (const char* event : {"entered", "idle", "next", "previous", "exit", "assertion", "assertion.release", "new"}) {
+  for (const char* event :
+       {"entered", "idle", "next", "previous", "exit", "assertion", "assertion.release", "new"}) {
     show({{"event", event}});
   }
   EXPECT_EQ(lines, Lines{});

@@ -72,8 +72,9 @@ std::string summaryOf(const RunRecord& record, const PaneSnapshot& state) {
 }
 
 TEST(RunSummary, OfNothing) {
-  EXPECT_EQ(summaryOf(RunRecord(), {}),
-            R"({"left":false,"ready":0,"mode":0,"seconds":0,"kBytesCopied":0,"copies":[],"alerts":[],"sheets":[]})");
+  EXPECT_EQ(
+      summaryOf(RunRecord(), {}),
+      R"({"left":false,"ready":0,"mode":0,"seconds":0,"kBytesCopied":0,"copies":[],"alerts":[],"sheets":[]})");
 }
 
 TEST(RunSummary, OfEverything) {

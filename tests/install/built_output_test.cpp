@@ -25,24 +25,26 @@ std::set<std::string> exportedSymbols(const std::string& library) {
 class Bundle : public testing::TestWithParam<const char*> {};
 
 TEST_P(Bundle, ExportsThePageAndThePlainFunctionsAndNothingElse) {
-  EXPECT_EQ(exportedSymbols(std::string(TAVINSTALL_BINARY_DIR "/InstallDataPane") + GetParam() +
-                            ".bundle/Contents/MacOS/InstallDataPane"),
-            (std::set<std::string>{
-                "addEventToInstallationLog", "createInstallDataPane", "folderExistsAndHasContents",
-                "getAlternateNameForFullInstalltion", "getAlternateNameForLiteInstalltion", "getCompletionMessage",
-                "getInstallDataTitle", "getInstallationAttributesFile", "getInstallationMode",
-                "getInstallingDataString", "getLiteVsFullPromptText", "getPreparationTitle", "getRelativePath",
-                "getRelativePath2"}));
+  EXPECT_EQ(
+      exportedSymbols(std::string(TAVINSTALL_BINARY_DIR "/InstallDataPane") + GetParam() +
+                      ".bundle/Contents/MacOS/InstallDataPane"),
+      (std::set<std::string>{"addEventToInstallationLog", "createInstallDataPane", "folderExistsAndHasContents",
+                             "getAlternateNameForFullInstalltion", "getAlternateNameForLiteInstalltion",
+                             "getCompletionMessage", "getInstallDataTitle", "getInstallationAttributesFile",
+                             "getInstallationMode", "getInstallingDataString", "getLiteVsFullPromptText",
+                             "getPreparationTitle", "getRelativePath", "getRelativePath2"}));
 }
 
 INSTANTIATE_TEST_SUITE_P(BuiltOutput, Bundle, testing::Values("", "-Lumaweave", "-Bassoria", "-TemporaQX"),
                          [](const auto& tested) {
-                           return *tested.param == '\0' ? std::string("Tessaphon") : std::string(tested.param + 1);
+                           return *tested.param == '\0' ? std::string("Tessaphon")
+                                                        : std::string(tested.param + 1);
                          });
 
 TEST(BuiltOutput, AnInstalledProgramFindsItsBundlesAndItsStandIns) {
   const Outcome installation =
-      runThrough({"cmake", "--install", TAVINSTALL_BINARY_DIR, "--prefix", "/opt/tavinstall"}, {{"DESTDIR", "/tmp/stage"}});
+      runThrough({"cmake", "--install", TAVINSTALL_BINARY_DIR, "--prefix", "/opt/tavinstall"},
+                 {{"DESTDIR", "/tmp/stage"}});
   ASSERT_EQ(installation.status, 0) << installation.output << installation.error;
   const std::string program = "/tmp/stage/opt/tavinstall/bin/tavinstall";
   layPackage("Mode = InstallFromVolumes\nTotalSizeMillionsBytes = 1\n", {"DOVA"});
@@ -50,8 +52,9 @@ TEST(BuiltOutput, AnInstalledProgramFindsItsBundlesAndItsStandIns) {
   ASSERT_EQ(runThrough({"mount", "-t", "tmpfs", "disc", "/Volumes/Tavenhall Bassoria"}).status, 0);
   layTree("/Volumes/Tavenhall Bassoria", {file("DOVA/Bassoria/a.db", 2048)});
 
-  const Outcome run = runThrough({program, "run", "--ui", "quiet", "--product", "Bassoria", "--package", kPackage},
-                                 {{"PATH", "/usr/bin:/bin"}});
+  const Outcome run =
+      runThrough({program, "run", "--ui", "quiet", "--product", "Bassoria", "--package", kPackage},
+                 {{"PATH", "/usr/bin:/bin"}});
 
   EXPECT_EQ(run.status, 0) << run.error;
   EXPECT_EQ(treeOf(kDova), (std::vector<std::string>{"Bassoria/", "Bassoria/a.db"}));

@@ -39,8 +39,8 @@ void apply(const Mask& mask, std::string& text) {
 std::string difference(const std::string& expected, const std::string& actual) {
   writeFile("/tmp/.compare/expected", expected);
   writeFile("/tmp/.compare/actual", actual);
-  std::FILE* tool = popen(
-      "diff -u --label expected --label actual /tmp/.compare/expected /tmp/.compare/actual", "r");
+  std::FILE* tool =
+      popen("diff -u --label expected --label actual /tmp/.compare/expected /tmp/.compare/actual", "r");
   std::string text;
   std::array<char, 4096> buffer{};
   while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), tool)) {

@@ -169,8 +169,8 @@ int ChildProgram::waitForEnd() {
     status_ = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
   }
   const std::string error = standardError();
-  const bool hasReport = error.find("Sanitizer") != std::string::npos ||
-                         error.find("runtime error:") != std::string::npos;
+  const bool hasReport =
+      error.find("Sanitizer") != std::string::npos || error.find("runtime error:") != std::string::npos;
   EXPECT_FALSE(hasReport) << error;
   return *status_;
 }

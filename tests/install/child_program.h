@@ -73,6 +73,7 @@ struct Outcome {
   std::string error;
 };
 [[nodiscard]] Outcome runThrough(std::vector<std::string> commandLine,
-                                 const ChildProgram::Environment& environment = {}, std::string_view input = "");
+                                 const ChildProgram::Environment& environment = {},
+                                 std::string_view input = "");
 
 }  // namespace tavenhall::test

@@ -43,13 +43,17 @@ TEST_F(BadUsage, AnUnknownCommand) { expectBadUsage({"instal"}, "instal"); }
 
 TEST_F(BadUsage, AnUnknownOption) { expectBadUsage({"run", "--package", package, "--fast"}, "--fast"); }
 
-TEST_F(BadUsage, AWayOfShowingThatIsNone) { expectBadUsage({"run", "--package", package, "--ui", "loud"}, "loud"); }
+TEST_F(BadUsage, AWayOfShowingThatIsNone) {
+  expectBadUsage({"run", "--package", package, "--ui", "loud"}, "loud");
+}
 
 TEST_F(BadUsage, AnEditionThatIsNone) {
   expectBadUsage({"run", "--package", package, "--install-type", "lite"}, "lite");
 }
 
-TEST_F(BadUsage, AProductThatIsNone) { expectBadUsage({"run", "--package", package, "--product", "Tess"}, "Tess"); }
+TEST_F(BadUsage, AProductThatIsNone) {
+  expectBadUsage({"run", "--package", package, "--product", "Tess"}, "Tess");
+}
 
 TEST_F(BadUsage, ABundleBesideAProduct) {
   expectBadUsage({"run", "--package", package, "--product", "Lumaweave", "--bundle", "/x"}, "--bundle");
@@ -61,6 +65,10 @@ class BadUsageInEveryFace : public BadUsage, public testing::WithParamInterface<
 
 TEST_P(BadUsageInEveryFace, APackageThatDoesNotExist) {
   expectBadUsage({"run", "--ui", GetParam(), "--package", "/Users/tester/Gone.pkg"}, "/Users/tester/Gone.pkg");
+}
+
+TEST_P(BadUsageInEveryFace, APackageWithALineBreakInItsPath) {
+  expectBadUsage({"run", "--ui", GetParam(), "--package", "/Users/tester/Gone\nFar.pkg"}, "Far.pkg");
 }
 
 TEST_P(BadUsageInEveryFace, ABundleThatDoesNotExist) {
@@ -88,7 +96,22 @@ TEST(CommandLine, ABundleIsFoundThroughARelativePath) {
 
   EXPECT_EQ(installer.finish(), 0);
   EXPECT_EQ(installer.events().front(), R"({"event":"title","text":"Found"})");
-  EXPECT_THAT(installer.events(), testing::Contains(HasSubstr("The folder for the Bassoria data was not found.")));
+  EXPECT_THAT(installer.events(),
+              testing::Contains(HasSubstr("The folder for the Bassoria data was not found.")));
+}
+
+TEST(CommandLine, ASecondInstallIsRefusedWhileAFirstOneRuns) {
+  layPackage("InstallDataTitle = First\n");
+  JsonInstaller first({"--package", kPackage});
+  first.send(kTitle);
+  first.await("title");
+
+  const Outcome second = tavinstall({"run", "--ui", "quiet", "--package", kPackage, "--install-type", "Lite"});
+
+  EXPECT_EQ(second.status, 2);
+  EXPECT_THAT(second.error, MatchesRegex("tavinstall: [^\n]+\n"));
+  EXPECT_FALSE(exists("/tmp/TavInstallType"));
+  EXPECT_EQ(first.finish(), 0);
 }
 
 TEST(CommandLine, VersionIsTheProjectsOwn) {

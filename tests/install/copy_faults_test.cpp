@@ -3,6 +3,7 @@
 #include "tests/support/files.h"
 
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <filesystem>
 #include <gmock/gmock.h>
@@ -38,8 +39,8 @@ std::string sizeOf(const std::string& path) {
 TEST(CopyFaults, LinksAreCopiedAsWhatTheyLeadToAndADanglingOneIsReported) {
   layUpdate({file("TANVO/a-file.db", 2048), link("TANVO/b-link.db", "a-file.db"),
              file("TANVO/c-folder/inner.db", 1024), link("TANVO/d-linked-folder", "c-folder"),
-             link("TANVO/e-dangling", "nowhere"), link("TANVO/f-outside.db", "/Users/tester/Downloads/Set/g.db"),
-             file("g.db", 3072)});
+             link("TANVO/e-dangling", "nowhere"),
+             link("TANVO/f-outside.db", "/Users/tester/Downloads/Set/g.db"), file("g.db", 3072)});
   layTree(kTanvo, {});
 
   JsonInstaller installer({"--package", kPackage});
@@ -128,6 +129,40 @@ TEST(CopyFaults, AFolderThatSudoMakesIsFilled) {
 
   EXPECT_EQ(installer.finish(), 0);
   expectCase("mkdir_with_sudo", installer, {.folders = {"/Volumes/Data"}});
+}
+
+// Six folders of 200 bytes each: the fifth one's path still fits.
+void layTooLongPath() {
+  std::string path = "TANVO";
+  for (char letter = 'a'; letter <= 'f'; ++letter) {
+    path += "/" + std::string(200, letter);
+  }
+  layUpdate({file(path + "/x.db", 1024)});
+  layTree(kTanvo, {});
+}
+
+TEST(CopyFaults, APathThatDoesNotFitStopsTheProgramInsteadOfBeingCut) {
+  layTooLongPath();
+
+  JsonInstaller installer({"--package", kPackage});
+  installer.send({kEnter, kWait, kForward});
+
+  EXPECT_EQ(installer.finish(), 128 + SIGABRT);
+  EXPECT_EQ(installer.program().standardError(),
+            "InstallDataPane: a text does not fit its buffer of 1024 bytes; stopping\n");
+  for (const std::string& path : treeOf(kTanvo)) {
+    EXPECT_TRUE(path.ends_with("/")) << path << " was copied to a place that nobody named";
+  }
+}
+
+TEST(CopyFaults, AProgramThatHadToStopIsReportedByThePlainFace) {
+  layTooLongPath();
+
+  const Outcome outcome = runThrough({kTavinstall, "run", "--ui", "plain", "--package", kPackage});
+
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.output, testing::HasSubstr("! The installer's engine ended before its time.\n"));
+  EXPECT_EQ(outcome.error, "InstallDataPane: a text does not fit its buffer of 1024 bytes; stopping\n");
 }
 
 }  // namespace

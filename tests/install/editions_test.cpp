@@ -89,7 +89,8 @@ TEST(Editions, WithoutAChoiceFileTheEditionIsFull) {
 }
 
 TEST(Editions, WithoutThePromptDiscsAreAllInstalledWhateverTheChoiceFileSays) {
-  layPackage("Mode = InstallFromVolumes\nLiteVsFullPrompt = No\nNumberOfVolumes = 2\nTotalSizeMillionsBytes = 5\n");
+  layPackage(
+      "Mode = InstallFromVolumes\nLiteVsFullPrompt = No\nNumberOfVolumes = 2\nTotalSizeMillionsBytes = 5\n");
   layTree(kDiscA, {file("TANVO/Tessaphon/lite.db", 4096)});
   layTree(kDiscB, {file("TANVO/Tessaphon/full.db", 4096)});
 

@@ -2,6 +2,7 @@
 #include "tests/install/source_tree.h"
 #include "tests/support/files.h"
 
+#include <csignal>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <regex>
@@ -14,7 +15,8 @@ namespace {
 using testing::Contains;
 using testing::HasSubstr;
 
-Outcome run(const std::string& face, std::string_view input = "", const std::string& summary = "/tmp/summary.json") {
+Outcome run(const std::string& face, std::string_view input = "",
+            const std::string& summary = "/tmp/summary.json") {
   return runThrough({kTavinstall, "run", "--ui", face, "--package", kPackage, "--summary", summary}, {}, input);
 }
 
@@ -122,8 +124,8 @@ void layEditions() {
   layTree(kSet, {textFile(".InstallationAttributes.dat",
                           "Mode = SupportHub\nInstalledData = Done.\nInstallingData = Going on.\n"
                           "RelativePath = .\nRelativePath2 = Full\n"),
-                 folder("Full/TANVO/Choirs"), folder("Full/TANVO/Tessaphon"),
-                 textFile("Installer.pkg", ""), file("TANVO/a.db", 2048)});
+                 folder("Full/TANVO/Choirs"), folder("Full/TANVO/Tessaphon"), textFile("Installer.pkg", ""),
+                 file("TANVO/a.db", 2048)});
   layTree(kTanvo, {});
 }
 
@@ -185,6 +187,31 @@ TEST(PlainFace, ControlCharactersOfAFileDoNotReachTheReader) {
             "Installed 2.0 kB in <time>.\n"
             "The log is /Users/tester/Library/Caches/Tavenhall/installationLog.txt.\n");
   EXPECT_EQ(outcome.output.find('\x1b'), std::string::npos);
+}
+
+TEST(PlainFace, IsTheFaceWhereThereIsNoTerminal) {
+  layPackage("Mode = DataUpdater\nInstallDataTitle = Plain\nRelativePath = Nowhere\n");
+
+  const Outcome outcome = runThrough({kTavinstall, "run", "--package", kPackage});
+
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.output, testing::StartsWith("Plain\n"));
+  EXPECT_THAT(outcome.output, HasSubstr("! Files to be installed not found.\n"));
+}
+
+TEST(PlainFace, AnInterruptStopsTheInstallAndSaysSo) {
+  layTwoDiscs();
+
+  ChildProgram program({kTavinstall, "run", "--ui", "plain", "--package", kPackage});
+  while (program.readLine().value() != "  1) OK") {
+  }
+  kill(program.pid(), SIGINT);
+
+  EXPECT_EQ(program.readAll(),
+            "! Stopped. What was copied so far stays; run the installer again to complete it.\n"
+            "The log is /Users/tester/Library/Caches/Tavenhall/installationLog.txt.\n");
+  EXPECT_EQ(program.waitForEnd(), 1);
+  EXPECT_TRUE(exists(std::string(kTanvo) + "/Tessaphon/a.db"));
 }
 
 TEST(QuietFace, SaysNothingAndAnswersEveryAlertWithItsFirstButton) {

@@ -102,9 +102,10 @@ TEST(JsonProtocol, AnswersMayBeSentBeforeTheirAlerts) {
   installer.send({kFirstButton, kFirstButton, kEnter, kWait, kForward});
 
   EXPECT_EQ(installer.finish(), 0);
-  EXPECT_EQ(std::ranges::count_if(installer.events(),
-                                  [](const std::string& event) { return event.starts_with(R"({"event":"alert")"); }),
-            2);
+  EXPECT_EQ(
+      std::ranges::count_if(installer.events(),
+                            [](const std::string& event) { return event.starts_with(R"({"event":"alert")"); }),
+      2);
   EXPECT_EQ(installer.events().back(), kAllowed);
 }
 
@@ -126,7 +127,6 @@ TEST(JsonProtocol, CommandsWaitWhileAnAlertIsUp) {
             std::ranges::find(installer.events(), kTitleEvent));
 }
 
-// Not on the main thread, so the line itself is read while the install sleeps.
 TEST(JsonProtocol, QuitEndsAnInstallThatStillRuns) {
   layMissingDisc();
 
@@ -176,15 +176,17 @@ TEST_P(BadLines, GetAnErrorAndAreSkipped) {
   EXPECT_THAT(installer.events(), ElementsAre(error, kTitleEvent));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    JsonProtocol, BadLines,
-    testing::Values(BadLine{"Empty", ""}, BadLine{"NoJson", "no json"}, BadLine{"CutShort", R"({"do":"enter")"},
-                    BadLine{"AnUnknownCommand", R"({"do":"leave"})"}, BadLine{"ANumberAsACommand", R"({"do":1})"},
-                    BadLine{"ATextAsAnAnswer", R"({"answer":"OK"})"},
-                    BadLine{"AFractionAsAnAnswer", R"({"answer":1000.5})"},
-                    BadLine{"AList", R"(["do","title"])"}, BadLine{"AText", R"("title")"},
-                    BadLine{"AnEmptyObject", R"({})"}, BadLine{"NotUtf8", "{\"do\":\"ti\xFFtle\"}"}),
-    [](const auto& tested) { return std::string(tested.param.name); });
+INSTANTIATE_TEST_SUITE_P(JsonProtocol, BadLines,
+                         testing::Values(BadLine{"Empty", ""}, BadLine{"NoJson", "no json"},
+                                         BadLine{"CutShort", R"({"do":"enter")"},
+                                         BadLine{"AnUnknownCommand", R"({"do":"leave"})"},
+                                         BadLine{"ANumberAsACommand", R"({"do":1})"},
+                                         BadLine{"ATextAsAnAnswer", R"({"answer":"OK"})"},
+                                         BadLine{"AFractionAsAnAnswer", R"({"answer":1000.5})"},
+                                         BadLine{"AList", R"(["do","title"])"}, BadLine{"AText", R"("title")"},
+                                         BadLine{"AnEmptyObject", R"({})"},
+                                         BadLine{"NotUtf8", "{\"do\":\"ti\xFFtle\"}"}),
+                         [](const auto& tested) { return std::string(tested.param.name); });
 
 TEST(JsonProtocol, ALineEndingInACarriageReturnIsUnderstood) {
   layUpdate();
@@ -210,6 +212,18 @@ TEST(JsonProtocol, CommandsThatThePageRunsHaveNeitherTheInputNorTheOutput) {
   EXPECT_THAT(installer.events(), testing::Not(Contains("out")));
   EXPECT_EQ(readFile("/tmp/what-was-read"), "");
   EXPECT_THAT(installer.program().standardError(), HasSubstr("out\nerr\n"));
+}
+
+TEST(JsonProtocol, AReaderThatGoesAwayDoesNotEndTheInstall) {
+  layUpdate();
+  const std::string commands = R"('{"do":"enter"}\n{"do":"wait"}\n{"do":"forward"}\n')";
+  const Outcome outcome = runThrough({"sh", "-c",
+                                      "printf " + commands + " | " + kTavinstall + " run --ui json --package " +
+                                          kPackage + " --summary /tmp/summary.json | true"});
+
+  EXPECT_EQ(outcome.error, "");
+  EXPECT_EQ(treeOf(kTanvo), std::vector<std::string>{"a.db"});
+  EXPECT_THAT(readFile("/tmp/summary.json"), StartsWith(R"({"left":true,"ready":1,)"));
 }
 
 }  // namespace

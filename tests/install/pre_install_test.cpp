@@ -50,8 +50,8 @@ TEST(PreInstall, LeftOutWithoutAnyFileThePageSaysSoAndGoesOn) {
   EXPECT_EQ(logMessages(),
             (std::vector<std::string>{
                 "getFolderContainingPKGfile: could not open preinstall file  /tmp/TavInstallLoc",
-                "getFolderContainingPKGfile: preinstall file is empty", "Did not find Installation Attribute File.",
-                "Could not find title string in attributes file ",
+                "getFolderContainingPKGfile: preinstall file is empty",
+                "Did not find Installation Attribute File.", "Could not find title string in attributes file ",
                 "getFolderContainingPKGfile: preinstall file is empty",
                 "getFolderContainingPKGfile: preinstall file is empty",
                 "Could not find title string in attributes file "}));

@@ -10,18 +10,16 @@ namespace tavenhall::test {
 namespace {
 
 TEST(RelativePath, ADataUpdaterReplacesOlderFilesAndLeavesHiddenOnesWhereTheyAre) {
-  layTree(kSet, {textFile(".InstallationAttributes.dat",
-                          "Mode = Tessaphon DataUpdater\n"
-                          "RelativePath = Update Data\n"
-                          "InstalledData = The update is installed.\n"
-                          "TotalSizeMillionsBytes = 1\n"),
-                 textFile("Installer.pkg", ""),
-                 file("Update Data/TANVO/.DS_Store", 600),
-                 file("Update Data/TANVO/.Trashes/t.db", 2048),
-                 file("Update Data/TANVO/Empty/.keep", 1),
-                 file("Update Data/TANVO/Tessaphon/.hidden.db", 2048),
-                 file("Update Data/TANVO/Tessaphon/new.db", 2048),
-                 file("Update Data/TANVO/Tessaphon/old.db", 3072)});
+  layTree(kSet,
+          {textFile(".InstallationAttributes.dat",
+                    "Mode = Tessaphon DataUpdater\n"
+                    "RelativePath = Update Data\n"
+                    "InstalledData = The update is installed.\n"
+                    "TotalSizeMillionsBytes = 1\n"),
+           textFile("Installer.pkg", ""), file("Update Data/TANVO/.DS_Store", 600),
+           file("Update Data/TANVO/.Trashes/t.db", 2048), file("Update Data/TANVO/Empty/.keep", 1),
+           file("Update Data/TANVO/Tessaphon/.hidden.db", 2048),
+           file("Update Data/TANVO/Tessaphon/new.db", 2048), file("Update Data/TANVO/Tessaphon/old.db", 3072)});
   layTree(kTanvo, {file(".DS_Store", 700), file("Tessaphon/kept.db", 5000), file("Tessaphon/old.db", 9000)});
   ASSERT_EQ(chmod((std::string(kTanvo) + "/Tessaphon/old.db").c_str(), 0600), 0);
 
@@ -85,8 +83,9 @@ TEST(RelativePath, TextsAndNamesThatAreNotUtf8AreShownWithReplacementCharacters)
   installer.send({kTitle, kEnter, kWait, kForward});
 
   EXPECT_EQ(installer.finish(), 0);
-  expectCase("not_utf8", installer,
-             {.masks = {{"\xE9", "<E9>"}, {"\xFF", "<FF>"}, {"\xF6", "<F6>"}, {"\xE4", "<E4>"}, {"\xFC", "<FC>"}}});
+  expectCase(
+      "not_utf8", installer,
+      {.masks = {{"\xE9", "<E9>"}, {"\xFF", "<FF>"}, {"\xF6", "<F6>"}, {"\xE4", "<E4>"}, {"\xFC", "<FC>"}}});
 }
 
 }  // namespace

@@ -101,7 +101,10 @@ void makeChildren(const std::string& folder, const Node& node, bool newestFirst)
 }
 
 std::string permissionsText(const struct stat& found) {
-  std::string text = S_ISDIR(found.st_mode) ? "d" : S_ISLNK(found.st_mode) ? "l" : S_ISREG(found.st_mode) ? "-" : "?";
+  std::string text = S_ISDIR(found.st_mode)   ? "d"
+                     : S_ISLNK(found.st_mode) ? "l"
+                     : S_ISREG(found.st_mode) ? "-"
+                                              : "?";
   for (int bit = 8; bit >= 0; --bit) {
     text += (found.st_mode >> bit & 1U) != 0 ? "xwr"[bit % 3] : '-';
   }

@@ -16,8 +16,7 @@ TEST(Updater, PluginsAndApplicationsAreReplacedThenBothDataFoldersAreUpdated) {
   const std::string aax = "Library/Application Support/Avid/Audio/Plug-Ins/Tessaphon.aaxplugin/Contents";
   layTree(kSet, {textFile(".InstallationAttributes.dat",
                           "Mode = TavenhallUpdater\nRelativePath = Data\nTotalSizeMillionsBytes = 1\n"),
-                 textFile("Installer.pkg", ""),
-                 file(aax + "/MacOS/Tessaphon", 2048),
+                 textFile("Installer.pkg", ""), file(aax + "/MacOS/Tessaphon", 2048),
                  file(aax + "/Resources/__Pace_Eden/Signatures/codesign.dsig", 3000),
                  file("Library/Audio/Plug-Ins/Components/Tessaphon.component/Contents/MacOS/Tessaphon", 153600),
                  file("Library/Audio/Plug-Ins/VST/Another.vst/Contents/plugin", 1024),
@@ -52,7 +51,8 @@ void layEditions() {
                  file("Part 2/TANVO/Tessaphon/full.db", 1024)});
 }
 
-constexpr const char* kGlassophone = "Tessaphon/Soundsources/Factory/Tessaphon Library/Keyboards/Glassophone.db";
+constexpr const char* kGlassophone =
+    "Tessaphon/Soundsources/Factory/Tessaphon Library/Keyboards/Glassophone.db";
 constexpr const char* kQuorra = "Mirel Packs/Quorra/Soundsources/Factory/Quorra Library/Pads/q.db";
 constexpr const char* kVelmora = "Mirel Packs/Velmora/Soundsources/Factory/Velmora Library/Pads/v.db";
 
@@ -85,10 +85,10 @@ TEST(Updater, WhereEveryLibraryIsLiteOnlyTheFirstComponentIsCopied) {
 }
 
 TEST(Updater, DataForAFolderThatTheUserDoesNotHaveIsNotCopiedAnywhere) {
-  layTree(kSet, {textFile(".InstallationAttributes.dat",
-                          "Mode = TavenhallUpdater\nRelativePath = Data\nTotalSizeMillionsBytes = 1\n"),
-                 textFile("Installer.pkg", ""), file("Data/TANVO/patch.db", 1024),
-                 file("Data/DOVA/patch.db", 1024)});
+  layTree(kSet,
+          {textFile(".InstallationAttributes.dat",
+                    "Mode = TavenhallUpdater\nRelativePath = Data\nTotalSizeMillionsBytes = 1\n"),
+           textFile("Installer.pkg", ""), file("Data/TANVO/patch.db", 1024), file("Data/DOVA/patch.db", 1024)});
   layTree(kTanvo, {});
 
   JsonInstaller installer({"--package", kPackage});
@@ -118,8 +118,9 @@ TEST(Updater, AnApplicationWithABlankInItsNameIsOpenedUpItemByItemAllTheSame) {
 
   EXPECT_EQ(installer.finish(), 0);
   // The shell sees two names, of which there is neither; then the item itself is opened up.
-  EXPECT_THAT(logMessages(),
-              Contains("sudo chmod -R 777 /Applications//Sound Check.app/Contents/program   ... result = 256\n"));
+  EXPECT_THAT(
+      logMessages(),
+      Contains("sudo chmod -R 777 /Applications//Sound Check.app/Contents/program   ... result = 256\n"));
   EXPECT_THAT(logMessages(), Not(Contains("Deleting pre-existing plugin/wrapper/application at "
                                           "/Applications//Sound Check.app")));
   EXPECT_EQ(describeTree({"/Applications"}),

@@ -90,9 +90,10 @@ TEST(Volumes, AnotherProductHasItsOwnVolumeNameAndDataFolder) {
 TEST(Volumes, ADiscSetTakesItsFurtherDiscsFromTheTableOfOptionalDiscs) {
   const std::string discOne = "/Volumes/Tempora QX Disc 1";
   layTree(kDova, {});
-  layTree(discOne, {textFile(".InstallationAttributes.dat",
-                             "Mode = DiscSet\nRelativePath = .\nNumberOfVolumes = 4\nTotalSizeMillionsBytes = 1\n"),
-                    file("DOVA/a.db", 1024), textFile("Installer.pkg", "")});
+  layTree(discOne,
+          {textFile(".InstallationAttributes.dat",
+                    "Mode = DiscSet\nRelativePath = .\nNumberOfVolumes = 4\nTotalSizeMillionsBytes = 1\n"),
+           file("DOVA/a.db", 1024), textFile("Installer.pkg", "")});
   layTree("/Volumes/Tavenhall Tempora QX", {file("DOVA/b.db", 1024)});
   layTree("/Volumes/Northfield DOVA Outrider", {file("DOVA/c.db", 1024)});
   layTree("/Volumes/Copper Lanes DOVA Outrider", {file("DOVA/d.db", 1024)});

@@ -178,6 +178,15 @@ TEST_F(PluginPlacement, APluginInsideAnApplicationIsAnApplication) {
                             "/Applications//Lumaweave.app"));
 }
 
+TEST_F(PluginPlacement, WhatLiesInsideAnApplicationThatIsDoneIsNotTriedAsAnotherKind) {
+  Page page;
+  EXPECT_EQ(page.removals("/tmp/Set/Lumaweave", "/Applications//Lumaweave.app").size(), 1U);
+  EXPECT_EQ(
+      page.removals("/tmp/Set/Lumaweave", "/Applications//Lumaweave.app/Plug-Ins/VST/Lumaweave.vst").size(),
+      1U);
+  EXPECT_EQ(page.removals("/tmp/Set/Lumaweave", "/Library//Audio/Plug-Ins/VST/Lumaweave.vst").size(), 2U);
+}
+
 TEST_F(PluginPlacement, DestinationsOfNoKindAreLeftAlone) {
   for (const char* dest :
        {"/Library//Audio/Plug-Ins/VST3/Lumaweave.bundle", "/Library//Audio/Plug-Ins/Components/Lumaweave.vst3",
