@@ -40,6 +40,7 @@ bool endsWell(pid_t child) {
 
 std::optional<std::string> outputOfTool(const std::vector<std::string>& arguments) {
   std::vector<char*> argv;
+  argv.reserve(arguments.size() + 1);
   for (const std::string& argument : arguments) {
     argv.push_back(const_cast<char*>(argument.c_str()));  // the child's copy, which nobody changes
   }

@@ -7,7 +7,6 @@
 #include <cstdio>
 #include <cwctype>
 #include <locale.h>
-#include <vector>
 #if __has_include(<xlocale.h>)
 #include <xlocale.h>
 #endif

@@ -73,7 +73,8 @@ void LayerWriter::putFrame() {
 void LayerWriter::putScrolled(const ScrolledText& text, int row, int column, int rows, int barColumn) {
   const auto count = static_cast<int>(text.lines.size());
   for (int i = 0; i < rows && text.first + i < count; ++i) {
-    putLine(row + i, column, text.lines[static_cast<std::size_t>(text.first + i)]);
+    const int line = text.first + i;
+    putLine(row + i, column, text.lines[static_cast<std::size_t>(line)]);
   }
   layer_.extent = text.extent;
   if (text.extent.maximum == 0 || rows < 2) {

@@ -117,7 +117,7 @@ void putProgress(LayerWriter& page, const Frame& frame, PageModel& model, PageMo
 
   const double passed = meter.passed(now).count();
   const auto minutes = meter.minutesLeft(now);
-  putBothEnds(page, frame, row + 4, passed >= 1.0 ? durationText(std::floor(passed)) + " passed" : "",
+  putBothEnds(page, frame, row + 4, durationText(std::floor(passed)) + " passed",
               minutes ? minutesText(*minutes) : "");
 }
 

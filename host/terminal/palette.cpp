@@ -58,7 +58,7 @@ Palette::Look Palette::look(Style style) const {
   // Where there are few colours there is no grey, so less bright is what is left.
   const Look faint = depth_ == Depth::many ? Look{A_NORMAL, kFaint} : Look{A_DIM, 0};
   switch (style) {
-    case Style::text: return {};
+    case Style::text:
     case Style::button: return {};
     case Style::dim:
     case Style::rule:

@@ -89,16 +89,16 @@ void SteadyTimeLeft::set(Seconds now, std::optional<Seconds> estimate) {
     return;
   }
   const int step = stepFor(*minutes_);
-  if (estimated < *minutes_ - step * 1.15) {
+  const bool isMuchSooner = estimated < *minutes_ - step * 1.15;
+  const bool isLater = estimated > *minutes_ + step * 0.5;
+  const bool isLaterForLong = isLater && tooLowSince_ && now - *tooLowSince_ >= kPatience;
+  if (isMuchSooner || isLaterForLong) {
     minutes_ = inSteps(estimated);
-    tooLowSince_.reset();
-  } else if (estimated <= *minutes_ + step * 0.5) {
+  }
+  if (!isLater || isLaterForLong) {
     tooLowSince_.reset();
   } else if (!tooLowSince_) {
     tooLowSince_ = now;
-  } else if (now - *tooLowSince_ >= kPatience) {
-    minutes_ = inSteps(estimated);
-    tooLowSince_.reset();
   }
 }
 

@@ -70,16 +70,17 @@ class StackedWindow {
   std::unique_ptr<PANEL, DeletePanel> panel_;
 };
 
-// The terminal opened once more, so that writing to it without waiting is nobody else's matter. Where that is
-// not allowed (after su), it is standard output itself.
-int openOutput() {
-  constexpr int kFlags = O_WRONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
+// The terminal opened once more, so that not to wait for it is nobody else's matter: neither for room to write,
+// nor for the rest of a mouse's report, which curses would otherwise wait for. Where that is not allowed (after
+// su), it is the standard stream itself.
+int openTerminal(int standardStream) {
+  constexpr int kFlags = O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
   std::array<char, 256> name{};
-  int output = ttyname_r(STDOUT_FILENO, name.data(), name.size()) == 0 ? open(name.data(), kFlags) : -1;
-  if (output < 0) {
-    output = open("/dev/tty", kFlags);
+  int terminal = ttyname_r(standardStream, name.data(), name.size()) == 0 ? open(name.data(), kFlags) : -1;
+  if (terminal < 0) {
+    terminal = open("/dev/tty", kFlags);
   }
-  return output >= 0 ? output : fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0);
+  return terminal >= 0 ? terminal : fcntl(standardStream, F_DUPFD_CLOEXEC, 0);
 }
 
 std::optional<Input> mouseInput() {
@@ -104,7 +105,8 @@ std::optional<Input> mouseInput() {
 
 struct Screen::State {
   // In this order: what comes later goes first.
-  const Descriptor output{openOutput()};
+  const Descriptor output{openTerminal(STDOUT_FILENO)};
+  std::unique_ptr<std::FILE, CloseFile> input;
   std::unique_ptr<std::FILE, CloseFile> spool;
   std::unique_ptr<SCREEN, DeleteScreen> screen;
   std::unique_ptr<Palette> palette;
@@ -153,11 +155,12 @@ struct Screen::State {
 Screen::Screen() : state_(std::make_unique<State>()) {
   State& state = *state_;
   const int memory = openMemoryFile();
+  state.input.reset(fdopen(openTerminal(STDIN_FILENO), "r"));
   state.spool.reset(memory < 0 ? nullptr : fdopen(memory, "w+"));
-  if (state.output.get() < 0 || state.spool == nullptr) {
+  if (state.output.get() < 0 || state.input == nullptr || state.spool == nullptr) {
     throw std::runtime_error("cannot open the terminal");
   }
-  state.screen.reset(newterm(nullptr, state.spool.get(), stdin));
+  state.screen.reset(newterm(nullptr, state.spool.get(), state.input.get()));
   if (state.screen == nullptr) {
     throw std::runtime_error("cannot use the terminal");
   }
@@ -167,7 +170,7 @@ Screen::Screen() : state_(std::make_unique<State>()) {
   curs_set(0);
   typeahead(-1);
   set_escdelay(25);
-  mousemask(BUTTON1_PRESSED | BUTTON4_PRESSED | BUTTON5_PRESSED, nullptr);
+  mousemask(ALL_MOUSE_EVENTS, nullptr);
   mouseinterval(0);
   state.keys.reset(newpad(1, 1));
   keypad(state.keys.get(), TRUE);
@@ -188,7 +191,7 @@ Screen::~Screen() {
 
 Size Screen::size() const { return state_->terminalSize(); }
 
-const Signs& Screen::signs() const { return terminalHasSigns() ? unicodeSigns() : plainSigns(); }
+const Signs& Screen::signs() { return terminalHasSigns() ? unicodeSigns() : plainSigns(); }
 
 void Screen::draw(const std::vector<Layer>& layers) {
   auto& stack = state_->stack;
@@ -262,6 +265,8 @@ void Screen::writeBacklog() {
 }
 
 bool Screen::isBacklogged() const { return !state_->backlog.empty(); }
+
+int Screen::inputDescriptor() const { return fileno(state_->input.get()); }
 
 int Screen::outputDescriptor() const { return state_->output.get(); }
 

@@ -33,7 +33,7 @@ class Screen {
   ~Screen();
 
   [[nodiscard]] Size size() const;
-  [[nodiscard]] const Signs& signs() const;
+  [[nodiscard]] static const Signs& signs();
 
   // Draws the layers, the last one in front. Call it only while nothing is backlogged.
   void draw(const std::vector<Layer>& layers);
@@ -43,11 +43,12 @@ class Screen {
 
   // The terminal may hold anything: the next drawing draws everything. The second also sets its modes again,
   // for when the process was stopped.
-  void drawAllAnew();
+  static void drawAllAnew();
   void comeBack();
 
-  // What was typed since the last call.
+  // What was typed since the last call. Call it when the descriptor can be read.
   [[nodiscard]] std::vector<Input> read();
+  [[nodiscard]] int inputDescriptor() const;
 
   // Writes what the terminal did not take yet. Call it when the descriptor can be written.
   void writeBacklog();

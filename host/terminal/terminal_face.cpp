@@ -129,7 +129,7 @@ class TerminalFace {
 
   void step() {
     drawIfDue();
-    std::array<pollfd, 5> sources{{{STDIN_FILENO, POLLIN, 0},
+    std::array<pollfd, 5> sources{{{screen_->inputDescriptor(), POLLIN, 0},
                                    {wakeUp_.descriptor(), POLLIN, 0},
                                    {engine_.events(), POLLIN, 0},
                                    {engine_.messages(), POLLIN, 0},
@@ -262,6 +262,9 @@ class TerminalFace {
     outcome_ = engine_.finish([this](const std::string& line) { model_.hearMessage(line); });
     outcome_.logPath = page_.logShown;
     outcome_.destination = model_.introduction().destination;
+    if (!outcome_.isTold) {
+      outcome_.bytesCopied = model_.meter().copied().value_or(0.0);
+    }
     outcome_.time = model_.meter().passed(Clock::now());
     outcome_.messages.assign(model_.messages().begin(), model_.messages().end());
     readFailures(page_.logPath, page_.logStart, outcome_);

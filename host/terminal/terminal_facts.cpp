@@ -3,6 +3,7 @@
 #include "host/terminal/curses_includes.h"
 #include "host/terminal/shown_text.h"
 
+#include <cstdint>
 #include <cstdlib>
 #include <string_view>
 #include <unistd.h>
@@ -23,7 +24,8 @@ int writeCharacter(int character) {
 // A capability's characters, without the pauses that slow terminals of old wanted.
 std::string capability(const char* name) {
   const char* text = tigetstr(name);
-  if (text == nullptr || text == reinterpret_cast<const char*>(-1)) {
+  // The library says -1 for a capability that is no text.
+  if (text == nullptr || reinterpret_cast<std::intptr_t>(text) == -1) {
     return {};
   }
   written.clear();

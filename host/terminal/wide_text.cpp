@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 namespace tavenhall {
 
@@ -60,7 +61,7 @@ std::string narrowText(std::wstring_view text) {
   narrow.reserve(text.size());
   const auto put = [&narrow](std::uint32_t byte) { narrow += static_cast<char>(byte); };
   for (const wchar_t character : text) {
-    const auto value = static_cast<std::uint32_t>(character);
+    const auto value = static_cast<std::uint32_t>(static_cast<std::make_unsigned_t<wchar_t>>(character));
     if (value < 0x80) {
       put(value);
     } else if (value < 0x800) {
