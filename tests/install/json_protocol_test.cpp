@@ -6,6 +6,7 @@
 #include <chrono>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <ostream>
 
 // The lines of `--ui json`: what is done when, and how a run ends.
 namespace tavenhall::test {
@@ -160,6 +161,8 @@ struct BadLine {
   const char* name;
   const char* line;
 };
+
+void PrintTo(const BadLine& line, std::ostream* out) { *out << line.name; }
 
 class BadLines : public testing::TestWithParam<BadLine> {};
 

@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstddef>
+#include <ctime>
 #include <map>
 #include <random>
 #include <string>
@@ -154,13 +154,13 @@ TEST(HostileStringsFile, RandomBytesGiveAtMostAnEntryForEachSemicolonAndOneMore)
 
 // Each of these made the reader begin again and again at the same far end, if it looked back too far.
 TEST(HostileStringsFile, AMegabyteOfAnythingIsReadInAMoment) {
-  const auto start = std::chrono::steady_clock::now();
+  const std::clock_t start = std::clock();  // the processor's time, since the machine may have other work
   for (const std::string piece : {"\"", "\\", ";", "/", "/*", "/*;", "\"a\"=/*;", "\"a\"=\"b;", "\"\\\";", "a;",
                                   "a ", "\"a\"", "\\U", "//", "//\r", "\"a\" \"b\" ;", "\0"}) {
     const Entries entries = entriesOf(repeated(piece.empty() ? "\0"s : piece, 1U << 20U));
     EXPECT_LE(entries.size(), 2U) << piece;
   }
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
+  EXPECT_LT((std::clock() - start) / CLOCKS_PER_SEC, 30);
 }
 
 }  // namespace tavenhall::test
