@@ -11,6 +11,8 @@ namespace tavenhall {
 
 using nlohmann::ordered_json;
 
+EngineClient::EngineClient(const EngineProcess& engine) : engine_(engine) { std::signal(SIGPIPE, SIG_IGN); }
+
 void EngineClient::send(const ordered_json& line) const { writeAll(engine_.lines.commands, jsonLine(line)); }
 
 void EngineClient::sendDo(const char* command) { send({{"do", command}}); }

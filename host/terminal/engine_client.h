@@ -16,7 +16,8 @@ namespace tavenhall {
 // An engine in another process, and the lines that go to it and come from it. One thread.
 class EngineClient {
  public:
-  explicit EngineClient(const EngineProcess& engine) : engine_(engine) {}
+  // From now on a broken pipe is no signal: an engine that has gone is noticed at its events.
+  explicit EngineClient(const EngineProcess& engine);
 
   void sendDo(const char* command);
   void sendAnswer(int answer);

@@ -56,7 +56,6 @@ void takeSignals(WakeUp& wakeUp) {
   for (const int signal : kSignals) {
     sigaction(signal, &action, nullptr);
   }
-  std::signal(SIGPIPE, SIG_IGN);  // an engine that has gone is noticed at its events
   std::signal(SIGTSTP, SIG_IGN);  // a full screen is not left half way
 }
 

@@ -61,12 +61,24 @@ TEST_F(TerminalStart, ASecondInstallOfTheSameUserIsRefused) {
   const auto command = runScript(kShortPage);
   TmuxTerminal terminal(80, 24, command);
   terminal.waitFor("Press Continue to begin.");
-  for (const char* face : {"plain", "quiet", "json"}) {
+  for (const char* face : {"quiet", "json"}) {
     const Outcome second = runThrough(with(command, {"--ui", face}));
     EXPECT_EQ(second.status, 2) << face;
     EXPECT_EQ(second.error,
               "tavinstall: another installation of yours is running; start this one when it has ended\n");
   }
+}
+
+TEST_F(TerminalStart, ASecondInstallIsRefusedBeforeItShowsAPage) {
+  const auto command = runScript("instructions Now installing.\nalert Next disc|Please insert B|OK\n");
+  ChildProgram first(with(command, {"--ui", "plain"}));
+  while (first.readLine() != "  1) OK") {
+  }
+  TmuxTerminal second(80, 24, command);
+  EXPECT_THAT(
+      second.waitFor("[ended with"),
+      AllOf(HasSubstr("tavinstall: another installation of yours is running; start this one when it has ended"),
+            HasSubstr("[ended with 2]")));
 }
 
 TEST_F(TerminalStart, AnotherUsersInstallIsNotRefused) {
