@@ -30,7 +30,7 @@ std::string quoted(const std::string& word) {
 
 TmuxTerminal::TmuxTerminal(int columns, int rows, const std::vector<std::string>& command,
                            const Environment& environment) {
-  std::string line = "exec 2>&1; env -u TMUX LC_ALL=C.UTF-8";
+  std::string line = "exec 2>&1; trap : INT; env -u TMUX LC_ALL=C.UTF-8";
   for (const auto& [name, value] : environment) {
     line += " " + name + "=" + quoted(value);
   }
@@ -38,7 +38,7 @@ TmuxTerminal::TmuxTerminal(int columns, int rows, const std::vector<std::string>
     line += " " + quoted(word);
   }
   // The shell outlives the program, so that its status can be read and nothing of the screen is lost.
-  line += "; echo \"[ended with $?]\"; trap '' INT; sleep 3600";
+  line += "; echo \"[ended with $?]\"; sleep 3600";
   tmux({"new-session", "-d", "-x", std::to_string(columns), "-y", std::to_string(rows), line, ";", "set-option",
         "-g", "status", "off"});
 }
