@@ -1,6 +1,7 @@
 #include "host/engine_process.h"
 
 #include "host/bundle_loader.h"
+#include "host/command_terminal.h"
 #include "host/engine.h"
 #include "host/install_lock.h"
 #include "host/json_events.h"
@@ -43,13 +44,12 @@ int setAside(int descriptor) {
   return descriptor < 0 ? -1 : fcntl(descriptor, F_DUPFD_CLOEXEC, kFirstOwnDescriptor);
 }
 
-// A reader that goes away must not end an install. Handled rather than ignored, since what is ignored stays
-// so in the commands that the page runs.
-void survivePipes() {
+// Handled rather than ignored, since what is ignored stays so in the commands that the page runs.
+void survive(int signal) {
   struct sigaction action {};
   action.sa_handler = [](int) {};
   action.sa_flags = SA_RESTART;
-  sigaction(SIGPIPE, &action, nullptr);
+  sigaction(signal, &action, nullptr);
 }
 
 // Puts the tools that stand in for missing ones where only a missing one is looked for.
@@ -92,7 +92,7 @@ void runEngine(const RunOptions& options, const EngineLines& lines) {
   }
   const EngineLines own{setAside(lines.commands), setAside(lines.events), lines.summary, -1};
   shieldStandardStreams();
-  survivePipes();
+  survive(SIGPIPE);  // a reader that goes away must not end an install
   addStandInsToPath();
 
   std::unique_ptr<EventSink> events = std::make_unique<QuietEvents>();
@@ -141,14 +141,7 @@ Pipe makePipe() {
   return {ends[0], ends[1]};
 }
 
-}  // namespace
-
-EngineProcess startEngineProcess(const RunOptions& options) {
-  return startEngineProcess([&options](const EngineLines& lines) -> ExitStatus { runEngine(options, lines); },
-                            options.face == Face::terminal ? Errors::aLine : Errors::shared);
-}
-
-EngineProcess startEngineProcess(const EngineBody& body, Errors errors) {
+EngineProcess start(const EngineBody& body, Errors errors, const CommandTerminalEnds& terminal) {
   const Pipe commands = makePipe();
   const Pipe events = makePipe();
   const Pipe summary = makePipe();
@@ -163,6 +156,11 @@ EngineProcess startEngineProcess(const EngineBody& body, Errors errors) {
     close(events.readEnd);
     close(summary.readEnd);
     setsid();
+    if (terminal.commands >= 0) {
+      close(terminal.face);
+      survive(SIGHUP);  // that terminal goes when its face does
+      takeCommandTerminal(terminal.commands);
+    }
     if (said.writeEnd >= 0) {
       // A command must neither wait nor die because nobody listens, so it is never told: this end never waits,
       // and the other one stays open here.
@@ -176,13 +174,42 @@ EngineProcess startEngineProcess(const EngineBody& body, Errors errors) {
       endProcess(ExitStatus::badUsage);
     }
   }
-  close(commands.readEnd);
-  close(events.writeEnd);
-  close(summary.writeEnd);
-  if (said.writeEnd >= 0) {
-    close(said.writeEnd);
+  for (const int end :
+       {commands.readEnd, events.writeEnd, summary.writeEnd, said.writeEnd, terminal.commands}) {
+    if (end >= 0) {
+      close(end);
+    }
   }
-  return {pid, {commands.writeEnd, events.readEnd, summary.readEnd, said.readEnd}};
+  return {pid, {commands.writeEnd, events.readEnd, summary.readEnd, said.readEnd}, terminal.face};
+}
+
+// Lines of text may come from anywhere; a password is asked for where this process has a terminal.
+bool canAskInSecret(Face face) {
+  if (face == Face::terminal) {
+    return true;
+  }
+  const int terminal = open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC);
+  if (terminal >= 0) {
+    close(terminal);
+  }
+  return terminal >= 0;
+}
+
+}  // namespace
+
+EngineProcess startEngineProcess(const RunOptions& options) {
+  return start([&options](const EngineLines& lines) -> ExitStatus { runEngine(options, lines); },
+               options.face == Face::terminal ? Errors::aLine : Errors::shared,
+               canAskInSecret(options.face) ? makeCommandTerminal() : CommandTerminalEnds{});
+}
+
+EngineProcess startEngineProcess(const EngineBody& body, Errors errors) { return start(body, errors, {}); }
+
+void stopEngineProcess(const EngineProcess& process) {
+  // It leads a process group of its own, save in its very first moments.
+  if (kill(-process.pid, SIGTERM) != 0) {
+    kill(process.pid, SIGTERM);
+  }
 }
 
 ExitStatus waitForEngineProcess(const EngineProcess& process) {

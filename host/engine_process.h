@@ -25,11 +25,13 @@ struct EngineLines {
 // An engine in a process of its own, which no terminal can end: it leads a new process group without one.
 struct EngineProcess {
   pid_t pid = -1;
-  EngineLines lines;  // this side's ends
+  EngineLines lines;         // this side's ends
+  int commandTerminal = -1;  // this side's end of its commands' terminal; see CommandTerminal
 };
 
 // Starts one. Usage errors are shown by it on standard error, and its exit status tells; for the terminal face,
-// standard error is one of its lines. Before any thread. Throws std::system_error when there can be no process.
+// standard error is one of its lines. Its commands have a terminal where the face has a user to ask. Before any
+// thread. Throws std::system_error when there can be no process.
 [[nodiscard]] EngineProcess startEngineProcess(const RunOptions& options);
 
 // The same with something else that speaks an engine's lines: `body` runs in the new process, with the
@@ -37,6 +39,9 @@ struct EngineProcess {
 using EngineBody = std::function<ExitStatus(const EngineLines& lines)>;
 enum class Errors { shared, aLine };  // standard error is this process's, or one of the lines
 [[nodiscard]] EngineProcess startEngineProcess(const EngineBody& body, Errors errors = Errors::shared);
+
+// Tells it to end, and the command that it may be running. What was copied stays as it is.
+void stopEngineProcess(const EngineProcess& process);
 
 // Waits for it and gives its exit status; ExitStatus::failure when a signal ended it.
 [[nodiscard]] ExitStatus waitForEngineProcess(const EngineProcess& process);

@@ -1,5 +1,7 @@
 #include "host/plain_face.h"
 
+#include "host/command_terminal.h"
+#include "host/hidden_line.h"
 #include "host/json_events.h"
 #include "host/line_reader.h"
 #include "host/plain_printer.h"
@@ -12,6 +14,7 @@
 #include <csignal>
 #include <deque>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <poll.h>
 #include <string>
 #include <unistd.h>
@@ -26,23 +29,30 @@ using nlohmann::ordered_json;
 void printLine(std::string_view line) { writeAll(STDOUT_FILENO, std::string(line) + "\n"); }
 
 // Ctrl-C and its like reach the face; the engine is out of the terminal's reach, so it is told.
-WakeUp* stopRequested = nullptr;
+WakeUp* signalCame = nullptr;
+volatile std::sig_atomic_t isHungUp = 0;
 
-void askToStop(int /*signal*/) { stopRequested->signal(); }
+void noteSignal(int signal) {
+  if (signal == SIGHUP) {
+    isHungUp = 1;
+  }
+  signalCame->signal();
+}
 
 // One run, seen through the lines of an engine in another process.
 class PlainFace {
  public:
-  PlainFace(const EngineProcess& engine, std::string log) : engine_(engine), log_(std::move(log)) {
+  PlainFace(const EngineProcess& engine, std::string log)
+      : engine_(engine), log_(std::move(log)), commands_(engine.commandTerminal) {
     send({{"do", "title"}});
     send({{"do", "enter"}});
     send({{"do", "wait"}});
   }
 
   ExitStatus run() {
-    stopRequested = &wakeUp_;
+    signalCame = &wakeUp_;
     struct sigaction action {};
-    action.sa_handler = askToStop;
+    action.sa_handler = noteSignal;
     action.sa_flags = SA_RESTART;
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
       sigaction(signal, &action, nullptr);
@@ -51,23 +61,29 @@ class PlainFace {
 
     while (engineLines_.isOpen()) {
       step();
+      if (isHungUp != 0) {
+        return ExitStatus::failure;  // nobody is there any more; the engine goes on to its end
+      }
     }
+    hiddenLine_.reset();
     printer_.flush();
     return lastWord(waitForEngineProcess(engine_));
   }
 
  private:
   void step() {
-    std::array<pollfd, 3> sources{{{engine_.lines.events, POLLIN, 0},
+    const bool takesAnswer = buttons_ > 0 && answerLines_.isOpen() && !hiddenLine_;
+    std::array<pollfd, 5> sources{{{engine_.lines.events, POLLIN, 0},
                                    {wakeUp_.descriptor(), POLLIN, 0},
-                                   {buttons_ > 0 && answerLines_.isOpen() ? STDIN_FILENO : -1, POLLIN, 0}}};
+                                   {takesAnswer ? STDIN_FILENO : -1, POLLIN, 0},
+                                   {commands_.descriptor(), POLLIN, 0},
+                                   {hiddenLine_ ? hiddenLine_->descriptor() : -1, POLLIN, 0}}};
     if (::poll(sources.data(), sources.size(), -1) <= 0) {
       return;
     }
     if (sources[1].revents != 0) {
       wakeUp_.clear();
-      isStopped_ = true;
-      kill(engine_.pid, SIGTERM);
+      stop();
     }
     if (sources[0].revents != 0) {
       engineLines_.read([this](const std::string& line) { hear(line); });
@@ -76,7 +92,50 @@ class PlainFace {
       answerLines_.read([this](const std::string& line) { typed_.push_back(line); });
       answerFromWhatWasTyped();
     }
+    if (sources[3].revents != 0) {
+      hearCommands();
+    }
+    if (sources[4].revents != 0) {
+      tellPassword();
+    }
   }
+
+  void stop() {
+    if (isHungUp == 0) {
+      isStopped_ = true;
+      stopEngineProcess(engine_);
+    }
+  }
+
+  // ---- Commands that ask for a password ----
+
+  void hearCommands() {
+    const auto before = commands_.question();
+    commands_.read([](const std::string& line) { writeAll(STDERR_FILENO, printableText(line) + "\n"); });
+    if (commands_.question() == before) {
+      return;
+    }
+    hiddenLine_.reset();
+    if (commands_.question()) {
+      printer_.flush();
+      hiddenLine_.emplace("? A command asks: " + printableText(*commands_.question()) + " ");
+      if (hiddenLine_->descriptor() < 0) {
+        commands_.refuse();
+      }
+    }
+  }
+
+  void tellPassword() {
+    Secret password;
+    if (hiddenLine_->read(password)) {
+      commands_.answer(password);
+    } else {
+      commands_.refuse();
+    }
+    hiddenLine_.reset();
+  }
+
+  // ---- Questions of the page's ----
 
   // Lines may be typed, or piped, before their question comes.
   void answerFromWhatWasTyped() {
@@ -180,6 +239,8 @@ class PlainFace {
   PlainPrinter printer_{printLine};
   LineReader engineLines_{engine_.lines.events};
   LineReader answerLines_{STDIN_FILENO};
+  CommandTerminal commands_;
+  std::optional<HiddenLine> hiddenLine_;  // while a command asks
   std::deque<std::string> typed_;
   int buttons_ = 0;  // of the alert that is up; 0 when there is none
   bool nextIsEnabled_ = false;

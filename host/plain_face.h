@@ -8,8 +8,14 @@
 namespace tavenhall {
 
 // Shows one run of an engine as lines of text, on standard output: a line for every change worth one, with
-// alerts answered by number on standard input. The face for screen readers, scripts and dumb terminals. Blocks
-// until the run has ended. `log` is the installation log's path, which the last line names. Before any thread.
+// alerts answered by number on standard input, and passwords that commands ask for on the terminal, unshown.
+// The face for screen readers, scripts and dumb terminals. Blocks until the run has ended. `log` is the
+// installation log's path, which the last line names. Before any thread.
+//
+// How it can end before the install does:
+//   Ctrl-C, SIGINT, SIGTERM   the engine is ended, and the last lines say so; ExitStatus::failure
+//   SIGHUP                    this process ends; the engine goes on to its end, or to its next question
+// A reader of standard output that goes away ends nothing: the install goes on, and the exit status tells.
 [[nodiscard]] ExitStatus runPlainFace(const EngineProcess& engine, const std::string& log);
 
 }  // namespace tavenhall

@@ -54,7 +54,7 @@ RunOutcome EngineClient::finish(const std::function<void(const std::string& line
 }
 
 void EngineClient::stop() {
-  kill(-engine_.pid, SIGTERM);  // the engine leads a process group of its own
+  stopEngineProcess(engine_);
   static_cast<void>(waitForEngineProcess(engine_));
 }
 

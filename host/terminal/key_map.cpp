@@ -1,6 +1,8 @@
 #include "host/terminal/key_map.h"
 
+#include "host/secret.h"
 #include "host/terminal/curses_includes.h"
+#include "host/terminal/wide_text.h"
 
 namespace tavenhall {
 
@@ -8,7 +10,10 @@ namespace {
 
 constexpr std::int32_t kControlC = 3;
 constexpr std::int32_t kControlL = 12;
+constexpr std::int32_t kBackspace = 8;
+constexpr std::int32_t kControlU = 21;
 constexpr std::int32_t kEscape = 27;
+constexpr std::int32_t kDelete = 127;  // what most terminals send for Backspace
 
 std::optional<Action> actionForCharacter(std::int32_t character) {
   switch (character) {
@@ -61,6 +66,24 @@ char hotKeyFor(const Input& input) {
   }
   const bool isKey = (code >= 'a' && code <= 'z') || (code >= '0' && code <= '9');
   return isKey ? static_cast<char>(code) : '\0';
+}
+
+bool typesInto(PageModel& model, const Input& input) {
+  const bool isCharacter = input.kind == Input::Kind::character;
+  if ((input.kind == Input::Kind::key && input.code == KEY_BACKSPACE) ||
+      (isCharacter && (input.code == kBackspace || input.code == kDelete))) {
+    model.eraseTyped();
+  } else if (isCharacter && input.code == kControlU) {
+    model.clearTyped();
+  } else if (isCharacter && input.code >= ' ') {
+    const auto character = static_cast<wchar_t>(input.code);
+    std::string text = narrowText({&character, 1});
+    model.type(text);
+    wipe(text.data(), text.size());
+  } else {
+    return false;
+  }
+  return true;
 }
 
 bool asksToDrawAnew(const Input& input) {

@@ -14,6 +14,9 @@ namespace tavenhall {
 // The hot key that was typed, lower case; '\0' for what is none.
 [[nodiscard]] char hotKeyFor(const Input& input);
 
+// Types the character, or takes typed ones back: Backspace, Ctrl-U for all. False for every other key.
+bool typesInto(PageModel& model, const Input& input);
+
 // Ctrl-L, with which people clear up a screen that something else has written on.
 [[nodiscard]] bool asksToDrawAnew(const Input& input);
 

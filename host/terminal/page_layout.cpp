@@ -177,8 +177,8 @@ std::vector<PageButton> fittingButtons(std::vector<PageButton> buttons, int colu
 
 Layer layOutTooSmall(const PageModel& model, Size size, const Signs& signs) {
   LayerWriter page({0, 0, size.rows, size.columns}, signs);
-  const char* why = model.hasAlert() ? "A question waits: please make this window larger (60x20)."
-                                     : "Please make this window larger (60x20).";
+  const char* why = model.isWaitingForUser() ? "A question waits: please make this window larger (60x20)."
+                                             : "Please make this window larger (60x20).";
   page.put(0, 0, cutAtEnd(why, size.columns), Style::text);
   return page.take();
 }

@@ -103,6 +103,7 @@ void PageModel::hearMessage(std::string_view line) {
     return;
   }
   messages_.emplace_back(line.substr(0, kLongestMessage));
+  hasHeardSince_ = true;
   if (messages_.size() > kMostMessages) {
     messages_.pop_front();
   }
@@ -114,6 +115,8 @@ void PageModel::end(RunOutcome outcome, Time now) {
   stage_ = Stage::summary;
   alert_.reset();
   question_.reset();
+  password_.reset();
+  typed_.clear();
   sheets_.clear();
   pageFocus_ = 1;
   textScroll_ = 0;
@@ -177,15 +180,21 @@ void PageModel::pressButton(std::size_t index, Time now) {
 }
 
 PageWindow* PageModel::frontState() {
-  return question_ ? &question_->window : alert_ ? &*alert_ : !sheets_.isEmpty() ? &sheetsState_ : nullptr;
+  return question_            ? &question_->window
+         : password_          ? &*password_
+         : alert_             ? &*alert_
+         : !sheets_.isEmpty() ? &sheetsState_
+                              : nullptr;
 }
 
 void PageModel::pressWindowButton(std::size_t index, Time now) {
   if (question_) {
     answerQuestion(index, now);
+  } else if (password_) {
+    answerPasswordQuestion(index, now);
   } else if (alert_) {
     alert_.reset();
-    meter_.resume(now);
+    resumeMeter(now);
     wishes_.push_back({Wish::Kind::answer, kAlertFirstButtonReturn + static_cast<int>(index)});
   } else {
     sheets_.clear();
@@ -228,16 +237,16 @@ void PageModel::enter(Time now) {
   wishes_.push_back({Wish::Kind::enter});
 }
 
-// Escape never answers a question of the page's by itself, since it might skip what is wanted: it only goes to
-// the last button. A window with one button is read, so it is closed.
+// Escape never answers a question of the page's or of a command's by itself, since it might skip what is
+// wanted: it only goes to the last button. A window with one button is read, so it is closed.
 void PageModel::cancel(Time now) {
   PageWindow* front = frontState();
   if (front == nullptr) {
     act(Action::leave, {}, now);
   } else if (question_) {
     question_.reset();
-  } else if (alert_ && alert_->buttons.size() > 1) {
-    alert_->focus = alert_->buttons.size() - 1;
+  } else if (front->buttons.size() > 1) {
+    front->focus = front->buttons.size() - 1;
   } else {
     pressWindowButton(0, now);
   }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/secret.h"
 #include "host/terminal/introduction.h"
 #include "host/terminal/page_window.h"
 #include "host/terminal/progress_meter.h"
@@ -38,9 +39,10 @@ struct ScrollExtent {
   int maximum = 0;  // lines that do not
 };
 
-// What the page wants of the world: commands for the engine, or the end of the program.
+// What the page wants of the world: commands for the engine, an answer for a command that asks for a password,
+// or the end of the program.
 struct Wish {
-  enum class Kind { enter, forward, back, quit, answer, leave, close };
+  enum class Kind { enter, forward, back, quit, answer, tellPassword, refusePassword, leave, close };
   Kind kind;
   int answer = 0;
 
@@ -70,9 +72,22 @@ class PageModel {
   void hearMessage(std::string_view line);                   // what it, or a command, says on standard error
   void end(RunOutcome outcome, Time now);                    // the engine has ended: the last page
 
+  // A command asks for a password, or does not any more.
+  void hearPasswordQuestion(const std::optional<std::string>& prompt, Time now);
+
   void act(Action action, ScrollExtent extent, Time now);
   void pressKey(char hotKey, Time now);
   void pressButton(std::size_t index, Time now);  // of the window in front, or of the page
+
+  // While a password is asked for, characters are typed instead of pressed.
+  [[nodiscard]] bool takesTyping() const { return password_ && !question_; }
+  void type(std::string_view character);
+  void eraseTyped();
+  void clearTyped();
+
+  // What was typed, for the wish to tell it; the caller forgets it as soon as it is told.
+  [[nodiscard]] const Secret& typedPassword() const { return typed_; }
+  void forgetPassword() { typed_.clear(); }
 
   // What is wanted since the last call, in order.
   [[nodiscard]] std::vector<Wish> takeWishes() { return std::exchange(wishes_, {}); }
@@ -92,8 +107,8 @@ class PageModel {
   [[nodiscard]] std::optional<std::size_t> focus() const;  // of the page's buttons; none while a window is up
 
   [[nodiscard]] std::vector<PageWindow> windows() const;  // the front one last
-  [[nodiscard]] bool hasWindow() const { return question_ || alert_ || !sheets_.isEmpty(); }
-  [[nodiscard]] bool hasAlert() const { return alert_.has_value(); }
+  [[nodiscard]] bool hasWindow() const { return question_ || password_ || alert_ || !sheets_.isEmpty(); }
+  [[nodiscard]] bool isWaitingForUser() const { return password_ || alert_; }
 
   [[nodiscard]] ProgressMeter& meter() { return meter_; }
   [[nodiscard]] const std::deque<std::string>& messages() const { return messages_; }
@@ -110,6 +125,9 @@ class PageModel {
   void hearControl(const std::string& name, const nlohmann::ordered_json& event, Time now);
   void hearExit(const nlohmann::ordered_json& event);
   void pressWindowButton(std::size_t index, Time now);
+  void answerPasswordQuestion(std::size_t index, Time now);
+  void showTyped();
+  void resumeMeter(Time now);
   void pressPageButton(std::size_t index, Time now);
   void answerQuestion(std::size_t index, Time now);
   void ask(Question question);
@@ -138,6 +156,10 @@ class PageModel {
   RunOutcome outcome_;
 
   std::optional<Asked> question_;
+  std::optional<PageWindow> password_;  // its last paragraph shows that something is typed
+  Secret typed_;
+  std::optional<Time> passwordToldAt_;
+  bool hasHeardSince_ = false;  // a message has come since a password was told
   std::optional<PageWindow> alert_;
   SheetList sheets_;
   PageWindow sheetsState_;  // focus and scroll position alone

@@ -79,6 +79,9 @@ std::vector<PageWindow> PageModel::windows() const {
   if (alert_) {
     shown.push_back(*alert_);
   }
+  if (password_) {
+    shown.push_back(*password_);
+  }
   if (question_) {
     shown.push_back(question_->window);
   }

@@ -66,7 +66,8 @@ Palette::Look Palette::look(Style style) const {
     case Style::buttonOff: return faint;
     case Style::strong:
     case Style::heading: return {A_BOLD, 0};
-    case Style::current: return boldIn(kAccent);
+    case Style::current:
+    case Style::field: return boldIn(kAccent);
     case Style::good: return boldIn(kGood);
     case Style::warning: return boldIn(kWarning);
     case Style::bad: return boldIn(kBad);

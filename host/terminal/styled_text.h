@@ -18,6 +18,7 @@ enum class Style {
   bad,
   barDone,
   barAhead,
+  field,  // what the user types
   button,
   buttonFocused,  // what Enter presses
   buttonOff,

@@ -1,6 +1,6 @@
 #include "host/terminal/terminal_face.h"
 
-#include "host/plain_printer.h"
+#include "host/command_terminal.h"
 #include "host/set/install_plan.h"
 #include "host/terminal/engine_client.h"
 #include "host/terminal/key_map.h"
@@ -89,7 +89,7 @@ Introduction introductionFor(const RunOptions& options) {
 class TerminalFace {
  public:
   TerminalFace(const EngineProcess& engine, const TerminalPage& page)
-      : page_(page), engine_(engine), model_(page.introduction) {}
+      : page_(page), engine_(engine), commands_(engine.commandTerminal), model_(page.introduction) {}
 
   ExitStatus run() {
     if (const auto status = failedStart()) {
@@ -128,10 +128,11 @@ class TerminalFace {
 
   void step() {
     drawIfDue();
-    std::array<pollfd, 5> sources{{{screen_->inputDescriptor(), POLLIN, 0},
+    std::array<pollfd, 6> sources{{{screen_->inputDescriptor(), POLLIN, 0},
                                    {wakeUp_.descriptor(), POLLIN, 0},
                                    {engine_.events(), POLLIN, 0},
                                    {engine_.messages(), POLLIN, 0},
+                                   {commands_.descriptor(), POLLIN, 0},
                                    {screen_->isBacklogged() ? screen_->outputDescriptor() : -1, POLLOUT, 0}}};
     if (::poll(sources.data(), sources.size(), timeout()) <= 0) {
       isChanged_ = isChanged_ || model_.meter().isRunning();  // a second has passed
@@ -150,13 +151,16 @@ class TerminalFace {
       engine_.readMessages([this](const std::string& line) { model_.hearMessage(line); });
       isChanged_ = true;
     }
+    if (sources[4].revents != 0) {
+      hearCommands();
+    }
     if ((sources[0].revents & POLLIN) != 0) {
       takeInput();
     }
     if ((sources[0].revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) {
       end_ = End::terminalGone;
     }
-    if (sources[4].revents != 0) {
+    if (sources[5].revents != 0) {
       screen_->writeBacklog();
     }
     if (screen_->isGone()) {
@@ -166,6 +170,15 @@ class TerminalFace {
     if (!end_ && !hasOutcome_ && engine_.hasEnded()) {
       takeOutcome();
     }
+  }
+
+  void hearCommands() {
+    const auto before = commands_.question();
+    commands_.read([this](const std::string& line) { model_.hearMessage(line); });
+    if (commands_.question() != before) {
+      model_.hearPasswordQuestion(commands_.question(), Clock::now());
+    }
+    isChanged_ = true;
   }
 
   void drawIfDue() {
@@ -215,7 +228,8 @@ class TerminalFace {
   }
 
   void takeInput() {
-    for (const Input& input : screen_->read()) {
+    std::vector<Input> inputs = screen_->read();
+    for (const Input& input : inputs) {
       const Time now = Clock::now();
       const ScrollExtent extent = layers_.empty() ? ScrollExtent{} : layers_.back().extent;
       isChanged_ = true;
@@ -225,6 +239,8 @@ class TerminalFace {
         if (const auto button = buttonAt(layers_, input.row, input.column)) {
           model_.pressButton(*button, now);
         }
+      } else if (model_.takesTyping() && typesInto(model_, input)) {
+        // It was part of a password.
       } else if (const auto action = actionFor(input)) {
         const int times =
             input.kind == Input::Kind::wheelUp || input.kind == Input::Kind::wheelDown ? kWheelLines : 1;
@@ -237,6 +253,7 @@ class TerminalFace {
       // What is pressed next may mean what this has brought up, so that is laid out first.
       layers_ = layOut(model_, now, screen_->size(), screen_->signs());
     }
+    wipe(inputs.data(), inputs.size() * sizeof(Input));
   }
 
   void carryOutWishes() {
@@ -250,6 +267,11 @@ class TerminalFace {
         case Wish::Kind::back: engine_.sendDo("back"); break;
         case Wish::Kind::quit: engine_.sendDo("quit"); break;
         case Wish::Kind::answer: engine_.sendAnswer(wish.answer); break;
+        case Wish::Kind::tellPassword:
+          commands_.answer(model_.typedPassword());
+          model_.forgetPassword();
+          break;
+        case Wish::Kind::refusePassword: commands_.refuse(); break;
         case Wish::Kind::leave: end_ = End::left; break;
         case Wish::Kind::close: end_ = End::closed; break;
       }
@@ -301,6 +323,7 @@ class TerminalFace {
   const TerminalPage& page_;
   WakeUp wakeUp_;
   EngineClient engine_;
+  CommandTerminal commands_;
   PageModel model_;
   std::unique_ptr<Screen> screen_;
   std::vector<Layer> layers_;

@@ -1,11 +1,14 @@
 #pragma once
 
+#include "tests/terminal/tmux_terminal.h"
+
 #include <string>
 
 namespace tavenhall::test {
 
-// Compares what shows with tests/terminal/screens/<name>.txt. Sizes, rates and times that differ from run to
-// run are masked in both. With TAVINSTALL_RENEW=1 in the environment, writes the file instead.
-void expectScreen(const std::string& shown, const std::string& name);
+// Waits until what shows is tests/terminal/screens/<name>.txt; fails the test when it never is. Sizes, rates
+// and times that differ from run to run are masked. With TAVINSTALL_RENEW=1 in the environment, writes the file
+// instead, once what shows stands still.
+void expectScreen(TmuxTerminal& terminal, const std::string& name);
 
 }  // namespace tavenhall::test

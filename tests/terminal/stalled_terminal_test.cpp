@@ -1,6 +1,7 @@
 // A terminal that is there but takes nothing any more, as over a connection that hangs.
 #include "tests/support/files.h"
 #include "tests/terminal/page_in_terminal.h"
+#include "tests/terminal/tmux_terminal.h"
 
 #include <array>
 #include <chrono>
@@ -81,10 +82,7 @@ TEST(StalledTerminal, TheCopyGoesOnThoughNothingCanBeDrawn) {
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
   }
   let("go");
-  for (int tries = 0; tries < 1000 && !exists("/tmp/finished"); ++tries) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(30));
-  }
-  EXPECT_TRUE(exists("/tmp/finished"));
+  EXPECT_TRUE(comesTrue([] { return exists("/tmp/finished"); })) << "the copy waits for its terminal";
 }
 
 }  // namespace

@@ -14,7 +14,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::Not;
 
 using TerminalInstall = InUtf8;
 
@@ -27,17 +26,16 @@ void swapDiscs() {
 TEST_F(TerminalInstall, TwoDiscsAreInstalledWithASwapBetweenThem) {
   layTwoDiscSet();
   TmuxTerminal terminal(80, 24, runCommand());
-  expectScreen(terminal.waitFor("Press Continue to begin."), "introduction");
+  expectScreen(terminal, "introduction");
   terminal.press({"Enter"});
 
-  expectScreen(terminal.waitFor("Please insert Tessaphon B"), "second-disc");
+  expectScreen(terminal, "second-disc");
   swapDiscs();
   terminal.press({"Enter"});
 
-  expectScreen(terminal.waitFor("100 %"), "installed");
-  terminal.waitFor("[ Continue ]");
+  expectScreen(terminal, "installed");
   terminal.press({"c"});
-  expectScreen(terminal.waitFor("The installation was successful."), "successful");
+  expectScreen(terminal, "successful");
 
   terminal.press({"Enter"});
   EXPECT_THAT(terminal.waitFor("[ended with"), HasSubstr("Installed 3.0 MB in "));
@@ -66,16 +64,13 @@ TEST_F(TerminalInstall, AFailureIsASheetAndIsNamedOnTheLastPage) {
   terminal.press({"Enter"});
   terminal.waitFor("Failed to open output file.");
   terminal.press({"Enter"});
-  terminal.waitFor("[ Continue ]");
-  expectScreen(terminal.waitFor("100 %"), "installed-with-failure");
+  expectScreen(terminal, "installed-with-failure");
   terminal.press({"Enter"});
 
   // The copy gave 0, so the page refuses to be left, and says so.
   terminal.waitFor("has not finished.");
   terminal.press({"Enter"});
-  const std::string last = terminal.waitFor("The installation is not complete.");
-  expectScreen(last, "not-complete");
-  EXPECT_THAT(last, Not(HasSubstr("successful")));
+  expectScreen(terminal, "not-complete");
   terminal.press({"Enter"});
   EXPECT_THAT(terminal.waitFor("[ended with"), HasSubstr("[ended with 1]"));
 }
@@ -84,7 +79,7 @@ TEST_F(TerminalInstall, WithoutItsDataFolderThePageLeadsToALastPageThatSaysSo) {
   layOneDiscSet();
   std::filesystem::remove_all(kDataFolder);
   TmuxTerminal terminal(80, 24, runCommand());
-  expectScreen(terminal.waitFor("Press Continue to begin."), "introduction-without-folder");
+  expectScreen(terminal, "introduction-without-folder");
   terminal.press({"Enter"});
   terminal.waitFor("install Tessaphon first");
   terminal.press({"Enter"});
@@ -102,7 +97,7 @@ TEST_F(TerminalInstall, TooLittleRoomIsAWarningWithAChoice) {
   terminal.waitFor("[ Install Anyway ]");
   terminal.press({"Enter"});
   terminal.waitUntilGone("[ Install Anyway ]");
-  EXPECT_THAT(terminal.screen(), HasSubstr("Welcome to the Tessaphon installer"));
+  terminal.waitFor("Welcome to the Tessaphon installer");
   EXPECT_FALSE(exists(std::string(kDataFolder) + "/Tessaphon"));
   terminal.press({"Enter"});
   terminal.waitFor("[ Install Anyway ]");

@@ -5,29 +5,18 @@
 
 #include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <fstream>
-#include <functional>
 #include <gtest/gtest.h>
 #include <sstream>
 #include <thread>
+#include <utility>
 
 namespace tavenhall::test {
 
 namespace {
 
-constexpr auto kPatience = std::chrono::seconds(30);
-
-// Asks every 30 ms until the answer is yes; whether it ever was.
-bool comesTrue(const std::function<bool()>& question) {
-  const auto end = std::chrono::steady_clock::now() + kPatience;
-  while (!question()) {
-    if (std::chrono::steady_clock::now() > end) {
-      return false;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(30));
-  }
-  return true;
-}
+constexpr auto kPatience = std::chrono::seconds(60);
 
 std::string quoted(const std::string& word) {
   std::string text = "'";
@@ -41,7 +30,7 @@ std::string quoted(const std::string& word) {
 
 TmuxTerminal::TmuxTerminal(int columns, int rows, const std::vector<std::string>& command,
                            const Environment& environment) {
-  std::string line = "exec 2>&1; env -u TMUX LC_ALL=C.UTF-8";
+  std::string line = "exec 2>&1; trap : INT; env -u TMUX LC_ALL=C.UTF-8";
   for (const auto& [name, value] : environment) {
     line += " " + name + "=" + quoted(value);
   }
@@ -49,7 +38,7 @@ TmuxTerminal::TmuxTerminal(int columns, int rows, const std::vector<std::string>
     line += " " + quoted(word);
   }
   // The shell outlives the program, so that its status can be read and nothing of the screen is lost.
-  line += "; echo \"[ended with $?]\"; trap '' INT; sleep 3600";
+  line += "; echo \"[ended with $?]\"; sleep 3600";
   tmux({"new-session", "-d", "-x", std::to_string(columns), "-y", std::to_string(rows), line, ";", "set-option",
         "-g", "status", "off"});
 }
@@ -84,15 +73,29 @@ void TmuxTerminal::close() { tmux({"kill-server"}); }
 
 std::string TmuxTerminal::screen() { return tmux({"capture-pane", "-p"}); }
 
-std::string TmuxTerminal::colouredScreen() { return tmux({"capture-pane", "-p", "-e"}); }
+std::string TmuxTerminal::waitUntil(const std::function<bool(const std::string& shown)>& isRight) {
+  std::string shown;
+  static_cast<void>(comesTrue([&] {
+    shown = screen();
+    return isRight(shown);
+  }));
+  return shown;
+}
 
 std::string TmuxTerminal::waitFor(const std::string& text) {
+  const auto hasCome = [&text](const std::string& shown) { return shown.find(text) != std::string::npos; };
+  const std::string shown = waitUntil(hasCome);
+  EXPECT_TRUE(hasCome(shown)) << "\"" << text << "\" never came; there is\n" << shown;
+  return shown;
+}
+
+std::string TmuxTerminal::waitForColoured(const std::string& text) {
   std::string shown;
-  const bool hasCome = comesTrue([&] {
-    shown = screen();
+  EXPECT_TRUE(comesTrue([&] {
+    shown = tmux({"capture-pane", "-p", "-e"});
     return shown.find(text) != std::string::npos;
-  });
-  EXPECT_TRUE(hasCome) << "\"" << text << "\" never came; there is\n" << shown;
+  })) << text
+      << " never came";
   return shown;
 }
 
@@ -123,6 +126,17 @@ pid_t TmuxTerminal::program() {
   return children.empty() ? -1 : children[0];
 }
 
+bool comesTrue(const std::function<bool()>& question) {
+  const auto end = std::chrono::steady_clock::now() + kPatience;
+  while (!question()) {
+    if (std::chrono::steady_clock::now() > end) {
+      return false;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+  }
+  return true;
+}
+
 std::vector<pid_t> childrenOf(pid_t process) {
   const std::string id = std::to_string(process);
   std::ifstream file("/proc/" + id + "/task/" + id + "/children");
@@ -133,23 +147,72 @@ std::vector<pid_t> childrenOf(pid_t process) {
   return children;
 }
 
-long ticksOf(pid_t process) {
-  std::ifstream file("/proc/" + std::to_string(process) + "/stat");
+namespace {
+
+// The line of a file below /proc, from the first field after the program's name on.
+std::istringstream statFields(const std::string& path) {
+  std::ifstream file(path);
   std::string text;
   std::getline(file, text);
-  std::istringstream rest(text.substr(text.rfind(')') + 2));
+  const std::size_t name = text.rfind(')');
+  return std::istringstream(name == std::string::npos ? std::string() : text.substr(name + 2));
+}
+
+long ticksIn(const std::string& statPath) {
+  std::istringstream fields = statFields(statPath);
   std::string skipped;
   for (int field = 3; field < 14; ++field) {
-    rest >> skipped;
+    fields >> skipped;
   }
   long user = 0;
   long system = 0;
-  rest >> user >> system;
+  fields >> user >> system;
   return user + system;
+}
+
+long switchesIn(const std::string& statusPath) {
+  std::ifstream file(statusPath);
+  long sum = 0;
+  for (std::string line; std::getline(file, line);) {
+    if (const std::size_t name = line.find("ctxt_switches:"); name != std::string::npos) {
+      sum += std::stol(line.substr(line.find(':') + 1));
+    }
+  }
+  return sum;
+}
+
+}  // namespace
+
+ProcessorUse processorUseOf(pid_t process) {
+  const std::string folder = "/proc/" + std::to_string(process);
+  ProcessorUse use{ticksIn(folder + "/stat"), 0};
+  for (const auto& thread : std::filesystem::directory_iterator(folder + "/task")) {
+    use.switches += switchesIn(thread.path().string() + "/status");
+  }
+  return use;
+}
+
+void waitForIdle(pid_t one, pid_t other, int seconds) {
+  const auto both = [=] { return std::pair(processorUseOf(one), processorUseOf(other)); };
+  auto latest = both();
+  auto since = std::chrono::steady_clock::now();
+  EXPECT_TRUE(comesTrue([&] {
+    const auto now = std::chrono::steady_clock::now();
+    if (const auto use = both(); use != latest) {
+      latest = use;
+      since = now;
+    }
+    return now - since >= std::chrono::seconds(seconds);
+  })) << "they never rest";
 }
 
 void waitForEndOf(pid_t process) {
   EXPECT_TRUE(comesTrue([process] { return kill(process, 0) != 0; })) << "process " << process << " runs on";
+}
+
+void waitUntilStopped(pid_t process) {
+  const std::string stat = "/proc/" + std::to_string(process) + "/stat";
+  EXPECT_TRUE(comesTrue([&stat] { return statFields(stat).get() == 'T'; })) << "never stopped";
 }
 
 }  // namespace tavenhall::test

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <initializer_list>
 #include <map>
 #include <string>
@@ -33,13 +34,17 @@ class TmuxTerminal {
   // The terminal goes away, as when its window is closed.
   void close();
 
-  // What shows: a text a row. `coloured` has the escape sequences for its colours, too.
+  // What shows: a text a row.
   [[nodiscard]] std::string screen();
-  [[nodiscard]] std::string colouredScreen();
 
-  // What shows once the text is on it. Fails the test, with what shows, when it does not come within half a
-  // minute.
+  // Waits until what shows is as it should be, and gives it; at the latest after a minute, whatever it is then.
+  std::string waitUntil(const std::function<bool(const std::string& shown)>& isRight);
+
+  // What shows once the text is on it. Fails the test, with what shows, when it does not come.
   std::string waitFor(const std::string& text);
+
+  // The same with the escape sequences for its colours.
+  std::string waitForColoured(const std::string& text);
 
   // Waits until the text is gone.
   void waitUntilGone(const std::string& text);
@@ -61,13 +66,26 @@ class TmuxTerminal {
   static std::string tmux(std::vector<std::string> arguments);
 };
 
+// Asks again and again until the answer is yes; whether it ever was, within a minute.
+[[nodiscard]] bool comesTrue(const std::function<bool()>& question);
+
 // The processes that a process has started and that still run.
 [[nodiscard]] std::vector<pid_t> childrenOf(pid_t process);
 
-// The processor time that a process has used, in clock ticks.
-[[nodiscard]] long ticksOf(pid_t process);
+// What a process has had of the processors, all its threads together.
+struct ProcessorUse {
+  long ticks = 0;     // of the clock: time
+  long switches = 0;  // how often it was given one; a process that only waits is given none
 
-// Until it has ended; fails the test after half a minute.
+  bool operator==(const ProcessorUse&) const = default;
+};
+[[nodiscard]] ProcessorUse processorUseOf(pid_t process);
+
+// Until both processes have used no processor for so many seconds on end. Fails the test when that never comes.
+void waitForIdle(pid_t one, pid_t other, int seconds);
+
+// Until it has ended, or is stopped. Fails the test after a minute.
 void waitForEndOf(pid_t process);
+void waitUntilStopped(pid_t process);
 
 }  // namespace tavenhall::test

@@ -1,0 +1,81 @@
+#include "host/terminal/page_model.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+// A command of the installation asks for a password: what is typed goes to it and nowhere else.
+namespace tavenhall {
+
+namespace {
+
+// As wide as it may get; of a longer password the end shows.
+constexpr std::size_t kFieldColumns = 32;
+
+// Who asks again so soon, and has said something, has said what was wrong with the answer.
+constexpr auto kSoon = std::chrono::seconds(10);
+
+}  // namespace
+
+void PageModel::hearPasswordQuestion(const std::optional<std::string>& prompt, Time now) {
+  typed_.clear();
+  password_.reset();
+  if (!prompt) {
+    resumeMeter(now);
+    return;
+  }
+  PageWindow window;
+  window.heading = "A password is needed";
+  if (passwordToldAt_ && now - *passwordToldAt_ < kSoon && hasHeardSince_) {
+    window.paragraphs = {{messages_.back(), Style::warning}, {}};
+  }
+  window.paragraphs.push_back({"A command of the installation asks:"});
+  window.paragraphs.push_back({*prompt, Style::strong});
+  window.paragraphs.emplace_back();
+  window.paragraphs.push_back({"", Style::field});
+  window.buttons = {{"OK"}, {"Cancel"}};  // without keys: every letter may belong to the password
+  password_ = std::move(window);
+  showTyped();
+  meter_.pause(now);
+}
+
+void PageModel::type(std::string_view character) {
+  typed_.append(character);
+  showTyped();
+}
+
+void PageModel::eraseTyped() {
+  typed_.dropLastCharacter();
+  showTyped();
+}
+
+void PageModel::clearTyped() {
+  typed_.clear();
+  showTyped();
+}
+
+void PageModel::showTyped() {
+  const std::size_t stars = std::min(typed_.characters(), kFieldColumns);
+  password_->paragraphs.back().text = std::string(stars, '*') + std::string(kFieldColumns - stars, '_');
+}
+
+void PageModel::answerPasswordQuestion(std::size_t index, Time now) {
+  password_.reset();
+  resumeMeter(now);
+  passwordToldAt_ = now;
+  hasHeardSince_ = false;
+  if (index == 0) {
+    wishes_.push_back({Wish::Kind::tellPassword});
+  } else {
+    typed_.clear();
+    wishes_.push_back({Wish::Kind::refusePassword});
+  }
+}
+
+void PageModel::resumeMeter(Time now) {
+  if (!isWaitingForUser()) {
+    meter_.resume(now);
+  }
+}
+
+}  // namespace tavenhall
