@@ -42,8 +42,8 @@ void noteSignal(int signal) {
 // One run, seen through the lines of an engine in another process.
 class PlainFace {
  public:
-  PlainFace(const EngineProcess& engine, std::string log)
-      : engine_(engine), log_(std::move(log)), commands_(engine.commandTerminal) {
+  PlainFace(const EngineProcess& engine, const LastLines& lastLines)
+      : engine_(engine), lastLines_(lastLines), commands_(engine.commandTerminal) {
     send({{"do", "title"}});
     send({{"do", "enter"}});
     send({{"do", "wait"}});
@@ -223,19 +223,19 @@ class PlainFace {
           break;
       }
     } else if (isStopped_) {
-      printLine("! Stopped. What was copied so far stays; run the installer again to complete it.");
+      printLine("! Stopped. " + lastLines_.afterStop);
     } else if (status == ExitStatus::failure) {
       printLine("! The installer's engine ended before its time.");
     }
-    if (status != ExitStatus::badUsage) {
-      printLine("The log is " + log_ + ".");
+    if (status != ExitStatus::badUsage && !lastLines_.log.empty()) {
+      printLine("The log is " + lastLines_.log + ".");
     }
     return status;
   }
 
   WakeUp wakeUp_;
   EngineProcess engine_;
-  const std::string log_;
+  const LastLines lastLines_;
   PlainPrinter printer_{printLine};
   LineReader engineLines_{engine_.lines.events};
   LineReader answerLines_{STDIN_FILENO};
@@ -249,8 +249,8 @@ class PlainFace {
 
 }  // namespace
 
-ExitStatus runPlainFace(const EngineProcess& engine, const std::string& log) {
-  return PlainFace(engine, log).run();
+ExitStatus runPlainFace(const EngineProcess& engine, const LastLines& lastLines) {
+  return PlainFace(engine, lastLines).run();
 }
 
 }  // namespace tavenhall

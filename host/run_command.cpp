@@ -2,12 +2,12 @@
 #include "host/bundle_loader.h"
 #include "host/command_line.h"
 #include "host/engine_process.h"
+#include "host/face_option.h"
 #include "host/log/users_log.h"
 #include "host/plain_face.h"
 #include "host/pre_install.h"
 #include "host/run_options.h"
 #include "host/terminal/terminal_face.h"
-#include "host/terminal/terminal_facts.h"
 #include "host/usage_error.h"
 
 #include <CLI/CLI.hpp>
@@ -42,16 +42,6 @@ std::string joinedProducts() {
   return names;
 }
 
-Face faceFor(const std::string& name) {
-  if (name == "json") {
-    return Face::json;
-  }
-  if (name == "quiet") {
-    return Face::quiet;
-  }
-  return name != "plain" && terminalIsUsable() ? Face::terminal : Face::plain;
-}
-
 RunOptions optionsFrom(const RunArguments& arguments) {
   RunOptions options;
   if (!arguments.noPreInstall) {
@@ -73,7 +63,7 @@ ExitStatus run(const RunArguments& arguments) {
   switch (options.face) {
     case Face::json: runEngine(options, {STDIN_FILENO, STDOUT_FILENO, -1, -1});
     case Face::quiet: runEngine(options, {});
-    case Face::plain: return runPlainFace(startEngineProcess(options), usersInstallationLog());
+    case Face::plain: return runPlainFace(startEngineProcess(options), {usersInstallationLog()});
     case Face::terminal: break;
   }
   const TerminalPage page = terminalPageFor(options);
@@ -97,9 +87,7 @@ void addRunCommand(CommandLine& commandLine) {
   run->add_option("--bundle", arguments->bundle, "The plug-in bundle, instead of a product's own")
       ->type_name("DIR")
       ->excludes(product);
-  run->add_option("--ui", arguments->ui, "How the page is shown; terminal where there is one, else plain")
-      ->check(oneOf({"json", "plain", "quiet", "terminal"}))
-      ->type_name("json|plain|quiet|terminal");
+  addFaceOption(*run, arguments->ui);
   run->add_option("--summary", arguments->summary, "Write what happened to this file, as JSON")
       ->type_name("FILE");
   run->add_flag("--no-preinstall", arguments->noPreInstall,

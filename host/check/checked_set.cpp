@@ -1,12 +1,16 @@
 #include "host/check/checked_set.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace tavenhall {
 
 namespace fs = std::filesystem;
 
 namespace {
+
+constexpr std::int64_t kMillion = 1000000;
+constexpr std::int64_t kTolerance = 20;  // a size may be off by one part in so many, and by the rounding
 
 std::int64_t copiedBytes(const SourceTree& tree) {
   std::int64_t bytes = 0;
@@ -136,9 +140,18 @@ RealSizes CheckedSet::realSizes() const {
   return sizes;
 }
 
+bool RealSizes::areClose(std::int64_t announced, std::int64_t real) const {
+  const std::int64_t most = real + systemFolders;
+  return announced >= real - real / kTolerance - kMillion && announced <= most + most / kTolerance + kMillion;
+}
+
 CheckedSet openCheckedSet(const CheckRequest& request) {
+  return openCheckedSet(openInstallerSet(request.folder), request);
+}
+
+CheckedSet openCheckedSet(InstallerSet set, const CheckRequest& request) {
   CheckedSet checked;
-  checked.set = openInstallerSet(request.folder);
+  checked.set = std::move(set);
   const std::string product = request.product.empty() ? checked.set.product : request.product;
   checked.isProductAssumed = product.empty();
   checked.product = productNamed(product);

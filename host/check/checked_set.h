@@ -52,6 +52,10 @@ struct RealSizes {
   std::optional<std::int64_t> whole;
   std::optional<std::int64_t> component;  // the first one, which is all that a Lite edition has
   std::int64_t systemFolders = 0;
+
+  // Does an announced size fit the real one, the whole or the component? The system folders of an update may
+  // be counted or not: they are copied, and they are no data.
+  [[nodiscard]] bool areClose(std::int64_t announced, std::int64_t real) const;
 };
 
 struct CheckedSet {
@@ -74,5 +78,8 @@ struct CheckedSet {
 
 // Opens the set and looks at all that it holds. Throws UsageError.
 [[nodiscard]] CheckedSet openCheckedSet(const CheckRequest& request);
+
+// The same for a set that is open already.
+[[nodiscard]] CheckedSet openCheckedSet(InstallerSet set, const CheckRequest& request);
 
 }  // namespace tavenhall

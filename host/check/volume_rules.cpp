@@ -11,18 +11,12 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::int64_t kMillion = 1000000;
-constexpr std::int64_t kTolerance = 20;  // a size may be off by one part in so many, and by the rounding
-
-bool isClose(std::int64_t announced, std::int64_t least, std::int64_t most) {
-  return announced >= least - least / kTolerance - kMillion && announced <= most + most / kTolerance + kMillion;
-}
 
 Place placeOfKey(const CheckedSet& checked, const char* key) {
   return checked.attributesPlace(checked.plan.attributes.findNumber(key).key);
 }
 
-// A size that the file announces, against what is there. The system folders of an update may be counted or
-// not: they are copied, and they are no data.
+// A size that the file announces, against what is there.
 void checkSize(const CheckedSet& checked, std::string_view remark, const char* key, std::int64_t millions,
                std::optional<std::int64_t> real, Remarks& remarks) {
   const FoundNumber found = checked.plan.attributes.findNumber(key);
@@ -30,8 +24,7 @@ void checkSize(const CheckedSet& checked, std::string_view remark, const char* k
     return;  // said elsewhere, or not to be known
   }
   const std::int64_t announced = announcedBytes(millions);
-  const std::int64_t systemFolders = checked.realSizes().systemFolders;
-  if (isClose(announced, *real, *real + systemFolders)) {
+  if (checked.realSizes().areClose(announced, *real)) {
     return;
   }
   std::string effect;

@@ -41,13 +41,14 @@ std::optional<CopiedFolder> folderPair(std::string_view text, const Locate& loca
     pair.destinationOutside = locate(pair.destination, copy);
     pair.copy = copy;
     if (isFolder(pair.sourceOutside) && isFolder(pair.destinationOutside)) {
+      pair.sourceOutside = fs::canonical(pair.sourceOutside);
       return pair;
     }
   }
   return std::nullopt;
 }
 
-bool haveSameContents(const fs::path& left, const fs::path& right) {
+bool haveSameContents(const fs::path& left, const fs::path& right, const std::function<void()>& goOn) {
   const File leftFile = openFile(left);
   const File rightFile = openFile(right);
   if (!leftFile || !rightFile) {
@@ -57,6 +58,7 @@ bool haveSameContents(const fs::path& left, const fs::path& right) {
   const auto leftBytes = std::make_unique<std::array<char, kPiece>>();
   const auto rightBytes = std::make_unique<std::array<char, kPiece>>();
   while (true) {
+    goOn();
     const std::size_t leftCount = std::fread(leftBytes->data(), 1, kPiece, leftFile.get());
     const std::size_t rightCount = std::fread(rightBytes->data(), 1, kPiece, rightFile.get());
     if (leftCount != rightCount || std::memcmp(leftBytes->data(), rightBytes->data(), leftCount) != 0 ||
@@ -69,12 +71,12 @@ bool haveSameContents(const fs::path& left, const fs::path& right) {
   }
 }
 
-Fate fateOf(const FileFate& file, const fs::path& destination) {
+Fate fateOf(const FileFate& file, const fs::path& destination, const std::function<void()>& goOn) {
   std::error_code error;
   if (!fs::exists(destination, error)) {
     return Fate::missing;
   }
-  return fs::is_regular_file(destination, error) && haveSameContents(file.sourceOutside, destination)
+  return fs::is_regular_file(destination, error) && haveSameContents(file.sourceOutside, destination, goOn)
              ? Fate::same
              : Fate::differs;
 }
@@ -115,7 +117,8 @@ std::vector<CopiedFolder> copiedFolders(const fs::path& log, const Locate& locat
   return folders;
 }
 
-std::vector<FileFate> compareFiles(const std::vector<CopiedFolder>& folders) {
+std::vector<FileFate> compareFiles(const std::vector<CopiedFolder>& folders,
+                                   const std::function<void()>& goOn) {
   std::vector<FileFate> files;
   std::vector<fs::path> destinations;
   std::unordered_map<std::string, std::size_t> lastFor;
@@ -140,7 +143,8 @@ std::vector<FileFate> compareFiles(const std::vector<CopiedFolder>& folders) {
     }
   }
   for (std::size_t i = 0; i < files.size(); ++i) {
-    files[i].fate = lastFor[destinations[i].string()] == i ? fateOf(files[i], destinations[i]) : Fate::replaced;
+    const bool isLast = lastFor[destinations[i].string()] == i;
+    files[i].fate = isLast ? fateOf(files[i], destinations[i], goOn) : Fate::replaced;
   }
   return files;
 }
@@ -155,7 +159,10 @@ std::vector<std::string> filesNotCopied(const fs::path& folder, const std::vecto
   for (fs::recursive_directory_iterator entry(folder, fs::directory_options::skip_permission_denied, error),
        end;
        !error && entry != end; entry.increment(error)) {
-    if (!entry->is_directory(error) && !copied.contains(entry->path().string())) {
+    if (isHiddenName(entry->path().filename().native())) {
+      entry.disable_recursion_pending();
+    } else if (std::error_code unknown;
+               !entry->is_directory(unknown) && !copied.contains(entry->path().string())) {
       left.push_back(entry->path().lexically_relative(folder).string());
     }
   }

@@ -42,10 +42,12 @@ struct FileFate {
 };
 
 // What became of each file, in the order in which they were copied: compares contents, whatever their size,
-// without holding them in memory.
-[[nodiscard]] std::vector<FileFate> compareFiles(const std::vector<CopiedFolder>& folders);
+// without holding them in memory. It takes long; `goOn` is called every now and then, and may throw.
+[[nodiscard]] std::vector<FileFate> compareFiles(
+    const std::vector<CopiedFolder>& folders, const std::function<void()>& goOn = [] {});
 
-// The regular files below `folder` that are none of the sources in `fates`, as paths below it, sorted.
+// The files below `folder` that are none of the sources in `fates` and have no hidden name on their way, as
+// paths below it, sorted.
 [[nodiscard]] std::vector<std::string> filesNotCopied(const std::filesystem::path& folder,
                                                       const std::vector<FileFate>& fates);
 

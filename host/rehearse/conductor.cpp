@@ -2,6 +2,7 @@
 
 #include "host/json_events.h"
 #include "host/line_reader.h"
+#include "host/plain_printer.h"
 #include "platform/installer_host.h"
 
 #include <array>
@@ -24,9 +25,6 @@ using nlohmann::ordered_json;
 
 namespace {
 
-// The page asks without end, so somebody must say that the set has no such disc.
-constexpr int kMostTimesAskedInVain = 2;
-
 std::array<int, 2> makePipe() {
   std::array<int, 2> ends{};
   if (pipe(ends.data()) != 0) {
@@ -38,13 +36,27 @@ std::array<int, 2> makePipe() {
   return ends;
 }
 
+const char* replyName(DiscTray::Reply reply) {
+  switch (reply) {
+    case DiscTray::Reply::inserted: return "inserted";
+    case DiscTray::Reply::notYet: return "late";
+    case DiscTray::Reply::notAccepted: return "not accepted";
+    case DiscTray::Reply::noSuchDisc: break;
+  }
+  return "no such disc";
+}
+
 std::string command(const char* name) { return jsonLine({{"do", name}}); }
 
 }  // namespace
 
 Conductor::Conductor(std::vector<std::string> command, std::filesystem::path summaryFile, DiscTray& tray,
-                     const EngineLines& face)
-    : command_(std::move(command)), summaryFile_(std::move(summaryFile)), tray_(tray), face_(face) {}
+                     const EngineLines& face, const StopRequest& stop)
+    : command_(std::move(command)),
+      summaryFile_(std::move(summaryFile)),
+      tray_(tray),
+      face_(face),
+      stop_(stop) {}
 
 void Conductor::start() {
   const std::array<int, 2> commands = makePipe();
@@ -54,6 +66,7 @@ void Conductor::start() {
     throw std::system_error(errno, std::generic_category(), "fork");
   }
   if (engine_.pid == 0) {
+    setsid();  // a terminal's Ctrl-C is for this process to act on
     dup2(commands[0], STDIN_FILENO);
     dup2(events[1], STDOUT_FILENO);
     std::vector<char*> arguments;
@@ -80,10 +93,17 @@ ExitStatus Conductor::run() {
   }
   LineReader engineLines(engine_.lines.events);
   LineReader faceLines(face_.commands);
+  bool isStopping = false;
   while (engineLines.isOpen()) {
-    std::array<pollfd, 2> sources{{{engineLines.descriptor(), POLLIN, 0}, {faceLines.descriptor(), POLLIN, 0}}};
+    std::array<pollfd, 3> sources{{{engineLines.descriptor(), POLLIN, 0},
+                                   {faceLines.descriptor(), POLLIN, 0},
+                                   {isStopping ? -1 : stop_.descriptor(), POLLIN, 0}}};
     if (poll(sources.data(), sources.size(), -1) <= 0) {
       continue;
+    }
+    if (sources[2].revents != 0) {
+      isStopping = true;
+      kill(engine_.pid, SIGTERM);
     }
     if (sources[0].revents != 0) {
       engineLines.read([this](const std::string& line) { hearEngine(line); });
@@ -96,6 +116,7 @@ ExitStatus Conductor::run() {
     }
   }
   const ExitStatus status = waitForEngineProcess(engine_);
+  stop_.throwIfCome();
   record_.insertedDiscs = tray_.inserted();
   takeSummary();
   return record_.missingDisc.empty() ? status : ExitStatus::failure;
@@ -131,23 +152,32 @@ void Conductor::takeAlert(const std::string& message, const std::string& informa
   record_.addAlert(message, informative);
   int answer = kAlertFirstButtonReturn;
   if (const auto volume = volumeAskedFor(message, informative)) {
-    const DiscTray::Reply reply = tray_.ask(*volume);
-    const bool isOptional = !informative.starts_with("Please insert ");
-    record_.prompts.push_back({*volume, reply == DiscTray::Reply::inserted ? "inserted"
-                                        : reply == DiscTray::Reply::notYet ? "late"
-                                                                           : "no such disc"});
-    if (reply == DiscTray::Reply::noSuchDisc) {
-      if (isOptional) {
-        answer = kAlertSecondButtonReturn;
-      } else if (++timesAskedInVain_ == kMostTimesAskedInVain) {
-        record_.missingDisc = *volume;
-        kill(engine_.pid, SIGTERM);
-      }
-    }
+    answer = answerFor(*volume, !informative.starts_with("Please insert "));
   }
   if (face_.commands < 0) {
     hearFace(jsonLine({{"answer", answer}}));
   }
+}
+
+// Moves the discs as the page asks; the answer is for where nobody else gives one.
+int Conductor::answerFor(const std::string& volume, bool isOptional) {
+  const DiscTray::Reply reply = tray_.ask(volume);
+  record_.prompts.push_back({volume, replyName(reply)});
+  const bool isThere = reply == DiscTray::Reply::inserted || reply == DiscTray::Reply::notYet;
+  if (!isThere && !isOptional) {
+    giveUpOn(volume, reply == DiscTray::Reply::notAccepted);
+  }
+  return isThere ? kAlertFirstButtonReturn : kAlertSecondButtonReturn;
+}
+
+// The page asks without end, so somebody must say that no disc will come.
+void Conductor::giveUpOn(const std::string& volume, bool wasIn) {
+  record_.missingDisc = volume;
+  record_.missingDiscWasIn = wasIn;
+  std::fprintf(stderr, "tavinstall: %s%s, so the rehearsal ends here\n",
+               wasIn ? "the page finds no data folder on the disc " : "the set has no disc ",
+               printableText(volume).c_str());
+  kill(engine_.pid, SIGTERM);
 }
 
 void Conductor::hearFace(const std::string& line) {

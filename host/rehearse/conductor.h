@@ -4,6 +4,7 @@
 #include "host/exit_status.h"
 #include "host/rehearse/disc_tray.h"
 #include "host/rehearse/rehearsal_record.h"
+#include "host/rehearse/stop_request.h"
 
 #include <filesystem>
 #include <string>
@@ -19,9 +20,9 @@ class Conductor {
   // `command` starts the engine, which speaks the JSON lines on its standard streams and leaves its summary
   // in `summaryFile`. `face` are the engine's ends of a face's lines; without commands there is no face.
   Conductor(std::vector<std::string> command, std::filesystem::path summaryFile, DiscTray& tray,
-            const EngineLines& face);
+            const EngineLines& face, const StopRequest& stop);
 
-  // Blocks until the engine has ended. Throws std::system_error when it cannot be started.
+  // Blocks until the engine has ended. Throws std::system_error when it cannot be started, and Stopped.
   [[nodiscard]] ExitStatus run();
 
   [[nodiscard]] const RehearsalRecord& record() const { return record_; }
@@ -30,6 +31,8 @@ class Conductor {
   void start();
   void hearEngine(const std::string& line);
   void hearFace(const std::string& line);
+  [[nodiscard]] int answerFor(const std::string& volume, bool isOptional);
+  void giveUpOn(const std::string& volume, bool wasIn);
   void takeAlert(const std::string& message, const std::string& informative);
   void tellEngine(const std::string& line);
   void closeCommands();
@@ -39,10 +42,10 @@ class Conductor {
   std::filesystem::path summaryFile_;
   DiscTray& tray_;
   EngineLines face_;
+  const StopRequest& stop_;
   EngineProcess engine_;
   RehearsalRecord record_;
   bool nextIsEnabled_ = false;
-  int timesAskedInVain_ = 0;
 };
 
 }  // namespace tavenhall

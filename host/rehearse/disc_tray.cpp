@@ -31,6 +31,10 @@ DiscTray::DiscTray(fs::path volumes, std::vector<Disc> discs, int late)
     : volumes_(std::move(volumes)), discs_(std::move(discs)), late_(late) {}
 
 DiscTray::Reply DiscTray::ask(const std::string& volumeName) {
+  std::error_code error;
+  if (fs::is_symlink(volumes_ / volumeName, error)) {
+    return Reply::notAccepted;
+  }
   const auto disc = nextDisc(volumeName);
   if (!disc) {
     return Reply::noSuchDisc;
@@ -39,8 +43,6 @@ DiscTray::Reply DiscTray::ask(const std::string& volumeName) {
     return Reply::notYet;
   }
   timesAsked_ = 0;
-  std::error_code error;
-  fs::remove(volumes_ / volumeName, error);  // a disc that was never ejected
   fs::create_directory_symlink(discs_[*disc].inside, volumes_ / volumeName, error);
   inserted_.push_back(*disc);
   return Reply::inserted;

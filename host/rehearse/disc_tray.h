@@ -25,9 +25,10 @@ class DiscTray {
   DiscTray(std::filesystem::path volumes, std::vector<Disc> discs, int late);
 
   enum class Reply {
-    inserted,   // the disc is in now
-    notYet,     // it comes later
-    noSuchDisc  // the set has no further disc of that name
+    inserted,     // the disc is in now
+    notYet,       // it comes later
+    notAccepted,  // it was in already: the page finds no data folder on it
+    noSuchDisc    // the set has no further disc of that name
   };
 
   // The page asks for a volume.

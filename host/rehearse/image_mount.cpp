@@ -1,32 +1,75 @@
 #include "host/rehearse/image_mount.h"
 
-#include "host/rehearse/run_tool.h"
 #include "host/usage_error.h"
 
+#include <chrono>
+#include <string>
+#include <sys/stat.h>
 #include <system_error>
+#include <thread>
 #include <utility>
 
 namespace tavenhall {
 
 namespace fs = std::filesystem;
 
-ImageMount::ImageMount(const fs::path& image, fs::path folder) : folder_(std::move(folder)) {
-  std::error_code error;
-  fs::create_directories(folder_, error);
-  const char* tool = image.extension() == ".iso" ? "fuseiso" : "squashfuse";
-  if (runTool({tool, image.string(), folder_.string()}) != 0) {
-    throw UsageError("cannot open the disc image " + image.string() + "; " + tool +
-                     " must be installed and FUSE allowed");
+namespace {
+
+constexpr auto kBetweenLooks = std::chrono::milliseconds(5);
+
+bool isIso(const fs::path& image) { return image.extension() == ".iso"; }
+
+const char* toolFor(const fs::path& image) { return isIso(image) ? "fuseiso" : "squashfuse"; }
+
+std::vector<std::string> serverCommand(const fs::path& image, const fs::path& folder) {
+  if (isIso(image)) {
+    // It would keep a list of its mounts in the user's home otherwise.
+    return {"fuseiso", "-n", "-c", "UTF-8", image.string(), folder.string(), "-f"};
+  }
+  return {"squashfuse", "-f", image.string(), folder.string()};
+}
+
+dev_t diskOf(const fs::path& folder) {
+  fs::create_directories(folder);
+  struct stat found {};
+  stat(folder.c_str(), &found);
+  return found.st_dev;
+}
+
+std::string failureText(const fs::path& image, int status, const std::string& lastWords) {
+  const std::string tool = toolFor(image);
+  const std::string text = "cannot open the disc image " + image.string();
+  if (status == ToolProcess::kNoSuchProgram) {
+    return text + ": " + tool + " is not there; install the package " + tool;
+  }
+  return text + ": " + (lastWords.empty() ? tool + " failed" : lastWords);
+}
+
+}  // namespace
+
+ImageMount::ImageMount(const fs::path& image, fs::path folder, const StopRequest& stop)
+    : folder_(std::move(folder)), diskBefore_(diskOf(folder_)), server_(serverCommand(image, folder_)) {
+  while (!isServed()) {
+    stop.throwIfCome();
+    if (server_.hasEnded()) {
+      throw UsageError(failureText(image, server_.wait(), server_.lastWords()));
+    }
+    std::this_thread::sleep_for(kBetweenLooks);
   }
 }
 
 ImageMount::~ImageMount() {
-  for (const char* tool : {"fusermount3", "fusermount"}) {
-    if (runTool({tool, "-u", folder_.string()}) == 0) {
-      return;
-    }
+  server_.end();
+  struct stat found {};
+  const bool isLeft = stat(folder_.c_str(), &found) != 0 || found.st_dev != diskBefore_;
+  if (isLeft) {  // a server that was killed leaves its mount behind
+    ToolProcess({"fusermount3", "-u", "-z", folder_.string()}).wait();
   }
-  static_cast<void>(runTool({"umount", folder_.string()}));
+}
+
+bool ImageMount::isServed() const {
+  struct stat found {};
+  return stat(folder_.c_str(), &found) == 0 && found.st_dev != diskBefore_;
 }
 
 }  // namespace tavenhall

@@ -1,14 +1,19 @@
 #pragma once
 
+#include "host/rehearse/stop_request.h"
+#include "host/rehearse/tool_process.h"
+
 #include <filesystem>
 
 namespace tavenhall {
 
-// A disc's image, readable as a folder while this lives: SquashFS through squashfuse, ISO through fuseiso.
+// A disc's image, readable as a folder while this lives: SquashFS through squashfuse, ISO through fuseiso. Its
+// server is a child of this process and ends with it.
 class ImageMount {
  public:
-  // `folder` is made. Throws UsageError where the image cannot be mounted, naming the tool that is wanted.
-  ImageMount(const std::filesystem::path& image, std::filesystem::path folder);
+  // `folder` is made. Throws UsageError where the image cannot be mounted, saying why and what to do, and
+  // Stopped.
+  ImageMount(const std::filesystem::path& image, std::filesystem::path folder, const StopRequest& stop);
   ImageMount(const ImageMount&) = delete;
   ImageMount& operator=(const ImageMount&) = delete;
   ~ImageMount();
@@ -16,7 +21,11 @@ class ImageMount {
   [[nodiscard]] const std::filesystem::path& folder() const { return folder_; }
 
  private:
+  [[nodiscard]] bool isServed() const;
+
   std::filesystem::path folder_;
+  dev_t diskBefore_;
+  ToolProcess server_;
 };
 
 }  // namespace tavenhall

@@ -9,6 +9,10 @@ using nlohmann::ordered_json;
 
 void RehearsalRecord::addAlert(const std::string& message, const std::string& informative) {
   alerts.push_back({message, informative, 0});
+  if (!earlyAnswers_.empty()) {
+    alerts.back().answer = earlyAnswers_.front();
+    earlyAnswers_.pop_front();
+  }
 }
 
 void RehearsalRecord::addAnswer(int answer) {
@@ -18,6 +22,7 @@ void RehearsalRecord::addAnswer(int answer) {
       return;
     }
   }
+  earlyAnswers_.push_back(answer);
 }
 
 void RehearsalRecord::addBarMaximum(double maximum) { bars.push_back({maximum, 0.0}); }
@@ -34,6 +39,7 @@ ordered_json RehearsalRecord::toJson() const {
                        {"kBytesCopied", kBytesCopied},
                        {"sheets", sheets},
                        {"missingDisc", missingDisc},
+                       {"missingDiscWasIn", missingDiscWasIn},
                        {"insertedDiscs", insertedDiscs},
                        {"prompts", ordered_json::array()},
                        {"alerts", ordered_json::array()},
@@ -58,6 +64,7 @@ RehearsalRecord RehearsalRecord::fromJson(const ordered_json& json) {
   record.kBytesCopied = json.at("kBytesCopied");
   record.sheets = json.at("sheets").get<std::vector<std::string>>();
   record.missingDisc = json.at("missingDisc");
+  record.missingDiscWasIn = json.at("missingDiscWasIn");
   record.insertedDiscs = json.at("insertedDiscs").get<std::vector<std::size_t>>();
   for (const auto& prompt : json.at("prompts")) {
     record.prompts.push_back({prompt.at("volume"), prompt.at("reply")});

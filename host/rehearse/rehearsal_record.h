@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <vector>
@@ -11,7 +12,7 @@ namespace tavenhall {
 struct RehearsalRecord {
   struct Prompt {
     std::string volume;
-    std::string reply;  // "inserted", "late", "no such disc"
+    std::string reply;  // "inserted", "late", "not accepted", "no such disc"
   };
   struct Alert {
     std::string message;
@@ -30,17 +31,21 @@ struct RehearsalRecord {
   std::vector<Bar> bars;
   std::vector<std::size_t> insertedDiscs;  // indices into the set's, in order
   std::string missingDisc;                 // the volume that was asked for in vain; empty: none
+  bool missingDiscWasIn = false;           // it was in, and the page did not take it
   bool hasLeft = false;                    // the page let itself be left forwards
   double seconds = 0.0;
   std::int64_t kBytesCopied = 0;
 
   void addAlert(const std::string& message, const std::string& informative);
-  void addAnswer(int answer);
+  void addAnswer(int answer);  // also before its alert
   void addBarMaximum(double maximum);
   void addBarValue(double value);
 
   [[nodiscard]] nlohmann::ordered_json toJson() const;
   [[nodiscard]] static RehearsalRecord fromJson(const nlohmann::ordered_json& json);
+
+ private:
+  std::deque<int> earlyAnswers_;
 };
 
 }  // namespace tavenhall

@@ -1,5 +1,6 @@
 #include "host/rehearse/sandbox.h"
 
+#include "host/rehearse/tool_process.h"
 #include "host/usage_error.h"
 
 #include <algorithm>
@@ -47,19 +48,23 @@ void addSystem(std::vector<std::string>& arguments) {
 }  // namespace
 
 Sandbox::Sandbox(fs::path root) : root_(std::move(root)) {
-  std::error_code error;
-  if (fs::exists(root_, error) && !fs::is_empty(root_, error)) {
-    throw UsageError("the folder " + root_.string() + " is not empty; --keep takes a new or an empty one");
-  }
   for (const char* folder : kOwnFolders) {
-    fs::create_directories(root_ / folder, error);
+    fs::create_directories(root_ / folder);
   }
-  fs::create_directories(root_ / "Users" / "rehearsal", error);
-  if (error) {
-    throw UsageError("cannot make the rehearsal's folder " + root_.string() + ": " + error.message());
+  fs::create_directories(root_ / "Users" / "rehearsal");
+  fs::permissions(root_ / "tmp", fs::perms::all | fs::perms::sticky_bit);
+}
+
+void Sandbox::probe() const {
+  ToolProcess tool(commandLine({"true"}));
+  const int status = tool.wait();
+  if (status == ToolProcess::kNoSuchProgram) {
+    throw UsageError("rehearsing needs bubblewrap; install the package bubblewrap");
   }
-  root_ = fs::canonical(root_);
-  fs::permissions(root_ / "tmp", fs::perms::all | fs::perms::sticky_bit, error);
+  if (status != 0) {
+    throw UsageError("bubblewrap can make no sandbox here, where user namespaces may be off: " +
+                     tool.lastWords());
+  }
 }
 
 fs::path Sandbox::outside(const std::string& inside) const {

@@ -20,8 +20,12 @@ class Sandbox {
   static constexpr const char* kProgram = "/rehearsal/program";  // the folder above the program's bin
   static constexpr const char* kTools = "/rehearsal/tools";      // first on the PATH
 
-  // Makes the five folders in `root`, which must be empty or not there. Throws UsageError where it cannot.
+  // Makes the five folders in `root`, an absolute path without links that is empty or not there. Throws
+  // std::filesystem::filesystem_error where it cannot.
   explicit Sandbox(std::filesystem::path root);
+
+  // Throws UsageError, saying what is wanted, where nothing can be run in a sandbox.
+  void probe() const;
 
   void bind(SandboxBind place) { binds_.push_back(std::move(place)); }
 

@@ -17,38 +17,67 @@ constexpr const char* kDiscs = "/rehearsal/discs";
 constexpr const char* kVolumes = "/Volumes/";
 constexpr const char* kDataFolders = "Library/Application Support/Tavenhall";
 
+// Copies what lies in `from` into `to`, which is made. A link right in it, as people make them to data that
+// they keep elsewhere, becomes what it leads to: nothing outside may be changed.
+void copyFolder(const fs::path& from, const fs::path& to, const StopRequest& stop) {
+  std::error_code error;
+  fs::create_directories(to, error);
+  for (fs::recursive_directory_iterator entry(from, error), end; !error && entry != end;
+       entry.increment(error)) {
+    stop.throwIfCome();
+    const fs::path place = to / entry->path().lexically_relative(from);
+    if (entry->is_symlink() && entry.depth() == 0 && entry->is_directory()) {
+      copyFolder(entry->path(), place, stop);
+    } else if (entry->is_symlink()) {
+      fs::copy_symlink(entry->path(), place, error);
+    } else if (entry->is_directory()) {
+      fs::create_directory(place, error);
+    } else {
+      fs::copy_file(entry->path(), place, fs::copy_options::overwrite_existing, error);
+    }
+    if (error) {
+      throw UsageError("cannot copy what is installed, " + entry->path().string() + ": " + error.message());
+    }
+  }
+  if (error) {
+    throw UsageError("cannot read what is installed in " + from.string() + ": " + error.message());
+  }
+}
+
 }  // namespace
 
 Stage::Stage(const InstallerSet& set, const Product& product, const fs::path& root, const fs::path& workFolder,
-             const fs::path& installed)
-    : sandbox_(root), product_(product) {
-  const std::string setInside = std::string(Sandbox::kHome) + "/" + set.folder.filename().string();
+             const fs::path& installed, const StopRequest& stop)
+    : set_(set), sandbox_(root), product_(product) {
+  // In a folder of its own, as a download lies: the set's may be called as one in a home is.
+  const std::string setInside = std::string(Sandbox::kHome) + "/Downloads/" + set.folder.filename().string();
   packageInside_ =
       (fs::path(setInside) / set.package.lexically_relative(set.folder)).lexically_normal().string();
   sandbox_.bind({set.folder, setInside});
   sandbox_.bind({programPath().parent_path().parent_path(), Sandbox::kProgram});
   sandbox_.bind({findStandIns() / "rehearsal", Sandbox::kTools});
-  layDiscs(set.discs, workFolder);
-  layHome(installed);
+  layDiscs(workFolder, stop);
+  sandbox_.probe();
+  layInstalled(installed, stop);
 }
 
-void Stage::layDiscs(const std::vector<Disc>& discs, const fs::path& workFolder) {
-  for (const Disc& disc : discs) {
+void Stage::layDiscs(const fs::path& workFolder, const StopRequest& stop) {
+  for (Disc& disc : set_.discs) {
     const std::string number = std::to_string(disc.number);
-    fs::path folder = disc.path;
+    namesInSet_[disc.number] = disc.path.lexically_relative(set_.folder);
     if (disc.isImage) {
-      images_.push_back(std::make_unique<ImageMount>(disc.path, workFolder / "images" / number));
-      folder = images_.back()->folder();
+      images_.push_back(std::make_unique<ImageMount>(disc.path, workFolder / "images" / number, stop));
+      disc.path = images_.back()->folder();
+      disc.isImage = false;
     }
     discs_.push_back({disc.volumeName, std::string(kDiscs) + "/" + number});
-    discsOutside_.push_back(folder);
-    sandbox_.bind({folder, discs_.back().inside});
+    sandbox_.bind({disc.path, discs_.back().inside});
   }
 }
 
 // The central data folders come with a package's own small files, so a user has them before the page is
 // shown; where it is told what the user has, nothing is added to it.
-void Stage::layHome(const fs::path& installed) {
+void Stage::layInstalled(const fs::path& installed, const StopRequest& stop) {
   for (const char* folder : {"Components", "VST", "VST3"}) {
     fs::create_directories(root() / "Library/Audio/Plug-Ins" / folder);  // every system has them
   }
@@ -58,15 +87,10 @@ void Stage::layHome(const fs::path& installed) {
     fs::create_directories(dataFolders / "DOVA");
     return;
   }
-  const bool isHome = fs::is_directory(installed / kDataFolders);
-  const fs::path destination = isHome ? home() : dataFolders;
-  fs::create_directories(destination);
-  std::error_code error;
-  fs::copy(installed, destination,
-           fs::copy_options::recursive | fs::copy_options::copy_symlinks | fs::copy_options::overwrite_existing,
-           error);
-  if (error) {
-    throw UsageError("cannot copy what is installed from " + installed.string() + ": " + error.message());
+  copyFolder(dataRootIn(installed), dataFolders, stop);
+  if (fs::is_directory(installed / fs::path(Sandbox::kHome).relative_path())) {  // a rehearsal was kept there
+    copyFolder(installed / "Library", root() / "Library", stop);
+    copyFolder(installed / "Applications", root() / "Applications", stop);
   }
 }
 
@@ -96,11 +120,13 @@ fs::path Stage::outside(const std::string& path, const std::vector<std::size_t>&
   const std::string volumeName = *belowVolumes.begin();
   for (const std::size_t disc : insertedDiscs) {
     if (discs_[disc].volumeName == volumeName && copy-- == 0) {
-      return discsOutside_[disc] / belowVolumes.lexically_relative(volumeName);
+      return set_.discs[disc].path / belowVolumes.lexically_relative(volumeName);
     }
   }
   return {};
 }
+
+fs::path Stage::nameInSet(const Disc& disc) const { return namesInSet_.at(disc.number); }
 
 fs::path Stage::log() const { return home() / "Library/Caches/Tavenhall/installationLog.txt"; }
 

@@ -7,6 +7,7 @@
 #include "host/set/installer_set.h"
 
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -17,10 +18,12 @@ namespace tavenhall {
 // discs outside their drive, and at home what the user has already.
 class Stage {
  public:
-  // `installed` is empty, a home, or a folder of data folders; it is copied. `workFolder` is for what the
-  // rehearsal itself needs, outside the sandbox. Throws UsageError where something cannot be laid out.
+  // `root` becomes the sandbox; `workFolder` is for what the rehearsal itself needs, outside of it. What lies
+  // in `installed` is copied; empty: the user has empty data folders. Throws UsageError where something cannot
+  // be laid out or nothing can be run there, and Stopped.
   Stage(const InstallerSet& set, const Product& product, const std::filesystem::path& root,
-        const std::filesystem::path& workFolder, const std::filesystem::path& installed);
+        const std::filesystem::path& workFolder, const std::filesystem::path& installed,
+        const StopRequest& stop);
 
   // The command line of an engine that speaks the JSON lines; `installType` may be empty.
   [[nodiscard]] std::vector<std::string> engineCommand(const std::string& installType) const;
@@ -37,15 +40,22 @@ class Stage {
   [[nodiscard]] std::filesystem::path summary() const;
   [[nodiscard]] const std::vector<DiscTray::Disc>& discs() const { return discs_; }
 
- private:
-  void layDiscs(const std::vector<Disc>& discs, const std::filesystem::path& workFolder);
-  void layHome(const std::filesystem::path& installed);
+  // The set with its discs as folders, images too.
+  [[nodiscard]] const InstallerSet& set() const { return set_; }
 
+  // Where one of those discs lies, below the set's folder: a folder, or an image.
+  [[nodiscard]] std::filesystem::path nameInSet(const Disc& disc) const;
+
+ private:
+  void layDiscs(const std::filesystem::path& workFolder, const StopRequest& stop);
+  void layInstalled(const std::filesystem::path& installed, const StopRequest& stop);
+
+  InstallerSet set_;
   Sandbox sandbox_;
   Product product_;
   std::string packageInside_;
   std::vector<DiscTray::Disc> discs_;
-  std::vector<std::filesystem::path> discsOutside_;
+  std::map<int, std::filesystem::path> namesInSet_;  // by the disc's number
   std::vector<std::unique_ptr<ImageMount>> images_;
 };
 

@@ -167,8 +167,13 @@ std::string dataRootIn(const fs::path& installed) {
     throw UsageError("no folder at " + installed.string() +
                      "; --installed takes one that holds the data folders as the user has them");
   }
-  const fs::path inHome = installed / "Library/Application Support/Tavenhall";
-  return fs::canonical(fs::is_directory(inHome, error) ? inHome : installed).string();
+  for (const char* home : {"", "Users/rehearsal"}) {
+    const fs::path inHome = installed / home / "Library/Application Support/Tavenhall";
+    if (fs::is_directory(inHome, error)) {
+      return fs::canonical(inHome).string();
+    }
+  }
+  return fs::canonical(installed).string();
 }
 
 }  // namespace tavenhall

@@ -33,8 +33,9 @@ struct InstallerSet {
 // Opens the set. Throws UsageError, naming what is missing and what to do.
 [[nodiscard]] InstallerSet openInstallerSet(const std::filesystem::path& folder);
 
-// Where the user's data folders lie in `installed`: in its "Library/Application Support/Tavenhall" where it
-// is a home, else in itself. Throws UsageError where there is no such folder.
+// Where the user's data folders lie in `installed`: in "Library/Application Support/Tavenhall" of a home, which
+// it is itself or, as what a rehearsal has kept, holds as "Users/rehearsal"; else in itself. Throws UsageError
+// where there is no such folder.
 [[nodiscard]] std::string dataRootIn(const std::filesystem::path& installed);
 
 // Reads "<number> <volume name>", for an image with its extension; none where the name is not of that form.

@@ -311,9 +311,10 @@ class TerminalFace {
       engine_.stop();
     }
     if (hasBegun) {
-      std::printf(
-          "Stopped. What was copied so far stays; run the installer again to complete it.\nThe log is %s.\n",
-          page_.logShown.c_str());
+      std::printf("Stopped. %s\n", page_.afterStop.c_str());
+      if (!page_.logShown.empty()) {
+        std::printf("The log is %s.\n", page_.logShown.c_str());
+      }
     } else if (!hasOutcome_) {
       std::puts("Nothing was installed.");
     }

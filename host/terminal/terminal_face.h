@@ -14,8 +14,9 @@ namespace tavenhall {
 struct TerminalPage {
   Introduction introduction;
   std::string logPath;        // as this process sees it; empty: there is none
-  std::string logShown;       // as the user is told of it
+  std::string logShown;       // as the user is told of it; empty: not at all
   std::int64_t logStart = 0;  // its size before the engine was started, bytes
+  std::string afterStop = "What was copied so far stays; run the installer again to complete it.";
 };
 
 // That of a run of this machine's own. Before its engine is started.

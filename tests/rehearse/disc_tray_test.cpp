@@ -20,6 +20,8 @@ DiscTray trayOf(std::vector<DiscTray::Disc> discs, int late = 0) {
   return {kDrive, std::move(discs), late};
 }
 
+void eject(const std::string& volume) { std::filesystem::remove(std::string(kDrive) + "/" + volume); }
+
 TEST(DiscTray, IsEmptyUntilThePageAsks) {
   const DiscTray tray = trayOf({{"A", "/rehearsal/discs/1"}});
   EXPECT_THAT(treeOf(kDrive), IsEmpty());
@@ -46,9 +48,18 @@ TEST(DiscTray, DiscsThatShareANameGoInInTheirOrder) {
   DiscTray tray = trayOf({{"L", "/rehearsal/discs/1"}, {"L", "/rehearsal/discs/2"}});
   EXPECT_EQ(tray.ask("L"), Reply::inserted);
   EXPECT_THAT(treeOf(kDrive), ElementsAre("L -> /rehearsal/discs/1"));
+  eject("L");
   EXPECT_EQ(tray.ask("L"), Reply::inserted);
   EXPECT_THAT(treeOf(kDrive), ElementsAre("L -> /rehearsal/discs/2"));
+  eject("L");
   EXPECT_EQ(tray.ask("L"), Reply::noSuchDisc);
+}
+
+TEST(DiscTray, ADiscThatIsInIsNotAcceptedWhenThePageAsksForItAgain) {
+  DiscTray tray = trayOf({{"L", "/rehearsal/discs/1"}, {"L", "/rehearsal/discs/2"}});
+  EXPECT_EQ(tray.ask("L"), Reply::inserted);
+  EXPECT_EQ(tray.ask("L"), Reply::notAccepted);
+  EXPECT_THAT(treeOf(kDrive), ElementsAre("L -> /rehearsal/discs/1"));
 }
 
 TEST(DiscTray, AVolumeThatTheSetLacksIsNoSuchDisc) {

@@ -1,54 +1,35 @@
-#include "tests/check/sets.h"
-#include "tests/install/child_program.h"
+#include "tests/rehearse/rehearsals.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
-
-// Whole rehearsals with the built program: its own sandbox inside the test's.
+// How rehearsals end, by what is wrong with the set or goes wrong meanwhile.
 namespace tavenhall::test {
 namespace {
 
-using nlohmann::json;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
-
-constexpr const char* kReport = "/Users/tester/report.json";
-
-Outcome rehearse(std::vector<std::string> arguments) {
-  std::vector<std::string> commandLine{kTavinstall, "rehearse", kSetFolder, "--report", kReport};
-  commandLine.insert(commandLine.end(), arguments.begin(), arguments.end());
-  return runThrough(commandLine, {{"PATH", usualPath()}});
-}
-
-json report() { return json::parse(readFile(kReport)); }
-
-std::vector<std::string> volumesAskedFor() {
-  std::vector<std::string> asked;
-  const json told = report();
-  for (const auto& prompt : told["observed"]["prompts"]) {
-    asked.push_back(prompt["volume"].get<std::string>() + ": " + prompt["reply"].get<std::string>());
-  }
-  return asked;
-}
 
 TEST(Rehearse, ADownloadedInstallerIsInstalledWithNothingToRemark) {
   makeDownloadSet();
-  const Outcome outcome = rehearse({"--ui", "quiet"});
+  const Outcome outcome = rehearse();
   EXPECT_EQ(outcome.status, 0) << outcome.output << outcome.error;
   EXPECT_THAT(outcome.output, HasSubstr("Everything is installed, and there is nothing to remark."));
-  EXPECT_EQ(report()["files"].size(), 1U);
-  EXPECT_EQ(report()["files"][0]["fate"], "same");
+  EXPECT_THAT(fatesReported(), ElementsAre("Tessaphon/one.db same"));
+  EXPECT_EQ(report()["status"], 0);
+}
+
+TEST(Rehearse, ADataUpdateIsInstalledWithNothingToRemark) {
+  makeDataUpdateSet();
+  const Outcome outcome = rehearse();
+  EXPECT_EQ(outcome.status, 0) << outcome.output << outcome.error;
+  EXPECT_THAT(fatesReported(), ElementsAre("Tessaphon/one.db same", "Tessaphon/two.db same"));
 }
 
 TEST(Rehearse, DiscsGoInWhenThePageAsksAndOutWhenItEjects) {
   makeDiscSet();
-  const Outcome outcome = rehearse({"--ui", "quiet", "--product", "Lumaweave", "--keep", "/Users/tester/kept"});
+  const Outcome outcome = rehearse({"--product", "Lumaweave", "--keep", "/Users/tester/kept"});
   EXPECT_EQ(outcome.status, 0) << outcome.output << outcome.error;
-  EXPECT_THAT(volumesAskedFor(), ElementsAre("Tavenhall Lumaweave: inserted", "Tavenhall Lumaweave: inserted"));
+  EXPECT_THAT(promptsReported(), ElementsAre("Tavenhall Lumaweave: inserted", "Tavenhall Lumaweave: inserted"));
   EXPECT_THAT(treeOf("/Users/tester/kept/Volumes"), IsEmpty());
   const std::string data =
       "/Users/tester/kept/Users/rehearsal/Library/Application Support/Tavenhall/DOVA/Factory/";
@@ -58,16 +39,37 @@ TEST(Rehearse, DiscsGoInWhenThePageAsksAndOutWhenItEjects) {
 
 TEST(Rehearse, AMissingDiscFailsAndIsNamed) {
   makeDiscSet("Mode = InstallFromVolumes\nNumberOfVolumes = 1\nTotalSizeMillionsBytes = 1\n");
-  const Outcome outcome = rehearse({"--ui", "quiet", "--product", "Bassoria"});
+  const Outcome outcome = rehearse({"--product", "Bassoria"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_THAT(outcome.output,
-              HasSubstr("FAILED: the page asks for a disc that the set does not have: Tavenhall Bassoria"));
+              HasSubstr("FAILED: the page asks for a disc that the set does not have: Tavenhall Bassoria\n"));
+  EXPECT_EQ(outcome.error, "tavinstall: the set has no disc Tavenhall Bassoria, so the rehearsal ends here\n");
+  EXPECT_THAT(promptsReported(), ElementsAre("Tavenhall Bassoria: no such disc"));
+}
+
+TEST(Rehearse, ASecondDiscThatIsMissingFailsAfterTheFirstWasInstalled) {
+  makeDiscSet("Mode = InstallFromVolumes\nNumberOfVolumes = 3\nTotalSizeMillionsBytes = 1\n");
+  const Outcome outcome = rehearse({"--product", "Lumaweave"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(promptsReported(), ElementsAre("Tavenhall Lumaweave: inserted", "Tavenhall Lumaweave: inserted",
+                                             "Tavenhall Lumaweave: no such disc"));
+  EXPECT_THAT(fatesReported(), ElementsAre("Factory/one.db same", "Factory/two.db same"));
+}
+
+TEST(Rehearse, ADiscWithoutADataFolderFailsAndIsNotCalledMissing) {
+  makeDiscSet("Mode = InstallFromVolumes\nNumberOfVolumes = 1\nTotalSizeMillionsBytes = 1\n");
+  writeFile(inSet("discs/3 Tavenhall Bassoria/Dova/one.db"), "one");
+  const Outcome outcome = rehearse({"--product", "Bassoria"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.output, HasSubstr("FAILED: the page finds no data folder on the disc and asks for it "
+                                        "again: Tavenhall Bassoria\n"));
+  EXPECT_THAT(promptsReported(),
+              ElementsAre("Tavenhall Bassoria: inserted", "Tavenhall Bassoria: not accepted"));
 }
 
 TEST(Rehearse, AByteThatChangesInTheSourceMeanwhileIsFound) {
   makeDownloadSet();
-  ChildProgram program({kTavinstall, "rehearse", kSetFolder, "--ui", "json", "--report", kReport},
-                       {{"PATH", usualPath()}});
+  ChildProgram program(rehearseCommand({"--ui", "json"}));
   program.write("{\"do\":\"enter\"}\n{\"do\":\"wait\"}\n");
   while (const auto line = program.readLine()) {
     if (*line == R"({"event":"idle"})") {
@@ -77,50 +79,79 @@ TEST(Rehearse, AByteThatChangesInTheSourceMeanwhileIsFound) {
   writeFile(inSet("TANVO/Tessaphon/one.db"), "onf");
   program.write("{\"do\":\"forward\"}\n{\"do\":\"quit\"}\n");
   EXPECT_EQ(program.waitForEnd(), 1);
-  EXPECT_THAT(report()["failures"],
-              Contains("content differs: /Users/rehearsal/Installer/Package/../TANVO/Tessaphon/one.db"));
+  EXPECT_THAT(
+      report()["failures"],
+      ElementsAre("content differs: /Users/rehearsal/Downloads/Installer/Package/../TANVO/Tessaphon/one.db"));
+  EXPECT_THAT(fatesReported(), ElementsAre("Tessaphon/one.db differs"));
 }
 
+TEST(Rehearse, AFileThatCannotBeInstalledFailsWithItsSheet) {
+  makeDownloadSet();
+  makeFolder("/Users/tester/had/TANVO/Tessaphon/one.db");
+  const Outcome outcome = rehearse({"--installed", "/Users/tester/had"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(report()["sheets"], Contains("Failed to open output file."));
+  EXPECT_THAT(outcome.output, HasSubstr("FAILED: a sheet said: Failed to open output file.\n"));
+  EXPECT_THAT(outcome.output, HasSubstr("FAILED: content differs: "));
+  EXPECT_THAT(outcome.output, HasSubstr("\nThe log ends with:\n"));
+}
+
+// 12.0 MB where 10.0 MB lie: wrong by a fifth.
 TEST(Rehearse, AnAnnouncedSizeThatIsFarFromTheRealOneIsRemarked) {
   makeDownloadSet("Mode = Downloaded\nInstalledData = Installed in %s\nTotalSizeMillionsBytes = 12\n");
   writeFile(inSet("TANVO/Tessaphon/large.db"), someBytes(10'000'000));
-  const Outcome outcome = rehearse({"--ui", "quiet"});
+  const Outcome outcome = rehearse();
   EXPECT_EQ(outcome.status, 3);
-  EXPECT_THAT(outcome.output, HasSubstr("remark: the whole is announced as 12.0 MB and is 10.0 MB"));
-  EXPECT_THAT(outcome.output, HasSubstr("Everything is installed, with remarks."));
+  EXPECT_THAT(outcome.output, HasSubstr("  size         12.0 MB announced, 10.0 MB real\n"));
+  EXPECT_THAT(outcome.output,
+              HasSubstr("  remark: the whole is announced as 12.0 MB and is 10.0 MB: the bar will "
+                        "end early or late\n"));
+  EXPECT_THAT(outcome.output, HasSubstr("Everything is installed, with remarks.\n"));
 }
 
-TEST(Rehearse, AnUpdateIsToldWhatTheUserHas) {
-  makeUpdateSet();
-  writeFile("/Users/tester/had/TANVO/Tessaphon/Soundsources/Factory/Tessaphon Library/Keyboards/Glassophone.db",
-            "x");
-  makeFolder("/Users/tester/had/DOVA");
-  const Outcome outcome = rehearse({"--ui", "quiet", "--installed", "/Users/tester/had"});
-  EXPECT_NE(outcome.status, 2) << outcome.error;
-  EXPECT_THAT(report()["run"]["detected"], Contains("Tessaphon: Full"));
+TEST(Rehearse, AComponentsSizeThatIsFarFromTheRealOneIsRemarked) {
+  makeDataUpdateSet(
+      "Mode = DataUpdater\nRelativePath = First\nRelativePath2 = Second\nNumberOfVolumes = 2\n"
+      "TotalSizeMillionsBytes = 20\nComponent1SizeMillionsBytes = 8\n");
+  writeFile(inSet("First/TANVO/Tessaphon/large.db"), someBytes(10'000'000));
+  writeFile(inSet("Second/TANVO/Tessaphon/more.db"), someBytes(10'000'000, 2));
+  const Outcome outcome = rehearse();
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_THAT(report()["remarks"],
+              ElementsAre("the first component is announced as 8.0 MB and is 10.0 MB: the bar "
+                          "will end early or late"));
+  EXPECT_EQ(report()["firstComponent"]["announcedBytes"], 8'000'000);
+  EXPECT_EQ(report()["firstComponent"]["realBytes"], 10'000'003);
 }
 
-TEST(Rehearse, TheUsersOwnFoldersAreNotTouched) {
-  makeDownloadSet();
-  static_cast<void>(rehearse({"--ui", "quiet"}));
-  EXPECT_FALSE(exists("/tmp/TavInstallLoc"));
-  EXPECT_FALSE(exists("/Users/tester/Library"));
-  EXPECT_THAT(treeOf("/tmp"), Not(Contains(HasSubstr("rehearsal"))));
+TEST(Rehearse, DataThatNothingInstallsIsRemarked) {
+  makeDataUpdateSet();
+  writeFile(inSet("First/DOVA/Bassoria/lost.db"), "x");
+  writeFile(inSet("First/Read me.txt"), "x");
+  writeFile(inSet("First/TANVO/.DS_Store"), "x");
+  const Outcome outcome = rehearse();
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_THAT(report()["remarks"], ElementsAre("nothing installs First/DOVA/Bassoria/lost.db"));
+  EXPECT_THAT(outcome.output, HasSubstr("  not data     1 file beside the data folders: First/Read me.txt\n"));
 }
 
-TEST(Rehearse, ASetThatIsNotThereIsBadUsage) {
-  const Outcome outcome = runThrough({kTavinstall, "rehearse", "/Users/tester/nowhere"});
-  EXPECT_EQ(outcome.status, 2);
-  EXPECT_THAT(outcome.error, HasSubstr("/Users/tester/nowhere"));
+TEST(Rehearse, ADiscThatThePageNeverAsksForIsRemarked) {
+  makeDiscSet("Mode = InstallFromVolumes\nNumberOfVolumes = 1\nTotalSizeMillionsBytes = 1\n");
+  const Outcome outcome = rehearse({"--product", "Lumaweave"});
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_THAT(report()["remarks"],
+              ElementsAre("nothing installs discs/2 Tavenhall Lumaweave/DOVA/Factory/two.db",
+                          "the page never asked for discs/2 Tavenhall Lumaweave"));
 }
 
-TEST(Rehearse, AFolderToKeepThatIsNotEmptyIsRefused) {
-  makeDownloadSet();
-  writeFile("/Users/tester/kept/mine", "x");
-  const Outcome outcome = rehearse({"--keep", "/Users/tester/kept"});
-  EXPECT_EQ(outcome.status, 2);
-  EXPECT_THAT(outcome.error, HasSubstr("the folder /Users/tester/kept is not empty"));
-  EXPECT_EQ(readFile("/Users/tester/kept/mine"), "x");
+TEST(Rehearse, WhatOnlyAFullEditionHasIsNoRemark) {
+  makeDataUpdateSet();
+  const Outcome outcome = rehearse({"--install-type", "Lite"});
+  EXPECT_EQ(outcome.status, 0) << outcome.output;
+  EXPECT_THAT(fatesReported(), ElementsAre("Tessaphon/one.db same"));
+  EXPECT_THAT(outcome.output, HasSubstr("  left out     1 file of the Full edition\n"));
+  EXPECT_EQ(report()["notInstalled"][0]["path"], "Second/TANVO/Tessaphon/two.db");
+  EXPECT_EQ(report()["notInstalled"][0]["fullEditionOnly"], true);
 }
 
 }  // namespace

@@ -1,0 +1,148 @@
+#include "tests/rehearse/rehearsals.h"
+
+#include "tests/support/private_root.h"
+#include "tests/terminal/tmux_terminal.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <thread>
+#include <unistd.h>
+
+namespace tavenhall::test {
+
+namespace fs = std::filesystem;
+
+using nlohmann::json;
+using testing::Contains;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+std::vector<std::string> rehearseCommand(const std::vector<std::string>& arguments) {
+  std::vector<std::string> commandLine{kTavinstall, "rehearse", kSetFolder, "--report", kReport};
+  commandLine.insert(commandLine.end(), arguments.begin(), arguments.end());
+  return commandLine;
+}
+
+Outcome rehearse(const std::vector<std::string>& arguments) {
+  std::vector<std::string> commandLine = rehearseCommand({"--ui", "quiet"});
+  if (std::find(arguments.begin(), arguments.end(), "--ui") != arguments.end()) {
+    commandLine = rehearseCommand();
+  }
+  commandLine.insert(commandLine.end(), arguments.begin(), arguments.end());
+  return runThrough(commandLine);
+}
+
+json report() { return json::parse(readFile(kReport)); }
+
+std::string withoutTimes(const std::string& text) {
+  return std::regex_replace(text, std::regex("in less than 1 s|in [0-9]+ (s|min)"), "in TIME");
+}
+
+std::vector<std::string> promptsReported() {
+  std::vector<std::string> asked;
+  const json told = report();
+  for (const auto& prompt : told["prompts"]) {
+    asked.push_back(prompt["volume"].get<std::string>() + ": " + prompt["reply"].get<std::string>());
+  }
+  return asked;
+}
+
+std::vector<std::string> fatesReported() {
+  std::vector<std::string> fates;
+  const json told = report();
+  for (const auto& file : told["files"]) {
+    const std::string source = file["source"];
+    const std::size_t below = std::max(source.rfind("/TANVO/") + 7, source.rfind("/DOVA/") + 6);
+    fates.push_back(source.substr(below) + " " + file["fate"].get<std::string>());
+  }
+  std::sort(fates.begin(), fates.end());
+  return fates;
+}
+
+bool comesTrue(const std::function<bool()>& question) {
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+  while (!question()) {
+    if (std::chrono::steady_clock::now() > end) {
+      return false;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  }
+  return true;
+}
+
+std::vector<pid_t> descendantsOf(pid_t process) {
+  std::vector<pid_t> all = childrenOf(process);
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    const std::vector<pid_t> more = childrenOf(all[i]);
+    all.insert(all.end(), more.begin(), more.end());
+  }
+  return all;
+}
+
+std::vector<std::string> temporaryMounts() {
+  std::vector<std::string> mounts;
+  std::ifstream file("/proc/self/mountinfo");
+  for (std::string line; std::getline(file, line);) {
+    if (line.find("/rehearsal-") != std::string::npos && line.find(" fuse") != std::string::npos) {
+      mounts.push_back(line);
+    }
+  }
+  return mounts;
+}
+
+void expectNothingLeft(const std::vector<pid_t>& processes) {
+  EXPECT_THAT(temporaryMounts(), IsEmpty());
+  EXPECT_THAT(treeOf("/tmp"), Not(Contains(HasSubstr("rehearsal-"))));
+  for (const pid_t process : processes) {
+    EXPECT_TRUE(comesTrue([process] { return kill(process, 0) != 0; })) << "process " << process << " runs on";
+  }
+}
+
+void turnDiscsIntoImages() {
+  std::vector<fs::path> discs;
+  for (const fs::directory_entry& entry : fs::directory_iterator(inSet("discs"))) {
+    discs.push_back(entry.path());
+  }
+  for (const fs::path& disc : discs) {
+    const bool isOdd = (disc.filename().string().front() - '0') % 2 == 1;
+    const std::string image = disc.string() + (isOdd ? ".squashfs" : ".iso");
+    const Outcome outcome = isOdd ? runThrough({"mksquashfs", disc.string(), image, "-quiet", "-no-progress"})
+                                  : runThrough({"genisoimage", "-quiet", "-J", "-R", "-input-charset", "utf-8",
+                                                "-o", image, disc.string()});
+    ASSERT_EQ(outcome.status, 0) << outcome.output << outcome.error;
+    fs::remove_all(disc);
+  }
+}
+
+std::vector<std::string> asOrdinaryUser(const std::vector<std::string>& command) {
+  if (!isRealRoot()) {
+    return command;
+  }
+  std::vector<std::string> line{"setpriv", "--reuid=4321", "--regid=4321", "--clear-groups", "--"};
+  line.insert(line.end(), command.begin(), command.end());
+  return line;
+}
+
+bool ordinaryUserHasFuse() {
+  struct stat found {};
+  if (isRealRoot() && stat("/dev/fuse", &found) == 0 && (found.st_mode & S_IWOTH) == 0) {
+    // A device of the test's own, open to all as on most systems; only this mount namespace has it.
+    makeFolder("/.devices");
+    EXPECT_EQ(mount("tmpfs", "/.devices", "tmpfs", MS_NOSUID, "mode=755"), 0);
+    EXPECT_EQ(mknod("/.devices/fuse", S_IFCHR | 0666, found.st_rdev), 0);
+    EXPECT_EQ(chmod("/.devices/fuse", 0666), 0);
+    EXPECT_EQ(mount("/.devices/fuse", "/dev/fuse", nullptr, MS_BIND, nullptr), 0);
+  }
+  return runThrough(asOrdinaryUser({"sh", "-c", "exec 3<>/dev/fuse"})).status == 0;
+}
+
+}  // namespace tavenhall::test
