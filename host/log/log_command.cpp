@@ -115,7 +115,7 @@ ExitStatus tellLog(const LogArguments& arguments) {
   struct stat found {};
   if (descriptor < 0 || fstat(descriptor, &found) != 0) {
     throw UsageError(errno == ENOENT && arguments.file.empty()
-                         ? filled(_("there is no installation log yet at {0}"), {path})
+                         ? filled(_("there is no installation log at {0} yet; the first install writes it"), {path})
                          : filled(_("cannot read the log {0}: {1}"), {path, std::strerror(errno)}));
   }
   if (S_ISDIR(found.st_mode)) {

@@ -1,4 +1,5 @@
 #include "host/command_line.h"
+#include "host/file_checks.h"
 #include "host/json_events.h"
 #include "host/plain_face.h"
 #include "host/rehearse/comparison.h"
@@ -125,6 +126,9 @@ void writeReport(const std::string& file, const nlohmann::ordered_json& report) 
 }
 
 ExitStatus rehearse(const RehearseArguments& arguments) {
+  if (!arguments.report.empty()) {
+    requireWritable(arguments.report);
+  }
   const InstallerSet set = openInstallerSet(arguments.set);
   const Product product = productNamed(arguments.product.empty() ? set.product : arguments.product);
   const std::string installType = arguments.installType.empty() ? set.installType : arguments.installType;
