@@ -1,6 +1,7 @@
 #include "host/bundle_loader.h"
 
 #include "host/build_facts.h"
+#include "host/file_checks.h"
 #include "host/usage_error.h"
 #include "platform/program_path.h"
 
@@ -52,8 +53,10 @@ PageFactory loadBundle(const fs::path& bundle) {
   const fs::path program = fs::absolute(bundle) / kBundleProgram;
   std::error_code error;
   if (!fs::exists(program, error)) {
-    throw UsageError("cannot load " + bundle.string() + ": it has no " + kBundleProgram);
+    throw UsageError("cannot load " + bundle.string() + ": it has no " + kBundleProgram +
+                     "; --bundle takes a plug-in's folder");
   }
+  requireNoSpecialFile(program);
   void* handle = dlopen(program.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (handle == nullptr) {
     throw UsageError("cannot load " + bundle.string() + ": " + dlerror());

@@ -1,11 +1,13 @@
 #include "host/build_facts.h"
 #include "host/command_line.h"
+#include "host/standard_streams.h"
 #include "host/usage_error.h"
 
 #include <CLI/CLI.hpp>
 #include <clocale>
 #include <cstdio>
 #include <exception>
+#include <sstream>
 #include <string>
 
 namespace tavenhall {
@@ -24,7 +26,9 @@ ExitStatus runProgram(int argc, char** argv) {
   try {
     program.parse(argc, argv);
   } catch (const CLI::Success& request) {
-    program.exit(request);  // help or version, on standard output
+    std::ostringstream text;
+    program.exit(request, text);  // help or version
+    std::fputs(text.str().c_str(), stdout);
     return ExitStatus::success;
   } catch (const CLI::ParseError& error) {
     throw UsageError(error.what());
@@ -38,12 +42,15 @@ ExitStatus runProgram(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   using tavenhall::ExitStatus;
+  tavenhall::fillStandardStreams();
   // Character types alone: the log's month names are the same on every machine.
   std::setlocale(LC_CTYPE, "");
   ExitStatus status = ExitStatus::badUsage;
   try {
     status = tavenhall::runProgram(argc, argv);
+    tavenhall::requireOutputWritten();
   } catch (const std::exception& error) {
+    status = ExitStatus::badUsage;
     tavenhall::showError(error);
   }
   return static_cast<int>(status);

@@ -3,6 +3,7 @@
 #include "host/command_line.h"
 #include "host/engine_process.h"
 #include "host/face_option.h"
+#include "host/file_checks.h"
 #include "host/log/users_log.h"
 #include "host/plain_face.h"
 #include "host/pre_install.h"
@@ -55,6 +56,9 @@ RunOptions optionsFrom(const RunArguments& arguments) {
       arguments.bundle.empty() ? findBundle(arguments.product) : std::filesystem::path(arguments.bundle);
   options.face = faceFor(arguments.ui);
   options.summary = arguments.summary;
+  if (!options.summary.empty()) {
+    requireWritable(options.summary);
+  }
   return options;
 }
 

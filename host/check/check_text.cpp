@@ -21,8 +21,9 @@ std::string printable(std::string_view text) {
 std::string indented(std::string_view text, std::size_t columns) {
   std::string shown;
   while (!text.empty()) {
-    const std::string_view line = text.substr(0, text.find('\n'));
+    std::string_view line = text.substr(0, text.find('\n'));
     text.remove_prefix(std::min(line.size() + 1, text.size()));
+    line = line.substr(0, line.find_last_not_of(' ') + 1);  // the page puts a blank before a line break
     shown += (shown.empty() ? "" : "\n" + (line.empty() ? "" : std::string(columns, ' '))) + printable(line);
   }
   return shown;
@@ -37,7 +38,7 @@ std::string modeName(std::int32_t mode) {
   }
 }
 
-constexpr std::size_t kLabelWidth = 14;
+constexpr std::size_t kLabelWidth = 15;
 
 std::string line(std::string label, const std::string& text) {
   label.resize(kLabelWidth, ' ');

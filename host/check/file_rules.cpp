@@ -92,7 +92,11 @@ void checkKind(const CopiedTree& copied, const TreeEntry& entry, Remarks& remark
           "the install done.");
       break;
     case EntryKind::file:
-      if ((entry.permissions & 0444U) == 0) {
+      if (isAttributesFile(copied.source + "/" + entry.path)) {
+        remarks.add("file-skipped", place,
+                    "The path has .InstallationAttributes.dat in it, so the page passes over the file and the "
+                    "user does not get it.");
+      } else if ((entry.permissions & 0444U) == 0) {
         remarks.add(
             "not-readable", place,
             "Nobody may read the file, so the page says \"Failed to open input file.\" and does not call the "

@@ -52,9 +52,7 @@ class KeyRules {
     const std::string name = key.name;
     const AttributesPiece* counting = counting_.at(&key);
     if (counting != &piece) {
-      add("key-twice", piece,
-          name + " stands in line " + std::to_string(counting->line) +
-              " already, and that one counts: nobody sees this one.");
+      addTwice(piece, key, *counting);
     } else if (hasLetterOrDigit(piece.parts.separator)) {
       add("separator-missing", piece,
           "The word after a key is skipped, so the page does not see " + inQuotes(piece.parts.separator) +
@@ -62,6 +60,12 @@ class KeyRules {
     } else if (piece.parts.value.empty()) {
       checkEmpty(piece, key);
     }
+  }
+
+  void addTwice(const AttributesPiece& piece, const AttributesKey& key, const AttributesPiece& counting) {
+    add("key-twice", piece,
+        std::string(key.name) + " stands in line " + std::to_string(counting.line) +
+            " already, and that one counts: nobody sees this one.");
   }
 
   void checkEmpty(const AttributesPiece& piece, const AttributesKey& key) {
@@ -75,9 +79,8 @@ class KeyRules {
   }
 
   void checkLate(const AttributesPiece& piece, const AttributesKey& key) {
-    if (isFound(key)) {
-      add("key-twice", piece,
-          std::string(key.name) + " stands in an earlier line already: nobody sees this one.");
+    if (const AttributesPiece* counting = counting_.at(&key)) {
+      addTwice(piece, key, *counting);
     } else {
       add("key-too-late", piece,
           "The page searches the first 999 lines only and does not find " + std::string(key.name) +

@@ -64,6 +64,7 @@ constexpr RemarkKind kKinds[] = {
     // Files
     {"hidden-file", Severity::warning},
     {"hidden-litter", Severity::note},
+    {"file-skipped", Severity::warning},
     {"link-copied", Severity::warning},
     {"link-to-folder", Severity::error},
     {"link-broken", Severity::error},

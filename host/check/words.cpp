@@ -5,11 +5,8 @@
 #include <cctype>
 #include <cstdint>
 #include <cstdio>
-#include <cwctype>
-#include <locale.h>
-#if __has_include(<xlocale.h>)
-#include <xlocale.h>
-#endif
+#include <locale>
+#include <stdexcept>
 #include <vector>
 
 namespace tavenhall {
@@ -59,14 +56,16 @@ void appendCharacter(char32_t character, std::string& text) {
 }
 
 // Every system that the page runs on has a locale that knows the characters beyond ASCII.
-locale_t characterLocale() {
-  static const locale_t locale = [] {
+const std::locale& characterLocale() {
+  static const std::locale locale = [] {
     for (const char* name : {"C.UTF-8", "en_US.UTF-8"}) {
-      if (const locale_t found = newlocale(LC_CTYPE_MASK, name, nullptr)) {
-        return found;
+      try {
+        return std::locale(name);
+      } catch (const std::runtime_error&) {
+        continue;  // this system calls it otherwise
       }
     }
-    return newlocale(LC_CTYPE_MASK, "C", nullptr);
+    return std::locale::classic();
   }();
   return locale;
 }
@@ -143,7 +142,7 @@ std::string caseFolded(std::string_view name) {
     if (character == kNoCharacter) {
       folded += byte;
     } else {
-      appendCharacter(static_cast<char32_t>(towlower_l(static_cast<wint_t>(character), characterLocale())),
+      appendCharacter(static_cast<char32_t>(std::tolower(static_cast<wchar_t>(character), characterLocale())),
                       folded);
     }
   }

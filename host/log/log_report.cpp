@@ -1,7 +1,9 @@
 #include "host/log/log_report.h"
 
 #include "context/install_rules.h"
+#include "host/log/failure_text.h"
 #include "host/plain_printer.h"
+#include "host/text.h"
 
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -25,16 +27,16 @@ std::optional<double> secondsBetween(const std::string& begin, const std::string
 
 std::string lasted(const std::string& begin, const std::string& end) {
   const auto seconds = secondsBetween(begin, end);
-  return seconds ? durationText(*seconds) : "unknown time";
+  return seconds ? durationText(*seconds) : _("unknown time");
 }
 
 const char* modeText(int mode) {
   switch (mode) {
-    case kModeDataUpdater: return "data updater";
-    case kModeVolumes: return "from volumes";
-    case kModeOtherRelative: return "from a folder beside the package";
-    case kModeProductUpdater: return "product updater";
-    default: return "unknown";
+    case kModeDataUpdater: return _("data updater");
+    case kModeVolumes: return _("from discs");
+    case kModeOtherRelative: return _("from beside the package");
+    case kModeProductUpdater: return _("product updater");
+    default: return _("unknown");
   }
 }
 
@@ -47,96 +49,112 @@ const char* outcomeName(const RunStory& story) {
   return "never-ended";
 }
 
-std::string outcomeText(const RunStory& story) {
+std::string outcomeText(const RunStory& story, bool mayStillRun) {
   switch (story.outcome) {
     case RunEnd::complete:
-      return story.failureCount == 0 ? "ended, nothing failed"
-                                     : "ended, with " + std::to_string(story.failureCount) + " failures";
-    case RunEnd::noDataFolder: return "not begun: the data folder was not there";
+      return story.failureCount == 0
+                 ? _("ended, nothing failed")
+                 : counted("ended, with {0} failure", "ended, with {0} failures", story.failureCount);
+    case RunEnd::noDataFolder: return _("not begun: the data folder was not there");
     case RunEnd::never: break;
   }
-  return "it never ended; its last word: " + story.lastMessage.substr(story.lastMessage.rfind('\n') + 1);
+  const std::string lastWord = story.lastMessage.substr(story.lastMessage.rfind('\n') + 1);
+  return filled(mayStillRun ? _("not ended, and it may still run; its latest word: {0}")
+                            : _("it never ended; its last word: {0}"),
+                {lastWord});
 }
 
+constexpr std::size_t kLabelColumns = 15;
+
 std::string row(const char* label, const std::string& text) {
-  std::string line = "    " + std::string(label);
-  line.resize(std::max<std::size_t>(line.size(), 18), ' ');
-  return line + " " + printableText(text) + "\n";
+  return "    " + padded(label, kLabelColumns) + printableText(text) + "\n";
 }
 
 std::string promptText(const RunPrompt& prompt) {
-  std::string text = prompt.volume + (prompt.isOptional ? " (optional)" : "") + ", asked " +
-                     std::to_string(prompt.times) + (prompt.times == 1 ? " time" : " times");
+  std::string text = prompt.volume + (prompt.isOptional ? _(" (optional)") : "") + ", " +
+                     counted("asked for {0} time", "asked for {0} times", prompt.times) + ", ";
   if (prompt.isSkipped) {
-    return text + ", skipped";
+    return text + _("skipped");
   }
-  return text + (prompt.found.empty() ? ", never found" : ", found after " + lasted(prompt.time, prompt.found));
+  return text + (prompt.found.empty() ? _("never found")
+                                      : filled(_("found after {0}"), {lasted(prompt.time, prompt.found)}));
 }
+
+std::string timeOfDay(const std::string& time) { return time.substr(time.rfind(' ') + 1); }
 
 }  // namespace
 
 std::string volumeText(const RunVolume& volume) {
+  const std::string number = std::to_string(volume.number + 1) + ": ";
   if (volume.folder.empty()) {
-    return std::to_string(volume.number + 1) + ": nothing was copied";
+    return number + _("nothing was copied");
   }
-  std::string text = std::to_string(volume.number + 1) + ": " + volume.folder;
+  std::string text = number + volume.folder + ", ";
   if (volume.end.empty()) {
-    return text + ", begun, never ended";
+    return text + filled(_("begun at {0}, never ended"), {timeOfDay(volume.begin)});
   }
-  text += ", " + lasted(volume.begin, volume.end);
+  text += lasted(volume.begin, volume.end);
   if (volume.hundredsOfMegabytes > 0) {
     const double bytes = volume.hundredsOfMegabytes * kProgressUnit;
-    text += ", over " + sizeText(bytes);
+    text += ", " + filled(_("over {0}"), {sizeText(bytes)});
     const auto seconds = secondsBetween(volume.begin, volume.end);
     if (seconds && *seconds > 0) {
-      text += " at " + sizeText(bytes / *seconds) + " a second";
+      text += " " + filled(_("at {0} a second"), {sizeText(bytes / *seconds)});
     }
   }
-  return text + ", " + std::to_string(volume.folders) + (volume.folders == 1 ? " folder" : " folders");
-}
-
-std::string reportText(const RunStory& story, int number) {
-  std::string text = "Run " + std::to_string(number) + ", " + story.begin + ", on " +
-                     printableText(story.host) + ": " + printableText(outcomeText(story)) + "\n";
-  text += row("lasted", lasted(story.begin, story.end));
-  if (!story.title.empty()) {
-    text += row("title", story.title);
-  }
-  if (story.mode) {
-    text += row("mode", std::to_string(*story.mode) + ", " + modeText(*story.mode));
-  }
-  text += row("settings", story.attributesFile.empty() ? "no attributes file" : story.attributesFile);
-  text += row("destination", story.destination);
-  if (!story.edition.empty()) {
-    text += row("edition", story.edition);
-  }
-  for (const std::string& detected : story.detectedEditions) {
-    text += row("detected", detected);
-  }
-  for (const RunPrompt& prompt : story.prompts) {
-    text += row("disc", promptText(prompt));
-  }
-  for (const RunVolume& volume : story.volumes) {
-    text += row("volume", volumeText(volume));
-  }
-  for (const std::string& path : story.placed) {
-    text += row("replaced", path);
-  }
-  for (const RunFailure& failure : story.failures) {
-    text += row("FAILED", failure.time.substr(failure.time.rfind(' ') + 1) + "  " + failure.detail);
-  }
-  const auto untold = story.failureCount - static_cast<std::int64_t>(story.failures.size());
-  if (untold > 0) {
-    text += row("FAILED", "and " + std::to_string(untold) + " more");
-  }
-  if (story.refusals > 0) {
-    text += row("refused", "to go on before the data was installed, " + std::to_string(story.refusals) +
-                               (story.refusals == 1 ? " time" : " times"));
+  text += ", " + counted("{0} folder", "{0} folders", volume.folders);
+  if (volume.timesEmpty > 0) {
+    text += ", " + counted("found empty {0} time", "found empty {0} times", volume.timesEmpty);
   }
   return text;
 }
 
-ordered_json reportJson(const RunStory& story, int number) {
+std::string reportText(const RunStory& story, int number, bool mayStillRun) {
+  std::string text =
+      printableText(filled(_("Run {0}, {1}, on {2}: {3}"), {std::to_string(number), story.begin, story.host,
+                                                            outcomeText(story, mayStillRun)})) +
+      "\n";
+  text += row(_("lasted"), lasted(story.begin, story.end));
+  if (!story.title.empty()) {
+    text += row(_("title"), story.title);
+  }
+  if (story.mode) {
+    text += row(_("mode"), std::to_string(*story.mode) + ", " + modeText(*story.mode));
+  }
+  text += row(_("settings"), story.attributesFile.empty() ? _("no attributes file") : story.attributesFile);
+  for (const std::string& destination : story.destinations) {
+    text += row(_("destination"), destination);
+  }
+  if (!story.edition.empty()) {
+    text += row(_("edition"), story.edition);
+  }
+  for (const std::string& detected : story.detectedEditions) {
+    text += row(_("detected"), detected);
+  }
+  for (const RunPrompt& prompt : story.prompts) {
+    text += row(_("disc"), promptText(prompt));
+  }
+  for (const RunVolume& volume : story.volumes) {
+    text += row(_("volume"), volumeText(volume));
+  }
+  for (const std::string& path : story.placed) {
+    text += row(_("replaced"), path);
+  }
+  for (const RunFailure& failure : story.failures) {
+    text += row(_("FAILED"), timeOfDay(failure.time) + "  " + failureText(failure));
+  }
+  const auto untold = story.failureCount - static_cast<std::int64_t>(story.failures.size());
+  if (untold > 0) {
+    text += row(_("FAILED"), filled(_("and {0} more"), {std::to_string(untold)}));
+  }
+  if (story.refusals > 0) {
+    text += row(_("refused"), counted("to go on before the data was installed, {0} time",
+                                      "to go on before the data was installed, {0} times", story.refusals));
+  }
+  return text;
+}
+
+ordered_json reportJson(const RunStory& story, int number, bool mayStillRun) {
   ordered_json prompts = ordered_json::array();
   for (const RunPrompt& prompt : story.prompts) {
     prompts.push_back({{"time", prompt.time},
@@ -156,16 +174,22 @@ ordered_json reportJson(const RunStory& story, int number) {
          {"end", volume.end},
          {"seconds", seconds ? ordered_json(*seconds) : ordered_json()},
          {"folders", volume.folders},
+         {"timesEmpty", volume.timesEmpty},
          {"bytesAtLeast", volume.hundredsOfMegabytes * static_cast<std::int64_t>(kProgressUnit)}});
   }
   ordered_json failures = ordered_json::array();
   for (const RunFailure& failure : story.failures) {
-    failures.push_back(
-        {{"time", failure.time}, {"kind", failure.kind}, {"file", failure.file}, {"detail", failure.detail}});
+    failures.push_back({{"time", failure.time},
+                        {"kind", failure.kind},
+                        {"file", failure.file},
+                        {"target", failure.target},
+                        {"reason", failure.reason},
+                        {"detail", failure.detail}});
   }
   const auto seconds = secondsBetween(story.begin, story.end);
   return {{"run", number},
           {"outcome", outcomeName(story)},
+          {"mayStillRun", mayStillRun},
           {"begin", story.begin},
           {"end", story.end},
           {"seconds", seconds ? ordered_json(*seconds) : ordered_json()},
@@ -174,7 +198,7 @@ ordered_json reportJson(const RunStory& story, int number) {
           {"title", story.title},
           {"mode", story.mode ? ordered_json(*story.mode) : ordered_json()},
           {"attributesFile", story.attributesFile},
-          {"destination", story.destination},
+          {"destinations", story.destinations},
           {"edition", story.edition},
           {"detected", story.detectedEditions},
           {"prompts", prompts},

@@ -8,12 +8,13 @@
 namespace tavenhall {
 
 // One run as a person at support reads it: several lines, newline at the end. `number` counts from 1.
-[[nodiscard]] std::string reportText(const RunStory& story, int number);
+// `mayStillRun`: the log's last record is so young that the run may only be waiting.
+[[nodiscard]] std::string reportText(const RunStory& story, int number, bool mayStillRun = false);
 
 // What became of one volume, in a line without its end.
 [[nodiscard]] std::string volumeText(const RunVolume& volume);
 
 // A run as one JSON object.
-[[nodiscard]] nlohmann::ordered_json reportJson(const RunStory& story, int number);
+[[nodiscard]] nlohmann::ordered_json reportJson(const RunStory& story, int number, bool mayStillRun = false);
 
 }  // namespace tavenhall

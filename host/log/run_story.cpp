@@ -1,5 +1,6 @@
 #include "host/log/run_story.h"
 
+#include <algorithm>
 #include <charconv>
 #include <utility>
 
@@ -34,22 +35,43 @@ std::optional<int> takeNumber(std::string_view& text) {
 
 std::string_view nameOf(std::string_view path) { return path.substr(path.rfind('/') + 1); }
 
-// The first of two paths that a record names one after the other. Paths hold blanks, so where the first ends
-// is told by the name that both have in common; the whole text where there is no such place.
-std::string_view firstPath(std::string_view paths) {
-  for (std::size_t at = paths.find(" /"); at != std::string_view::npos; at = paths.find(" /", at + 1)) {
-    const std::string_view first = paths.substr(0, at);
-    const std::string_view second = paths.substr(at + 1);
-    const std::string_view name = nameOf(first);
+// Two paths that a record names one after the other, and what follows them.
+struct PathPair {
+  std::string_view source;
+  std::string_view target;
+  std::string_view rest;
+};
+
+// Paths hold blanks, so where the first ends is told by the name that both have in common. Where there is no
+// such place, the source is the whole text.
+PathPair pathPair(std::string_view text) {
+  for (std::size_t at = text.find(" /"); at != std::string_view::npos; at = text.find(" /", at + 1)) {
+    const std::string_view source = text.substr(0, at);
+    const std::string_view second = text.substr(at + 1);
+    const std::string_view name = nameOf(source);
     const std::size_t found = second.find(name);
+    const std::size_t end = found + name.size();
     const bool isInBoth = !name.empty() && found != std::string_view::npos && found > 0 &&
-                          second[found - 1] == '/' &&
-                          (found + name.size() == second.size() || second[found + name.size()] == ' ');
+                          second[found - 1] == '/' && (end == second.size() || second[end] == ' ');
     if (isInBoth) {
-      return first;
+      return {source, second.substr(0, end), second.substr(std::min(end + 1, second.size()))};
     }
   }
-  return paths;
+  return {text, {}, {}};
+}
+
+// The folder that was looked for, of "<root> <root>/<name> <root>/Mac OSX/<name>"; the whole text where it is
+// not that.
+std::string_view missingFolder(std::string_view text) {
+  for (std::size_t at = text.find(" /"); at != std::string_view::npos; at = text.find(" /", at + 1)) {
+    const std::string_view root = text.substr(0, at);
+    std::string_view rest = text.substr(at + 1);
+    const std::size_t alternate = rest.rfind(std::string(root) + "/Mac OSX/");
+    if (rest.starts_with(std::string(root) + "/") && alternate != std::string_view::npos && alternate > 0) {
+      return rest.substr(0, alternate - 1);
+    }
+  }
+  return text;
 }
 
 // The folder that "<folder> <result> <errno> <folder>" names, if the result is not 0; else nothing.
@@ -123,7 +145,11 @@ void RunStories::takeSetting(std::string_view message) {
   } else if (take(message, "Install Type = ")) {
     story_->edition = message;
   } else if (take(message, "After resolve 1 ")) {
-    story_->destination = message;
+    // The page's own is looked for on entering, and in an updater once more for its pass.
+    if (std::find(story_->destinations.begin(), story_->destinations.end(), message) ==
+        story_->destinations.end()) {
+      story_->destinations.emplace_back(message);
+    }
   } else if (take(message, "Confirmed ")) {
     constexpr std::string_view kMiddle = " Library Installation is ";
     if (const std::size_t middle = message.find(kMiddle); middle != std::string_view::npos) {
@@ -163,6 +189,8 @@ void RunStories::takeVolume(const LogRecord& record) {
     volume().end = record.time;
   } else if (!story_->volumes.empty()) {  // what is copied before the first volume is none
     story_->volumes.back().folders += message.starts_with("Copying folder ") ? 1 : 0;
+    story_->volumes.back().timesEmpty +=
+        message.starts_with("copySingleVolume: no items found in top level folder") ? 1 : 0;
     story_->volumes.back().hundredsOfMegabytes += message.starts_with("Data copy progress ") ? 1 : 0;
   }
 }
@@ -200,27 +228,33 @@ void RunStories::takePrompt(const LogRecord& record) {
 void RunStories::takeFailure(const LogRecord& record) {
   std::string_view message = record.message;
   if (take(message, "Source error ")) {
-    fail(record, "source", firstPath(withoutEnd(message)));
+    const PathPair paths = pathPair(withoutEnd(message));
+    fail(record, "source", paths.source, paths.target);
   } else if (take(message, "Target error ")) {
-    fail(record, "target", firstPath(withoutEnd(message)));
+    const PathPair paths = pathPair(withoutEnd(message));
+    fail(record, "target", paths.source, paths.target, paths.rest);
   } else if (take(message, "File copy failure: sizes differ: ")) {
-    fail(record, "size", message.substr(0, message.find(" (size is ")));
+    const std::string_view source = message.substr(0, message.find(" (size is "));
+    std::string_view target = message.substr(std::min(message.find(") /"), message.size() - 1) + 1);
+    target.remove_prefix(target.starts_with(' ') ? 1 : 0);
+    fail(record, "size", source, target.substr(0, target.find("  (size is ")));
   } else if (take(message, "mkdir2 sudo mkdir ")) {
     if (const std::string_view folder = failedFolder(message); !folder.empty()) {
       fail(record, "folder", folder);
     }
   } else if (take(message, "Files to be installed not found ")) {
-    fail(record, "not-found", message);
+    fail(record, "not-found", missingFolder(message));
   } else if (take(message, "copyDirectoryOrFile: no destination for ")) {
     fail(record, "no-destination", message);
   }
 }
 
-void RunStories::fail(const LogRecord& record, const char* kind, std::string_view file) {
+void RunStories::fail(const LogRecord& record, const char* kind, std::string_view file, std::string_view target,
+                      std::string_view reason) {
   ++story_->failureCount;
   if (story_->failures.size() < RunStory::kMostFailures) {
-    story_->failures.push_back(
-        {std::string(record.time), kind, std::string(file), std::string(withoutEnd(record.message))});
+    story_->failures.push_back({std::string(record.time), kind, std::string(file), std::string(target),
+                                std::string(reason), std::string(withoutEnd(record.message))});
   }
 }
 

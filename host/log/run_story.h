@@ -21,7 +21,9 @@ enum class RunEnd {
 struct RunFailure {
   std::string time;
   std::string kind;    // "source", "target", "size", "folder", "command", "not-found", "no-destination"
-  std::string file;    // what failed; empty where the record does not say
+  std::string file;    // what failed, as it lies at the source; empty where the record does not say
+  std::string target;  // "target" and "size": where it was to go
+  std::string reason;  // "target": the system's words
   std::string detail;  // the record's own words
 };
 
@@ -41,6 +43,7 @@ struct RunVolume {
   std::string end;  // empty: it never ended
   int copies = 0;   // more than one where libraries are copied one by one
   int folders = 0;
+  int timesEmpty = 0;           // how often it was looked into and nothing was there
   int hundredsOfMegabytes = 0;  // at least so much was copied, in units of 100000000 bytes
 };
 
@@ -54,8 +57,8 @@ struct RunStory {
   std::optional<int> mode;
   std::string attributesFile;  // empty: none was found
   std::string title;
-  std::string edition;  // of the choice file: "Lite" or "Full"
-  std::string destination;
+  std::string edition;                        // of the choice file: "Lite" or "Full"
+  std::vector<std::string> destinations;      // the data folders
   std::vector<std::string> detectedEditions;  // "Tessaphon: Lite"
   std::vector<RunPrompt> prompts;
   std::vector<RunVolume> volumes;
@@ -83,7 +86,8 @@ class RunStories {
   void takeVolume(const LogRecord& record);
   void takePrompt(const LogRecord& record);
   void takeFailure(const LogRecord& record);
-  void fail(const LogRecord& record, const char* kind, std::string_view file);
+  void fail(const LogRecord& record, const char* kind, std::string_view file, std::string_view target = {},
+            std::string_view reason = {});
   [[nodiscard]] bool isWaitingFor(std::string_view volumeName) const;
   RunVolume& volume();
 

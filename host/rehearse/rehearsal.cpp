@@ -1,4 +1,5 @@
 #include "host/rehearse/rehearsal.h"
+#include "host/file_checks.h"
 
 #include "host/json_events.h"
 #include "host/plain_face.h"
@@ -38,7 +39,9 @@ class Rehearsal {
         installType_(request_.installType.empty() ? set_.installType : request_.installType) {}
 
   ExitStatus run() {
-    checkReportFile();
+    if (!request_.report.empty()) {
+      requireWritable(request_.report);  // a long install must not end with a report that nobody can have
+    }
     if (!request_.keep.empty()) {
       kept_.emplace(request_.keep);
     }
@@ -59,20 +62,6 @@ class Rehearsal {
   }
 
  private:
-  // A long install must not end with a report that nobody can have.
-  void checkReportFile() const {
-    if (request_.report.empty()) {
-      return;
-    }
-    std::error_code error;
-    const fs::path file = fs::absolute(request_.report);
-    const fs::path written = fs::exists(file, error) ? file : file.parent_path();
-    if (fs::is_directory(file, error) || access(written.c_str(), W_OK) != 0) {
-      throw UsageError("cannot write the report " + request_.report.string() +
-                       "; --report takes a file in a folder that can be written");
-    }
-  }
-
   void checkRoom() const {
     const RealSizes sizes = checked_.realSizes();
     const std::int64_t needed = sizes.whole.value_or(0) + sizes.systemFolders;

@@ -2,6 +2,7 @@
 
 #include "context/bounded_text.h"
 #include "context/install_rules.h"
+#include "host/file_checks.h"
 
 #include <array>
 #include <cstdio>
@@ -92,6 +93,7 @@ AttributesReading AttributesReading::parse(std::string bytes, std::filesystem::p
 AttributesReading AttributesReading::besidePackage(const std::string& packageFolder) {
   for (const char* tail : {"/.InstallationAttributes.dat", "/../.InstallationAttributes.dat"}) {
     const std::filesystem::path path = packageFolder + tail;
+    requireNoSpecialFile(path);
     if (auto bytes = readBytes(path)) {
       return parse(std::move(*bytes), path);
     }

@@ -50,7 +50,8 @@ class AttributesReading {
   // Reads a file's bytes.
   [[nodiscard]] static AttributesReading parse(std::string bytes, std::filesystem::path path = {});
 
-  // Finds and reads the file as the page does: in the package's folder, or else one folder above.
+  // Finds and reads the file as the page does: in the package's folder, or else one folder above. Throws
+  // UsageError where a pipe or the like lies in its place, for which the page would wait without end.
   [[nodiscard]] static AttributesReading besidePackage(const std::string& packageFolder);
 
   [[nodiscard]] bool isFilePresent() const { return isFilePresent_; }

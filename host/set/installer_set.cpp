@@ -1,6 +1,7 @@
 #include "host/set/installer_set.h"
 
 #include "context/install_rules.h"
+#include "host/file_checks.h"
 #include "host/usage_error.h"
 
 #include <algorithm>
@@ -80,8 +81,14 @@ void readRehearsalFile(InstallerSet& set) {
   if (!fs::exists(file, error)) {
     return;
   }
-  std::ifstream stream(file);
-  const nlohmann::json json = nlohmann::json::parse(stream, nullptr, false);
+  requireNoSpecialFile(file);
+  // A folder in its place would throw from within the stream.
+  std::ifstream stream;
+  if (fs::is_regular_file(file, error)) {
+    stream.open(file);
+  }
+  const nlohmann::json json =
+      stream.is_open() ? nlohmann::json::parse(stream, nullptr, false) : nlohmann::json();
   if (!json.is_object()) {
     throw UsageError(file.string() + " is not a JSON object; write it as {\"product\": \"NAME\"}");
   }

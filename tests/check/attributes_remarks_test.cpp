@@ -141,6 +141,18 @@ TEST(KeyRemark, AKeyInLineNineHundredNinetyNineIsSound) {
   expectRemarks(checkFor("Lumaweave"), {}, 0);
 }
 
+TEST(KeyRemark, AKeyBeyondTheSearchThatStandsEarlierToo) {
+  std::string lines = kDiscLines;
+  for (int line = 7; line < 1000; ++line) {
+    lines += "\n";
+  }
+  makeDiscSet(lines + "NumberOfVolumes = 3\n");
+  const CheckResult result = checkFor("Lumaweave");
+  expectRemarks(result, {{"key-twice", "warning", kAttributes, 1000}}, 3);
+  EXPECT_EQ(sentenceOf(result, "key-twice"),
+            "NumberOfVolumes stands in line 5 already, and that one counts: nobody sees this one.");
+}
+
 TEST(KeyRemark, AKeyThatStandsTwice) {
   makeDiscSet(kDiscLines + "mode = DataUpdater\n");
   const CheckResult result = checkFor("Lumaweave");

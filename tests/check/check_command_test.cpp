@@ -35,27 +35,28 @@ TEST(CheckCommand, SaysThatThereIsNothingToRemark) {
   makeDiscSet();
   const Outcome outcome = runCheck(kSetFolder + " --product Lumaweave");
   EXPECT_EQ(outcome.status, 0) << outcome.output;
-  EXPECT_EQ(outcome.output,
-            "The set /Users/tester/Installer\n"
-            "  Installer.pkg for Lumaweave, whose data folder is DOVA\n"
-            "\n"
-            "What the page would do\n"
-            "  Mode          2, install from discs. The Mode in line 1 of .InstallationAttributes.dat reads "
-            "\"InstallFromVolumes\".\n"
-            "  Title         Installing Lumaweave\n"
-            "  Text          Now installing to \n"
-            "                 \n"
-            "                ~/Library/Application Support/Tavenhall/DOVA\n"
-            "  Edition       There is one edition.\n"
-            "  Size          1.0 MB announced by TotalSizeMillionsBytes; there are 0.0 MB\n"
-            "  DOVA          to ~/Library/Application Support/Tavenhall/DOVA, 2 volumes\n"
-            "    1           /Volumes/Tavenhall Lumaweave (discs/1 Tavenhall Lumaweave): DOVA, 1 file, 0.0 MB\n"
-            "    2           /Volumes/Tavenhall Lumaweave (discs/2 Tavenhall Lumaweave): DOVA, 1 file, 0.0 MB\n"
-            "  At the end    Installed in \n"
-            "                 \n"
-            "                ~/Library/Application Support/Tavenhall/DOVA\n"
-            "\n"
-            "Nothing to remark.\n");
+  EXPECT_EQ(
+      outcome.output,
+      "The set /Users/tester/Installer\n"
+      "  Installer.pkg for Lumaweave, whose data folder is DOVA\n"
+      "\n"
+      "What the page would do\n"
+      "  Mode           2, install from discs. The Mode in line 1 of .InstallationAttributes.dat reads "
+      "\"InstallFromVolumes\".\n"
+      "  Title          Installing Lumaweave\n"
+      "  Text           Now installing to\n"
+      "\n"
+      "                 ~/Library/Application Support/Tavenhall/DOVA\n"
+      "  Edition        There is one edition.\n"
+      "  Size           1.0 MB announced by TotalSizeMillionsBytes; there are 0.0 MB\n"
+      "  DOVA           to ~/Library/Application Support/Tavenhall/DOVA, 2 volumes\n"
+      "    1            /Volumes/Tavenhall Lumaweave (discs/1 Tavenhall Lumaweave): DOVA, 1 file, 0.0 MB\n"
+      "    2            /Volumes/Tavenhall Lumaweave (discs/2 Tavenhall Lumaweave): DOVA, 1 file, 0.0 MB\n"
+      "  At the end     Installed in\n"
+      "\n"
+      "                 ~/Library/Application Support/Tavenhall/DOVA\n"
+      "\n"
+      "Nothing to remark.\n");
 }
 
 TEST(CheckCommand, ShowsEachRemarkWithItsPlaceAndReference) {

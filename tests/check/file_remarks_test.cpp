@@ -37,6 +37,13 @@ TEST(FileRemark, HiddenFilesBesideTheDataFolderAreSound) {
   expectRemarks(checkFor("Lumaweave"), {}, 0);
 }
 
+TEST(FileRemark, AFileThatIsTakenForAnAttributesFile) {
+  makeDiscSet();
+  writeFile(inSet(kData + "Factory/Copy of.InstallationAttributes.dat"), "x");
+  expectRemarks(checkFor("Lumaweave"),
+                {{"file-skipped", "warning", kData + "Factory/Copy of.InstallationAttributes.dat"}}, 3);
+}
+
 TEST(FileRemark, ALinkToAFile) {
   makeDiscSet();
   makeLink("Factory/one.db", kData + "alias.db");

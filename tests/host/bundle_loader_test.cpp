@@ -63,7 +63,8 @@ TEST(LoadBundle, APageForAnotherHostIsNotMade) {
 TEST(LoadBundle, AFolderWithoutAProgramIsRefused) {
   makeFolder("/tmp/Empty.bundle/Contents");
   EXPECT_EQ(refusal("/tmp/Empty.bundle"),
-            "cannot load /tmp/Empty.bundle: it has no Contents/MacOS/InstallDataPane");
+            "cannot load /tmp/Empty.bundle: it has no Contents/MacOS/InstallDataPane; --bundle takes a "
+            "plug-in's folder");
 }
 
 TEST(LoadBundle, AMissingFolderIsRefused) {

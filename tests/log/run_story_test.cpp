@@ -1,9 +1,11 @@
 #include "host/log/run_story.h"
 #include "host/log/log_report.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -88,6 +90,35 @@ TEST(RunStories, ARunThatBreaksOffNeverEnded) {
   EXPECT_THAT(reportText(story, 1), HasSubstr("it never ended; its last word: Volume 0 /Volumes/A/TANVO\n"));
 }
 
+TEST(RunStories, ARunWhoseLastWordIsRecentMayStillRun) {
+  const RunStory story = Log().enter().say("File exists").story();
+  EXPECT_THAT(reportText(story, 1, true),
+              HasSubstr("not ended, and it may still run; its latest word: File exists\n"));
+  EXPECT_EQ(reportJson(story, 1, true)["mayStillRun"], true);
+}
+
+TEST(RunStories, EachDataFolderIsToldOnce) {
+  const RunStory story = Log()
+                             .enter()
+                             .say("After resolve 1 /U/TANVO")
+                             .say("After resolve 1 /U/TANVO")
+                             .say("After resolve 1 /U/DOVA")
+                             .story();
+  EXPECT_THAT(story.destinations, ElementsAre("/U/TANVO", "/U/DOVA"));
+}
+
+TEST(RunStories, ADiscThatLookedEmptySaysSo) {
+  const RunStory story = Log()
+                             .enter()
+                             .say("Volume 0 /V/T\n")
+                             .say("copySingleVolume: no items found in top level folder. Attempt 0")
+                             .say("copySingleVolume: no items found in top level folder. Attempt 1")
+                             .say("Begin copySingleVolume: copySrcPath /V/T\n")
+                             .say("End copySingleVolume: copySrcPath /V/T\n")
+                             .story();
+  EXPECT_THAT(reportText(story, 1), HasSubstr(", 0 folders, found empty 2 times\n"));
+}
+
 TEST(RunStories, AMissingDataFolderIsAnEndOfItsOwn) {
   const RunStory story = Log().enter().say("InstallData fatal error: TANVO or DOVA folder not found.").story();
   EXPECT_EQ(story.outcome, RunEnd::noDataFolder);
@@ -107,7 +138,7 @@ TEST(RunStories, SettingsAreTold) {
                              .story();
   EXPECT_EQ(story.mode, 4);
   EXPECT_EQ(story.edition, "Lite");
-  EXPECT_EQ(story.destination, "/Users/u/Library/Application Support/Tavenhall/TANVO");
+  EXPECT_THAT(story.destinations, ElementsAre("/Users/u/Library/Application Support/Tavenhall/TANVO"));
   EXPECT_THAT(story.detectedEditions, ElementsAre("Tessaphon: Lite", "Quorra: Full"));
   EXPECT_THAT(story.placed, ElementsAre("/Applications//Tessaphon.app"));
   EXPECT_EQ(story.refusals, 1);
@@ -148,8 +179,8 @@ TEST(RunStories, PromptsForOneDiscAreCountedUntilItIsThere) {
   EXPECT_EQ(story.prompts[0].found, "May 01 2026 10:00:30");
   EXPECT_EQ(story.prompts[1].times, 1);
   EXPECT_THAT(reportText(story, 1),
-              HasSubstr("    disc           Tavenhall Lumaweave, asked 2 times, found after 20 s\n"
-                        "    disc           Tavenhall Lumaweave, asked 1 time, never found\n"));
+              HasSubstr("    disc           Tavenhall Lumaweave, asked for 2 times, found after 20 s\n"
+                        "    disc           Tavenhall Lumaweave, asked for 1 time, never found\n"));
 }
 
 TEST(RunStories, ASkippedOptionalDiscIsTold) {
@@ -158,13 +189,16 @@ TEST(RunStories, ASkippedOptionalDiscIsTold) {
                              .say("Dialog prompting to insert optional disc: 1 Copper Lanes\n")
                              .say("Skipping an optional disc (ProcessThisDisc false)")
                              .story();
-  EXPECT_THAT(reportText(story, 1), HasSubstr("Copper Lanes (optional), asked 1 time, skipped\n"));
+  EXPECT_THAT(reportText(story, 1), HasSubstr("Copper Lanes (optional), asked for 1 time, skipped\n"));
 }
 
 struct FailureCase {
   const char* message;
   const char* kind;
   const char* file;
+  const char* said;
+
+  friend std::ostream& operator<<(std::ostream& out, const FailureCase& tested) { return out << tested.kind; }
 };
 
 class RunFailures : public testing::TestWithParam<FailureCase> {};
@@ -174,20 +208,43 @@ TEST_P(RunFailures, AreToldWithTheirFile) {
   ASSERT_EQ(story.failures.size(), 1U);
   EXPECT_EQ(story.failures[0].kind, GetParam().kind);
   EXPECT_EQ(story.failures[0].file, GetParam().file);
-  EXPECT_THAT(reportText(story, 1), HasSubstr("ended, with 1 failures"));
+  EXPECT_THAT(reportText(story, 1), HasSubstr(": ended, with 1 failure\n"));
+  EXPECT_THAT(reportText(story, 1),
+              HasSubstr("    FAILED         10:00:10  " + std::string(GetParam().said) + "\n"));
 }
 
 INSTANTIATE_TEST_SUITE_P(
     All, RunFailures,
-    testing::Values(
-        FailureCase{"Source error /V/A B/T/a b.db /U/Application Support/T/a b.db\n", "source",
-                    "/V/A B/T/a b.db"},
-        FailureCase{"Target error /V/T/a.db /U/T/a.db No space left on device\n", "target", "/V/T/a.db"},
-        FailureCase{"File copy failure: sizes differ: /V/a (size is 7) /U/a  (size is 0)  \n", "size", "/V/a"},
-        FailureCase{"mkdir2 sudo mkdir /U/x y 256 17 /U/x y", "folder", "/U/x y"},
-        FailureCase{"Files to be installed not found /V /V/T /V/Mac OSX/T", "not-found",
-                    "/V /V/T /V/Mac OSX/T"},
-        FailureCase{"copyDirectoryOrFile: no destination for /V/T", "no-destination", "/V/T"}));
+    testing::Values(FailureCase{"Source error /V/A B/T/a b.db /U/Application Support/T/a b.db\n", "source",
+                                "/V/A B/T/a b.db", "cannot read /V/A B/T/a b.db"},
+                    FailureCase{"Target error /V/T/a b.db /U/T/a b.db No space left on device\n", "target",
+                                "/V/T/a b.db", "cannot write /U/T/a b.db: No space left on device"},
+                    FailureCase{"File copy failure: sizes differ: /V/a b (size is 7) /U/a b  (size is 0)  \n",
+                                "size", "/V/a b", "not copied whole, perhaps since the disk is full: /U/a b"},
+                    FailureCase{"mkdir2 sudo mkdir /U/x y 256 17 /U/x y", "folder", "/U/x y",
+                                "cannot make the folder /U/x y"},
+                    FailureCase{"Files to be installed not found /V /a /V /a/T /V /a/Mac OSX/T", "not-found",
+                                "/V /a/T", "no data to install: there is no /V /a/T"},
+                    FailureCase{"copyDirectoryOrFile: no destination for /V/T", "no-destination", "/V/T",
+                                "nowhere to copy /V/T to: its data folder is missing"}),
+    [](const auto& tested) {
+      std::string name = tested.param.kind;
+      std::replace(name.begin(), name.end(), '-', '_');
+      return name;
+    });
+
+// A log that was cut or written to by others may hold anything.
+TEST(RunStories, RecordsThatBreakOffAreToldInTheirOwnWords) {
+  for (const char* message :
+       {"Source error", "Source error ", "Target error /V/a", "Target error /V/a /U/b",
+        "File copy failure: sizes differ: ", "File copy failure: sizes differ: /V/a (size",
+        "File copy failure: sizes differ: /V/a (size is 7) ", "mkdir2 sudo mkdir /U/x 256",
+        "Files to be installed not found ", "Files to be installed not found /V /V"}) {
+    const RunStory story = Log().enter().say(message).complete().story();
+    EXPECT_THAT(reportText(story, 1), HasSubstr("Run 1, ")) << message;
+    EXPECT_LE(story.failureCount, 1) << message;
+  }
+}
 
 TEST(RunStories, AFolderThatTheCommandMadeIsNoFailure) {
   EXPECT_EQ(Log().enter().say("mkdir2 sudo mkdir /U/x 0 17 /U/x").complete().story().failureCount, 0);

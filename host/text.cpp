@@ -1,0 +1,102 @@
+#include "host/text.h"
+
+#include <algorithm>
+#include <array>
+#include <clocale>
+#include <cstdlib>
+#include <cwchar>
+#include <libintl.h>
+#include <vector>
+
+namespace tavenhall {
+
+namespace {
+
+constexpr const char* kDomain = "tavinstall";
+
+// What the environment says of the language of texts; null where it says nothing.
+const char* namedLocale() {
+  for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+    if (const char* value = std::getenv(name); value != nullptr && *value != '\0') {
+      return value;
+    }
+  }
+  return nullptr;
+}
+
+std::string fillFrom(std::string_view pattern, const std::string_view* values, std::size_t count) {
+  std::string text;
+  while (!pattern.empty()) {
+    const std::size_t brace = std::min(pattern.find('{'), pattern.size());
+    text += pattern.substr(0, brace);
+    pattern.remove_prefix(brace);
+    if (pattern.starts_with("{{")) {
+      text += '{';
+      pattern.remove_prefix(2);
+    } else if (pattern.size() >= 3 && pattern[2] == '}' && pattern[1] >= '0' &&
+               static_cast<std::size_t>(pattern[1] - '0') < count) {
+      text += values[pattern[1] - '0'];
+      pattern.remove_prefix(3);
+    } else if (!pattern.empty()) {
+      text += '{';  // no place of a value: it stands for itself
+      pattern.remove_prefix(1);
+    }
+  }
+  return text;
+}
+
+}  // namespace
+
+void speakUsersLanguage(const std::filesystem::path& catalogs) {
+  if (std::setlocale(LC_MESSAGES, "") == nullptr) {
+    // The system lacks the user's locale, as small systems do. The catalogs do not need it: any locale but
+    // "C" makes them be looked at, and LANGUAGE says which.
+    if (const char* named = namedLocale();
+        named != nullptr && std::setlocale(LC_MESSAGES, "C.UTF-8") != nullptr) {
+      setenv("LANGUAGE", named, 0);
+    }
+  }
+  bindtextdomain(kDomain, catalogs.c_str());
+  bind_textdomain_codeset(kDomain, "UTF-8");
+}
+
+void speakEnglish() { std::setlocale(LC_MESSAGES, "C"); }
+
+const char* _(const char* english) { return dgettext(kDomain, english); }
+
+std::string filled(std::string_view pattern, std::initializer_list<std::string_view> values) {
+  return fillFrom(pattern, values.begin(), values.size());
+}
+
+std::string counted(const char* one, const char* several, std::int64_t number,
+                    std::initializer_list<std::string_view> more) {
+  const std::string digits = std::to_string(number);
+  std::vector<std::string_view> values{digits};
+  values.insert(values.end(), more);
+  const auto count = static_cast<unsigned long>(std::max<std::int64_t>(number, 0));
+  return fillFrom(dngettext(kDomain, one, several, count), values.data(), values.size());
+}
+
+std::size_t columnsOf(std::string_view text) {
+  std::size_t columns = 0;
+  std::mbstate_t state{};
+  while (!text.empty()) {
+    wchar_t character = 0;
+    const std::size_t length = std::mbrtowc(&character, text.data(), text.size(), &state);
+    const bool isCharacter = length > 0 && length <= text.size();
+    const int width = isCharacter ? wcwidth(character) : -1;
+    columns += width < 0 ? 1 : static_cast<std::size_t>(width);
+    text.remove_prefix(isCharacter ? length : 1);
+    if (!isCharacter) {
+      state = {};
+    }
+  }
+  return columns;
+}
+
+std::string padded(std::string_view text, std::size_t columns) {
+  const std::size_t taken = columnsOf(text);
+  return std::string(text) + std::string(taken < columns ? columns - taken : 1, ' ');
+}
+
+}  // namespace tavenhall

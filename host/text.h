@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+// The program's own words in the user's language. A text stands in the sources in English, within _() or its
+// like, which is also how it reads where there is no translation; po/ holds the others. What programs read
+// (JSON, the engine's lines, the installation log) is never translated.
+//
+// Places for values are written {0}, {1} and so on, since their order differs between languages.
+namespace tavenhall {
+
+// From now on texts are in the language that the environment names, as far as there is a catalog of it below
+// `catalogs`. Once, before any thread is started.
+void speakUsersLanguage(const std::filesystem::path& catalogs);
+
+// From now on texts are in English again, those of the C library too. While there is one thread.
+void speakEnglish();
+
+// The translation of a text. Lives for the process. Any thread.
+[[nodiscard]] const char* _(const char* english);
+
+// Marks a text in a table, to be translated where it is shown.
+[[nodiscard]] constexpr const char* N_(const char* english) { return english; }
+
+// The text with the values in their places. "{{" stands for "{". Any thread.
+[[nodiscard]] std::string filled(std::string_view pattern, std::initializer_list<std::string_view> values);
+
+// The form for one thing or for several, {0} being how many: counted("{0} file", "{0} files", 2). Languages
+// have other forms, and rules for them, of their own. Further values, from {1} on, may follow.
+[[nodiscard]] std::string counted(const char* one, const char* several, std::int64_t number,
+                                  std::initializer_list<std::string_view> more = {});
+
+// How many columns of a terminal the text takes, as LC_CTYPE has it; what is no character takes one.
+[[nodiscard]] std::size_t columnsOf(std::string_view text);
+
+// The text with blanks behind it up to so many columns, and always one.
+[[nodiscard]] std::string padded(std::string_view text, std::size_t columns);
+
+}  // namespace tavenhall
