@@ -120,6 +120,19 @@ std::vector<int> countCalls(const SweepScenario& scenario) {
   return counts;
 }
 
+std::vector<Fault> faultsOf(const KindOfFault& kind, int calls) {
+  std::vector<Fault> faults;
+  for (const Verdict& verdict : kind.verdicts) {
+    for (int nth = 1; nth <= calls; ++nth) {
+      faults.push_back({kind.kind, verdict, nth, false});
+      if (verdict.kind != Verdict::Kind::kill) {
+        faults.push_back({kind.kind, verdict, nth, true});
+      }
+    }
+  }
+  return faults;
+}
+
 std::vector<PlannedCase> planCases(const Options& options, Tallies& tallies) {
   std::vector<PlannedCase> cases;
   std::mt19937 random(options.seed);
@@ -132,13 +145,9 @@ std::vector<PlannedCase> planCases(const Options& options, Tallies& tallies) {
         continue;
       }
       tallies[{scenario.name, kind.name}].calls = counts[i];
-      for (const Verdict& verdict : kind.verdicts) {
-        for (int nth = 1; nth <= counts[i]; ++nth) {
-          for (const bool isLasting : {false, true}) {
-            if (random() % static_cast<unsigned>(options.part) == 0) {
-              cases.push_back({&scenario, &kind, {kind.kind, verdict, nth, isLasting}});
-            }
-          }
+      for (const Fault& fault : faultsOf(kind, counts[i])) {
+        if (random() % static_cast<unsigned>(options.part) == 0) {
+          cases.push_back({&scenario, &kind, fault});
         }
       }
     }
@@ -213,12 +222,12 @@ class Sweep {
 
   void printFigures() const {
     static constexpr std::array kEndings{Ending::whole,      Ending::falseAlarm, Ending::named, Ending::stopped,
-                                          Ending::sheetsOnly, Ending::silent,     Ending::lost};
+                                          Ending::sheetsOnly, Ending::silent,     Ending::killed,     Ending::lost};
     std::printf("| install | call | calls | errors | runs |");
     for (const Ending ending : kEndings) {
       std::printf(" %s |", endingName(ending));
     }
-    std::printf("\n|---|---|---|---|---|---|---|---|---|---|---|---|\n");
+    std::printf("\n|---|---|---|---|---|---|---|---|---|---|---|---|---|\n");
     Tally all;
     for (const auto& [name, tally] : tallies_) {
       std::string errors;

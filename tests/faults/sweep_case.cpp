@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -101,13 +102,15 @@ bool lastWordFits(const GatedRun& run) {
   }
 }
 
-// The sheets after which nothing is copied any more.
-bool wasGivenUp(const GatedRun& run) {
+// What the page, or the host, says when nothing is copied any more.
+bool wasGivenUp(const GatedRun& run, const std::vector<std::string>& log) {
+  const auto hasNoThread = [](const std::string& line) {
+    return line.ends_with("spawnBackgroundInstallJob: could not start the install thread");
+  };
   return run.status == 2 || run.status == 3 ||
          run.output.find("! Files to be installed not found.") != std::string::npos ||
-         run.output.find("! The installation of the") != std::string::npos ||
-         run.output.find("fatal error") != std::string::npos ||
-         run.output.find("folder was not found") != std::string::npos;
+         run.output.find("! The folder for the Tessaphon data was not found.") != std::string::npos ||
+         std::ranges::any_of(log, hasNoThread);
 }
 
 bool rehearsalFindsIt(const SweepScenario& scenario) {
@@ -123,6 +126,7 @@ bool rehearsalFindsIt(const SweepScenario& scenario) {
 
 struct Hits {
   int count = 0;
+  std::string firstPath;
   bool onLog = false;
   const char* silence = nullptr;
 };
@@ -149,7 +153,7 @@ CaseResult judgeRun(const SweepScenario& scenario, const GatedRun& run, const Hi
     if (unnamed == wrong.end()) {
       return {Ending::named, ""};
     }
-    if (wasGivenUp(run)) {
+    if (wasGivenUp(run, log)) {
       return {Ending::stopped, ""};
     }
     if (hits.onLog) {
@@ -166,6 +170,16 @@ CaseResult judgeRun(const SweepScenario& scenario, const GatedRun& run, const Hi
                              (unnamed != wrong.end() ? *unnamed : wrong.front())->destination + "\n" + run.output};
 }
 
+// The engine is gone, and its face says so; or the face itself, before it had started the engine.
+CaseResult judgeKilled(const GatedRun& run) {
+  const bool saysSo = run.status == 1 && run.output.find("! The installer's engine ended before its time.\n") !=
+                                             std::string::npos;
+  if (run.isHung || (!saysSo && run.status != 128 + SIGKILL)) {
+    return {Ending::lost, "killed, it ended with " + std::to_string(run.status) + "\n" + run.output};
+  }
+  return {Ending::killed, ""};
+}
+
 }  // namespace
 
 const char* endingName(Ending ending) {
@@ -176,6 +190,7 @@ const char* endingName(Ending ending) {
     case Ending::stopped: return "stopped";
     case Ending::sheetsOnly: return "sheets only";
     case Ending::silent: return "silent";
+    case Ending::killed: return "killed";
     case Ending::lost: break;
   }
   return "lost";
@@ -186,28 +201,31 @@ std::span<const KindOfFault> kindsOfFaults() {
       {CallKind::open,
        "open",
        {failWith(ENOENT), failWith(EACCES), failWith(EIO), failWith(ENOSPC), failWith(EROFS), failWith(EMFILE),
-        failWith(EINTR)}},
-      {CallKind::read, "read", {failWith(EIO), failWith(EINTR), kShorten}},
-      {CallKind::write, "write", {failWith(ENOSPC), failWith(EIO), failWith(EINTR), kShorten}},
-      {CallKind::close, "close", {failWith(EIO), failWith(ENOSPC), failWith(EINTR)}},
-      {CallKind::stat, "stat", {failWith(ENOENT), failWith(EACCES), failWith(EIO)}},
+        failWith(EINTR), kKill}},
+      {CallKind::read, "read", {failWith(EIO), failWith(EINTR), kShorten, kKill}},
+      {CallKind::write, "write", {failWith(ENOSPC), failWith(EIO), failWith(EINTR), kShorten, kKill}},
+      {CallKind::close, "close", {failWith(EIO), failWith(ENOSPC), failWith(EINTR), kKill}},
+      {CallKind::stat, "stat", {failWith(ENOENT), failWith(EACCES), failWith(EIO), kKill}},
       {CallKind::makeFolder,
        "mkdir",
-       {failWith(ENOENT), failWith(EACCES), failWith(EIO), failWith(ENOSPC), failWith(EROFS)}},
-      {CallKind::list, "getdents", {failWith(EIO), failWith(ENOENT)}},
-      {CallKind::remove, "unlink", {failWith(EACCES), failWith(EIO), failWith(EROFS), failWith(ENOENT)}},
-      {CallKind::rename, "rename", {failWith(EACCES), failWith(EIO), failWith(EROFS), failWith(ENOSPC)}},
-      {CallKind::permissions, "chmod", {failWith(EACCES), failWith(EIO), failWith(EROFS)}},
-      {CallKind::fileSystem, "statfs", {failWith(EACCES), failWith(EIO)}},
-      {CallKind::readLink, "readlink", {failWith(EACCES), failWith(EIO), failWith(ENOENT)}},
-      {CallKind::seek, "lseek", {failWith(EIO)}},
-      {CallKind::startThread, "thread", {failWith(EAGAIN)}},
-      {CallKind::startCommand, "command", {failWith(EAGAIN)}},
+       {failWith(ENOENT), failWith(EACCES), failWith(EIO), failWith(ENOSPC), failWith(EROFS), kKill}},
+      {CallKind::list, "getdents", {failWith(EIO), failWith(ENOENT), kKill}},
+      {CallKind::remove, "unlink", {failWith(EACCES), failWith(EIO), failWith(EROFS), failWith(ENOENT), kKill}},
+      {CallKind::rename, "rename", {failWith(EACCES), failWith(EIO), failWith(EROFS), failWith(ENOSPC), kKill}},
+      {CallKind::permissions, "chmod", {failWith(EACCES), failWith(EIO), failWith(EROFS), kKill}},
+      {CallKind::fileSystem, "statfs", {failWith(EACCES), failWith(EIO), kKill}},
+      {CallKind::readLink, "readlink", {failWith(EACCES), failWith(EIO), failWith(ENOENT), kKill}},
+      {CallKind::seek, "lseek", {failWith(EIO), kKill}},
+      {CallKind::startThread, "thread", {failWith(EAGAIN), kKill}},
+      {CallKind::startCommand, "command", {failWith(EAGAIN), kKill}},
   };
   return kKinds;
 }
 
 std::string verdictName(Verdict verdict) {
+  if (verdict.kind == Verdict::Kind::kill) {
+    return "kill";
+  }
   static constexpr std::array<std::pair<int, const char*>, 9> kNames{{{ENOENT, "ENOENT"},
                                                                       {EACCES, "EACCES"},
                                                                       {EIO, "EIO"},
@@ -251,19 +269,22 @@ CaseResult runCase(const SweepScenario& scenario, const Fault& fault) {
     if (calls < fault.nth || (calls > fault.nth && !fault.isLasting)) {
       return kPass;
     }
-    ++hits.count;
+    if (hits.count++ == 0) {
+      hits.firstPath = call.path;
+    }
     hits.onLog = hits.onLog || call.path.starts_with("/Users/tester/Library/Caches");
     if (hits.silence == nullptr) {
       hits.silence = requiredSilence(scenario, call);
     }
     return fault.verdict;
   });
-  CaseResult result = judgeRun(scenario, run, hits, files);
   if (hits.count == 0) {
     return {Ending::lost, "there was no such call"};
   }
+  CaseResult result = fault.verdict.kind == Verdict::Kind::kill ? judgeKilled(run)
+                                                                 : judgeRun(scenario, run, hits, files);
   if (result.ending == Ending::lost) {
-    return result;
+    return {Ending::lost, "at " + hits.firstPath + ": " + result.why};
   }
 
   const std::string log = exists(kLog) ? contentsOf(kLog) : "";

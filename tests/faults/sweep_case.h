@@ -14,7 +14,7 @@ struct Fault {
   CallKind kind;
   Verdict verdict;
   int nth;        // the call of this kind that goes wrong, from 1
-  bool isLasting;  // it and all that follow
+  bool isLasting;  // it and all that follow; never for an end of the process
 };
 
 enum class Ending {
@@ -24,6 +24,7 @@ enum class Ending {
   stopped,     // nothing more was begun, and the last word says so
   sheetsOnly,  // the log could not be written; sheets tell of the failures
   silent,      // the page has to keep silent about it, and does; a rehearsal's comparison finds it
+  killed,      // the process was ended in the middle of it, and its face says so
   lost,        // anything else: an error of ours
 };
 [[nodiscard]] const char* endingName(Ending ending);
