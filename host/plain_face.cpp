@@ -33,11 +33,7 @@ void askToStop(int /*signal*/) { stopRequested->signal(); }
 // One run, seen through the lines of an engine in another process.
 class PlainFace {
  public:
-  PlainFace(const EngineProcess& engine, std::string log) : engine_(engine), log_(std::move(log)) {
-    send({{"do", "title"}});
-    send({{"do", "enter"}});
-    send({{"do", "wait"}});
-  }
+  PlainFace(const EngineProcess& engine, std::string log) : engine_(engine), log_(std::move(log)) {}
 
   ExitStatus run() {
     stopRequested = &wakeUp_;
@@ -47,8 +43,11 @@ class PlainFace {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
       sigaction(signal, &action, nullptr);
     }
-    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGPIPE, SIG_IGN);  // an engine that refuses to begin is gone before it has read anything
 
+    send({{"do", "title"}});
+    send({{"do", "enter"}});
+    send({{"do", "wait"}});
     while (engineLines_.isOpen()) {
       step();
     }
