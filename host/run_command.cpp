@@ -3,6 +3,7 @@
 #include "host/command_line.h"
 #include "host/engine_process.h"
 #include "host/log/users_log.h"
+#include "host/other_users.h"
 #include "host/plain_face.h"
 #include "host/pre_install.h"
 #include "host/run_options.h"
@@ -29,6 +30,7 @@ struct RunArguments {
   std::string ui;  // empty: the terminal page where there is a terminal for it, else plain lines
   std::string summary;
   bool noPreInstall = false;
+  bool isTrusted = false;
 };
 
 // The names are in the option's own text already, so the help does not list them again.
@@ -52,6 +54,29 @@ Face faceFor(const std::string& name) {
   return name != "plain" && terminalIsUsable() ? Face::terminal : Face::plain;
 }
 
+// What the page would believe though other users may have written it; empty if nothing.
+std::string whatOthersDecide(const RunOptions& options) {
+  std::string line =
+      options.package.empty() ? writtenByOthers(kLocationFile) : changeableByOthers(options.package);
+  if (line.empty() && options.installType.empty()) {
+    line = writtenByOthers(kInstallTypeFile);
+  }
+  return line;
+}
+
+// A program that speaks the lines itself judges for itself, so it is only told.
+void refuseWhatOthersDecide(const RunOptions& options) {
+  const std::string line = whatOthersDecide(options);
+  if (line.empty()) {
+    return;
+  }
+  const UsageError error(line + "; --trusted installs all the same");
+  if (options.face != Face::json) {
+    throw error;
+  }
+  showError(error);
+}
+
 RunOptions optionsFrom(const RunArguments& arguments) {
   RunOptions options;
   if (!arguments.noPreInstall) {
@@ -65,6 +90,9 @@ RunOptions optionsFrom(const RunArguments& arguments) {
       arguments.bundle.empty() ? findBundle(arguments.product) : std::filesystem::path(arguments.bundle);
   options.face = faceFor(arguments.ui);
   options.summary = arguments.summary;
+  if (!arguments.isTrusted) {
+    refuseWhatOthersDecide(options);
+  }
   return options;
 }
 
@@ -104,6 +132,8 @@ void addRunCommand(CommandLine& commandLine) {
       ->type_name("FILE");
   run->add_flag("--no-preinstall", arguments->noPreInstall,
                 "Use the files that a package's pre-install step has left in /tmp");
+  run->add_flag("--trusted", arguments->isTrusted,
+                "Install although other users can change what the page goes by");
   run->callback(
       [&commandLine, arguments] { commandLine.chosen = [arguments] { return tavenhall::run(*arguments); }; });
 }
