@@ -19,9 +19,9 @@ struct GatedCall {
 
 [[nodiscard]] std::span<const GatedCall> gatedCalls();
 
-// Makes the kernel ask before each of these calls, and before sleeping and starting threads, in this process and
-// all that come of it. The descriptor by which it asks. For a process about to run a program. -1, with errno set,
-// where the system cannot.
+// Makes the kernel ask before each of these calls, and before sleeping and starting threads, in this process
+// and all that come of it. The descriptor by which it asks. For a process about to run a program. -1, with
+// errno set, where the system cannot.
 [[nodiscard]] int installCallFilter();
 
 }  // namespace tavenhall::test

@@ -205,7 +205,8 @@ class Gate {
     if (call->descriptorArgument >= 0) {
       path = pathOfDescriptor(asker, static_cast<int>(arguments[call->descriptorArgument]));
     } else {
-      const int folder = call->folderArgument < 0 ? AT_FDCWD : static_cast<int>(arguments[call->folderArgument]);
+      const int folder =
+          call->folderArgument < 0 ? AT_FDCWD : static_cast<int>(arguments[call->folderArgument]);
       path = pathBelow(asker, folder, readText(asker, arguments[call->pathArgument]));
     }
     if (!isWatched(path)) {
@@ -238,7 +239,8 @@ class Gate {
     std::vector<char> bytes(half);
     ssize_t count = -1;
     if (kind == CallKind::write) {
-      count = readMemory(asker, question.data.args[1], bytes.data(), half) ? write(file, bytes.data(), half) : -1;
+      count =
+          readMemory(asker, question.data.args[1], bytes.data(), half) ? write(file, bytes.data(), half) : -1;
     } else {
       count = read(file, bytes.data(), half);
       if (count > 0) {
@@ -269,7 +271,8 @@ class Gate {
   std::set<pid_t> processes_;
 };
 
-// Grandchildren that are left over come to this process, so that each number stays theirs until it is waited for.
+// Grandchildren that are left over come to this process, so that each number stays theirs until it is waited
+// for.
 void reapAll() {
   prctl(PR_SET_CHILD_SUBREAPER, 0, 0, 0, 0);
   while (waitpid(-1, nullptr, 0) > 0) {

@@ -8,25 +8,25 @@
 #include <vector>
 
 // Runs a program so that every system call by which it touches the page's files, or starts a thread or a
-// command, is first shown to the test, which lets it through, answers it with an error, shortens it, or ends the
-// process in the middle of it. The program is the built one, as it is; the kernel asks (seccomp's user
+// command, is first shown to the test, which lets it through, answers it with an error, shortens it, or ends
+// the process in the middle of it. The program is the built one, as it is; the kernel asks (seccomp's user
 // notification), so nothing in it knows. Linux.
 //
 // Its sleeps pass a thousand times faster, so that the page's waits for discs cost nothing.
 namespace tavenhall::test {
 
 enum class CallKind {
-  open,         // a file or a folder
-  read,         // from a file
-  write,        // to a file
-  close,        // a file or a folder
-  stat,         // by path or descriptor
+  open,   // a file or a folder
+  read,   // from a file
+  write,  // to a file
+  close,  // a file or a folder
+  stat,   // by path or descriptor
   makeFolder,
-  list,         // a folder's next entries
-  remove,       // a file or a folder
+  list,    // a folder's next entries
+  remove,  // a file or a folder
   rename,
   permissions,
-  fileSystem,   // what the file system at a path is like
+  fileSystem,  // what the file system at a path is like
   readLink,
   seek,
   startThread,
@@ -57,8 +57,8 @@ inline constexpr Verdict kShorten{Verdict::Kind::shorten, 0};  // half the bytes
 using Judge = std::function<Verdict(const FileCall&)>;
 
 struct GatedRun {
-  int status = -1;       // the exit status, or 128 and the signal's number
-  bool isHung = false;   // was still running at the limit, and was ended
+  int status = -1;      // the exit status, or 128 and the signal's number
+  bool isHung = false;  // was still running at the limit, and was ended
   std::string output;
   std::string error;
 };

@@ -157,8 +157,9 @@ std::vector<PlannedCase> planCases(const Options& options, Tallies& tallies) {
 
 std::string describe(const PlannedCase& planned) {
   const Fault& fault = planned.fault;
-  return std::string(planned.scenario->name) + ": " + planned.kind->name + " number " + std::to_string(fault.nth) +
-         (fault.isLasting ? " and all that follow" : "") + ", " + verdictName(fault.verdict);
+  return std::string(planned.scenario->name) + ": " + planned.kind->name + " number " +
+         std::to_string(fault.nth) + (fault.isLasting ? " and all that follow" : "") + ", " +
+         verdictName(fault.verdict);
 }
 
 // ---- The run ----
@@ -221,8 +222,9 @@ class Sweep {
   }
 
   void printFigures() const {
-    static constexpr std::array kEndings{Ending::whole,      Ending::falseAlarm, Ending::named, Ending::stopped,
-                                          Ending::sheetsOnly, Ending::silent,     Ending::killed,     Ending::lost};
+    static constexpr std::array kEndings{Ending::whole,   Ending::falseAlarm, Ending::named,
+                                         Ending::stopped, Ending::sheetsOnly, Ending::silent,
+                                         Ending::killed,  Ending::lost};
     std::printf("| install | call | calls | errors | runs |");
     for (const Ending ending : kEndings) {
       std::printf(" %s |", endingName(ending));

@@ -61,7 +61,8 @@ std::vector<std::string> linesOf(const std::string& text) {
 bool isNamed(const InstalledFile& file, const std::vector<std::string>& log, const std::string& linked) {
   return std::ranges::any_of(log, [&](const std::string& line) {
     const auto has = [&line](const std::string& text) { return line.find(text) != std::string::npos; };
-    const bool isOfFile = has("Source error ") || has("Target error ") || has("File copy failure: sizes differ: ");
+    const bool isOfFile =
+        has("Source error ") || has("Target error ") || has("File copy failure: sizes differ: ");
     if (isOfFile) {
       return has(file.destination) || has(linked);
     }
@@ -81,7 +82,8 @@ std::string badEnd(const GatedRun& run) {
   if (run.output.find("engine ended before its time") != std::string::npos) {
     return "its engine ended before its time: " + run.error;
   }
-  if (run.error.find("Sanitizer") != std::string::npos || run.error.find("runtime error:") != std::string::npos) {
+  if (run.error.find("Sanitizer") != std::string::npos ||
+      run.error.find("runtime error:") != std::string::npos) {
     return "a sanitizer reports: " + run.error;
   }
   return "";
@@ -119,9 +121,8 @@ bool rehearsalFindsIt(const SweepScenario& scenario) {
   if (std::ranges::any_of(fates, [](const FileFate& fate) { return fate.fate != Fate::same; })) {
     return true;
   }
-  return std::ranges::any_of(scenario.sources, [&](const std::string& source) {
-    return !filesNotCopied(source, fates).empty();
-  });
+  return std::ranges::any_of(scenario.sources,
+                             [&](const std::string& source) { return !filesNotCopied(source, fates).empty(); });
 }
 
 struct Hits {
@@ -137,8 +138,8 @@ CaseResult judgeRun(const SweepScenario& scenario, const GatedRun& run, const Hi
     return {Ending::lost, bad};
   }
   if (!lastWordFits(run)) {
-    return {Ending::lost, "its last word does not fit its status " + std::to_string(run.status) + ": " + run.output +
-                               run.error};
+    return {Ending::lost, "its last word does not fit its status " + std::to_string(run.status) + ": " +
+                              run.output + run.error};
   }
   const auto wrong = wrongFiles(files);
   if (wrong.empty()) {
@@ -146,7 +147,8 @@ CaseResult judgeRun(const SweepScenario& scenario, const GatedRun& run, const Hi
   }
   const std::vector<std::string> log = linesOf(exists(kLog) ? contentsOf(kLog) : "");
   const auto unnamed = std::ranges::find_if(wrong, [&log](const InstalledFile* file) {
-    const std::string linked = std::string("/Tavenhall/TANVO/") + fs::path(file->destination).filename().native();
+    const std::string linked =
+        std::string("/Tavenhall/TANVO/") + fs::path(file->destination).filename().native();
     return !isNamed(*file, log, linked);
   });
   if (run.status != 0) {
@@ -167,13 +169,14 @@ CaseResult judgeRun(const SweepScenario& scenario, const GatedRun& run, const Hi
     return {Ending::silent, hits.silence};
   }
   return {Ending::lost, "status " + std::to_string(run.status) + ", and nothing tells of " +
-                             (unnamed != wrong.end() ? *unnamed : wrong.front())->destination + "\n" + run.output};
+                            (unnamed != wrong.end() ? *unnamed : wrong.front())->destination + "\n" +
+                            run.output};
 }
 
 // The engine is gone, and its face says so; or the face itself, before it had started the engine.
 CaseResult judgeKilled(const GatedRun& run) {
-  const bool saysSo = run.status == 1 && run.output.find("! The installer's engine ended before its time.\n") !=
-                                             std::string::npos;
+  const bool saysSo = run.status == 1 &&
+                      run.output.find("! The installer's engine ended before its time.\n") != std::string::npos;
   if (run.isHung || (!saysSo && run.status != 128 + SIGKILL)) {
     return {Ending::lost, "killed, it ended with " + std::to_string(run.status) + "\n" + run.output};
   }
@@ -281,8 +284,8 @@ CaseResult runCase(const SweepScenario& scenario, const Fault& fault) {
   if (hits.count == 0) {
     return {Ending::lost, "there was no such call"};
   }
-  CaseResult result = fault.verdict.kind == Verdict::Kind::kill ? judgeKilled(run)
-                                                                 : judgeRun(scenario, run, hits, files);
+  CaseResult result =
+      fault.verdict.kind == Verdict::Kind::kill ? judgeKilled(run) : judgeRun(scenario, run, hits, files);
   if (result.ending == Ending::lost) {
     return {Ending::lost, "at " + hits.firstPath + ": " + result.why};
   }
@@ -292,7 +295,7 @@ CaseResult runCase(const SweepScenario& scenario, const Fault& fault) {
   const auto wrong = wrongFiles(files);
   if (again.status != 0 || !wrong.empty() || !badEnd(again).empty()) {
     return {Ending::lost, "a second run, undisturbed, ends with " + std::to_string(again.status) + "\n" +
-                               again.output + again.error + (wrong.empty() ? "" : wrong.front()->destination)};
+                              again.output + again.error + (wrong.empty() ? "" : wrong.front()->destination)};
   }
   if (!contentsOf(kLog).starts_with(log)) {
     return {Ending::lost, "a second run changes what the log said"};

@@ -13,7 +13,7 @@ namespace tavenhall::test {
 struct Fault {
   CallKind kind;
   Verdict verdict;
-  int nth;        // the call of this kind that goes wrong, from 1
+  int nth;         // the call of this kind that goes wrong, from 1
   bool isLasting;  // it and all that follow; never for an end of the process
 };
 

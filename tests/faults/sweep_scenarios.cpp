@@ -13,7 +13,8 @@ namespace {
 
 constexpr const char* kOutside = "/Volumes/Data/Sounds/TANVO";
 
-// Lays the entries below a folder and adds those that come below `from` there to what is to be installed below `to`.
+// Lays the entries below a folder and adds those that come below `from` there to what is to be installed below
+// `to`.
 class Layer {
  public:
   struct Mapping {
@@ -84,8 +85,9 @@ std::vector<InstalledFile> layProductUpdate() {
   const std::string set = kSet;
   layer.lay(
       set,
-      {textFile(".InstallationAttributes.dat",
-                "Mode = TavenhallUpdater\nRelativePath = .\nRelativePath2 = Full\nTotalSizeMillionsBytes = 1\n"),
+      {textFile(
+           ".InstallationAttributes.dat",
+           "Mode = TavenhallUpdater\nRelativePath = .\nRelativePath2 = Full\nTotalSizeMillionsBytes = 1\n"),
        file("Applications/Tessaphon.app/Contents/program", 3000), file("DOVA/Lumaweave/l.db", 1500),
        file("Full/TANVO/Tessaphon/full.db", 2500), textFile("Installer.pkg", ""),
        file("Library/Audio/Plug-Ins/VST/Tessaphon.vst/Contents/Resources/__Pace_Eden/Signatures/codesign.dsig",
