@@ -3,6 +3,7 @@
 #include "context/attributes_line.h"
 #include "context/installation_log.h"
 #include "context/internal_lookups.h"
+#include "context/open_file.h"
 
 #include <array>
 #include <atomic>
@@ -19,7 +20,7 @@ std::FILE* openBesidePackage(const char* tail, BoundedText<kAttributesPathSize>&
   getFolderContainingPKGfile(nullptr);
   path.assign(sOutputPathWithCallersSubfolder.view());
   path.append(tail);
-  return std::fopen(path.c_str(), "r");
+  return openToRead(path.c_str());
 }
 
 // Shows the lines of the file, in order, to `isWanted` until it says yes; whether it did. A failed read

@@ -1,12 +1,14 @@
 #include "context/first_line.h"
 
+#include "context/open_file.h"
+
 #include <cstdio>
 
 namespace tavenhall {
 
 bool readFirstLine(const char* path, BoundedText<kFirstLineSize>& line) noexcept {
   line.clear();
-  std::FILE* file = std::fopen(path, "r");
+  std::FILE* file = openToRead(path);
   if (file == nullptr) {
     return false;
   }

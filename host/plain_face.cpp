@@ -43,11 +43,7 @@ void noteSignal(int signal) {
 class PlainFace {
  public:
   PlainFace(const EngineProcess& engine, const LastLines& lastLines)
-      : engine_(engine), lastLines_(lastLines), commands_(engine.commandTerminal) {
-    send({{"do", "title"}});
-    send({{"do", "enter"}});
-    send({{"do", "wait"}});
-  }
+      : engine_(engine), lastLines_(lastLines), commands_(engine.commandTerminal) {}
 
   ExitStatus run() {
     signalCame = &wakeUp_;
@@ -57,8 +53,11 @@ class PlainFace {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
       sigaction(signal, &action, nullptr);
     }
-    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGPIPE, SIG_IGN);  // an engine that refuses to begin is gone before it has read anything
 
+    send({{"do", "title"}});
+    send({{"do", "enter"}});
+    send({{"do", "wait"}});
     while (engineLines_.isOpen()) {
       step();
       if (isHungUp != 0) {

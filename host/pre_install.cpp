@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <string>
 #include <string_view>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace tavenhall {
@@ -16,13 +17,14 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr const char* kLocationFile = "/tmp/TavInstallLoc";
-constexpr const char* kInstallTypeFile = "/tmp/TavInstallType";
 constexpr std::size_t kLongestLocation = 1022;  // bytes that the page reads of it before the newline
 
-// Links are not followed: anybody may have put one into a folder that everybody can write.
+// Whatever lies there is replaced and never written into: anybody may have put a link, a pipe or a file of his
+// own into a folder that everybody can write, and go on changing what is in it. What cannot be replaced is
+// refused, and so is what comes back in the same moment.
 void writeLine(const char* path, const std::string& line) {
-  const int descriptor = open(path, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0644);
+  const bool isFree = unlink(path) == 0 || errno == ENOENT;
+  const int descriptor = isFree ? open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644) : -1;
   const std::string text = line + "\n";
   const bool isWritten =
       descriptor >= 0 && write(descriptor, text.data(), text.size()) == static_cast<ssize_t>(text.size());
@@ -31,7 +33,10 @@ void writeLine(const char* path, const std::string& line) {
     close(descriptor);
   }
   if (!isWritten) {
-    throw UsageError("cannot write " + std::string(path) + ": " + std::strerror(error));
+    struct stat found {};
+    const bool isForeign = lstat(path, &found) == 0 && found.st_uid != geteuid();
+    throw UsageError("cannot write " + std::string(path) + ": " +
+                     (isForeign ? "another user's file is in its place" : std::strerror(error)));
   }
 }
 

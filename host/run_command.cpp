@@ -5,6 +5,7 @@
 #include "host/face_option.h"
 #include "host/file_checks.h"
 #include "host/log/users_log.h"
+#include "host/other_users.h"
 #include "host/plain_face.h"
 #include "host/pre_install.h"
 #include "host/run_options.h"
@@ -30,6 +31,7 @@ struct RunArguments {
   std::string ui;  // empty: the terminal page where there is a terminal for it, else plain lines
   std::string summary;
   bool noPreInstall = false;
+  bool isTrusted = false;
 };
 
 // The names are in the option's own text already, so the help does not list them again.
@@ -41,6 +43,29 @@ std::string joinedProducts() {
     names += (names.empty() ? "" : "|") + std::string(product);
   }
   return names;
+}
+
+// What the page would believe though other users may have written it; empty if nothing.
+std::string whatOthersDecide(const RunOptions& options) {
+  std::string line =
+      options.package.empty() ? writtenByOthers(kLocationFile) : changeableByOthers(options.package);
+  if (line.empty() && options.installType.empty()) {
+    line = writtenByOthers(kInstallTypeFile);
+  }
+  return line;
+}
+
+// A program that speaks the lines itself judges for itself, so it is only told.
+void refuseWhatOthersDecide(const RunOptions& options) {
+  const std::string line = whatOthersDecide(options);
+  if (line.empty()) {
+    return;
+  }
+  const UsageError error(line + "; --trusted installs all the same");
+  if (options.face != Face::json) {
+    throw error;
+  }
+  showError(error);
 }
 
 RunOptions optionsFrom(const RunArguments& arguments) {
@@ -58,6 +83,9 @@ RunOptions optionsFrom(const RunArguments& arguments) {
   options.summary = arguments.summary;
   if (!options.summary.empty()) {
     requireWritable(options.summary);
+  }
+  if (!arguments.isTrusted) {
+    refuseWhatOthersDecide(options);
   }
   return options;
 }
@@ -96,6 +124,8 @@ void addRunCommand(CommandLine& commandLine) {
       ->type_name("FILE");
   run->add_flag("--no-preinstall", arguments->noPreInstall,
                 "Use the files that a package's pre-install step has left in /tmp");
+  run->add_flag("--trusted", arguments->isTrusted,
+                "Install although other users can change what the page goes by");
   run->callback(
       [&commandLine, arguments] { commandLine.chosen = [arguments] { return tavenhall::run(*arguments); }; });
 }

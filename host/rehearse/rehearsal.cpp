@@ -1,6 +1,6 @@
 #include "host/rehearse/rehearsal.h"
-#include "host/file_checks.h"
 
+#include "host/file_checks.h"
 #include "host/json_events.h"
 #include "host/plain_face.h"
 #include "host/plain_printer.h"

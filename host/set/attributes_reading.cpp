@@ -2,6 +2,7 @@
 
 #include "context/bounded_text.h"
 #include "context/install_rules.h"
+#include "context/open_file.h"
 #include "host/file_checks.h"
 
 #include <array>
@@ -36,7 +37,7 @@ std::vector<AttributesPiece> cutIntoPieces(std::string_view bytes) {
 
 // All bytes of the file; none where it cannot be opened. A folder can be opened, and holds no line.
 std::optional<std::string> readBytes(const std::filesystem::path& path) {
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "r"), &std::fclose);
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(openToRead(path.c_str()), &std::fclose);
   if (file == nullptr) {
     return std::nullopt;
   }

@@ -2,10 +2,13 @@
 
 #include "host/usage_error.h"
 #include "tests/support/files.h"
+#include "tests/support/private_root.h"
 
+#include <cstdlib>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace tavenhall::test {
@@ -13,6 +16,8 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
+
+constexpr uid_t kOtherUser = 54321;
 
 // What is wrong with a package, in one line.
 std::string refusal(const fs::path& package) {
@@ -119,13 +124,78 @@ TEST(PreInstallStep, DoesNotFollowALinkThatSomebodyPutIntoTmp) {
   writeFile("/Users/tester/Installer.pkg", "");
   writeFile("/Users/tester/precious", "contents");
   fs::create_symlink("/Users/tester/precious", "/tmp/TavInstallLoc");
-  try {
-    runPreInstallStep(optionsFor("/Users/tester/Installer.pkg"));
-    ADD_FAILURE() << "the link was followed";
-  } catch (const UsageError& error) {
-    EXPECT_THAT(error.what(), HasSubstr("cannot write /tmp/TavInstallLoc"));
-  }
+  fs::create_symlink("/Users/tester/precious", "/tmp/TavInstallType");
+
+  runPreInstallStep(optionsFor("/Users/tester/Installer.pkg", "Lite"));
+
   EXPECT_EQ(readFile("/Users/tester/precious"), "contents");
+  EXPECT_FALSE(fs::is_symlink("/tmp/TavInstallLoc"));
+  EXPECT_EQ(readFile("/tmp/TavInstallLoc"), "/Users/tester/Installer.pkg\n");
+  EXPECT_EQ(readFile("/tmp/TavInstallType"), "Lite\n");
+}
+
+TEST(PreInstallStep, DoesNotWriteIntoAFileThatHasAnotherNameElsewhere) {
+  writeFile("/Users/tester/Installer.pkg", "");
+  writeFile("/tmp/precious", "contents");
+  fs::create_hard_link("/tmp/precious", "/tmp/TavInstallLoc");
+
+  runPreInstallStep(optionsFor("/Users/tester/Installer.pkg"));
+
+  EXPECT_EQ(readFile("/tmp/precious"), "contents");
+  EXPECT_EQ(readFile("/tmp/TavInstallLoc"), "/Users/tester/Installer.pkg\n");
+}
+
+TEST(PreInstallStep, DoesNotWaitAtAPipeThatSomebodyPutIntoTmp) {
+  writeFile("/Users/tester/Installer.pkg", "");
+  ASSERT_EQ(mkfifo("/tmp/TavInstallLoc", 0666), 0);
+
+  runPreInstallStep(optionsFor("/Users/tester/Installer.pkg"));
+
+  EXPECT_TRUE(fs::is_regular_file("/tmp/TavInstallLoc"));
+}
+
+TEST(PreInstallStep, TheFilesAreTheUsersOwnWhoeverHadThemBefore) {
+  if (!isRealRoot()) {
+    GTEST_SKIP() << "only the machine's own root may give a file away";
+  }
+  writeFile("/Users/tester/Installer.pkg", "");
+  writeFile("/tmp/TavInstallLoc", "/Users/other/Evil.pkg\n");
+  ASSERT_EQ(chown("/tmp/TavInstallLoc", kOtherUser, kOtherUser), 0);
+  ASSERT_EQ(chmod("/tmp/TavInstallLoc", 0666), 0);
+
+  runPreInstallStep(optionsFor("/Users/tester/Installer.pkg"));
+
+  struct stat found {};
+  ASSERT_EQ(stat("/tmp/TavInstallLoc", &found), 0);
+  EXPECT_EQ(found.st_uid, geteuid());
+  EXPECT_EQ(found.st_mode & 07777U, 0644U);
+}
+
+TEST(PreInstallStep, WhatCannotBeReplacedSinceItIsAnotherUsersIsRefused) {
+  if (!isRealRoot()) {
+    GTEST_SKIP() << "only the machine's own root may become another user";
+  }
+  writeFile("/Users/tester/Installer.pkg", "");
+  writeFile("/tmp/TavInstallLoc", "/Users/other/Evil.pkg\n");
+  ASSERT_EQ(chmod("/tmp/TavInstallLoc", 0666), 0);
+  ASSERT_EQ(chown(kHome, kOtherUser, kOtherUser), 0);
+
+  EXPECT_EXIT(
+      {
+        if (setgid(kOtherUser) != 0 || setuid(kOtherUser) != 0) {
+          std::exit(3);
+        }
+        try {
+          runPreInstallStep(optionsFor("/Users/tester/Installer.pkg"));
+        } catch (const UsageError& error) {
+          showError(error);
+          std::exit(2);
+        }
+        std::exit(0);
+      },
+      testing::ExitedWithCode(2),
+      "^tavinstall: cannot write /tmp/TavInstallLoc: another user's file is in its place\n$");
+  EXPECT_EQ(readFile("/tmp/TavInstallLoc"), "/Users/other/Evil.pkg\n");
 }
 
 TEST(PreInstallStep, AHomeThatCannotHoldTheFoldersIsRefused) {

@@ -1,0 +1,306 @@
+#include "tests/faults/sweep_case.h"
+
+#include "host/rehearse/comparison.h"
+#include "tests/faults/required_silence.h"
+#include "tests/install/child_program.h"
+#include "tests/support/files.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <system_error>
+
+namespace tavenhall::test {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::vector<std::string> commandLine(const SweepScenario& scenario) {
+  std::vector<std::string> line{kTavinstall};
+  line.insert(line.end(), scenario.arguments.begin(), scenario.arguments.end());
+  return line;
+}
+
+bool isShown(const SweepScenario& scenario, const FileCall& call) {
+  return scenario.sweepsLog || (call.path != kLog && call.path != fs::path(kLog).parent_path().native());
+}
+
+std::string contentsOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::vector<const InstalledFile*> wrongFiles(const std::vector<InstalledFile>& files) {
+  std::vector<const InstalledFile*> wrong;
+  for (const InstalledFile& file : files) {
+    if (!exists(file.destination) || contentsOf(file.destination) != file.contents) {
+      wrong.push_back(&file);
+    }
+  }
+  return wrong;
+}
+
+std::vector<std::string> linesOf(const std::string& text) {
+  std::vector<std::string> lines;
+  std::size_t start = 0;
+  while (start < text.size()) {
+    const std::size_t end = std::min(text.find('\n', start), text.size());
+    lines.push_back(text.substr(start, end - start));
+    start = end + 1;
+  }
+  return lines;
+}
+
+// The log's lines of failures name a file by its destination, and a folder that has none by its source.
+bool isNamed(const InstalledFile& file, const std::vector<std::string>& log, const std::string& linked) {
+  return std::ranges::any_of(log, [&](const std::string& line) {
+    const auto has = [&line](const std::string& text) { return line.find(text) != std::string::npos; };
+    const bool isOfFile =
+        has("Source error ") || has("Target error ") || has("File copy failure: sizes differ: ");
+    if (isOfFile) {
+      return has(file.destination) || has(linked);
+    }
+    const std::size_t without = line.find("no destination for ");
+    return without != std::string::npos && file.source.starts_with(line.substr(without + 19));
+  });
+}
+
+// What went wrong in how the program ended; empty if nothing.
+std::string badEnd(const GatedRun& run) {
+  if (run.isHung) {
+    return "it did not end";
+  }
+  if (run.status > 3) {
+    return "it ended with " + std::to_string(run.status);
+  }
+  if (run.output.find("engine ended before its time") != std::string::npos) {
+    return "its engine ended before its time: " + run.error;
+  }
+  if (run.error.find("Sanitizer") != std::string::npos ||
+      run.error.find("runtime error:") != std::string::npos) {
+    return "a sanitizer reports: " + run.error;
+  }
+  return "";
+}
+
+// The last word, in a line of its own: of success for 0 and of a failure for all else.
+bool lastWordFits(const GatedRun& run) {
+  const std::vector<std::string> lines = linesOf(run.output);
+  const auto hasLine = [&lines](std::string_view start) {
+    return std::ranges::any_of(lines, [start](const std::string& line) { return line.starts_with(start); });
+  };
+  switch (run.status) {
+    case 0: return hasLine("Installed ");
+    case 2: return run.error.starts_with("tavinstall: ") && !hasLine("Installed ");
+    default:
+      return (hasLine("! Not installed, or not wholly") || hasLine("! Stopped: a question needs an answer")) &&
+             !hasLine("Installed ");
+  }
+}
+
+// What the page, or the host, says when nothing is copied any more.
+bool wasGivenUp(const GatedRun& run, const std::vector<std::string>& log) {
+  const auto hasNoThread = [](const std::string& line) {
+    return line.ends_with("spawnBackgroundInstallJob: could not start the install thread");
+  };
+  return run.status == 2 || run.status == 3 ||
+         run.output.find("! Files to be installed not found.") != std::string::npos ||
+         run.output.find("! The folder for the Tessaphon data was not found.") != std::string::npos ||
+         std::ranges::any_of(log, hasNoThread);
+}
+
+bool rehearsalFindsIt(const SweepScenario& scenario) {
+  const auto here = [](const std::string& path, int) { return fs::path(path); };
+  const std::vector<FileFate> fates = compareFiles(copiedFolders(kLog, here));
+  if (std::ranges::any_of(fates, [](const FileFate& fate) { return fate.fate != Fate::same; })) {
+    return true;
+  }
+  return std::ranges::any_of(scenario.sources,
+                             [&](const std::string& source) { return !filesNotCopied(source, fates).empty(); });
+}
+
+struct Hits {
+  int count = 0;
+  std::string firstPath;
+  bool onLog = false;
+  const char* silence = nullptr;
+};
+
+CaseResult judgeRun(const SweepScenario& scenario, const GatedRun& run, const Hits& hits,
+                    const std::vector<InstalledFile>& files) {
+  if (const std::string bad = badEnd(run); !bad.empty()) {
+    return {Ending::lost, bad};
+  }
+  if (!lastWordFits(run)) {
+    return {Ending::lost, "its last word does not fit its status " + std::to_string(run.status) + ": " +
+                              run.output + run.error};
+  }
+  const auto wrong = wrongFiles(files);
+  if (wrong.empty()) {
+    return {run.status == 0 ? Ending::whole : Ending::falseAlarm, ""};
+  }
+  const std::vector<std::string> log = linesOf(exists(kLog) ? contentsOf(kLog) : "");
+  const auto unnamed = std::ranges::find_if(wrong, [&log](const InstalledFile* file) {
+    const std::string linked =
+        std::string("/Tavenhall/TANVO/") + fs::path(file->destination).filename().native();
+    return !isNamed(*file, log, linked);
+  });
+  if (run.status != 0) {
+    if (unnamed == wrong.end()) {
+      return {Ending::named, ""};
+    }
+    if (wasGivenUp(run, log)) {
+      return {Ending::stopped, ""};
+    }
+    if (hits.onLog) {
+      return {Ending::sheetsOnly, ""};
+    }
+  }
+  if (hits.silence != nullptr) {
+    if (!hits.onLog && !rehearsalFindsIt(scenario)) {
+      return {Ending::lost, std::string("a rehearsal finds nothing, though ") + hits.silence};
+    }
+    return {Ending::silent, hits.silence};
+  }
+  return {Ending::lost, "status " + std::to_string(run.status) + ", and nothing tells of " +
+                            (unnamed != wrong.end() ? *unnamed : wrong.front())->destination + "\n" +
+                            run.output};
+}
+
+// The engine is gone, and its face says so; or the face itself, before it had started the engine.
+CaseResult judgeKilled(const GatedRun& run) {
+  const bool saysSo = run.status == 1 &&
+                      run.output.find("! The installer's engine ended before its time.\n") != std::string::npos;
+  if (run.isHung || (!saysSo && run.status != 128 + SIGKILL)) {
+    return {Ending::lost, "killed, it ended with " + std::to_string(run.status) + "\n" + run.output};
+  }
+  return {Ending::killed, ""};
+}
+
+}  // namespace
+
+const char* endingName(Ending ending) {
+  switch (ending) {
+    case Ending::whole: return "whole";
+    case Ending::falseAlarm: return "false alarm";
+    case Ending::named: return "named";
+    case Ending::stopped: return "stopped";
+    case Ending::sheetsOnly: return "sheets only";
+    case Ending::silent: return "silent";
+    case Ending::killed: return "killed";
+    case Ending::lost: break;
+  }
+  return "lost";
+}
+
+std::span<const KindOfFault> kindsOfFaults() {
+  static const std::vector<KindOfFault> kKinds{
+      {CallKind::open,
+       "open",
+       {failWith(ENOENT), failWith(EACCES), failWith(EIO), failWith(ENOSPC), failWith(EROFS), failWith(EMFILE),
+        failWith(EINTR), kKill}},
+      {CallKind::read, "read", {failWith(EIO), failWith(EINTR), kShorten, kKill}},
+      {CallKind::write, "write", {failWith(ENOSPC), failWith(EIO), failWith(EINTR), kShorten, kKill}},
+      {CallKind::close, "close", {failWith(EIO), failWith(ENOSPC), failWith(EINTR), kKill}},
+      {CallKind::stat, "stat", {failWith(ENOENT), failWith(EACCES), failWith(EIO), kKill}},
+      {CallKind::makeFolder,
+       "mkdir",
+       {failWith(ENOENT), failWith(EACCES), failWith(EIO), failWith(ENOSPC), failWith(EROFS), kKill}},
+      {CallKind::list, "getdents", {failWith(EIO), failWith(ENOENT), kKill}},
+      {CallKind::remove, "unlink", {failWith(EACCES), failWith(EIO), failWith(EROFS), failWith(ENOENT), kKill}},
+      {CallKind::rename, "rename", {failWith(EACCES), failWith(EIO), failWith(EROFS), failWith(ENOSPC), kKill}},
+      {CallKind::permissions, "chmod", {failWith(EACCES), failWith(EIO), failWith(EROFS), kKill}},
+      {CallKind::fileSystem, "statfs", {failWith(EACCES), failWith(EIO), kKill}},
+      {CallKind::readLink, "readlink", {failWith(EACCES), failWith(EIO), failWith(ENOENT), kKill}},
+      {CallKind::seek, "lseek", {failWith(EIO), kKill}},
+      {CallKind::startThread, "thread", {failWith(EAGAIN), kKill}},
+      {CallKind::startCommand, "command", {failWith(EAGAIN), kKill}},
+  };
+  return kKinds;
+}
+
+std::string verdictName(Verdict verdict) {
+  if (verdict.kind == Verdict::Kind::kill) {
+    return "kill";
+  }
+  static constexpr std::array<std::pair<int, const char*>, 9> kNames{{{ENOENT, "ENOENT"},
+                                                                      {EACCES, "EACCES"},
+                                                                      {EIO, "EIO"},
+                                                                      {ENOSPC, "ENOSPC"},
+                                                                      {EROFS, "EROFS"},
+                                                                      {EMFILE, "EMFILE"},
+                                                                      {EINTR, "EINTR"},
+                                                                      {EAGAIN, "EAGAIN"},
+                                                                      {0, "short"}}};
+  return std::ranges::find(kNames, verdict.error, &std::pair<int, const char*>::first)->second;
+}
+
+std::vector<int> callsOf(const SweepScenario& scenario) {
+  const std::vector<InstalledFile> files = scenario.lay();
+  std::vector<int> counts(kindsOfFaults().size(), 0);
+  const GatedRun run = runGated(commandLine(scenario), scenario.input, [&](const FileCall& call) {
+    const auto kinds = kindsOfFaults();
+    if (isShown(scenario, call)) {
+      ++counts[std::ranges::find(kinds, call.kind, &KindOfFault::kind) - kinds.begin()];
+    }
+    return kPass;
+  });
+  const auto wrong = wrongFiles(files);
+  if (run.status != 0 || !wrong.empty() || !badEnd(run).empty() || !lastWordFits(run)) {
+    throw std::runtime_error(std::string("undisturbed, \"") + scenario.name + "\" ends with " +
+                             std::to_string(run.status) + "\n" + run.output + run.error +
+                             (wrong.empty() ? "" : "wrong: " + wrong.front()->destination));
+  }
+  return counts;
+}
+
+CaseResult runCase(const SweepScenario& scenario, const Fault& fault) {
+  const std::vector<InstalledFile> files = scenario.lay();
+  Hits hits;
+  int calls = 0;
+  const GatedRun run = runGated(commandLine(scenario), scenario.input, [&](const FileCall& call) {
+    if (call.kind != fault.kind || !isShown(scenario, call)) {
+      return kPass;
+    }
+    ++calls;
+    if (calls < fault.nth || (calls > fault.nth && !fault.isLasting)) {
+      return kPass;
+    }
+    if (hits.count++ == 0) {
+      hits.firstPath = call.path;
+    }
+    hits.onLog = hits.onLog || call.path.starts_with("/Users/tester/Library/Caches");
+    if (hits.silence == nullptr) {
+      hits.silence = requiredSilence(scenario, call);
+    }
+    return fault.verdict;
+  });
+  if (hits.count == 0) {
+    return {Ending::lost, "there was no such call"};
+  }
+  CaseResult result =
+      fault.verdict.kind == Verdict::Kind::kill ? judgeKilled(run) : judgeRun(scenario, run, hits, files);
+  if (result.ending == Ending::lost) {
+    return {Ending::lost, "at " + hits.firstPath + ": " + result.why};
+  }
+
+  const std::string log = exists(kLog) ? contentsOf(kLog) : "";
+  const GatedRun again = runGated(commandLine(scenario), scenario.input, [](const FileCall&) { return kPass; });
+  const auto wrong = wrongFiles(files);
+  if (again.status != 0 || !wrong.empty() || !badEnd(again).empty()) {
+    return {Ending::lost, "a second run, undisturbed, ends with " + std::to_string(again.status) + "\n" +
+                              again.output + again.error + (wrong.empty() ? "" : wrong.front()->destination)};
+  }
+  if (!contentsOf(kLog).starts_with(log)) {
+    return {Ending::lost, "a second run changes what the log said"};
+  }
+  return result;
+}
+
+}  // namespace tavenhall::test

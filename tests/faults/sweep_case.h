@@ -1,0 +1,53 @@
+#pragma once
+
+#include "tests/faults/call_gate.h"
+#include "tests/faults/sweep_scenarios.h"
+
+#include <span>
+#include <string>
+#include <vector>
+
+// One disturbed install, and what has to hold of it.
+namespace tavenhall::test {
+
+struct Fault {
+  CallKind kind;
+  Verdict verdict;
+  int nth;         // the call of this kind that goes wrong, from 1
+  bool isLasting;  // it and all that follow; never for an end of the process
+};
+
+enum class Ending {
+  whole,       // everything arrived, and the last word says so
+  falseAlarm,  // everything arrived, and the last word is of a failure
+  named,       // each file that is wrong is named in the log
+  stopped,     // nothing more was begun, and the last word says so
+  sheetsOnly,  // the log could not be written; sheets tell of the failures
+  silent,      // the page has to keep silent about it, and does; a rehearsal's comparison finds it
+  killed,      // the process was ended in the middle of it, and its face says so
+  lost,        // anything else: an error of ours
+};
+[[nodiscard]] const char* endingName(Ending ending);
+
+struct CaseResult {
+  Ending ending = Ending::lost;
+  std::string why;  // for silent: the rule; for lost: what is wrong
+};
+
+// What a kind of call can answer instead of doing its work.
+struct KindOfFault {
+  CallKind kind;
+  const char* name;
+  std::vector<Verdict> verdicts;
+};
+[[nodiscard]] std::span<const KindOfFault> kindsOfFaults();
+[[nodiscard]] std::string verdictName(Verdict verdict);
+
+// How many calls of each kind an undisturbed install makes, in the order of kindsOfFaults(). Throws
+// std::runtime_error where it does not install everything. In a private root, once a process.
+[[nodiscard]] std::vector<int> callsOf(const SweepScenario& scenario);
+
+// Installs with the fault, then once more without it. In a private root, once a process.
+[[nodiscard]] CaseResult runCase(const SweepScenario& scenario, const Fault& fault);
+
+}  // namespace tavenhall::test
