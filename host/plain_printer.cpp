@@ -97,12 +97,17 @@ void PlainPrinter::showProgress(Clock::time_point now) {
 }
 
 std::string printableText(std::string_view text) {
-  std::string printable(text);
-  for (char& character : printable) {
-    const auto byte = static_cast<unsigned char>(character);
-    if ((byte < 0x20 && character != '\n') || byte == 0x7F) {
-      character = '?';
-    }
+  std::string printable;
+  printable.reserve(text.size());
+  const auto byteAt = [text](std::size_t at) {
+    return at < text.size() ? static_cast<unsigned char>(text[at]) : static_cast<unsigned char>(0);
+  };
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const unsigned char byte = byteAt(at);
+    const bool isControl = (byte < 0x20 && byte != '\n') || byte == 0x7F;
+    const bool beginsHighControl = byte == 0xC2 && byteAt(at + 1) >= 0x80 && byteAt(at + 1) < 0xA0;  // in UTF-8
+    printable += isControl || beginsHighControl ? '?' : text[at];
+    at += beginsHighControl ? 1 : 0;
   }
   return printable;
 }

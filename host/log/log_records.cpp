@@ -54,21 +54,20 @@ std::optional<Heading> headingOf(std::string_view line) {
 void LogRecords::add(std::string_view bytes) {
   while (!bytes.empty()) {
     const std::size_t end = bytes.find('\n');
-    if (end == std::string_view::npos) {
-      const std::size_t room = kLongestRecord - std::min(kLongestRecord, partialLine_.size());
-      partialLine_ += bytes.substr(0, room);
-      foreignBytes_ += bytes.size() - std::min(room, bytes.size());
-      return;
+    const bool endsLine = end != std::string_view::npos;
+    const std::string_view piece = bytes.substr(0, endsLine ? end + 1 : bytes.size());
+    bytes.remove_prefix(piece.size());
+    if (endsLine && partialLine_.empty() && piece.size() <= kLongestRecord) {
+      takeLine(piece);
+      continue;
     }
-    const std::string_view line = bytes.substr(0, end + 1);
-    if (partialLine_.empty()) {
-      takeLine(line);
-    } else {
-      partialLine_ += line;
+    const std::size_t kept = std::min(kLongestRecord - partialLine_.size(), piece.size());
+    partialLine_ += piece.substr(0, kept);
+    foreignBytes_ += piece.size() - kept;
+    if (endsLine) {
       takeLine(partialLine_);
       partialLine_.clear();
     }
-    bytes.remove_prefix(end + 1);
   }
 }
 

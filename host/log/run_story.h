@@ -37,8 +37,8 @@ struct RunPrompt {
 };
 
 struct RunVolume {
-  int number = 0;      // from 0
-  std::string folder;  // copied from; empty: nothing was
+  std::int64_t number = 0;  // from 0
+  std::string folder;       // copied from; empty: nothing was
   std::string begin;
   std::string end;  // empty: it never ended
   int copies = 0;   // more than one where libraries are copied one by one

@@ -170,6 +170,13 @@ TEST(PrintableText, KeepsLettersOfEveryScriptAndLineBreaks) {
 
 TEST(PrintableText, ReplacesNulBytes) { EXPECT_EQ(printableText(std::string_view("a\0b", 3)), "a?b"); }
 
+TEST(PrintableText, ReplacesTheControlCharactersBehindAscii) {
+  EXPECT_EQ(printableText("a\xC2\x9B"
+                          "2Jb\xC2\x80\xC2\x9F"),
+            "a?2Jb??");
+  EXPECT_EQ(printableText("\xC2\xA0\xC3\x9B\xE2\x82\xAC\xC2"), "\xC2\xA0\xC3\x9B\xE2\x82\xAC\xC2");
+}
+
 TEST(SizeText, CountsInThousands) {
   EXPECT_EQ(sizeText(0), "0 bytes");
   EXPECT_EQ(sizeText(999), "999 bytes");

@@ -74,6 +74,20 @@ TEST(LogRecords, AnEndlessLineDoesNotGrowTheMemory) {
   EXPECT_GT(result.foreignBytes, 9'900'000U);
 }
 
+TEST(LogRecords, ALineThatIsTooLongIsCutAtTheSamePlaceInPiecesOfAnySize) {
+  const std::string heading = "July 04 2026 00:00:00 h: ";
+  const std::string log = heading + std::string(70'000, 'x') + "\n" + heading + "a\n" +
+                          std::string(70'000, 'y') + "\n" + heading + "b\n";
+  for (const std::size_t size : {1'000U, 65'536U, 65'537U, 262'144U}) {
+    const Cut result = cut(log, size);
+    EXPECT_THAT(result.records, ElementsAre("July 04 2026 00:00:00|h|" +
+                                                std::string(LogRecords::kLongestRecord - heading.size(), 'x'),
+                                            "July 04 2026 00:00:00|h|a", "July 04 2026 00:00:00|h|b"))
+        << size;
+    EXPECT_EQ(result.foreignBytes, heading.size() + 70'001 - LogRecords::kLongestRecord + 70'001) << size;
+  }
+}
+
 TEST(LogRecords, TimesAreLocalTimes) {
   const std::time_t earlier = timeOfRecord("November 21 2026 05:14:47");
   EXPECT_EQ(timeOfRecord("November 21 2026 06:15:00") - earlier, 3613);

@@ -263,6 +263,11 @@ TEST(RunStories, FiftyThousandFailuresAreCountedAndTheFirstAreKept) {
   EXPECT_THAT(reportText(story, 1), HasSubstr("and 49000 more"));
 }
 
+TEST(RunStories, AVolumesNumberMayBeTheGreatest) {
+  const RunStory story = Log().enter().say("Volume 2147483647 /Volumes/A/TANVO\n").story();
+  EXPECT_THAT(reportText(story, 1), HasSubstr("2147483648: nothing was copied\n"));
+}
+
 TEST(RunStories, ControlCharactersDoNotReachTheTerminal) {
   const RunStory story = Log().enter().say("Source error /V/\x1b[2Ja /U/\x1b[2Ja\n").complete().story();
   EXPECT_THAT(reportText(story, 1), Not(HasSubstr("\x1b")));

@@ -101,7 +101,7 @@ struct RecordingHost::State {
     if (insideHandOff) {
       line.insert(0, kMain);
     }
-    {
+    if (host.keepsLines) {
       const std::lock_guard lock(mutex);
       lines.push_back(line);
     }

@@ -38,6 +38,9 @@ class RecordingHost final : public InstallerHost {
 
   double barMaximum = 100.0;
 
+  bool keepsLines =
+      true;  // false for runs so long that their lines are not to be kept; `onLine` hears them all
+
   // ---- What a test may ask ----
 
   [[nodiscard]] std::vector<std::string> lines() const;

@@ -32,6 +32,7 @@ class RecordingPlatform {
   std::map<std::string, std::string> aliases;  // path of an alias, and what it stands for
   std::map<std::string, std::string> strings;  // starts with the texts of the default product, in English
   bool canStartThreads = true;
+  bool keepsCalls = true;             // false for runs so long that their calls are not to be kept
   std::uint32_t nextAssertion = 101;  // the identifier of the next hold; counts up, but 0 stays 0
 
   // What a command gives and does; records and gives 0 unless set. The page's thread.
