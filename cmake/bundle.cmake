@@ -13,6 +13,8 @@ function(add_plugin_bundle bundle_name plugin_name folder_name)
   foreach(language IN LISTS TAVENHALL_LANGUAGES)
     configure_file(${PROJECT_SOURCE_DIR}/resources/${language}.lproj/Localizable.strings.in
                    ${contents}/Resources/${language}.lproj/Localizable.strings @ONLY)
+    configure_file(${PROJECT_SOURCE_DIR}/resources/${language}.lproj/InfoPlist.strings
+                   ${contents}/Resources/${language}.lproj/InfoPlist.strings COPYONLY)
   endforeach()
   add_custom_command(
     OUTPUT ${contents}/MacOS/InstallDataPane
