@@ -5,6 +5,13 @@
 #
 # Each has Contents/MacOS/InstallDataPane, Contents/Info.plist and Contents/Resources/<language>.lproj/.
 
+# GNUstep looks for a bundle's files at its top and knows nothing of Contents/; with links, one tree serves both.
+function(link_bundle_for_gnustep bundle)
+  file(CREATE_LINK Contents/Resources ${bundle}/Resources SYMBOLIC)
+  file(CREATE_LINK Contents/MacOS/InstallDataPane ${bundle}/InstallDataPane SYMBOLIC)
+  file(CREATE_LINK ../Info.plist ${bundle}/Contents/Resources/Info-gnustep.plist SYMBOLIC)
+endfunction()
+
 function(add_plugin_bundle bundle_name plugin_name folder_name)
   set(contents ${PROJECT_BINARY_DIR}/${bundle_name}/Contents)
   set(PLUGIN_NAME ${plugin_name})
@@ -22,6 +29,9 @@ function(add_plugin_bundle bundle_name plugin_name folder_name)
     COMMAND ${CMAKE_COMMAND} -E copy $<TARGET_FILE:InstallDataPane> ${contents}/MacOS/InstallDataPane
     DEPENDS InstallDataPane
     VERBATIM)
+  if(TAVINSTALL_COCOA AND NOT APPLE)
+    link_bundle_for_gnustep(${PROJECT_BINARY_DIR}/${bundle_name})
+  endif()
   set_property(GLOBAL APPEND PROPERTY TAVENHALL_BUNDLE_PROGRAMS ${contents}/MacOS/InstallDataPane)
   install(DIRECTORY ${PROJECT_BINARY_DIR}/${bundle_name}
           DESTINATION ${CMAKE_INSTALL_LIBDIR}/tavinstall USE_SOURCE_PERMISSIONS)

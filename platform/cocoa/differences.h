@@ -1,0 +1,18 @@
+#pragma once
+
+#import <Foundation/Foundation.h>
+
+// Where AppKit on macOS and on GNUstep want to be treated differently: macos/ and gnustep/ fill these.
+namespace tavenhall {
+
+// Runs `change(context)`, which touches a control or an installer's button, and returns when it has run. On
+// macOS on the calling thread: the page is required to change some of them from its own threads. On GNUstep,
+// which does not bear that, on the main thread. Any thread.
+void changeControl(void (*change)(void*), void* context) noexcept;
+
+// Sends `begin` to the sheet, which must not wait for the sheet's end. On macOS at once, since a sheet that has
+// begun leaves the rest to the run loop. On GNUstep, where beginning lasts until the end, from the run loop,
+// and one sheet after the other. Main thread.
+void beginWithoutWaiting(id sheet, SEL begin) noexcept;
+
+}  // namespace tavenhall
