@@ -5,8 +5,11 @@
 #
 # Each has Contents/MacOS/InstallDataPane, Contents/Info.plist and Contents/Resources/<language>.lproj/.
 
-# GNUstep looks for a bundle's files at its top and knows nothing of Contents/; with links, one tree serves both.
-function(link_bundle_for_gnustep bundle)
+# GNUstep looks for a bundle's files at its top and knows nothing of Contents/; with links, one tree serves both. It
+# reads the layout as it was written.
+function(fit_bundle_for_gnustep bundle)
+  configure_file(${PROJECT_SOURCE_DIR}/resources/InstallDataPane.xib
+                 ${bundle}/Contents/Resources/InstallDataPane.xib COPYONLY)
   file(CREATE_LINK Contents/Resources ${bundle}/Resources SYMBOLIC)
   file(CREATE_LINK Contents/MacOS/InstallDataPane ${bundle}/InstallDataPane SYMBOLIC)
   file(CREATE_LINK ../Info.plist ${bundle}/Contents/Resources/Info-gnustep.plist SYMBOLIC)
@@ -30,7 +33,7 @@ function(add_plugin_bundle bundle_name plugin_name folder_name)
     DEPENDS InstallDataPane
     VERBATIM)
   if(TAVINSTALL_COCOA AND NOT APPLE)
-    link_bundle_for_gnustep(${PROJECT_BINARY_DIR}/${bundle_name})
+    fit_bundle_for_gnustep(${PROJECT_BINARY_DIR}/${bundle_name})
   endif()
   set_property(GLOBAL APPEND PROPERTY TAVENHALL_BUNDLE_PROGRAMS ${contents}/MacOS/InstallDataPane)
   install(DIRECTORY ${PROJECT_BINARY_DIR}/${bundle_name}

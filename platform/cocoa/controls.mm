@@ -1,23 +1,13 @@
 #include "platform/cocoa/controls.h"
 
 #include "platform/cocoa/control_changes.h"
+#include "platform/cocoa/differences.h"
 #include "platform/cocoa/text.h"
 
 namespace tavenhall {
 
-namespace {
-
-// A control takes the first "&" for the mark of a key and does not show it, so another goes before it.
-NSString* withVisibleAmpersand(NSString* text) {
-  const NSRange mark = [text rangeOfString:@"&"];
-  return mark.location == NSNotFound ? text : [text stringByReplacingCharactersInRange:mark withString:@"&&"];
-}
-
-}  // namespace
-
 void LayoutTextField::setTitleWithMnemonic(const char* text) noexcept {
-  changeControl("a text",
-                [=, this] { [outlet_ setTitleWithMnemonic:withVisibleAmpersand(stringOfBytes(text))]; });
+  changeControl("a text", [=, this] { showWithMnemonic(outlet_, stringOfBytes(text)); });
 }
 
 void LayoutTextField::setNeedsDisplay() noexcept {

@@ -1,6 +1,6 @@
 #pragma once
 
-#import <Foundation/Foundation.h>
+#import <AppKit/AppKit.h>
 
 // Where AppKit on macOS and on GNUstep want to be treated differently: macos/ and gnustep/ fill these.
 namespace tavenhall {
@@ -9,6 +9,11 @@ namespace tavenhall {
 // macOS on the calling thread: the page is required to change some of them from its own threads. On GNUstep,
 // which does not bear that, on the main thread. Any thread.
 void changeControl(void (*change)(void*), void* context) noexcept;
+
+// Shows the text, all of it, by setTitleWithMnemonic:, which takes an "&" for the mark of a key and does not
+// show it. On macOS only the first one of a text, so another goes before it. On GNUstep the same, and a text
+// without any is not taken at all, so one goes before every text. Where controls are changed.
+void showWithMnemonic(NSTextField* field, NSString* text) noexcept;
 
 // Sends `begin` to the sheet, which must not wait for the sheet's end. On macOS at once, since a sheet that has
 // begun leaves the rest to the run loop. On GNUstep, where beginning lasts until the end, from the run loop,

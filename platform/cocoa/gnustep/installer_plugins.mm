@@ -1,5 +1,9 @@
 #import "platform/cocoa/gnustep/installer_plugins.h"
 
+@interface InstallerPane (OfSection)
+- (void)setSection:(InstallerSection*)section;
+@end
+
 @implementation InstallerSection
 
 - (void)dealloc {
@@ -34,6 +38,7 @@
   [pane retain];
   [firstPane release];
   firstPane = pane;
+  [pane setSection:self];
 }
 
 - (InstallerPane*)activePane {
@@ -103,6 +108,11 @@
   return section_;
 }
 
+- (void)setSection:(InstallerSection*)section {
+  section_ = section;
+  [nextPane setSection:section];
+}
+
 - (NSString*)title {
   return nil;
 }
@@ -137,6 +147,7 @@
   [pane retain];
   [nextPane release];
   nextPane = pane;
+  [pane setSection:section_];
 }
 
 - (void)willEnterPane:(InstallerSectionDirection)direction {

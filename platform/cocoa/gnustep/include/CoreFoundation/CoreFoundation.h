@@ -21,11 +21,12 @@ enum { kCFStringEncodingUTF8 = 0x08000100 };
 
 typedef enum { kCFURLPOSIXPathStyle = 0 } CFURLPathStyle;
 
-extern const CFAllocatorRef kCFAllocatorDefault;
-
+#pragma GCC visibility push(default)
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+extern const CFAllocatorRef kCFAllocatorDefault;
 
 void CFRelease(CFTypeRef object);
 CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFURLPathStyle style);
@@ -34,3 +35,4 @@ Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size, CFStr
 #ifdef __cplusplus
 }
 #endif
+#pragma GCC visibility pop

@@ -11,6 +11,7 @@ typedef struct FSRef {
 typedef int16_t OSErr;
 enum { noErr = 0, fnfErr = -43 };
 
+#pragma GCC visibility push(default)
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -22,3 +23,4 @@ CFURLRef CFURLCreateFromFSRef(CFAllocatorRef allocator, const FSRef* ref);
 #ifdef __cplusplus
 }
 #endif
+#pragma GCC visibility pop

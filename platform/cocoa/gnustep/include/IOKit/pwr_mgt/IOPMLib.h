@@ -10,6 +10,7 @@ typedef UInt32 IOPMAssertionLevel;
 enum { kIOReturnSuccess = 0, kIOReturnError = (int)0xE00002BC };
 enum { kIOPMAssertionLevelOff = 0, kIOPMAssertionLevelOn = 255 };
 
+#pragma GCC visibility push(default)
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -21,3 +22,4 @@ IOReturn IOPMAssertionRelease(IOPMAssertionID identifier);
 #ifdef __cplusplus
 }
 #endif
+#pragma GCC visibility pop
