@@ -5,6 +5,16 @@
 #
 # Each has Contents/MacOS/InstallDataPane, Contents/Info.plist and Contents/Resources/<language>.lproj/.
 
+# GNUstep looks for a bundle's files at its top and knows nothing of Contents/; with links, one tree serves both. It
+# reads the layout as it was written.
+function(fit_bundle_for_gnustep bundle)
+  configure_file(${PROJECT_SOURCE_DIR}/resources/InstallDataPane.xib
+                 ${bundle}/Contents/Resources/InstallDataPane.xib COPYONLY)
+  file(CREATE_LINK Contents/Resources ${bundle}/Resources SYMBOLIC)
+  file(CREATE_LINK Contents/MacOS/InstallDataPane ${bundle}/InstallDataPane SYMBOLIC)
+  file(CREATE_LINK ../Info.plist ${bundle}/Contents/Resources/Info-gnustep.plist SYMBOLIC)
+endfunction()
+
 function(add_plugin_bundle bundle_name plugin_name folder_name)
   set(contents ${PROJECT_BINARY_DIR}/${bundle_name}/Contents)
   set(PLUGIN_NAME ${plugin_name})
@@ -13,6 +23,8 @@ function(add_plugin_bundle bundle_name plugin_name folder_name)
   foreach(language IN LISTS TAVENHALL_LANGUAGES)
     configure_file(${PROJECT_SOURCE_DIR}/resources/${language}.lproj/Localizable.strings.in
                    ${contents}/Resources/${language}.lproj/Localizable.strings @ONLY)
+    configure_file(${PROJECT_SOURCE_DIR}/resources/${language}.lproj/InfoPlist.strings
+                   ${contents}/Resources/${language}.lproj/InfoPlist.strings COPYONLY)
   endforeach()
   add_custom_command(
     OUTPUT ${contents}/MacOS/InstallDataPane
@@ -20,6 +32,9 @@ function(add_plugin_bundle bundle_name plugin_name folder_name)
     COMMAND ${CMAKE_COMMAND} -E copy $<TARGET_FILE:InstallDataPane> ${contents}/MacOS/InstallDataPane
     DEPENDS InstallDataPane
     VERBATIM)
+  if(TAVINSTALL_COCOA AND NOT APPLE)
+    fit_bundle_for_gnustep(${PROJECT_BINARY_DIR}/${bundle_name})
+  endif()
   set_property(GLOBAL APPEND PROPERTY TAVENHALL_BUNDLE_PROGRAMS ${contents}/MacOS/InstallDataPane)
   install(DIRECTORY ${PROJECT_BINARY_DIR}/${bundle_name}
           DESTINATION ${CMAKE_INSTALL_LIBDIR}/tavinstall USE_SOURCE_PERMISSIONS)

@@ -6,5 +6,5 @@ set(TAVENHALL_PRODUCTS
   "Bassoria:DOVA"
   "TemporaQX:DOVA")
 
-# The languages of the bundles' strings.
-set(TAVENHALL_LANGUAGES en)
+# The languages of the bundles' strings, by the names of their folders.
+set(TAVENHALL_LANGUAGES en de fr es it ja zh-Hans)

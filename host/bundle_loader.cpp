@@ -5,6 +5,7 @@
 #include "host/usage_error.h"
 #include "platform/program_path.h"
 
+#include <cstdlib>
 #include <dlfcn.h>
 
 namespace tavenhall {
@@ -47,6 +48,15 @@ fs::path findStandIns() {
     }
   }
   return {};
+}
+
+void addStandInsToPath() {
+  const std::string standIns = findStandIns().string();
+  if (standIns.empty()) {
+    return;
+  }
+  const char* path = std::getenv("PATH");
+  setenv("PATH", ((path != nullptr ? path : "/usr/local/bin:/usr/bin:/bin") + (":" + standIns)).c_str(), 1);
 }
 
 PageFactory loadBundle(const fs::path& bundle) {

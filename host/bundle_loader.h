@@ -14,6 +14,9 @@ namespace tavenhall {
 // Where the tools lie that stand in for missing ones; empty when they are not there.
 [[nodiscard]] std::filesystem::path findStandIns();
 
+// Puts them on the PATH where only a missing tool is looked for. Before any thread.
+void addStandInsToPath();
+
 // Loads the bundle's program for good and gives its page factory. Throws UsageError.
 [[nodiscard]] PageFactory loadBundle(const std::filesystem::path& bundle);
 

@@ -13,7 +13,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <memory>
@@ -50,16 +49,6 @@ void survive(int signal) {
   action.sa_handler = [](int) {};
   action.sa_flags = SA_RESTART;
   sigaction(signal, &action, nullptr);
-}
-
-// Puts the tools that stand in for missing ones where only a missing one is looked for.
-void addStandInsToPath() {
-  const std::string standIns = findStandIns().string();
-  if (standIns.empty()) {
-    return;
-  }
-  const char* path = std::getenv("PATH");
-  setenv("PATH", ((path != nullptr ? path : "/usr/local/bin:/usr/bin:/bin") + (":" + standIns)).c_str(), 1);
 }
 
 void writeSummary(const RunOptions& options, const EngineLines& lines, const std::string& summary) {

@@ -65,18 +65,6 @@ void putSteps(LayerWriter& page, const Frame& frame, const std::vector<Step>& st
   }
 }
 
-std::string minutesText(int minutes) {
-  if (minutes <= 1) {
-    return "less than a minute left";
-  }
-  if (minutes < 60) {
-    return "about " + std::to_string(minutes) + " min left";
-  }
-  const int rest = minutes % 60;
-  return "about " + std::to_string(minutes / 60) + " h" +
-         (rest > 0 ? " " + std::to_string(rest) + " min" : "") + " left";
-}
-
 void putBar(LayerWriter& page, const Frame& frame, int row, const ProgressMeter& meter) {
   constexpr int kPercentColumns = 7;
   const int columns = frame.textColumns - kPercentColumns;
@@ -118,7 +106,7 @@ void putProgress(LayerWriter& page, const Frame& frame, PageModel& model, PageMo
   const double passed = meter.passed(now).count();
   const auto minutes = meter.minutesLeft(now);
   putBothEnds(page, frame, row + 4, durationText(std::floor(passed)) + " passed",
-              minutes ? minutesText(*minutes) : "");
+              minutes ? timeLeftText(*minutes) : "");
 }
 
 std::string keysText(const PageModel& model, const Signs& signs) {

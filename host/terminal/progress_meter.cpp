@@ -134,4 +134,16 @@ std::optional<int> ProgressMeter::minutesLeft(Time now) {
   return timeLeft_.minutes();
 }
 
+std::string timeLeftText(int minutes) {
+  if (minutes <= 1) {
+    return "less than a minute left";
+  }
+  if (minutes < 60) {
+    return "about " + std::to_string(minutes) + " min left";
+  }
+  const int rest = minutes % 60;
+  return "about " + std::to_string(minutes / 60) + " h" +
+         (rest > 0 ? " " + std::to_string(rest) + " min" : "") + " left";
+}
+
 }  // namespace tavenhall

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <optional>
+#include <string>
 
 namespace tavenhall {
 
@@ -76,5 +77,8 @@ class ProgressMeter {
   std::optional<double> shownRate_;
   Seconds shownRateTime_{0.0};
 };
+
+// "about 5 min left"; 1 stands for less than a minute.
+[[nodiscard]] std::string timeLeftText(int minutes);
 
 }  // namespace tavenhall

@@ -36,7 +36,8 @@ std::string countText(std::int64_t count, const char* one, const char* many) {
 }
 
 std::string amountText(const RunOutcome& outcome) {
-  return sizeText(outcome.bytesCopied) + " in " + durationText(outcome.time.count());
+  const std::string amount = outcome.bytesCopied ? sizeText(*outcome.bytesCopied) + " " : "";
+  return amount + "in " + durationText(outcome.time.count());
 }
 
 // The files of one kind below their heading, each in a line that ends with its name.
@@ -119,7 +120,7 @@ Span outcomeHeading(const RunOutcome& outcome) {
   if (!outcome.isTold) {
     return {"The installation ended before its time.", Style::bad};
   }
-  return {outcome.bytesCopied > 0.0 ? "The installation is not complete." : "The installation failed.",
+  return {outcome.bytesCopied != 0.0 ? "The installation is not complete." : "The installation failed.",
           Style::bad};
 }
 

@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,7 +17,7 @@ namespace tavenhall {
 struct RunOutcome {
   ExitStatus status = ExitStatus::failure;  // the engine's
   bool isTold = false;                      // the engine came to its end and said how it went
-  double bytesCopied = 0.0;
+  std::optional<double> bytesCopied = 0.0;  // none: nobody counted
   std::chrono::duration<double> time{0.0};
   std::string destination;           // the data's folder
   std::vector<RunFailure> failures;  // the first ones; with their files, as the log has them

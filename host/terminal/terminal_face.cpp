@@ -1,21 +1,18 @@
 #include "host/terminal/terminal_face.h"
 
 #include "host/command_terminal.h"
-#include "host/set/install_plan.h"
+#include "host/plain_printer.h"
 #include "host/terminal/engine_client.h"
 #include "host/terminal/key_map.h"
 #include "host/terminal/page_layout.h"
 #include "host/terminal/page_model.h"
 #include "host/terminal/screen.h"
-#include "platform/strings_file.h"
-#include "platform/system.h"
 #include "platform/wake_up.h"
 
 #include <array>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <fstream>
 #include <memory>
 #include <optional>
 #include <poll.h>
@@ -60,31 +57,6 @@ void takeSignals(WakeUp& wakeUp) {
 }
 
 bool take(SignalFlag flag) { return std::exchange(hasCome[flag], 0) != 0; }
-
-// ---- What the first page says ----
-
-std::string packagePath(const RunOptions& options) {
-  std::string path = options.package.string();
-  if (path.empty()) {
-    std::ifstream location("/tmp/TavInstallLoc");
-    std::getline(location, path);
-  }
-  return path;
-}
-
-Introduction introductionFor(const RunOptions& options) {
-  const StringTable strings = loadBundleStrings((options.bundle / "Contents").string());
-  PlanRequest request;
-  request.package = packagePath(options);
-  request.product = {strings.text("PluginName"), strings.text("FolderName")};
-  if (std::string support; firstUserSearchPath(SearchPath::applicationSupport, support)) {
-    request.dataRoot = support + "/Tavenhall";
-  }
-  if (!options.installType.empty()) {
-    request.installType = options.installType;
-  }
-  return introduce(planInstall(request), freeBytesAt);
-}
 
 class TerminalFace {
  public:
@@ -336,19 +308,6 @@ class TerminalFace {
 };
 
 }  // namespace
-
-TerminalPage terminalPageFor(const RunOptions& options) {
-  TerminalPage page;
-  page.introduction = introductionFor(options);
-  if (std::string caches; firstUserSearchPath(SearchPath::caches, caches)) {
-    page.logPath = caches + "/Tavenhall/installationLog.txt";
-  } else {
-    page.logPath = "/tmp/installationLog.txt";
-  }
-  page.logShown = page.logPath;
-  page.logStart = logSize(page.logPath);
-  return page;
-}
 
 ExitStatus runTerminalFace(const EngineProcess& engine, const TerminalPage& page) {
   return TerminalFace(engine, page).run();

@@ -3,15 +3,16 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
+#include <utility>
 
 namespace tavenhall::test {
 
 namespace {
 
-std::vector<std::string> commandLine(const std::vector<std::string>& arguments) {
+JsonInstaller::CommandLine runCommand(const std::vector<std::string>& arguments) {
   std::vector<std::string> line{kTavinstall, "run", "--ui", "json"};
   line.insert(line.end(), arguments.begin(), arguments.end());
-  return line;
+  return {line};
 }
 
 std::string nameOf(const std::string& event) {
@@ -24,9 +25,12 @@ std::string nameOf(const std::string& event) {
 
 }  // namespace
 
+JsonInstaller::JsonInstaller(CommandLine commandLine, const ChildProgram::Environment& environment)
+    : program_(std::move(commandLine.words), environment) {}
+
 JsonInstaller::JsonInstaller(const std::vector<std::string>& arguments,
                              const ChildProgram::Environment& environment)
-    : program_(commandLine(arguments), environment) {}
+    : JsonInstaller(runCommand(arguments), environment) {}
 
 void JsonInstaller::send(std::string_view line) { program_.write(std::string(line) + "\n"); }
 

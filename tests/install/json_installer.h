@@ -21,6 +21,12 @@ inline constexpr const char* kSecondButton = R"({"answer":1001})";
 // A run of `tavinstall run --ui json`, and every event of it.
 class JsonInstaller {
  public:
+  // Another program that takes the same lines and says the same events.
+  struct CommandLine {
+    std::vector<std::string> words;
+  };
+  explicit JsonInstaller(CommandLine commandLine, const ChildProgram::Environment& environment = {});
+
   // Starts it with further arguments of the run command.
   explicit JsonInstaller(const std::vector<std::string>& arguments,
                          const ChildProgram::Environment& environment = {});

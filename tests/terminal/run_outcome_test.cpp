@@ -45,6 +45,16 @@ TEST_F(RunOutcomes, SuccessSaysWhatWasInstalledWhereAndWhereTheLogIs) {
                           "Log        /Users/tester/Library/Caches/Tavenhall/installationLog.txt"));
 }
 
+TEST_F(RunOutcomes, WhatNobodyCountedIsNotSaid) {
+  RunOutcome outcome = told(ExitStatus::success);
+  outcome.bytesCopied.reset();
+  EXPECT_EQ(outcomeLines(outcome, 80).front().back().text, "in 1 min 15 s");
+  EXPECT_EQ(lastWord(outcome), "Installed in 1 min 15 s.\nThe log is " + outcome.logPath + ".\n");
+
+  outcome.status = ExitStatus::failure;
+  EXPECT_EQ(outcomeHeading(outcome).text, "The installation is not complete.");
+}
+
 TEST_F(RunOutcomes, EachFailureIsToldWithItsFile) {
   writeFile(kLogFile,
             banner() + record("Source error /Volumes/A/TANVO/a b/1.db /Users/tester/TANVO/a b/1.db\n") +

@@ -1,0 +1,19 @@
+#import "platform/cocoa/differences.h"
+
+#include "platform/cocoa/gnustep/main_thread.h"
+
+namespace tavenhall {
+
+void changeControl(void (*change)(void*), void* context) noexcept { runOnMainThread(change, context); }
+
+void showWithMnemonic(NSTextField* field, NSString* text) noexcept {
+  [field setTitleWithMnemonic:[@"&" stringByAppendingString:text]];
+}
+
+// Only while the run loop is in its usual mode: while a sheet or an alert is up, the next sheet waits.
+void beginWithoutWaiting(id sheet, SEL begin) noexcept {
+  NSArray* modes = [NSArray arrayWithObject:NSDefaultRunLoopMode];
+  [sheet performSelectorOnMainThread:begin withObject:nil waitUntilDone:NO modes:modes];
+}
+
+}  // namespace tavenhall

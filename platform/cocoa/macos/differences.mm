@@ -1,0 +1,16 @@
+#import "platform/cocoa/differences.h"
+
+namespace tavenhall {
+
+void changeControl(void (*change)(void*), void* context) noexcept { change(context); }
+
+void showWithMnemonic(NSTextField* field, NSString* text) noexcept {
+  const NSRange mark = [text rangeOfString:@"&"];
+  [field setTitleWithMnemonic:mark.location == NSNotFound ? text
+                                                          : [text stringByReplacingCharactersInRange:mark
+                                                                                          withString:@"&&"]];
+}
+
+void beginWithoutWaiting(id sheet, SEL begin) noexcept { [sheet performSelector:begin]; }
+
+}  // namespace tavenhall

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "platform/cocoa/controls.h"
+#include "platform/cocoa/threads.h"
+#include "platform/installer_host.h"
+
+namespace tavenhall {
+
+// What the page in the bundle asks of the installer, put to the pane that the installer shows and to AppKit.
+class PaneHost final : public InstallerHost {
+ public:
+  // The pane's outlets, as they are at the time of each call.
+  struct Outlets {
+    NSTextField* const& instructions;
+    NSTextField* const& status;
+    NSProgressIndicator* const& progressIndicator;
+  };
+
+  // The pane, which is not retained, and its outlets live longer than this.
+  PaneHost(::InstallDataPane* pane, const Outlets& outlets);
+
+  [[nodiscard]] bool detachThread(const char* name, void (*body)(void*), void* target) noexcept;
+  void runThread(const char* name) noexcept { threads_.run(name); }
+
+  TextField& instructions() noexcept override { return instructions_; }
+  TextField& status() noexcept override { return status_; }
+  Button& uiButton() noexcept override { return uiButton_; }
+  ProgressIndicator& progressIndicator() noexcept override { return progressIndicator_; }
+  void setNextEnabled(bool enabled) noexcept override;
+  void setPreviousEnabled(bool enabled) noexcept override;
+  [[nodiscard]] int runModal(const Alert& alert) noexcept override;
+  void beginInformationalSheet(const Sheet& sheet) noexcept override;
+  void dispatchSync(void (*block)(void*), void* context) noexcept override;
+  void beginAnimationGrouping() noexcept override;
+  void setAnimationDuration(double seconds) noexcept override;
+  void endAnimationGrouping() noexcept override;
+
+  // The installer does not ask for these.
+  void pageThreadStarted(const char* /*name*/) noexcept override {}
+  void pageThreadEnded(const char* /*name*/) noexcept override {}
+  void assertionTaken(const char* /*type*/, std::uint32_t /*level*/, const char* /*name*/) noexcept override {}
+  void assertionReleased(const char* /*type*/) noexcept override {}
+
+ private:
+  ::InstallDataPane* pane_;
+  NSTextField* const& sheetsField_;  // its window carries the sheets
+  LayoutTextField instructions_;
+  LayoutTextField status_;
+  Button uiButton_;
+  LayoutProgressIndicator progressIndicator_;
+  PageThreads threads_;
+};
+
+}  // namespace tavenhall

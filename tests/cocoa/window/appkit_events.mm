@@ -1,0 +1,151 @@
+#include "tests/cocoa/window/appkit_events.h"
+
+#include "tests/cocoa/method_exchange.h"
+
+#import <IOKit/pwr_mgt/IOPMLib.h>
+#import <InstallerPlugins/InstallerPlugins.h>
+#include <array>
+#include <cstdarg>
+#include <dlfcn.h>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+tavenhall::EventSink* theEvents = nullptr;
+id<AlertWatcher> theWatcher = nil;
+
+// Set once the layout is loaded.
+id theInstructions = nil;
+id theStatus = nil;
+id theBar = nil;
+
+std::array<const char*, 2> heldTypes{};
+
+}  // namespace
+
+// ---- Power assertions: identifiers 1 and 2 ----
+
+IOReturn IOPMAssertionCreateWithName(CFStringRef type, IOPMAssertionLevel level, CFStringRef name,
+                                     IOPMAssertionID* identifier) {
+  const bool isDisplay = [(NSString*)type isEqualToString:@"NoDisplaySleepAssertion"];
+  *identifier = isDisplay ? 1 : 2;
+  heldTypes.at(*identifier - 1) = isDisplay ? "NoDisplaySleepAssertion" : "NoIdleSleepAssertion";
+  theEvents->assertion([(NSString*)type UTF8String], level, [(NSString*)name UTF8String]);
+  return kIOReturnSuccess;
+}
+
+IOReturn IOPMAssertionRelease(IOPMAssertionID identifier) {
+  theEvents->assertionReleased(heldTypes.at(identifier - 1));
+  return kIOReturnSuccess;
+}
+
+// ---- Sheets ----
+
+using BeginSheet = void (*)(NSString*, NSString*, NSString*, NSString*, NSWindow*, id, SEL, SEL, void*,
+                            NSString*, ...);
+
+void NSBeginInformationalAlertSheet(NSString* title, NSString* defaultButton, NSString* alternateButton,
+                                    NSString* otherButton, NSWindow* docWindow, id modalDelegate,
+                                    SEL willEndSelector, SEL didEndSelector, void* contextInfo,
+                                    NSString* message, ...) {
+  static const auto begin = reinterpret_cast<BeginSheet>(dlsym(RTLD_NEXT, "NSBeginInformationalAlertSheet"));
+  va_list none;
+  va_start(none, message);
+  NSString* shown = [[[NSString alloc] initWithFormat:message arguments:none] autorelease];
+  va_end(none);
+  theEvents->sheet({[defaultButton UTF8String], [shown UTF8String]});
+  begin(title, defaultButton, alternateButton, otherButton, docWindow, modalDelegate, willEndSelector,
+        didEndSelector, contextInfo, message);
+}
+
+// ---- Controls and alerts ----
+
+@interface NSTextField (Told)
+- (void)told_setTitleWithMnemonic:(NSString*)text;
+@end
+
+@implementation NSTextField (Told)
+- (void)told_setTitleWithMnemonic:(NSString*)text {
+  [self told_setTitleWithMnemonic:text];
+  if (self == theInstructions || self == theStatus) {
+    const char* name = self == theInstructions ? "instructions" : "status";
+    theEvents->text(name, [[self stringValue] UTF8String]);
+  }
+}
+@end
+
+@interface NSProgressIndicator (Told)
+- (void)told_setMinValue:(double)value;
+- (void)told_setMaxValue:(double)value;
+- (void)told_setDoubleValue:(double)value;
+@end
+
+@implementation NSProgressIndicator (Told)
+- (void)tell:(const char*)event value:(double)value {
+  if (self == theBar) {
+    theEvents->number(event, value);
+  }
+}
+
+- (void)told_setMinValue:(double)value {
+  [self told_setMinValue:value];
+  [self tell:"progress.min" value:value];
+}
+
+- (void)told_setMaxValue:(double)value {
+  [self told_setMaxValue:value];
+  [self tell:"progress.max" value:value];
+}
+
+- (void)told_setDoubleValue:(double)value {
+  [self told_setDoubleValue:value];
+  [self tell:"progress.value" value:value];
+}
+@end
+
+@interface NSAlert (Told)
+- (NSInteger)told_runModal;
+@end
+
+@implementation NSAlert (Told)
+- (NSInteger)told_runModal {
+  if ([self messageText] == nil || [self informativeText] == nil) {
+    NSLog(@"AppKit itself has something to say: %@ %@", [self messageText], [self informativeText]);
+    _exit(4);
+  }
+  std::vector<const char*> buttons;
+  for (NSButton* button in [self buttons]) {
+    buttons.push_back([[button title] UTF8String]);
+  }
+  const tavenhall::Alert alert{[[self messageText] UTF8String],
+                               [[self informativeText] UTF8String],
+                               buttons,
+                               static_cast<int>([self alertStyle])};
+  theEvents->alert(alert);
+  [theWatcher alertIsUp:self];
+  const NSInteger answer = [self told_runModal];
+  [theWatcher alertIsGone:self];
+  return answer;
+}
+@end
+
+namespace tavenhall::test {
+
+void tellAppKitEvents(EventSink& events, id<AlertWatcher> watcher) {
+  theEvents = &events;
+  theWatcher = watcher;
+  exchangeMethods([NSTextField class], @selector(setTitleWithMnemonic:), @selector(told_setTitleWithMnemonic:));
+  exchangeMethods([NSProgressIndicator class], @selector(setMinValue:), @selector(told_setMinValue:));
+  exchangeMethods([NSProgressIndicator class], @selector(setMaxValue:), @selector(told_setMaxValue:));
+  exchangeMethods([NSProgressIndicator class], @selector(setDoubleValue:), @selector(told_setDoubleValue:));
+  exchangeMethods([NSAlert class], @selector(runModal), @selector(told_runModal));
+}
+
+void watchPane(InstallerPane* pane) {
+  theInstructions = [pane valueForKey:@"instructions"];
+  theStatus = [pane valueForKey:@"status"];
+  theBar = [pane valueForKey:@"progressIndicator"];
+}
+
+}  // namespace tavenhall::test

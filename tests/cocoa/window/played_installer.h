@@ -1,0 +1,31 @@
+#pragma once
+
+#include "host/command_source.h"
+#include "host/event_sink.h"
+#include "tests/cocoa/window/appkit_events.h"
+
+#import "platform/cocoa/gnustep/installer_plugins.h"
+
+// The installer around the page, in a window: does what the lines of standard input say and tells what happens,
+// as `tavinstall run --ui json` does. Alerts are answered by a click on their button. Main thread.
+@interface PlayedInstaller : NSObject <SectionInstaller, AlertWatcher> {
+ @private
+  tavenhall::CommandSource* commands_;
+  tavenhall::EventSink* events_;
+  InstallerSection* section_;
+  InstallerPane* pane_;
+  NSWindow* window_;
+  NSAlert* alert_;  // the one that is up
+  int installs_;    // that run
+}
+- (id)initWithCommands:(tavenhall::CommandSource&)commands events:(tavenhall::EventSink&)events;
+
+// Shows the bundle's page in a window; NO where it cannot be loaded.
+- (BOOL)showPageOfBundle:(NSString*)path;
+
+// Reads commands until there are none any more; then ends the process.
+- (void)begin;
+
+- (void)installHasStarted;
+- (void)installHasEnded;
+@end

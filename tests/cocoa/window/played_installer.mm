@@ -1,0 +1,209 @@
+#import "tests/cocoa/window/played_installer.h"
+
+#include "tests/cocoa/method_exchange.h"
+
+#include <cstdlib>
+#include <poll.h>
+#include <unistd.h>
+
+namespace {
+
+using tavenhall::Command;
+
+PlayedInstaller* theInstaller = nil;
+IMP theInstall = nullptr;
+
+NSArray* everyMode() {
+  return
+      [NSArray arrayWithObjects:NSDefaultRunLoopMode, NSModalPanelRunLoopMode, NSEventTrackingRunLoopMode, nil];
+}
+
+void countedInstall(id pane, SEL selector) {
+  reinterpret_cast<void (*)(id, SEL)>(theInstall)(pane, selector);
+  [theInstaller performSelectorOnMainThread:@selector(installHasEnded)
+                                 withObject:nil
+                              waitUntilDone:NO
+                                      modes:everyMode()];
+}
+
+NSButton* buttonWithTitle(NSView* view, NSString* title) {
+  if ([view isKindOfClass:[NSButton class]] && [[(NSButton*)view title] isEqualToString:title]) {
+    return (NSButton*)view;
+  }
+  for (NSView* subview in [view subviews]) {
+    if (NSButton* found = buttonWithTitle(subview, title)) {
+      return found;
+    }
+  }
+  return nil;
+}
+
+}  // namespace
+
+@interface NSThread (CountedInstalls)
++ (void)counted_detachNewThreadSelector:(SEL)selector toTarget:(id)target withObject:(id)argument;
+@end
+
+@implementation NSThread (CountedInstalls)
++ (void)counted_detachNewThreadSelector:(SEL)selector toTarget:(id)target withObject:(id)argument {
+  [self counted_detachNewThreadSelector:selector toTarget:target withObject:argument];
+  if (sel_isEqual(selector, @selector(doEntireInstall))) {
+    [theInstaller installHasStarted];
+  }
+}
+@end
+
+@implementation PlayedInstaller
+
+- (id)initWithCommands:(tavenhall::CommandSource&)commands events:(tavenhall::EventSink&)events {
+  self = [super init];
+  commands_ = &commands;
+  events_ = &events;
+  theInstaller = self;
+  tavenhall::test::exchangeClassMethods([NSThread class],
+                                        @selector(detachNewThreadSelector:toTarget:withObject:),
+                                        @selector(counted_detachNewThreadSelector:toTarget:withObject:));
+  tavenhall::test::tellAppKitEvents(events, self);
+  return self;
+}
+
+- (BOOL)showPageOfBundle:(NSString*)path {
+  section_ = [[InstallerSection sectionOfBundle:[NSBundle bundleWithPath:path] installer:self] retain];
+  pane_ = [section_ firstPane];
+  if (pane_ == nil) {
+    return NO;
+  }
+  theInstall = class_replaceMethod([pane_ class], @selector(doEntireInstall),
+                                   reinterpret_cast<IMP>(countedInstall), "v@:");
+  tavenhall::test::watchPane(pane_);
+
+  NSView* page = [pane_ contentView];
+  window_ = [[NSWindow alloc] initWithContentRect:[page frame]
+                                        styleMask:NSTitledWindowMask
+                                          backing:NSBackingStoreBuffered
+                                            defer:NO];
+  [[window_ contentView] addSubview:page];
+  [window_ setTitle:@"Install"];
+  [window_ makeKeyAndOrderFront:nil];
+  return YES;
+}
+
+// ---- Input ----
+
+- (void)begin {
+  [NSThread detachNewThreadSelector:@selector(waitForInput) toTarget:self withObject:nil];
+}
+
+- (void)waitForInput {
+  @autoreleasepool {
+    while (!commands_->isClosed()) {
+      pollfd input{STDIN_FILENO, POLLIN, 0};
+      ::poll(&input, 1, -1);
+      [self performSelectorOnMainThread:@selector(readInput)
+                             withObject:nil
+                          waitUntilDone:YES
+                                  modes:everyMode()];
+    }
+  }
+}
+
+- (void)readInput {
+  commands_->read();
+  [self serve];
+}
+
+- (void)end {
+  fflush(nullptr);
+  _exit(0);
+}
+
+// ---- Commands ----
+
+- (void)serve {
+  if (alert_ != nil) {
+    [self answer];
+    return;
+  }
+  while (auto command = commands_->next()) {
+    const bool needsIdlePage = *command == Command::enter || *command == Command::wait;
+    if (alert_ != nil || (needsIdlePage && installs_ > 0)) {
+      return;
+    }
+    commands_->drop();
+    [self perform:*command];
+  }
+  if (commands_->isClosed()) {
+    [self end];
+  }
+}
+
+- (void)perform:(Command)command {
+  switch (command) {
+    case Command::title: events_->text("title", [[pane_ title] UTF8String]); break;
+    case Command::enter:
+      [section_ setActivePane:pane_];
+      [pane_ willEnterPane:InstallerDirectionForward];
+      [pane_ didEnterPane:InstallerDirectionForward];
+      events_->plain("entered");
+      break;
+    case Command::wait: events_->plain("idle"); break;
+    case Command::forward: [self leavePane:pane_ direction:InstallerDirectionForward]; break;
+    case Command::back: [self leavePane:pane_ direction:InstallerDirectionBackward]; break;
+    case Command::quit: [self end]; break;
+  }
+}
+
+- (void)installHasStarted {
+  ++installs_;
+}
+
+- (void)installHasEnded {
+  --installs_;
+  [self serve];
+}
+
+// ---- What the pane asks for ----
+
+- (void)pane:(InstallerPane*)pane setNextEnabled:(BOOL)flag {
+  events_->enabled("next", flag);
+}
+
+- (void)pane:(InstallerPane*)pane setPreviousEnabled:(BOOL)flag {
+  events_->enabled("previous", flag);
+}
+
+- (BOOL)leavePane:(InstallerPane*)pane direction:(InstallerSectionDirection)direction {
+  const BOOL isAllowed = [pane shouldExitPane:direction];
+  events_->exit(direction, isAllowed);
+  return isAllowed;
+}
+
+// ---- Alerts ----
+
+// An answer may have come before its alert; it is looked for once the alert's run loop runs.
+- (void)alertIsUp:(NSAlert*)alert {
+  alert_ = alert;
+  [self performSelector:@selector(serve)
+             withObject:nil
+             afterDelay:0
+                inModes:[NSArray arrayWithObject:NSModalPanelRunLoopMode]];
+}
+
+- (void)alertIsGone:(NSAlert*)alert {
+  alert_ = nil;
+}
+
+- (void)answer {
+  const auto answer = commands_->takeAnswer();
+  if (!answer) {
+    if (commands_->isClosed()) {
+      NSLog(@"an alert waits for an answer, and none can come");
+      _exit(3);
+    }
+    return;
+  }
+  NSButton* button = [[alert_ buttons] objectAtIndex:*answer - NSAlertFirstButtonReturn];
+  [buttonWithTitle([[NSApp modalWindow] contentView], [button title]) performClick:nil];
+}
+
+@end
