@@ -114,9 +114,10 @@ ExitStatus tellLog(const LogArguments& arguments) {
   const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
   struct stat found {};
   if (descriptor < 0 || fstat(descriptor, &found) != 0) {
-    throw UsageError(errno == ENOENT && arguments.file.empty()
-                         ? filled(_("there is no installation log at {0} yet; the first install writes it"), {path})
-                         : filled(_("cannot read the log {0}: {1}"), {path, std::strerror(errno)}));
+    throw UsageError(
+        errno == ENOENT && arguments.file.empty()
+            ? filled(_("there is no installation log at {0} yet; the first install writes it"), {path})
+            : filled(_("cannot read the log {0}: {1}"), {path, std::strerror(errno)}));
   }
   if (S_ISDIR(found.st_mode)) {
     throw UsageError(filled(_("cannot read the log {0}: it is a folder"), {path}));
