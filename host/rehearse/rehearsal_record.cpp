@@ -33,6 +33,20 @@ void RehearsalRecord::addBarValue(double value) {
   }
 }
 
+std::vector<std::pair<std::string, int>> RehearsalRecord::countedSheets() const {
+  std::vector<std::pair<std::string, int>> counted;
+  for (const std::string& sheet : sheets) {
+    const auto known = std::find_if(counted.begin(), counted.end(),
+                                    [&sheet](const auto& kind) { return kind.first == sheet; });
+    if (known != counted.end()) {
+      ++known->second;
+    } else {
+      counted.emplace_back(sheet, 1);
+    }
+  }
+  return counted;
+}
+
 ordered_json RehearsalRecord::toJson() const {
   ordered_json json = {{"left", hasLeft},
                        {"seconds", seconds},

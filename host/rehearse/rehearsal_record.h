@@ -4,6 +4,7 @@
 #include <deque>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tavenhall {
@@ -40,6 +41,9 @@ struct RehearsalRecord {
   void addAnswer(int answer);  // also before its alert
   void addBarMaximum(double maximum);
   void addBarValue(double value);
+
+  // Each text that sheets said, in the order in which they came first, and how often.
+  [[nodiscard]] std::vector<std::pair<std::string, int>> countedSheets() const;
 
   [[nodiscard]] nlohmann::ordered_json toJson() const;
   [[nodiscard]] static RehearsalRecord fromJson(const nlohmann::ordered_json& json);

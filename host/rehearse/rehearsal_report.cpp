@@ -64,8 +64,8 @@ std::string talkRows(const RehearsalRecord& record) {
       text += row("alert", alert.message + ": " + alert.informative);
     }
   }
-  for (const std::string& sheet : record.sheets) {
-    text += row("sheet", sheet);
+  for (const auto& [sheet, times] : record.countedSheets()) {
+    text += row("sheet", sheet + (times > 1 ? " (" + std::to_string(times) + " times)" : ""));
   }
   return text;
 }

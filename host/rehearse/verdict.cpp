@@ -44,8 +44,9 @@ void judgeRun(const RehearsalFindings& findings, Verdict& verdict) {
   } else if (!findings.record.hasLeft) {
     verdict.failures.emplace_back("the page did not let itself be left forwards");
   }
-  for (const std::string& sheet : findings.record.sheets) {
-    verdict.failures.push_back("a sheet said: " + sheet);
+  for (const auto& [sheet, times] : findings.record.countedSheets()) {
+    verdict.failures.push_back("a sheet said" + (times > 1 ? " " + std::to_string(times) + " times" : "") +
+                               ": " + sheet);
   }
 }
 

@@ -127,7 +127,7 @@ std::vector<std::string> asOrdinaryUser(const std::vector<std::string>& command)
   if (!isRealRoot()) {
     return command;
   }
-  std::vector<std::string> line{"setpriv", "--reuid=4321", "--regid=4321", "--clear-groups", "--"};
+  std::vector<std::string> line{"setpriv", "--reuid=nobody", "--regid=65534", "--clear-groups", "--"};
   line.insert(line.end(), command.begin(), command.end());
   return line;
 }

@@ -51,8 +51,7 @@ void turnDiscsIntoImages();
 
 // ---- As somebody else ----
 
-// The command line run by an ordinary user, whom the system need not know; by the test's own where that is no
-// root.
+// The command line run by an ordinary user; by the test's own where that is no root.
 [[nodiscard]] std::vector<std::string> asOrdinaryUser(const std::vector<std::string>& command);
 
 // Can an ordinary user mount images here? Where the test may, it lets them.

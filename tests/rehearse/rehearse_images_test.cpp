@@ -1,0 +1,96 @@
+#include "tests/rehearse/rehearsals.h"
+
+#include <filesystem>
+#include <sys/stat.h>
+
+// Discs that are images, served by the real tools.
+namespace tavenhall::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+// Two discs whose names and sizes are those of real ones: blanks, other languages, more than one read.
+void makeImageSet() {
+  makeDiscSet("Mode = InstallFromVolumes\nNumberOfVolumes = 2\nTotalSizeMillionsBytes = 6\n");
+  writeFile(inSet("discs/1 Tavenhall Lumaweave/DOVA/Factory/Grüße aus dem Tal.db"), someBytes(3'000'001));
+  writeFile(
+      inSet("discs/2 Tavenhall Lumaweave/DOVA/Voices/a name that is longer than sixty-four letters are.db"),
+      someBytes(3'000'000, 2));
+  turnDiscsIntoImages();
+}
+
+void expectInstalled(const Outcome& outcome) {
+  EXPECT_EQ(outcome.status, 0) << outcome.output << outcome.error;
+  EXPECT_THAT(fatesReported(),
+              ElementsAre("Factory/Grüße aus dem Tal.db same", "Factory/one.db same", "Factory/two.db same",
+                          "Voices/a name that is longer than sixty-four letters are.db same"));
+  EXPECT_THAT(outcome.output, HasSubstr("  size         6.0 MB announced, 6.0 MB real\n"));
+  expectNothingLeft();
+}
+
+TEST(RehearseImages, SquashfsAndIsoAreInstalledAsDiscs) {
+  makeImageSet();
+  expectInstalled(rehearse({"--product", "Lumaweave"}));
+  EXPECT_THAT(treeOf("/Users/tester"),
+              ElementsAre("Installer/", "Installer/.InstallationAttributes.dat", "Installer/Installer.pkg",
+                          "Installer/discs/", "Installer/discs/1 Tavenhall Lumaweave.squashfs",
+                          "Installer/discs/2 Tavenhall Lumaweave.iso"))
+      << "the tools leave nothing in the home";
+}
+
+TEST(RehearseImages, AnOrdinaryUserNeedsNoHelp) {
+  if (!ordinaryUserHasFuse()) {
+    GTEST_SKIP() << "an ordinary user may not open /dev/fuse here";
+  }
+  makeImageSet();
+  expectInstalled(runThrough(asOrdinaryUser(rehearseCommand({"--ui", "quiet", "--product", "Lumaweave"}))));
+}
+
+TEST(RehearseImages, ADiscThatIsLeftOutOfALiteInstallIsStillCounted) {
+  makeDiscSet(
+      "Mode = InstallFromVolumes\nNumberOfVolumes = 2\nLiteVsFullPrompt = Yes\nTotalSizeMillionsBytes = 6\n"
+      "Component1SizeMillionsBytes = 3\n");
+  writeFile(inSet("discs/1 Tavenhall Lumaweave/DOVA/a.db"), someBytes(3'000'000));
+  writeFile(inSet("discs/2 Tavenhall Lumaweave/DOVA/b.db"), someBytes(3'000'000));
+  turnDiscsIntoImages();
+  const Outcome outcome = rehearse({"--product", "Lumaweave", "--install-type", "Lite"});
+  EXPECT_EQ(outcome.status, 0) << outcome.output;
+  EXPECT_THAT(outcome.output, HasSubstr("  size         6.0 MB announced, 6.0 MB real\n"));
+  EXPECT_THAT(outcome.output, HasSubstr("  component    3.0 MB announced, 3.0 MB real\n"));
+  EXPECT_THAT(outcome.output, HasSubstr("  left out     2 files of the Full edition\n"));
+}
+
+TEST(RehearseImages, AnImageThatIsNoneIsBadUsageAndNamed) {
+  makeDiscSet();
+  std::filesystem::remove_all(inSet("discs/2 Tavenhall Lumaweave"));
+  writeFile(inSet("discs/2 Tavenhall Lumaweave.squashfs"), "this is no image");
+  const Outcome outcome = rehearse({"--product", "Lumaweave", "--keep", "/Users/tester/deep/kept"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.output, "");
+  EXPECT_THAT(
+      outcome.error,
+      testing::StartsWith("tavinstall: cannot open the disc image /Users/tester/Installer/discs/2 Tavenhall "
+                          "Lumaweave.squashfs: "));
+  EXPECT_EQ(std::count(outcome.error.begin(), outcome.error.end(), '\n'), 1) << outcome.error;
+  EXPECT_FALSE(exists("/Users/tester/deep")) << "nothing was installed, so nothing is kept";
+  expectNothingLeft();
+}
+
+TEST(RehearseImages, AToolThatIsMissingIsNamed) {
+  makeDiscSet();
+  turnDiscsIntoImages();
+  makeFolder("/tmp/bin");
+  for (const char* tool : {"setpriv", "bwrap", "fusermount3", "fusermount"}) {
+    std::filesystem::create_symlink(std::string("/usr/bin/") + tool, std::string("/tmp/bin/") + tool);
+  }
+  const Outcome outcome = runThrough(rehearseCommand({"--product", "Lumaweave"}), {{"PATH", "/tmp/bin"}});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(
+      outcome.error,
+      "tavinstall: cannot open the disc image /Users/tester/Installer/discs/1 Tavenhall Lumaweave.squashfs: "
+      "squashfuse is not there; install the package squashfuse\n");
+}
+
+}  // namespace
+}  // namespace tavenhall::test

@@ -1,0 +1,134 @@
+#include "tests/rehearse/rehearsals.h"
+
+#include "tests/terminal/tmux_terminal.h"
+
+#include <algorithm>
+#include <csignal>
+#include <filesystem>
+
+// A rehearsal that is ended in the middle takes everything with it: images, processes, folders.
+namespace tavenhall::test {
+namespace {
+
+using testing::HasSubstr;
+using testing::SizeIs;
+
+constexpr const char* kStopped = "tavinstall: the rehearsal was stopped, so there is no report\n";
+
+std::vector<std::string> stoppableCommand(const std::vector<std::string>& arguments) {
+  makeDiscSet();
+  turnDiscsIntoImages();
+  std::vector<std::string> command = rehearseCommand({"--product", "Lumaweave"});
+  command.insert(command.end(), arguments.begin(), arguments.end());
+  return command;
+}
+
+// Until the page runs in its sandbox: both images are mounted, and the page has written its log.
+void waitUntilUnderWay() {
+  EXPECT_TRUE(comesTrue([] {
+    const std::vector<std::string> tree = treeOf("/tmp");
+    return temporaryMounts().size() == 2 && std::any_of(tree.begin(), tree.end(), [](const std::string& path) {
+             return path.ends_with("installationLog.txt");
+           });
+  }));
+}
+
+std::vector<pid_t> expectProcesses(pid_t program) {
+  std::vector<pid_t> processes = descendantsOf(program);
+  EXPECT_GE(processes.size(), 5U) << "two servers of images, the sandbox and its first process, the engine";
+  processes.push_back(program);
+  return processes;
+}
+
+class RehearseStop : public testing::TestWithParam<std::pair<const char*, int>> {};
+
+TEST_P(RehearseStop, TakesEverythingWithIt) {
+  const auto [face, signal] = GetParam();
+  ChildProgram program(stoppableCommand({"--ui", face}));
+  if (std::string(face) == "json") {
+    program.write("{\"do\":\"enter\"}\n{\"do\":\"wait\"}\n");
+  }
+  waitUntilUnderWay();
+  std::vector<pid_t> processes = expectProcesses(program.pid());
+  processes.pop_back();  // the program itself is this test's to wait for
+  kill(program.pid(), signal);
+  EXPECT_EQ(program.waitForEnd(), 1);
+  EXPECT_THAT(program.standardError(), HasSubstr(kStopped));
+  EXPECT_FALSE(exists(kReport));
+  expectNothingLeft(processes);
+}
+
+INSTANTIATE_TEST_SUITE_P(Faces, RehearseStop,
+                         testing::Values(std::pair("quiet", SIGTERM), std::pair("quiet", SIGINT),
+                                         std::pair("quiet", SIGHUP), std::pair("json", SIGTERM),
+                                         std::pair("json", SIGINT), std::pair("plain", SIGTERM),
+                                         std::pair("plain", SIGINT)),
+                         [](const auto& tried) {
+                           const char* signal = tried.param.second == SIGTERM  ? "Term"
+                                                : tried.param.second == SIGINT ? "Int"
+                                                                               : "Hup";
+                           return std::string(tried.param.first) + signal;
+                         });
+
+TEST(RehearseStop, AProgramThatIsKilledLeavesNoMountAndNoProcess) {
+  ChildProgram program(stoppableCommand({"--ui", "quiet"}));
+  waitUntilUnderWay();
+  std::vector<pid_t> processes = expectProcesses(program.pid());
+  processes.pop_back();
+  kill(program.pid(), SIGKILL);
+  EXPECT_EQ(program.waitForEnd(), 128 + SIGKILL);
+  for (const pid_t process : processes) {
+    EXPECT_TRUE(comesTrue([process] { return kill(process, 0) != 0; })) << "process " << process << " runs on";
+  }
+  EXPECT_THAT(temporaryMounts(), SizeIs(0));
+}
+
+TEST(RehearseStop, WhatWasInstalledSoFarIsKeptWhereItWasToBeKept) {
+  ChildProgram program(stoppableCommand({"--ui", "plain", "--keep", "/Users/tester/kept"}));
+  while (const auto line = program.readLine()) {
+    if (*line == "? Ready for next volume") {
+      break;
+    }
+  }
+  kill(program.pid(), SIGTERM);
+  EXPECT_THAT(program.readAll(),
+              HasSubstr("! Stopped. What was installed so far is in /Users/tester/kept.\n"
+                        "The log is /Users/tester/kept/Users/rehearsal/Library/Caches/Tavenhall/"
+                        "installationLog.txt.\n"));
+  EXPECT_EQ(program.waitForEnd(), 1);
+  EXPECT_TRUE(exists("/Users/tester/kept/Users/rehearsal/Library/Caches/Tavenhall/installationLog.txt"));
+  expectNothingLeft();
+}
+
+TEST(RehearseStop, CtrlCInATerminalEndsAPlainRehearsal) {
+  // A job of its own in the terminal, as at a prompt.
+  std::vector<std::string> command = stoppableCommand({"--ui", "plain"});
+  command.insert(command.begin(), {"bash", "-mc", "\"$@\"; exit $?", "bash"});
+  TmuxTerminal terminal(100, 30, command);
+  terminal.waitFor("? Ready for next volume");
+  waitUntilUnderWay();
+  const std::vector<pid_t> processes = expectProcesses(terminal.program());
+  terminal.press({"C-c"});
+  const std::string shown = terminal.waitFor("[ended with 1]");
+  EXPECT_THAT(shown, HasSubstr("! Stopped. Nothing of it is left."));
+  EXPECT_THAT(shown, HasSubstr("the rehearsal was stopped"));
+  expectNothingLeft(processes);
+}
+
+TEST(RehearseStop, ATerminalThatGoesAwayEndsTheRehearsalInIt) {
+  TmuxTerminal terminal(100, 30, stoppableCommand({"--ui", "terminal"}), {{"TERM", "tmux-256color"}});
+  terminal.waitFor("Press Continue to begin.");
+  terminal.press({"Enter"});
+  terminal.waitFor("Ready for next volume");
+  waitUntilUnderWay();
+  const std::vector<pid_t> processes = expectProcesses(terminal.program());
+  terminal.close();
+  EXPECT_TRUE(comesTrue([] { return temporaryMounts().empty(); }));
+  for (const pid_t process : processes) {
+    EXPECT_TRUE(comesTrue([process] { return kill(process, 0) != 0; })) << "process " << process << " runs on";
+  }
+  expectNothingLeft();
+}
+
+}  // namespace
+}  // namespace tavenhall::test
