@@ -61,6 +61,7 @@ void expectTerminalAsBefore(TmuxTerminal& terminal) {
 TEST_F(TerminalLeaving, ControlCAsksAndSaysWhatIsLeftHalfDone) {
   RunningInstall install;
   install.terminal.press({"C-c"});
+  install.terminal.waitFor("Leave the installer?");
   expectScreen(install.terminal, "leave");
   install.terminal.press({"Enter"});
   install.terminal.waitUntilGone("Leave the installer?");
@@ -154,6 +155,7 @@ TEST_F(TerminalLeaving, ACrashOfThePageGivesTheTerminalBackAndHarmsNothing) {
 TEST_F(TerminalLeaving, AnEngineThatIsKilledIsToldOfOnTheLastPage) {
   RunningInstall install;
   kill(install.engine, SIGKILL);
+  install.terminal.waitFor("The installation ended before its time.");
   expectScreen(install.terminal, "ended-before-its-time");
   install.terminal.press({"Enter"});
   EXPECT_THAT(install.terminal.waitFor("[ended with"), HasSubstr("[ended with 1]"));
