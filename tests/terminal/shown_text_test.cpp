@@ -103,8 +103,15 @@ TEST_F(ShownText, ATextThatFitsIsNotCut) {
 
 TEST_F(ShownText, CutAtItsEndATextEndsWithAnEllipsis) { EXPECT_EQ(cutAtEnd("Keyboards", 6), "Keybo…"); }
 
-TEST_F(ShownText, CutAtItsStartAPathKeepsItsName) {
+TEST_F(ShownText, AShortPathKeepsItsNameAndWholeFolders) {
   EXPECT_EQ(shortPath("/a/long/path/001.db", 8), "…/001.db");
+  EXPECT_EQ(shortPath("/a/long/path/001.db", 12), "…/001.db");
+  EXPECT_EQ(shortPath("/a/long/path/001.db", 13), "…/path/001.db");
+  EXPECT_EQ(shortPath("/a/long/path/001.db", 19), "/a/long/path/001.db");
+}
+
+TEST_F(ShownText, ANameTooLongForItsRoomLosesItsStart) {
+  EXPECT_EQ(shortPath("/a/Keyboards.db", 8), "…ards.db");
 }
 
 TEST_F(ShownText, ACutNeverSplitsAWideCharacter) {

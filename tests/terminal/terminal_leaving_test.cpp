@@ -111,6 +111,7 @@ TEST_F(TerminalLeaving, ATerminalThatGoesAwayDoesNotStopTheInstall) {
   install.terminal.close();
   waitForEndOf(install.program);
   EXPECT_EQ(kill(install.engine, 0), 0) << "the engine went with its terminal";
+  EXPECT_EQ(runThrough(runCommand({"--ui", "quiet"})).status, 2) << "it does not keep a second one out";
   let("go");
   waitForEndOf(install.engine);
   EXPECT_TRUE(exists("/tmp/finished"));
