@@ -18,7 +18,7 @@ struct CommandTerminalEnds {
 // Makes one; both ends are closed in programs that are run. Throws std::system_error.
 [[nodiscard]] CommandTerminalEnds makeCommandTerminal();
 
-// Makes it the terminal of this process, which leads a session without one, and of its children.
+// Makes it the terminal of this process and of its children. After setsid, so that there is no other.
 void takeCommandTerminal(int commands) noexcept;
 
 // The face's end. What a user answers goes from here to the command alone: no line of the engine's and no

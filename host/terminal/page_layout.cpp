@@ -109,10 +109,20 @@ void putProgress(LayerWriter& page, const Frame& frame, PageModel& model, PageMo
               minutes ? timeLeftText(*minutes) : "");
 }
 
-std::string keysText(const PageModel& model, const Signs& signs) {
-  std::string text = "Tab choose   Enter press   ";
-  text += signs.arrows;
-  return text + " scroll   " + (model.stage() == PageModel::Stage::summary ? "Escape close" : "Ctrl-C leave");
+// The keys that do something now.
+std::string keysText(const Layer& front, bool isLastPage, const Signs& signs) {
+  constexpr const char* kGap = "   ";
+  std::string text;
+  if (front.buttons.size() > 1) {
+    text += std::string("Tab choose") + kGap;
+  }
+  if (!front.buttons.empty()) {
+    text += std::string("Enter press") + kGap;
+  }
+  if (front.extent.maximum > 0) {
+    text += signs.arrows + std::string(" scroll") + kGap;
+  }
+  return text + (isLastPage ? "Escape close" : "Ctrl-C leave");
 }
 
 Layer layOutPage(PageModel& model, PageModel::Time now, Size size, const Signs& signs) {
@@ -146,7 +156,6 @@ Layer layOutPage(PageModel& model, PageModel::Time now, Size size, const Signs& 
     constexpr int kBothButtons = 28;
     page.put(bottom + 1, kMargin, cutAtEnd(notice, ruleColumns - kBothButtons), Style::warning);
   }
-  page.put(bottom + 2, kMargin, cutAtEnd(keysText(model, signs), ruleColumns), Style::dim);
   return page.take();
 }
 
@@ -233,6 +242,9 @@ std::vector<Layer> layOut(PageModel& model, PageModel::Time now, Size size, cons
   for (const PageWindow& window : model.windows()) {
     layers.push_back(layOutWindow(window, size, depth++, signs));
   }
+  const bool isLastPage = model.stage() == PageModel::Stage::summary;
+  layers.front().runs.push_back(
+      {size.rows - 1, kMargin, keysText(layers.back(), isLastPage, signs), Style::dim});
   return layers;
 }
 

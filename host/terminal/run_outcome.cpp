@@ -46,7 +46,7 @@ void appendKind(std::vector<Line>& lines, const RunOutcome& outcome, const Failu
   for (const RunFailure& failure : outcome.failures) {
     if (failure.kind == kind.kind) {
       const std::string& name = failure.file.empty() ? failure.detail : failure.file;
-      files.push_back({{"  " + cutAtStart(name, width - 2), Style::text}});
+      files.push_back({{"  " + shortPath(name, width - 2), Style::text}});
     }
   }
   if (!files.empty()) {

@@ -174,17 +174,23 @@ std::string cutAtEnd(std::string_view text, int width) {
   return room < 0 ? std::string() : textOf(shown) + ellipsis();
 }
 
-std::string cutAtStart(std::string_view text, int width) {
-  const Clusters clusters = inOneLine(text);
+std::string shortPath(std::string_view path, int width) {
+  const Clusters clusters = inOneLine(path);
   std::span<const Cluster> shown = clusters;
   if (widthOf(shown) <= width) {
     return textOf(shown);
   }
   const int room = width - widthOf(ellipsis());
+  if (room < 0) {
+    return {};
+  }
   while (!shown.empty() && widthOf(shown) > room) {
     shown = shown.subspan(1);
   }
-  return room < 0 ? std::string() : ellipsis() + textOf(shown);
+  const auto folder = std::ranges::find_if(shown, [](const Cluster& cluster) { return cluster.is('/'); });
+  const bool isWithinName = folder == shown.end();
+  return ellipsis() +
+         textOf(isWithinName ? shown : shown.subspan(static_cast<std::size_t>(folder - shown.begin())));
 }
 
 }  // namespace tavenhall

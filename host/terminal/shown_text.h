@@ -24,8 +24,8 @@ namespace tavenhall {
 [[nodiscard]] std::vector<std::string> wrapText(std::string_view text, int width);
 
 // The text in one line of at most `width` cells, with an ellipsis where something had to go: at the end, or
-// at the start, which keeps a path's name.
+// at the start, which keeps a path's name. A path goes by whole folders, as far as its name leaves room.
 [[nodiscard]] std::string cutAtEnd(std::string_view text, int width);
-[[nodiscard]] std::string cutAtStart(std::string_view text, int width);
+[[nodiscard]] std::string shortPath(std::string_view path, int width);
 
 }  // namespace tavenhall

@@ -36,9 +36,14 @@ void PageDriver::enter() {
 }
 
 std::vector<std::string> PageDriver::wishes() {
-  static const std::map<Wish::Kind, std::string> kNames{
-      {Wish::Kind::enter, "enter"}, {Wish::Kind::forward, "forward"}, {Wish::Kind::back, "back"},
-      {Wish::Kind::quit, "quit"},   {Wish::Kind::leave, "leave"},     {Wish::Kind::close, "close"}};
+  static const std::map<Wish::Kind, std::string> kNames{{Wish::Kind::enter, "enter"},
+                                                        {Wish::Kind::forward, "forward"},
+                                                        {Wish::Kind::back, "back"},
+                                                        {Wish::Kind::quit, "quit"},
+                                                        {Wish::Kind::leave, "leave"},
+                                                        {Wish::Kind::tellPassword, "tell password"},
+                                                        {Wish::Kind::refusePassword, "refuse password"},
+                                                        {Wish::Kind::close, "close"}};
   std::vector<std::string> wishes;
   for (const Wish& wish : page.takeWishes()) {
     wishes.push_back(wish.kind == Wish::Kind::answer ? "answer " + std::to_string(wish.answer)

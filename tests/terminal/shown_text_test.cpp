@@ -98,18 +98,25 @@ TEST_F(ShownText, AWidthOfNothingStillEnds) { EXPECT_THAT(wrapText("ab日", 0), 
 
 TEST_F(ShownText, ATextThatFitsIsNotCut) {
   EXPECT_EQ(cutAtEnd("Keyboards", 9), "Keyboards");
-  EXPECT_EQ(cutAtStart("Keyboards", 9), "Keyboards");
+  EXPECT_EQ(shortPath("Keyboards", 9), "Keyboards");
 }
 
 TEST_F(ShownText, CutAtItsEndATextEndsWithAnEllipsis) { EXPECT_EQ(cutAtEnd("Keyboards", 6), "Keybo…"); }
 
-TEST_F(ShownText, CutAtItsStartAPathKeepsItsName) {
-  EXPECT_EQ(cutAtStart("/a/long/path/001.db", 8), "…/001.db");
+TEST_F(ShownText, AShortPathKeepsItsNameAndWholeFolders) {
+  EXPECT_EQ(shortPath("/a/long/path/001.db", 8), "…/001.db");
+  EXPECT_EQ(shortPath("/a/long/path/001.db", 12), "…/001.db");
+  EXPECT_EQ(shortPath("/a/long/path/001.db", 13), "…/path/001.db");
+  EXPECT_EQ(shortPath("/a/long/path/001.db", 19), "/a/long/path/001.db");
+}
+
+TEST_F(ShownText, ANameTooLongForItsRoomLosesItsStart) {
+  EXPECT_EQ(shortPath("/a/Keyboards.db", 8), "…ards.db");
 }
 
 TEST_F(ShownText, ACutNeverSplitsAWideCharacter) {
   EXPECT_EQ(cutAtEnd("日本語", 4), "日…");
-  EXPECT_EQ(cutAtStart("日本語", 4), "…語");
+  EXPECT_EQ(shortPath("日本語", 4), "…語");
 }
 
 TEST_F(ShownText, LineBreaksOfATextInOneLineBecomeBlanks) { EXPECT_EQ(cutAtEnd("a\nb", 10), "a b"); }

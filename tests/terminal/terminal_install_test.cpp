@@ -26,15 +26,19 @@ void swapDiscs() {
 TEST_F(TerminalInstall, TwoDiscsAreInstalledWithASwapBetweenThem) {
   layTwoDiscSet();
   TmuxTerminal terminal(80, 24, runCommand());
+  terminal.waitFor("Press Continue to begin.");
   expectScreen(terminal, "introduction");
   terminal.press({"Enter"});
 
+  terminal.waitFor("Please insert Tessaphon B");
   expectScreen(terminal, "second-disc");
   swapDiscs();
   terminal.press({"Enter"});
 
+  terminal.waitFor("[ Continue ]");
   expectScreen(terminal, "installed");
   terminal.press({"c"});
+  terminal.waitFor("The installation was successful.");
   expectScreen(terminal, "successful");
 
   terminal.press({"Enter"});
@@ -64,12 +68,14 @@ TEST_F(TerminalInstall, AFailureIsASheetAndIsNamedOnTheLastPage) {
   terminal.press({"Enter"});
   terminal.waitFor("Failed to open output file.");
   terminal.press({"Enter"});
+  terminal.waitFor("[ Continue ]");
   expectScreen(terminal, "installed-with-failure");
   terminal.press({"Enter"});
 
   // The copy gave 0, so the page refuses to be left, and says so.
   terminal.waitFor("has not finished.");
   terminal.press({"Enter"});
+  terminal.waitFor("The installation is not complete.");
   expectScreen(terminal, "not-complete");
   terminal.press({"Enter"});
   EXPECT_THAT(terminal.waitFor("[ended with"), HasSubstr("[ended with 1]"));
@@ -79,6 +85,7 @@ TEST_F(TerminalInstall, WithoutItsDataFolderThePageLeadsToALastPageThatSaysSo) {
   layOneDiscSet();
   std::filesystem::remove_all(kDataFolder);
   TmuxTerminal terminal(80, 24, runCommand());
+  terminal.waitFor("Press Continue to begin.");
   expectScreen(terminal, "introduction-without-folder");
   terminal.press({"Enter"});
   terminal.waitFor("install Tessaphon first");

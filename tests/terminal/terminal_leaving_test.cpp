@@ -61,6 +61,7 @@ void expectTerminalAsBefore(TmuxTerminal& terminal) {
 TEST_F(TerminalLeaving, ControlCAsksAndSaysWhatIsLeftHalfDone) {
   RunningInstall install;
   install.terminal.press({"C-c"});
+  install.terminal.waitFor("Leave the installer?");
   expectScreen(install.terminal, "leave");
   install.terminal.press({"Enter"});
   install.terminal.waitUntilGone("Leave the installer?");
@@ -110,6 +111,7 @@ TEST_F(TerminalLeaving, ATerminalThatGoesAwayDoesNotStopTheInstall) {
   install.terminal.close();
   waitForEndOf(install.program);
   EXPECT_EQ(kill(install.engine, 0), 0) << "the engine went with its terminal";
+  EXPECT_EQ(runThrough(runCommand({"--ui", "quiet"})).status, 2) << "it does not keep a second one out";
   let("go");
   waitForEndOf(install.engine);
   EXPECT_TRUE(exists("/tmp/finished"));
@@ -154,6 +156,7 @@ TEST_F(TerminalLeaving, ACrashOfThePageGivesTheTerminalBackAndHarmsNothing) {
 TEST_F(TerminalLeaving, AnEngineThatIsKilledIsToldOfOnTheLastPage) {
   RunningInstall install;
   kill(install.engine, SIGKILL);
+  install.terminal.waitFor("The installation ended before its time.");
   expectScreen(install.terminal, "ended-before-its-time");
   install.terminal.press({"Enter"});
   EXPECT_THAT(install.terminal.waitFor("[ended with"), HasSubstr("[ended with 1]"));

@@ -122,6 +122,7 @@ TEST_F(TerminalPageTest, TheWindowMayBeResizedDuringTheCopy) {
   enter(terminal, "43 %");
   expectScreen(terminal, "copy-80x24");
   terminal.resize(120, 40);
+  terminal.waitFor("Tavenhall/TANVO\n");
   expectScreen(terminal, "copy-120x40");
   terminal.resize(60, 20);
   expectScreen(terminal, "copy-60x20");
@@ -145,8 +146,17 @@ TEST_F(TerminalPageTest, WithColoursThePageIsColoured) {
   terminal.waitForColoured("\033[38;5;32m");
 }
 
-TEST_F(TerminalPageTest, WithFewColoursThoseAreUsed) {
+TEST_F(TerminalPageTest, WithEightColoursThoseAreUsed) {
   TmuxTerminal terminal(80, 24, runScript(std::string(kCopy) + kEnd), {{"TERM", "screen"}});
+  enter(terminal, "43 %");
+  EXPECT_THAT(terminal.waitForColoured("\033[36m"), Not(HasSubstr("38;5")));
+}
+
+TEST_F(TerminalPageTest, WithSixteenColoursTheFirstOfThemAreUsed) {
+  writeFile("/tmp/sixteen.ti", "sixteen|a terminal of sixteen colours,\n\tcolors#16, pairs#256, use=screen,\n");
+  ASSERT_EQ(runThrough({"tic", "-o", "/tmp/terminfo", "/tmp/sixteen.ti"}).status, 0);
+  TmuxTerminal terminal(80, 24, runScript(std::string(kCopy) + kEnd),
+                        {{"TERM", "sixteen"}, {"TERMINFO", "/tmp/terminfo"}});
   enter(terminal, "43 %");
   EXPECT_THAT(terminal.waitForColoured("\033[36m"), Not(HasSubstr("38;5")));
 }
@@ -204,6 +214,24 @@ TEST_F(TerminalPageTest, ALongTextIsScrolled) {
   terminal.waitFor("line 40");
   terminal.press({"Home"});
   terminal.waitFor("first line");
+  terminal.turnWheel(true, 40, 8);
+  terminal.waitUntilGone("first line");
+  terminal.turnWheel(false, 40, 8);
+  terminal.waitFor("first line");
+}
+
+// An update's bar starts again from the left each time it is full, so it says nothing of the whole.
+TEST_F(TerminalPageTest, ABarThatWrapsComesWithTheTimePassedAlone) {
+  const auto command = runScript(
+      "thread\ninstructions Now updating.\nmax 1000000\nvalue 900000\nvalue 400000\n"
+      "status Installing... Keyboards\n" +
+      std::string(kEnd));
+  setAttributes("Mode = TavenhallUpdater\nRelativePath = .\nTotalSizeMillionsBytes = 2000\n");
+  TmuxTerminal terminal(80, 24, command);
+  enter(terminal, "Installing... Keyboards");
+  expectScreen(terminal, "copy-wrapping");
+  let("go");
+  terminal.waitFor("100 %");
 }
 
 }  // namespace

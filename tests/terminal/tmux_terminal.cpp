@@ -57,12 +57,22 @@ void TmuxTerminal::press(std::initializer_list<const char*> keys) {
   tmux(arguments);
 }
 
+namespace {
+
+// What a terminal says of its mouse: the button, then where it is.
+std::string mouseReport(char button, int column, int row) {
+  return std::string("\033[M") + button + static_cast<char>(33 + column) + static_cast<char>(33 + row);
+}
+
+}  // namespace
+
 void TmuxTerminal::click(int column, int row) {
-  const auto report = [column, row](char button) {
-    return std::string("\033[M") + button + static_cast<char>(33 + column) + static_cast<char>(33 + row);
-  };
-  tmux({"send-keys", "-l", report(' ')});
-  tmux({"send-keys", "-l", report('#')});
+  tmux({"send-keys", "-l", mouseReport(' ', column, row)});
+  tmux({"send-keys", "-l", mouseReport('#', column, row)});
+}
+
+void TmuxTerminal::turnWheel(bool down, int column, int row) {
+  tmux({"send-keys", "-l", mouseReport(down ? 'a' : '`', column, row)});
 }
 
 void TmuxTerminal::resize(int columns, int rows) {

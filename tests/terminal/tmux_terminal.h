@@ -29,6 +29,9 @@ class TmuxTerminal {
   // The left button of the mouse, pressed and let go there; from 0.
   void click(int column, int row);
 
+  // The mouse's wheel, by one notch.
+  void turnWheel(bool down, int column, int row);
+
   void resize(int columns, int rows);
 
   // The terminal goes away, as when its window is closed.

@@ -1,0 +1,144 @@
+// What signals and closed pipes do to each face but the terminal page, whose own are in terminal_leaving_test.
+#include "tests/install/child_program.h"
+#include "tests/support/files.h"
+#include "tests/terminal/page_in_terminal.h"
+#include "tests/terminal/tmux_terminal.h"
+
+#include <csignal>
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+namespace tavenhall::test {
+namespace {
+
+using testing::HasSubstr;
+
+// A copy that ends when it may, and says so by a file.
+constexpr const char* kLongCopy =
+    "thread\ninstructions Now installing.\nmax 1953125\nvalue 840000\nlog The copy runs.\nwait /tmp/go\n"
+    "ready 1\nnext 1\nrun touch /tmp/finished\n";
+
+std::vector<std::string> copyIn(const char* face, const std::string& script = kLongCopy) {
+  std::vector<std::string> command = runScript(script);
+  command.insert(command.end(), {"--ui", face, "--summary", "/tmp/summary.json"});
+  return command;
+}
+
+void waitForFile(const std::string& path) {
+  EXPECT_TRUE(comesTrue([&path] { return exists(path); })) << "no " << path;
+}
+
+// Not by a command of the page's: while one runs, an interrupt is the command's.
+void waitForCopy() {
+  EXPECT_TRUE(
+      comesTrue([] { return exists(kLog) && readFile(kLog).find("The copy runs.") != std::string::npos; }));
+}
+
+pid_t engineOf(const ChildProgram& program) {
+  const std::vector<pid_t> children = childrenOf(program.pid());
+  EXPECT_EQ(children.size(), 1U);
+  return children.empty() ? -1 : children[0];
+}
+
+// ---- Plain lines ----
+
+class PlainFaceIsEnded : public testing::TestWithParam<int> {};
+
+TEST_P(PlainFaceIsEnded, WithItsEngineAndTheCommandThatRuns) {
+  ChildProgram program(copyIn("plain", "thread\nrun touch /tmp/begun; sleep 600; touch /tmp/slept\n"));
+  waitForFile("/tmp/begun");
+  const pid_t engine = engineOf(program);
+  kill(program.pid(), GetParam());
+  EXPECT_THAT(program.readAll(),
+              HasSubstr("! Stopped. What was copied so far stays; run the installer again to complete it.\n"));
+  EXPECT_EQ(program.waitForEnd(), 1);
+  waitForEndOf(engine);
+  EXPECT_FALSE(exists("/tmp/slept"));
+}
+
+INSTANTIATE_TEST_SUITE_P(By, PlainFaceIsEnded, testing::Values(SIGINT, SIGTERM), [](const auto& parameter) {
+  return parameter.param == SIGINT ? "SIGINT" : "SIGTERM";
+});
+
+TEST(PlainFaceSignals, AHangUpLeavesTheInstallToGoOn) {
+  ChildProgram program(copyIn("plain"));
+  waitForCopy();
+  const pid_t engine = engineOf(program);
+  kill(program.pid(), SIGHUP);
+  EXPECT_EQ(program.waitForEnd(), 1);
+  EXPECT_FALSE(exists("/tmp/finished"));
+  let("go");
+  waitForEndOf(engine);
+  EXPECT_TRUE(exists("/tmp/finished"));
+  EXPECT_EQ(nlohmann::json::parse(readFile("/tmp/summary.json"))["left"], true);
+}
+
+TEST(PlainFaceSignals, ATerminalThatGoesAwayLeavesTheInstallToGoOn) {
+  TmuxTerminal terminal(80, 24, copyIn("plain"));
+  waitForCopy();
+  const pid_t program = terminal.program();
+  const std::vector<pid_t> engine = childrenOf(program);
+  ASSERT_EQ(engine.size(), 1U);
+  terminal.close();
+  waitForEndOf(program);
+  let("go");
+  waitForEndOf(engine[0]);
+  EXPECT_TRUE(exists("/tmp/finished"));
+}
+
+TEST(PlainFaceSignals, AReaderThatGoesAwayEndsNothing) {
+  std::string line = "exec 3>&1; { ";
+  for (const std::string& word : copyIn("plain")) {
+    line += "'" + word + "' ";
+  }
+  line += "; echo \"ended with $?\" >&3; } | head -n 1 >/dev/null; echo read";
+  ChildProgram program({"/bin/sh", "-c", line});
+  waitForCopy();
+  let("go");
+  EXPECT_EQ(program.readAll(), "ended with 0\nread\n");
+  EXPECT_EQ(program.waitForEnd(), 0);
+  EXPECT_TRUE(exists("/tmp/finished"));
+}
+
+// ---- No face ----
+
+class FacelessIsEnded : public testing::TestWithParam<std::tuple<const char*, int>> {};
+
+TEST_P(FacelessIsEnded, AtOnceAsBySuchASignal) {
+  const auto& [face, signal] = GetParam();
+  ChildProgram program(copyIn(face));
+  program.write("{\"do\":\"enter\"}\n{\"do\":\"wait\"}\n");
+  waitForCopy();
+  kill(program.pid(), signal);
+  EXPECT_EQ(program.waitForEnd(), 128 + signal);
+  EXPECT_FALSE(exists("/tmp/finished"));
+  EXPECT_FALSE(exists("/tmp/summary.json"));
+}
+
+INSTANTIATE_TEST_SUITE_P(By, FacelessIsEnded,
+                         testing::Combine(testing::Values("quiet", "json"),
+                                          testing::Values(SIGINT, SIGTERM, SIGHUP)),
+                         [](const auto& parameter) {
+                           return std::string(std::get<0>(parameter.param)) + "BySignal" +
+                                  std::to_string(std::get<1>(parameter.param));
+                         });
+
+TEST(JsonFaceSignals, AReaderThatGoesAwayEndsNothing) {
+  std::string line = "exec 3>&1; { ";
+  for (const std::string& word : copyIn("json")) {
+    line += "'" + word + "' ";
+  }
+  line += "; echo \"ended with $?\" >&3; } | head -n 1 >/dev/null; echo read";
+  ChildProgram program({"/bin/sh", "-c", line});
+  program.write("{\"do\":\"enter\"}\n{\"do\":\"wait\"}\n{\"do\":\"forward\"}\n{\"do\":\"quit\"}\n");
+  waitForCopy();
+  let("go");
+  EXPECT_EQ(program.readAll(), "ended with 0\nread\n");
+  EXPECT_EQ(program.waitForEnd(), 0);
+  EXPECT_EQ(nlohmann::json::parse(readFile("/tmp/summary.json"))["left"], true);
+}
+
+}  // namespace
+}  // namespace tavenhall::test

@@ -1,0 +1,141 @@
+// The window in which a command of the installation asks for a password.
+#include "tests/terminal/in_utf8.h"
+#include "tests/terminal/page_driver.h"
+#include "tests/terminal/rendered.h"
+
+#include <gmock/gmock.h>
+#include <string>
+
+namespace tavenhall::test {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr const char* kPrompt = "[sudo] password for tester:";
+
+class PasswordWindow : public InUtf8 {
+ protected:
+  PasswordWindow() { driver.enter(); }
+
+  void ask(const char* prompt = kPrompt) { driver.page.hearPasswordQuestion(prompt, driver.now()); }
+  void type(const std::string& text) {
+    for (const char character : text) {
+      driver.page.type({&character, 1});
+    }
+  }
+
+  PageDriver driver;
+};
+
+TEST_F(PasswordWindow, SaysWhoAsksAndShowsStars) {
+  ask();
+  type("abc");
+  EXPECT_THAT(driver.windowTexts(), ElementsAre("A password is needed", "A command of the installation asks:",
+                                                kPrompt, "***_____________________________"));
+  driver.act(Action::press);
+  EXPECT_THAT(driver.wishes(), ElementsAre("tell password"));
+  EXPECT_EQ(driver.page.typedPassword().text(), "abc");
+  driver.page.forgetPassword();
+  EXPECT_EQ(driver.page.typedPassword().text(), "");
+  EXPECT_FALSE(driver.page.hasWindow());
+}
+
+TEST_F(PasswordWindow, ALongPasswordFillsItsField) {
+  ask();
+  type(std::string(60, 'x'));
+  EXPECT_EQ(driver.windowTexts().back(), std::string(32, '*'));
+  EXPECT_EQ(driver.page.typedPassword().characters(), 60U);
+}
+
+TEST_F(PasswordWindow, NoLetterPressesAButton) {
+  ask();
+  driver.press('c');
+  driver.press('o');
+  EXPECT_THAT(driver.wishes(), IsEmpty());
+  EXPECT_TRUE(driver.page.takesTyping());
+}
+
+TEST_F(PasswordWindow, EscapeOnlyGoesToCancel) {
+  ask();
+  type("abc");
+  driver.act(Action::cancel);
+  EXPECT_THAT(driver.wishes(), IsEmpty());
+  driver.act(Action::press);
+  EXPECT_THAT(driver.wishes(), ElementsAre("refuse password"));
+  EXPECT_EQ(driver.page.typedPassword().text(), "");
+}
+
+TEST_F(PasswordWindow, GoesWhenTheCommandAsksNoMore) {
+  ask();
+  type("abc");
+  driver.page.hearPasswordQuestion(std::nullopt, driver.now());
+  EXPECT_FALSE(driver.page.hasWindow());
+  EXPECT_EQ(driver.page.typedPassword().text(), "");
+  EXPECT_THAT(driver.wishes(), IsEmpty());
+}
+
+TEST_F(PasswordWindow, AskedAgainItSaysWhatTheCommandHasSaid) {
+  driver.page.hearMessage("something of before");
+  ask();
+  EXPECT_EQ(driver.windowTexts()[1], "A command of the installation asks:");
+  driver.act(Action::press);
+  driver.at(2);
+  driver.page.hearMessage("Sorry, try again.");
+  ask();
+  EXPECT_EQ(driver.windowTexts()[1], "Sorry, try again.");
+  driver.act(Action::press);
+  driver.page.hearMessage("cp: something else");
+  driver.at(60);
+  ask();
+  EXPECT_EQ(driver.windowTexts()[1], "A command of the installation asks:");
+}
+
+TEST_F(PasswordWindow, TheClockStandsStillWhileItIsUp) {
+  driver.at(10);
+  ask();
+  driver.at(100);
+  driver.act(Action::press);
+  driver.at(105);
+  EXPECT_EQ(driver.page.meter().passed(driver.now()).count(), 15.0);
+}
+
+TEST_F(PasswordWindow, TheClockStandsStillUntilBothQuestionsAreAnswered) {
+  driver.hear("{'event':'alert','message':'Next','informative':'B','buttons':['OK']}");
+  driver.at(10);
+  ask();
+  driver.act(Action::press);
+  driver.at(20);
+  EXPECT_EQ(driver.page.meter().passed(driver.now()).count(), 0.0);
+  driver.act(Action::press);
+  driver.at(21);
+  EXPECT_EQ(driver.page.meter().passed(driver.now()).count(), 1.0);
+}
+
+TEST_F(PasswordWindow, StandsBelowTheQuestionWhetherToLeaveWhichTakesTheKeys) {
+  ask();
+  driver.act(Action::leave);
+  EXPECT_FALSE(driver.page.takesTyping());
+  driver.press('g');
+  EXPECT_TRUE(driver.page.takesTyping());
+}
+
+TEST_F(PasswordWindow, APageThatIsTooSmallForItSaysThatAQuestionWaits) {
+  ask();
+  const Size small{10, 50};
+  EXPECT_THAT(rendered(layOut(driver.page, driver.now(), small, unicodeSigns()), small),
+              Contains(HasSubstr("A question waits: please make this window larger")));
+}
+
+TEST_F(PasswordWindow, TheEndOfTheInstallForgetsIt) {
+  ask();
+  type("abc");
+  driver.page.end({}, driver.now());
+  EXPECT_FALSE(driver.page.hasWindow());
+  EXPECT_EQ(driver.page.typedPassword().text(), "");
+}
+
+}  // namespace
+}  // namespace tavenhall::test
