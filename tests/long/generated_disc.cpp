@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <fuse.h>
-#include <mutex>
 #include <string>
 #include <sys/stat.h>
 #include <thread>
@@ -29,24 +28,16 @@ struct Disc {
   std::uint64_t first = 0;
   std::vector<off_t> sizes;
 
-  std::mutex mutex;
   Clock::time_point due = Clock::now();  // when the next byte may be given
 
-  // Waits until so many bytes more may be given.
+  // Waits until so many bytes more may be given. Time in which nobody read is not saved up.
   void wait(std::size_t bytes) {
-    if (rate == 0) {
-      return;
-    }
-    Clock::time_point mine;
-    {
-      const std::lock_guard lock(mutex);
+    if (rate > 0) {
       const auto duration =
           std::chrono::duration<double>(static_cast<double>(bytes) / static_cast<double>(rate));
-      // Time in which nobody read is not saved up.
       due = std::max(due, Clock::now()) + std::chrono::duration_cast<Clock::duration>(duration);
-      mine = due;
+      std::this_thread::sleep_until(due);
     }
-    std::this_thread::sleep_until(mine);
   }
 };
 
@@ -129,7 +120,8 @@ int main(int count, char** arguments) {
   operations.read = readFile;
   char program[] = "generated_disc";
   char foreground[] = "-f";
+  char oneThread[] = "-s";
   char readOnly[] = "-oro";
-  char* fuseArguments[] = {program, foreground, readOnly, arguments[1], nullptr};
-  return fuse_main(4, fuseArguments, &operations, &generated);
+  char* fuseArguments[] = {program, foreground, oneThread, readOnly, arguments[1], nullptr};
+  return fuse_main(5, fuseArguments, &operations, &generated);
 }
