@@ -87,6 +87,7 @@ struct World {
   void install() {
     pane.didEnterPane(0);
     if (pane.gTANVOorDOVA_destinationPath != nullptr) {
+      sheets = 0;  // that the install thread could not be started is no failure here
       pane.doEntireInstall();
     }
   }
@@ -168,9 +169,7 @@ void checkInstall(World& world) {
     return;  // the log lies elsewhere
   }
   const std::string log = readBytes(kLog);
-  // The start of the install thread fails here, and says so with a sheet of its own.
-  const int ownSheets = world.pane.gTANVOorDOVA_destinationPath != nullptr ? 1 : 0;
-  checkLog(log, world.sheets - ownSheets);
+  checkLog(log, world.sheets);
   const auto& pane = world.pane;
   require(pane.kBytesCopied >= 0 && pane.copySingleVolumeRunning == 0, "the page's state at the end");
   if (pane.copySrcPath != nullptr && pane.copyDstPath != nullptr && pane.gInstallMode != kModeProductUpdater &&

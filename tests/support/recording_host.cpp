@@ -196,6 +196,9 @@ void RecordingHost::beginInformationalSheet(const Sheet& sheet) noexcept {
 
 void RecordingHost::dispatchSync(void (*block)(void*), void* context) noexcept {
   EXPECT_FALSE(insideHandOff) << "a hand-off from inside a hand-off would wait for itself";
+  if (beforeHandOff) {
+    beforeHandOff();
+  }
   {
     const std::lock_guard lock(state_->mutex);
     ++state_->handOffs;

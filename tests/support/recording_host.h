@@ -36,6 +36,9 @@ class RecordingHost final : public InstallerHost {
   // Called after each line is recorded, without any lock held.
   std::function<void(const std::string& line)> onLine;
 
+  // Called for each hand-off, on the thread that makes it, before it is handed off.
+  std::function<void()> beforeHandOff;
+
   double barMaximum = 100.0;
 
   bool keepsLines =
