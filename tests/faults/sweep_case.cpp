@@ -66,8 +66,11 @@ bool isNamed(const InstalledFile& file, const std::vector<std::string>& log, con
     if (isOfFile) {
       return has(file.destination) || has(linked);
     }
-    const std::size_t without = line.find("no destination for ");
-    return without != std::string::npos && file.source.starts_with(line.substr(without + 19));
+    constexpr std::string_view kWithout = "no destination for ";
+    const std::size_t without = line.find(kWithout);
+    return without != std::string::npos &&
+           file.source.starts_with(
+               fs::path(line.substr(without + kWithout.size())).lexically_normal().native());
   });
 }
 
