@@ -2,7 +2,9 @@
 
 #include "host/rehearse/comparison.h"
 #include "tests/faults/required_silence.h"
+#include "tests/install/case_files.h"
 #include "tests/install/child_program.h"
+#include "tests/install/source_tree.h"
 #include "tests/support/files.h"
 
 #include <algorithm>
@@ -44,6 +46,14 @@ std::vector<const InstalledFile*> wrongFiles(const std::vector<InstalledFile>& f
     }
   }
   return wrong;
+}
+
+std::vector<std::string> installedTree() {
+  std::vector<std::string> folders{"/Applications", "/Library", kMakersFolder};
+  if (exists("/Volumes/Data")) {
+    folders.emplace_back("/Volumes/Data");
+  }
+  return describeTree(folders);
 }
 
 std::vector<std::string> linesOf(const std::string& text) {
@@ -244,13 +254,13 @@ std::string verdictName(Verdict verdict) {
   return std::ranges::find(kNames, verdict.error, &std::pair<int, const char*>::first)->second;
 }
 
-std::vector<int> callsOf(const SweepScenario& scenario) {
+Undisturbed runUndisturbed(const SweepScenario& scenario) {
   const std::vector<InstalledFile> files = scenario.lay();
-  std::vector<int> counts(kindsOfFaults().size(), 0);
+  Undisturbed undisturbed{std::vector<int>(kindsOfFaults().size(), 0), {}};
   const GatedRun run = runGated(commandLine(scenario), scenario.input, [&](const FileCall& call) {
     const auto kinds = kindsOfFaults();
     if (isShown(scenario, call)) {
-      ++counts[std::ranges::find(kinds, call.kind, &KindOfFault::kind) - kinds.begin()];
+      ++undisturbed.calls[std::ranges::find(kinds, call.kind, &KindOfFault::kind) - kinds.begin()];
     }
     return kPass;
   });
@@ -260,10 +270,12 @@ std::vector<int> callsOf(const SweepScenario& scenario) {
                              std::to_string(run.status) + "\n" + run.output + run.error +
                              (wrong.empty() ? "" : "wrong: " + wrong.front()->destination));
   }
-  return counts;
+  undisturbed.tree = installedTree();
+  return undisturbed;
 }
 
-CaseResult runCase(const SweepScenario& scenario, const Fault& fault) {
+CaseResult runCase(const SweepScenario& scenario, const Fault& fault,
+                   const std::vector<std::string>& undisturbedTree) {
   const std::vector<InstalledFile> files = scenario.lay();
   Hits hits;
   int calls = 0;
@@ -299,6 +311,9 @@ CaseResult runCase(const SweepScenario& scenario, const Fault& fault) {
   if (again.status != 0 || !wrong.empty() || !badEnd(again).empty()) {
     return {Ending::lost, "a second run, undisturbed, ends with " + std::to_string(again.status) + "\n" +
                               again.output + again.error + (wrong.empty() ? "" : wrong.front()->destination)};
+  }
+  if (installedTree() != undisturbedTree) {
+    return {Ending::lost, "a second run leaves another tree than an undisturbed one"};
   }
   if (!contentsOf(kLog).starts_with(log)) {
     return {Ending::lost, "a second run changes what the log said"};

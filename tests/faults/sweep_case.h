@@ -43,11 +43,17 @@ struct KindOfFault {
 [[nodiscard]] std::span<const KindOfFault> kindsOfFaults();
 [[nodiscard]] std::string verdictName(Verdict verdict);
 
-// How many calls of each kind an undisturbed install makes, in the order of kindsOfFaults(). Throws
-// std::runtime_error where it does not install everything. In a private root, once a process.
-[[nodiscard]] std::vector<int> callsOf(const SweepScenario& scenario);
+// An install without a fault.
+struct Undisturbed {
+  std::vector<int> calls;         // of each kind, in the order of kindsOfFaults()
+  std::vector<std::string> tree;  // all that it leaves, as describeTree has it
+};
+
+// Throws std::runtime_error where it does not install everything. In a private root, once a process.
+[[nodiscard]] Undisturbed runUndisturbed(const SweepScenario& scenario);
 
 // Installs with the fault, then once more without it. In a private root, once a process.
-[[nodiscard]] CaseResult runCase(const SweepScenario& scenario, const Fault& fault);
+[[nodiscard]] CaseResult runCase(const SweepScenario& scenario, const Fault& fault,
+                                 const std::vector<std::string>& undisturbedTree);
 
 }  // namespace tavenhall::test
