@@ -246,12 +246,12 @@ class Sweep {
   void printFigures() const {
     static constexpr std::array kEndings{Ending::whole,   Ending::falseAlarm, Ending::named,
                                          Ending::stopped, Ending::sheetsOnly, Ending::silent,
-                                         Ending::killed,  Ending::lost};
+                                         Ending::killed,  Ending::notReached, Ending::lost};
     std::printf("| install | call | calls | errors | runs |");
     for (const Ending ending : kEndings) {
       std::printf(" %s |", endingName(ending));
     }
-    std::printf("\n|---|---|---|---|---|---|---|---|---|---|---|---|---|\n");
+    std::printf("\n|---|---|---|---|---|---|---|---|---|---|---|---|---|---|\n");
     Tally all;
     for (const auto& [name, tally] : tallies_) {
       std::string errors;

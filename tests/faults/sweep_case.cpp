@@ -56,6 +56,15 @@ std::vector<std::string> installedTree() {
   return describeTree(folders);
 }
 
+// What is in the one and not in the other, a line of the first of it.
+std::string firstOf(const std::vector<std::string>& one, const std::vector<std::string>& other) {
+  const auto isMissing = [&other](const std::string& line) {
+    return std::ranges::find(other, line) == other.end();
+  };
+  const auto found = std::ranges::find_if(one, isMissing);
+  return found == one.end() ? "" : *found;
+}
+
 std::vector<std::string> linesOf(const std::string& text) {
   std::vector<std::string> lines;
   std::size_t start = 0;
@@ -207,6 +216,7 @@ const char* endingName(Ending ending) {
     case Ending::sheetsOnly: return "sheets only";
     case Ending::silent: return "silent";
     case Ending::killed: return "killed";
+    case Ending::notReached: return "not reached";
     case Ending::lost: break;
   }
   return "lost";
@@ -220,6 +230,9 @@ std::span<const KindOfFault> kindsOfFaults() {
         failWith(EINTR), kKill}},
       {CallKind::read, "read", {failWith(EIO), failWith(EINTR), kShorten, kKill}},
       {CallKind::write, "write", {failWith(ENOSPC), failWith(EIO), failWith(EINTR), kShorten, kKill}},
+      {CallKind::reserve,
+       "reserve",
+       {failWith(ENOSPC), failWith(EIO), failWith(EOPNOTSUPP), failWith(EINTR), kKill}},
       {CallKind::close, "close", {failWith(EIO), failWith(ENOSPC), failWith(EINTR), kKill}},
       {CallKind::stat, "stat", {failWith(ENOENT), failWith(EACCES), failWith(EIO), kKill}},
       {CallKind::makeFolder,
@@ -242,15 +255,16 @@ std::string verdictName(Verdict verdict) {
   if (verdict.kind == Verdict::Kind::kill) {
     return "kill";
   }
-  static constexpr std::array<std::pair<int, const char*>, 9> kNames{{{ENOENT, "ENOENT"},
-                                                                      {EACCES, "EACCES"},
-                                                                      {EIO, "EIO"},
-                                                                      {ENOSPC, "ENOSPC"},
-                                                                      {EROFS, "EROFS"},
-                                                                      {EMFILE, "EMFILE"},
-                                                                      {EINTR, "EINTR"},
-                                                                      {EAGAIN, "EAGAIN"},
-                                                                      {0, "short"}}};
+  static constexpr std::array<std::pair<int, const char*>, 10> kNames{{{ENOENT, "ENOENT"},
+                                                                       {EACCES, "EACCES"},
+                                                                       {EIO, "EIO"},
+                                                                       {ENOSPC, "ENOSPC"},
+                                                                       {EROFS, "EROFS"},
+                                                                       {EMFILE, "EMFILE"},
+                                                                       {EINTR, "EINTR"},
+                                                                       {EAGAIN, "EAGAIN"},
+                                                                       {EOPNOTSUPP, "EOPNOTSUPP"},
+                                                                       {0, "short"}}};
   return std::ranges::find(kNames, verdict.error, &std::pair<int, const char*>::first)->second;
 }
 
@@ -297,7 +311,8 @@ CaseResult runCase(const SweepScenario& scenario, const Fault& fault,
     return fault.verdict;
   });
   if (hits.count == 0) {
-    return {Ending::lost, "there was no such call"};
+    const CaseResult undisturbed = judgeRun(scenario, run, hits, files);
+    return undisturbed.ending == Ending::whole ? CaseResult{Ending::notReached, ""} : undisturbed;
   }
   CaseResult result =
       fault.verdict.kind == Verdict::Kind::kill ? judgeKilled(run) : judgeRun(scenario, run, hits, files);
@@ -312,8 +327,14 @@ CaseResult runCase(const SweepScenario& scenario, const Fault& fault,
     return {Ending::lost, "a second run, undisturbed, ends with " + std::to_string(again.status) + "\n" +
                               again.output + again.error + (wrong.empty() ? "" : wrong.front()->destination)};
   }
-  if (installedTree() != undisturbedTree) {
-    return {Ending::lost, "a second run leaves another tree than an undisturbed one"};
+  const std::vector<std::string> tree = installedTree();
+  if (const std::string missing = firstOf(undisturbedTree, tree); !missing.empty()) {
+    return {Ending::lost, "after a second run there is no " + missing};
+  }
+  // What was taken for missing may have sent files or folders to another place, where they stay.
+  const bool mayHaveStrayed = hits.silence != nullptr && fault.verdict.kind != Verdict::Kind::kill;
+  if (const std::string extra = firstOf(tree, undisturbedTree); !extra.empty() && !mayHaveStrayed) {
+    return {Ending::lost, "after a second run there is also " + extra};
   }
   if (!contentsOf(kLog).starts_with(log)) {
     return {Ending::lost, "a second run changes what the log said"};

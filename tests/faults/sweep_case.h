@@ -25,6 +25,7 @@ enum class Ending {
   sheetsOnly,  // the log could not be written; sheets tell of the failures
   silent,      // the page has to keep silent about it, and does; a rehearsal's comparison finds it
   killed,      // the process was ended in the middle of it, and its face says so
+  notReached,  // there was no such call in this run: threads may divide a large read differently
   lost,        // anything else: an error of ours
 };
 [[nodiscard]] const char* endingName(Ending ending);
