@@ -16,11 +16,12 @@
 namespace tavenhall::test {
 
 enum class CallKind {
-  open,   // a file or a folder
-  read,   // from a file
-  write,  // to a file
-  close,  // a file or a folder
-  stat,   // by path or descriptor
+  open,     // a file or a folder
+  read,     // from a file
+  write,    // to a file
+  reserve,  // room for a file, or its size
+  close,    // a file or a folder
+  stat,     // by path or descriptor
   makeFolder,
   list,    // a folder's next entries
   remove,  // a file or a folder

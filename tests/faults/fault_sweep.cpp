@@ -10,9 +10,12 @@
 #include <exception>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <poll.h>
 #include <random>
+#include <span>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -32,6 +35,7 @@ namespace {
 
 struct PlannedCase {
   const SweepScenario* scenario;
+  std::shared_ptr<const Undisturbed> undisturbed;
   const KindOfFault* kind;
   Fault fault;
 };
@@ -102,22 +106,31 @@ std::string answerOf(const Worker& worker) {
 
 // ---- The plan ----
 
-std::vector<int> countCalls(const SweepScenario& scenario) {
-  const std::string answer = answerOf(startWorker([&scenario] {
-    std::string counts;
-    for (const int count : callsOf(scenario)) {
-      counts += std::to_string(count) + " ";
+// A line for each kind of call, then the tree.
+Undisturbed undisturbedRun(const SweepScenario& scenario) {
+  std::istringstream answer(answerOf(startWorker([&scenario] {
+    const Undisturbed undisturbed = runUndisturbed(scenario);
+    std::string lines;
+    for (const int count : undisturbed.calls) {
+      lines += std::to_string(count) + "\n";
     }
-    return counts;
-  }));
-  if (answer.starts_with('!')) {
-    throw std::runtime_error(answer.substr(1));
+    for (const std::string& line : undisturbed.tree) {
+      lines += line + "\n";
+    }
+    return lines;
+  })));
+  if (answer.peek() == '!') {
+    throw std::runtime_error(answer.str().substr(1));
   }
-  std::vector<int> counts;
-  for (std::size_t at = 0; at < answer.size(); at = answer.find(' ', at) + 1) {
-    counts.push_back(std::stoi(answer.substr(at)));
+  Undisturbed undisturbed;
+  for (std::string line; std::getline(answer, line);) {
+    if (undisturbed.calls.size() < kindsOfFaults().size()) {
+      undisturbed.calls.push_back(std::stoi(line));
+    } else {
+      undisturbed.tree.push_back(line);
+    }
   }
-  return counts;
+  return undisturbed;
 }
 
 std::vector<Fault> faultsOf(const KindOfFault& kind, int calls) {
@@ -137,7 +150,8 @@ std::vector<PlannedCase> planCases(const Options& options, Tallies& tallies) {
   std::vector<PlannedCase> cases;
   std::mt19937 random(options.seed);
   for (const SweepScenario& scenario : sweepScenarios()) {
-    const std::vector<int> counts = countCalls(scenario);
+    const auto undisturbed = std::make_shared<const Undisturbed>(undisturbedRun(scenario));
+    const std::vector<int>& counts = undisturbed->calls;
     for (std::size_t i = 0; i < counts.size(); ++i) {
       const KindOfFault& kind = kindsOfFaults()[i];
       const std::string name = std::string(scenario.name) + ":" + kind.name;
@@ -147,7 +161,7 @@ std::vector<PlannedCase> planCases(const Options& options, Tallies& tallies) {
       tallies[{scenario.name, kind.name}].calls = counts[i];
       for (const Fault& fault : faultsOf(kind, counts[i])) {
         if (random() % static_cast<unsigned>(options.part) == 0) {
-          cases.push_back({&scenario, &kind, fault});
+          cases.push_back({&scenario, undisturbed, &kind, fault});
         }
       }
     }
@@ -173,11 +187,13 @@ class Sweep {
       while (next_ < cases_.size() && running_.size() < static_cast<std::size_t>(options_.jobs)) {
         const PlannedCase& planned = cases_[next_++];
         running_.push_back({&planned, startWorker([&planned] {
-                              const CaseResult result = runCase(*planned.scenario, planned.fault);
+                              const CaseResult result =
+                                  runCase(*planned.scenario, planned.fault, planned.undisturbed->tree);
                               return std::to_string(static_cast<int>(result.ending)) + " " + result.why;
                             })});
       }
       takeOneResult();
+      showProgress();
     }
     printFigures();
     return lost_ == 0 ? 0 : 1;
@@ -188,6 +204,12 @@ class Sweep {
     const PlannedCase* planned;
     Worker worker;
   };
+
+  void showProgress() const {
+    if (isatty(STDERR_FILENO) != 0) {
+      std::fprintf(stderr, "\r%zu of %zu", next_ - running_.size(), cases_.size());
+    }
+  }
 
   void takeOneResult() {
     std::vector<pollfd> answers;
@@ -224,12 +246,12 @@ class Sweep {
   void printFigures() const {
     static constexpr std::array kEndings{Ending::whole,   Ending::falseAlarm, Ending::named,
                                          Ending::stopped, Ending::sheetsOnly, Ending::silent,
-                                         Ending::killed,  Ending::lost};
+                                         Ending::killed,  Ending::notReached, Ending::lost};
     std::printf("| install | call | calls | errors | runs |");
     for (const Ending ending : kEndings) {
       std::printf(" %s |", endingName(ending));
     }
-    std::printf("\n|---|---|---|---|---|---|---|---|---|---|---|---|---|\n");
+    std::printf("\n|---|---|---|---|---|---|---|---|---|---|---|---|---|---|\n");
     Tally all;
     for (const auto& [name, tally] : tallies_) {
       std::string errors;

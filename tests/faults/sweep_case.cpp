@@ -2,7 +2,9 @@
 
 #include "host/rehearse/comparison.h"
 #include "tests/faults/required_silence.h"
+#include "tests/install/case_files.h"
 #include "tests/install/child_program.h"
+#include "tests/install/source_tree.h"
 #include "tests/support/files.h"
 
 #include <algorithm>
@@ -46,6 +48,23 @@ std::vector<const InstalledFile*> wrongFiles(const std::vector<InstalledFile>& f
   return wrong;
 }
 
+std::vector<std::string> installedTree() {
+  std::vector<std::string> folders{"/Applications", "/Library", kMakersFolder};
+  if (exists("/Volumes/Data")) {
+    folders.emplace_back("/Volumes/Data");
+  }
+  return describeTree(folders);
+}
+
+// What is in the one and not in the other, a line of the first of it.
+std::string firstOf(const std::vector<std::string>& one, const std::vector<std::string>& other) {
+  const auto isMissing = [&other](const std::string& line) {
+    return std::ranges::find(other, line) == other.end();
+  };
+  const auto found = std::ranges::find_if(one, isMissing);
+  return found == one.end() ? "" : *found;
+}
+
 std::vector<std::string> linesOf(const std::string& text) {
   std::vector<std::string> lines;
   std::size_t start = 0;
@@ -66,8 +85,11 @@ bool isNamed(const InstalledFile& file, const std::vector<std::string>& log, con
     if (isOfFile) {
       return has(file.destination) || has(linked);
     }
-    const std::size_t without = line.find("no destination for ");
-    return without != std::string::npos && file.source.starts_with(line.substr(without + 19));
+    constexpr std::string_view kWithout = "no destination for ";
+    const std::size_t without = line.find(kWithout);
+    return without != std::string::npos &&
+           file.source.starts_with(
+               fs::path(line.substr(without + kWithout.size())).lexically_normal().native());
   });
 }
 
@@ -194,6 +216,7 @@ const char* endingName(Ending ending) {
     case Ending::sheetsOnly: return "sheets only";
     case Ending::silent: return "silent";
     case Ending::killed: return "killed";
+    case Ending::notReached: return "not reached";
     case Ending::lost: break;
   }
   return "lost";
@@ -207,6 +230,9 @@ std::span<const KindOfFault> kindsOfFaults() {
         failWith(EINTR), kKill}},
       {CallKind::read, "read", {failWith(EIO), failWith(EINTR), kShorten, kKill}},
       {CallKind::write, "write", {failWith(ENOSPC), failWith(EIO), failWith(EINTR), kShorten, kKill}},
+      {CallKind::reserve,
+       "reserve",
+       {failWith(ENOSPC), failWith(EIO), failWith(EOPNOTSUPP), failWith(EINTR), kKill}},
       {CallKind::close, "close", {failWith(EIO), failWith(ENOSPC), failWith(EINTR), kKill}},
       {CallKind::stat, "stat", {failWith(ENOENT), failWith(EACCES), failWith(EIO), kKill}},
       {CallKind::makeFolder,
@@ -229,25 +255,26 @@ std::string verdictName(Verdict verdict) {
   if (verdict.kind == Verdict::Kind::kill) {
     return "kill";
   }
-  static constexpr std::array<std::pair<int, const char*>, 9> kNames{{{ENOENT, "ENOENT"},
-                                                                      {EACCES, "EACCES"},
-                                                                      {EIO, "EIO"},
-                                                                      {ENOSPC, "ENOSPC"},
-                                                                      {EROFS, "EROFS"},
-                                                                      {EMFILE, "EMFILE"},
-                                                                      {EINTR, "EINTR"},
-                                                                      {EAGAIN, "EAGAIN"},
-                                                                      {0, "short"}}};
+  static constexpr std::array<std::pair<int, const char*>, 10> kNames{{{ENOENT, "ENOENT"},
+                                                                       {EACCES, "EACCES"},
+                                                                       {EIO, "EIO"},
+                                                                       {ENOSPC, "ENOSPC"},
+                                                                       {EROFS, "EROFS"},
+                                                                       {EMFILE, "EMFILE"},
+                                                                       {EINTR, "EINTR"},
+                                                                       {EAGAIN, "EAGAIN"},
+                                                                       {EOPNOTSUPP, "EOPNOTSUPP"},
+                                                                       {0, "short"}}};
   return std::ranges::find(kNames, verdict.error, &std::pair<int, const char*>::first)->second;
 }
 
-std::vector<int> callsOf(const SweepScenario& scenario) {
+Undisturbed runUndisturbed(const SweepScenario& scenario) {
   const std::vector<InstalledFile> files = scenario.lay();
-  std::vector<int> counts(kindsOfFaults().size(), 0);
+  Undisturbed undisturbed{std::vector<int>(kindsOfFaults().size(), 0), {}};
   const GatedRun run = runGated(commandLine(scenario), scenario.input, [&](const FileCall& call) {
     const auto kinds = kindsOfFaults();
     if (isShown(scenario, call)) {
-      ++counts[std::ranges::find(kinds, call.kind, &KindOfFault::kind) - kinds.begin()];
+      ++undisturbed.calls[std::ranges::find(kinds, call.kind, &KindOfFault::kind) - kinds.begin()];
     }
     return kPass;
   });
@@ -257,10 +284,12 @@ std::vector<int> callsOf(const SweepScenario& scenario) {
                              std::to_string(run.status) + "\n" + run.output + run.error +
                              (wrong.empty() ? "" : "wrong: " + wrong.front()->destination));
   }
-  return counts;
+  undisturbed.tree = installedTree();
+  return undisturbed;
 }
 
-CaseResult runCase(const SweepScenario& scenario, const Fault& fault) {
+CaseResult runCase(const SweepScenario& scenario, const Fault& fault,
+                   const std::vector<std::string>& undisturbedTree) {
   const std::vector<InstalledFile> files = scenario.lay();
   Hits hits;
   int calls = 0;
@@ -282,7 +311,8 @@ CaseResult runCase(const SweepScenario& scenario, const Fault& fault) {
     return fault.verdict;
   });
   if (hits.count == 0) {
-    return {Ending::lost, "there was no such call"};
+    const CaseResult undisturbed = judgeRun(scenario, run, hits, files);
+    return undisturbed.ending == Ending::whole ? CaseResult{Ending::notReached, ""} : undisturbed;
   }
   CaseResult result =
       fault.verdict.kind == Verdict::Kind::kill ? judgeKilled(run) : judgeRun(scenario, run, hits, files);
@@ -296,6 +326,15 @@ CaseResult runCase(const SweepScenario& scenario, const Fault& fault) {
   if (again.status != 0 || !wrong.empty() || !badEnd(again).empty()) {
     return {Ending::lost, "a second run, undisturbed, ends with " + std::to_string(again.status) + "\n" +
                               again.output + again.error + (wrong.empty() ? "" : wrong.front()->destination)};
+  }
+  const std::vector<std::string> tree = installedTree();
+  if (const std::string missing = firstOf(undisturbedTree, tree); !missing.empty()) {
+    return {Ending::lost, "after a second run there is no " + missing};
+  }
+  // What was taken for missing may have sent files or folders to another place, where they stay.
+  const bool mayHaveStrayed = hits.silence != nullptr && fault.verdict.kind != Verdict::Kind::kill;
+  if (const std::string extra = firstOf(tree, undisturbedTree); !extra.empty() && !mayHaveStrayed) {
+    return {Ending::lost, "after a second run there is also " + extra};
   }
   if (!contentsOf(kLog).starts_with(log)) {
     return {Ending::lost, "a second run changes what the log said"};

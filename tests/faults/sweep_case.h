@@ -25,6 +25,7 @@ enum class Ending {
   sheetsOnly,  // the log could not be written; sheets tell of the failures
   silent,      // the page has to keep silent about it, and does; a rehearsal's comparison finds it
   killed,      // the process was ended in the middle of it, and its face says so
+  notReached,  // there was no such call in this run: threads may divide a large read differently
   lost,        // anything else: an error of ours
 };
 [[nodiscard]] const char* endingName(Ending ending);
@@ -43,11 +44,17 @@ struct KindOfFault {
 [[nodiscard]] std::span<const KindOfFault> kindsOfFaults();
 [[nodiscard]] std::string verdictName(Verdict verdict);
 
-// How many calls of each kind an undisturbed install makes, in the order of kindsOfFaults(). Throws
-// std::runtime_error where it does not install everything. In a private root, once a process.
-[[nodiscard]] std::vector<int> callsOf(const SweepScenario& scenario);
+// An install without a fault.
+struct Undisturbed {
+  std::vector<int> calls;         // of each kind, in the order of kindsOfFaults()
+  std::vector<std::string> tree;  // all that it leaves, as describeTree has it
+};
+
+// Throws std::runtime_error where it does not install everything. In a private root, once a process.
+[[nodiscard]] Undisturbed runUndisturbed(const SweepScenario& scenario);
 
 // Installs with the fault, then once more without it. In a private root, once a process.
-[[nodiscard]] CaseResult runCase(const SweepScenario& scenario, const Fault& fault);
+[[nodiscard]] CaseResult runCase(const SweepScenario& scenario, const Fault& fault,
+                                 const std::vector<std::string>& undisturbedTree);
 
 }  // namespace tavenhall::test
