@@ -12,8 +12,11 @@ void showWithMnemonic(NSTextField* field, NSString* text) noexcept {
 
 // Only while the run loop is in its usual mode: while a sheet or an alert is up, the next sheet waits.
 void beginWithoutWaiting(id sheet, SEL begin) noexcept {
-  NSArray* modes = [NSArray arrayWithObject:NSDefaultRunLoopMode];
-  [sheet performSelectorOnMainThread:begin withObject:nil waitUntilDone:NO modes:modes];
+  [[NSRunLoop mainRunLoop] performSelector:begin
+                                    target:sheet
+                                  argument:nil
+                                     order:0
+                                     modes:[NSArray arrayWithObject:NSDefaultRunLoopMode]];
 }
 
 }  // namespace tavenhall

@@ -27,7 +27,8 @@
 }
 
 - (NSString*)title {
-  return [bundle_ objectForInfoDictionaryKey:@"InstallerSectionTitle"];
+  NSString* key = @"InstallerSectionTitle";
+  return [bundle_ localizedStringForKey:key value:[bundle_ objectForInfoDictionaryKey:key] table:@"InfoPlist"];
 }
 
 - (InstallerPane*)firstPane {
