@@ -25,7 +25,8 @@
 
 namespace tavenhall::test {
 
-// From now on the grouping of animations is recorded; it is still done. Once a process.
+// From now on the grouping of animations is recorded. GNUstep has no current context; there is one now. Once a
+// process.
 void recordAnimations();
 
 }  // namespace tavenhall::test

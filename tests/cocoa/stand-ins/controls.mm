@@ -86,23 +86,26 @@ std::string textOf(double number) {
 @interface NSAnimationContext (Recorded)
 + (void)recorded_beginGrouping;
 + (void)recorded_endGrouping;
++ (NSAnimationContext*)recorded_currentContext;
 - (void)recorded_setDuration:(NSTimeInterval)duration;
 @end
 
 @implementation NSAnimationContext (Recorded)
 + (void)recorded_beginGrouping {
   recordCall("beginGrouping");
-  [self recorded_beginGrouping];
 }
 
 + (void)recorded_endGrouping {
   recordCall("endGrouping");
-  [self recorded_endGrouping];
+}
+
++ (NSAnimationContext*)recorded_currentContext {
+  static NSAnimationContext* const context = [[NSAnimationContext alloc] init];
+  return context;
 }
 
 - (void)recorded_setDuration:(NSTimeInterval)duration {
   recordCall("setDuration: " + textOf(duration));
-  [self recorded_setDuration:duration];
 }
 @end
 
@@ -112,6 +115,7 @@ void recordAnimations() {
   const Class context = [NSAnimationContext class];
   exchangeClassMethods(context, @selector(beginGrouping), @selector(recorded_beginGrouping));
   exchangeClassMethods(context, @selector(endGrouping), @selector(recorded_endGrouping));
+  exchangeClassMethods(context, @selector(currentContext), @selector(recorded_currentContext));
   exchangeMethods(context, @selector(setDuration:), @selector(recorded_setDuration:));
 }
 
