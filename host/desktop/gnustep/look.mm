@@ -1,0 +1,67 @@
+#import "host/desktop/look.h"
+
+#import "host/desktop/gnustep/page_theme.h"
+#import "host/desktop/palette.h"
+#include "platform/strings_language.h"
+
+#import <AppKit/AppKit.h>
+
+namespace {
+
+// The library knows languages by names of its own, and only those whose locale is installed; these are the ones that
+// the terminal's page would choose from.
+NSArray* userLanguages() {
+  NSMutableArray* languages = [NSMutableArray array];
+  for (const std::string& name : tavenhall::languageFolderNames()) {
+    [languages addObject:[NSString stringWithUTF8String:name.c_str()]];
+  }
+  return languages;
+}
+
+// Stands in alerts in place of the library's own: a disc.
+NSImage* discIcon() {
+  NSImage* icon = [[[NSImage alloc] initWithSize:NSMakeSize(48.0, 48.0)] autorelease];
+  [icon lockFocus];
+  [paletteColor(palette::kAccent) set];
+  [[NSBezierPath bezierPathWithOvalInRect:NSMakeRect(2.0, 2.0, 44.0, 44.0)] fill];
+  [paletteColor(palette::kAccentTint) set];
+  NSBezierPath* ring = [NSBezierPath bezierPathWithOvalInRect:NSMakeRect(15.5, 15.5, 17.0, 17.0)];
+  [ring setLineWidth:3.0];
+  [ring stroke];
+  [paletteColor(palette::kWindow) set];
+  [[NSBezierPath bezierPathWithOvalInRect:NSMakeRect(19.0, 19.0, 10.0, 10.0)] fill];
+  [icon unlockFocus];
+  return icon;
+}
+
+// The library's dialogs mark their default button with a return sign; here it is known by its colour.
+void hideReturnSign() {
+  [(NSImage*)[NSImage imageNamed:@"common_ret"] setName:nil];
+  static NSImage* const nothing = [[NSImage alloc] initWithSize:NSMakeSize(1.0, 1.0)];
+  [nothing setName:@"common_ret"];
+}
+
+}  // namespace
+
+void setUpDefaults() {
+  NSUserDefaults* defaults = [NSUserDefaults standardUserDefaults];
+  [defaults registerDefaults:[NSDictionary dictionaryWithObjectsAndKeys:
+                                               @"LiberationSans", @"NSFont", @"LiberationSans", @"NSUserFont",
+                                               @"LiberationSans", @"NSLabelFont", @"LiberationSans", @"NSMessageFont",
+                                               @"LiberationSans-Bold", @"NSBoldFont", @"LiberationSans-Bold",
+                                               @"NSTitleBarFont", @"13", @"NSFontSize", @"13", @"NSUserFontSize",
+                                               // The title bar is the theme's, whatever draws the other programs'.
+                                               @"NO", @"GSBackHandlesWindowDecorations", @"NO",
+                                               @"GSX11HandlesWindowDecorations", @"YES", @"GSSuppressAppIcon", nil]];
+  // A domain that is not written to disk.
+  NSMutableDictionary* arguments = [[[defaults volatileDomainForName:NSArgumentDomain] mutableCopy] autorelease];
+  [arguments setObject:userLanguages() forKey:@"NSLanguages"];
+  [defaults removeVolatileDomainForName:NSArgumentDomain];
+  [defaults setVolatileDomain:arguments forName:NSArgumentDomain];
+}
+
+void setUpLook() {
+  [GSTheme setTheme:[[[PageTheme alloc] initWithBundle:[NSBundle bundleForClass:[GSTheme class]]] autorelease]];
+  [NSApp setApplicationIconImage:discIcon()];
+  hideReturnSign();
+}
