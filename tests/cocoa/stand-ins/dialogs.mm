@@ -20,7 +20,8 @@ std::string textOf(SEL selector) { return selector == NULL ? "NULL" : sel_getNam
 }  // namespace
 
 // The arguments that say nothing are left out as long as they say it.
-void NSBeginInformationalAlertSheet(NSString* title, NSString* defaultButton, NSString* alternateButton,
+// Exported, for the bundle to find it before AppKit's.
+__attribute__((visibility("default"))) void NSBeginInformationalAlertSheet(NSString* title, NSString* defaultButton, NSString* alternateButton,
                                     NSString* otherButton, NSWindow* docWindow, id modalDelegate,
                                     SEL willEndSelector, SEL didEndSelector, void* contextInfo,
                                     NSString* message, ...) {
