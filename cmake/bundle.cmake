@@ -6,10 +6,14 @@
 # Each has Contents/MacOS/InstallDataPane, Contents/Info.plist and Contents/Resources/<language>.lproj/.
 
 # GNUstep looks for a bundle's files at its top and knows nothing of Contents/; with links, one tree serves both. It
-# reads the layout as it was written.
+# reads the layout as it was written, but for one attribute, which it takes the other way round and misses where it
+# is not there: a bar that stands is shown.
 function(fit_bundle_for_gnustep bundle)
-  configure_file(${PROJECT_SOURCE_DIR}/resources/InstallDataPane.xib
-                 ${bundle}/Contents/Resources/InstallDataPane.xib COPYONLY)
+  set(layout ${PROJECT_SOURCE_DIR}/resources/InstallDataPane.xib)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${layout})
+  file(READ ${layout} text)
+  string(REPLACE "<progressIndicator " "<progressIndicator displayedWhenStopped=\"NO\" " text "${text}")
+  file(CONFIGURE OUTPUT ${bundle}/Contents/Resources/InstallDataPane.xib CONTENT "${text}" @ONLY)
   file(CREATE_LINK Contents/Resources ${bundle}/Resources SYMBOLIC)
   file(CREATE_LINK Contents/MacOS/InstallDataPane ${bundle}/InstallDataPane SYMBOLIC)
   file(CREATE_LINK ../Info.plist ${bundle}/Contents/Resources/Info-gnustep.plist SYMBOLIC)

@@ -122,6 +122,15 @@ void DesktopRun::lookAtBar(double minimum, double maximum, double value) noexcep
   meter_.setValue(value, now);
 }
 
+void DesktopRun::setPaused(bool isPaused) noexcept {
+  const std::lock_guard lock(meterMutex_);
+  if (isPaused) {
+    meter_.pause(Clock::now());
+  } else {
+    meter_.resume(Clock::now());
+  }
+}
+
 void DesktopRun::end() noexcept {
   orElse(false, [this] {
     const std::lock_guard lock(meterMutex_);
@@ -129,6 +138,10 @@ void DesktopRun::end() noexcept {
     outcome_.status = ExitStatus::success;
     outcome_.isTold = true;
     outcome_.bytesCopied = meter_.copied();
+    // A full bar holds back what came beyond it.
+    if (outcome_.bytesCopied == meter_.total()) {
+      outcome_.bytesCopied.reset();
+    }
     outcome_.time = meter_.passed(Clock::now());
     outcome_.destination = page_.introduction.destination;
     outcome_.logPath = page_.logShown;

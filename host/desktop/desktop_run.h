@@ -46,6 +46,9 @@ class DesktopRun {
   // How its bar stands, told at every change of it. Any thread.
   void lookAtBar(double minimum, double maximum, double value) noexcept;
 
+  // A question waits for the user: that time does not count.
+  void setPaused(bool isPaused) noexcept;
+
   // The page was left forwards.
   void end() noexcept;
 

@@ -23,9 +23,6 @@ typedef NS_ENUM(NSInteger, InstallerStage) { StageIntroduction, StageSection, St
 // The run lives as long as the process.
 - (id)initWithRun:(tavenhall::DesktopRun*)run;
 
-// Loads the bundle and shows the window. False, with the reason logged, where the bundle cannot be used.
-- (BOOL)start;
-
 - (void)goBack:(id)sender;
 - (void)goOn:(id)sender;
 @end

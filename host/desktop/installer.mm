@@ -59,18 +59,20 @@ BOOL isFirstButton(NSString* message, NSString* text, NSString* first, NSString*
   return self;
 }
 
-- (BOOL)start {
+// Not sooner: on its way here GNUstep's application talks to other programs, and must not be disturbed by
+// events.
+- (void)applicationDidFinishLaunching:(NSNotification*)notification {
   NSBundle* bundle = [NSBundle bundleWithPath:string(run_->bundlePath())];
   section_ = [[InstallerSection sectionOfBundle:bundle installer:self] retain];
   if (section_ == nil) {
-    return NO;
+    endProcess(ExitStatus::badUsage);  // why is logged
   }
   NSString* title = [@"Install " stringByAppendingString:string(run_->productName())];
   window_ = [[InstallerWindow alloc] initWithTitle:title target:self];
   [window_ setDelegate:(id)self];
   [self showIntroduction];
   [window_ makeKeyAndOrderFront:nil];
-  return YES;
+  [NSApp activateIgnoringOtherApps:YES];
 }
 
 // ---- The pages ----
@@ -136,7 +138,7 @@ BOOL isFirstButton(NSString* message, NSString* text, NSString* first, NSString*
 - (void)watchBarIn:(NSView*)content {
   if (bar_ == nil) {
     bar_ = barIn(content);
-    for (NSString* key in [NSArray arrayWithObjects:@"minValue", @"maxValue", @"doubleValue", nil]) {
+    for (NSString *key in [NSArray arrayWithObjects:@"minValue", @"maxValue", @"doubleValue", nil]) {
       [bar_ addObserver:self forKeyPath:key options:0 context:NULL];
     }
     paceTimer_ = [NSTimer scheduledTimerWithTimeInterval:1.0
@@ -144,6 +146,7 @@ BOOL isFirstButton(NSString* message, NSString* text, NSString* first, NSString*
                                                 selector:@selector(showPace:)
                                                 userInfo:nil
                                                  repeats:YES];
+    [[NSRunLoop currentRunLoop] addTimer:paceTimer_ forMode:NSModalPanelRunLoopMode];
   }
 }
 
@@ -157,8 +160,10 @@ BOOL isFirstButton(NSString* message, NSString* text, NSString* first, NSString*
 
 - (void)showPace:(NSTimer*)timer {
   if (stage_ == StageSection) {
-    const BOOL isDone = [[section_ activePane] nextEnabled];
-    [window_ setPace:isDone ? @"" : string(run_->paceText())];
+    const BOOL isAsking = [NSApp modalWindow] != nil;
+    run_->setPaused(isAsking);
+    const BOOL isCopying = !isAsking && ![[section_ activePane] nextEnabled];
+    [window_ setPace:isCopying ? string(run_->paceText()) : @""];
   }
 }
 
@@ -212,7 +217,8 @@ BOOL isFirstButton(NSString* message, NSString* text, NSString* first, NSString*
   }
   if (stage_ == StageSection &&
       isFirstButton(@"Stop the installation?",
-                    @"What was copied so far stays; run the installer again to complete it.", @"Go On", @"Stop")) {
+                    @"What was copied so far stays; run the installer again to complete it.", @"Go On",
+                    @"Stop")) {
     return NO;
   }
   endProcess(ExitStatus::failure);

@@ -72,14 +72,14 @@ NSButton* button(NSString* title, CGFloat right, id target, SEL action) {
 
   NSView* content = [self contentView];
   steps_ = [[StepList alloc] initWithFrame:NSMakeRect(0.0, 0.0, kSideWidth, kHeight)];
-  heading_ = [label(NSMakeRect(kLeft - 2.0, kHeadingBottom, kPageWidth + 4.0, kHeadingHeight),
+  heading_ = [label(NSMakeRect(kLeft, kHeadingBottom, kPageWidth + 4.0, kHeadingHeight),
                     [NSFont boldSystemFontOfSize:15.0]) retain];
   page_ = [[PageSheet alloc] initWithFrame:NSMakeRect(kLeft, kPageBottom, kPageWidth + 2.0, kPageHeight + 2.0)];
   continueButton_ = [button(@"Continue", kWidth - kMargin, target, @selector(goOn:)) retain];
   [continueButton_ setKeyEquivalent:@"\r"];
   backButton_ =
       [button(@"Go Back", kWidth - kMargin - kButtonWidth - kButtonGap, target, @selector(goBack:)) retain];
-  pace_ = [label(NSMakeRect(kLeft - 2.0, kMargin + 5.0, kPageWidth - 2.0 * (kButtonWidth + kButtonGap), 17.0),
+  pace_ = [label(NSMakeRect(kLeft, kMargin + 5.0, kPageWidth - 2.0 * (kButtonWidth + kButtonGap), 17.0),
                  [NSFont systemFontOfSize:12.0]) retain];
   [pace_ setTextColor:paletteColor(palette::kQuietText)];
   for (NSView *view in

@@ -15,11 +15,7 @@ int main(int argumentCount, char** arguments) {
     setUpDefaults();
     [NSApplication sharedApplication];
     setUpLook();
-    Installer* installer = [[Installer alloc] initWithRun:&run];
-    if (![installer start]) {
-      return static_cast<int>(tavenhall::ExitStatus::badUsage);
-    }
-    [NSApp activateIgnoringOtherApps:YES];
+    [NSApp setDelegate:[[Installer alloc] initWithRun:&run]];
     [NSApp run];
   }
   return 0;

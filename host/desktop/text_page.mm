@@ -8,7 +8,7 @@ using tavenhall::Line;
 using tavenhall::Span;
 using tavenhall::Style;
 
-constexpr CGFloat kLabelColumn = 76.0;
+constexpr CGFloat kLabelColumn = 68.0;
 constexpr CGFloat kInset = 14.0;
 
 unsigned colorOf(Style style) {
@@ -33,6 +33,7 @@ NSDictionary* attributesOf(Style style, BOOL isLabelled) {
     NSTextTab* tab = [[[NSTextTab alloc] initWithType:NSLeftTabStopType location:kLabelColumn] autorelease];
     [paragraph setTabStops:[NSArray arrayWithObject:tab]];
     [paragraph setHeadIndent:kLabelColumn];
+    [paragraph setLineBreakMode:NSLineBreakByCharWrapping];  // beside a label stands a path
   }
   NSFont* font = style == Style::strong ? [NSFont boldSystemFontOfSize:13.0] : [NSFont systemFontOfSize:13.0];
   return [NSDictionary dictionaryWithObjectsAndKeys:font, NSFontAttributeName, paletteColor(colorOf(style)),

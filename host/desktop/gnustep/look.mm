@@ -8,8 +8,8 @@
 
 namespace {
 
-// The library knows languages by names of its own, and only those whose locale is installed; these are the ones that
-// the terminal's page would choose from.
+// The library knows languages by names of its own, and only those whose locale is installed; these are the ones
+// that the terminal's page would choose from.
 NSArray* userLanguages() {
   NSMutableArray* languages = [NSMutableArray array];
   for (const std::string& name : tavenhall::languageFolderNames()) {
@@ -18,20 +18,16 @@ NSArray* userLanguages() {
   return languages;
 }
 
-// Stands in alerts in place of the library's own: a disc.
-NSImage* discIcon() {
-  NSImage* icon = [[[NSImage alloc] initWithSize:NSMakeSize(48.0, 48.0)] autorelease];
-  [icon lockFocus];
+// Stands in alerts in place of the library's own icon: a disc.
+void drawDisc() {
   [paletteColor(palette::kAccent) set];
   [[NSBezierPath bezierPathWithOvalInRect:NSMakeRect(2.0, 2.0, 44.0, 44.0)] fill];
   [paletteColor(palette::kAccentTint) set];
-  NSBezierPath* ring = [NSBezierPath bezierPathWithOvalInRect:NSMakeRect(15.5, 15.5, 17.0, 17.0)];
-  [ring setLineWidth:3.0];
+  NSBezierPath* ring = [NSBezierPath bezierPathWithOvalInRect:NSMakeRect(14.5, 14.5, 19.0, 19.0)];
+  [ring setLineWidth:2.0];
   [ring stroke];
   [paletteColor(palette::kWindow) set];
   [[NSBezierPath bezierPathWithOvalInRect:NSMakeRect(19.0, 19.0, 10.0, 10.0)] fill];
-  [icon unlockFocus];
-  return icon;
 }
 
 // The library's dialogs mark their default button with a return sign; here it is known by its colour.
@@ -43,18 +39,42 @@ void hideReturnSign() {
 
 }  // namespace
 
+@interface DiscIcon : NSObject
+@end
+
+@implementation DiscIcon
++ (void)draw:(NSCustomImageRep*)image {
+  drawDisc();
+}
+
++ (NSImage*)image {
+  const NSSize size = NSMakeSize(48.0, 48.0);
+  NSCustomImageRep* drawn = [[[NSCustomImageRep alloc] initWithDrawSelector:@selector(draw:)
+                                                                   delegate:self] autorelease];
+  [drawn setSize:size];
+  NSImage* icon = [[[NSImage alloc] initWithSize:size] autorelease];
+  [icon addRepresentation:drawn];
+  return icon;
+}
+@end
+
 void setUpDefaults() {
   NSUserDefaults* defaults = [NSUserDefaults standardUserDefaults];
-  [defaults registerDefaults:[NSDictionary dictionaryWithObjectsAndKeys:
-                                               @"LiberationSans", @"NSFont", @"LiberationSans", @"NSUserFont",
-                                               @"LiberationSans", @"NSLabelFont", @"LiberationSans", @"NSMessageFont",
-                                               @"LiberationSans-Bold", @"NSBoldFont", @"LiberationSans-Bold",
-                                               @"NSTitleBarFont", @"13", @"NSFontSize", @"13", @"NSUserFontSize",
-                                               // The title bar is the theme's, whatever draws the other programs'.
-                                               @"NO", @"GSBackHandlesWindowDecorations", @"NO",
-                                               @"GSX11HandlesWindowDecorations", @"YES", @"GSSuppressAppIcon", nil]];
+  [defaults registerDefaults:[NSDictionary
+                                 dictionaryWithObjectsAndKeys:@"LiberationSans", @"NSFont", @"LiberationSans",
+                                                              @"NSUserFont", @"LiberationSans", @"NSLabelFont",
+                                                              @"LiberationSans", @"NSMessageFont",
+                                                              @"LiberationSans-Bold", @"NSBoldFont",
+                                                              @"LiberationSans-Bold", @"NSTitleBarFont", @"13",
+                                                              @"NSFontSize", @"13", @"NSUserFontSize",
+                                                              // The title bar is the theme's, whatever draws
+                                                              // the other programs'.
+                                                              @"NO", @"GSBackHandlesWindowDecorations", @"NO",
+                                                              @"GSX11HandlesWindowDecorations", @"YES",
+                                                              @"GSSuppressAppIcon", nil]];
   // A domain that is not written to disk.
-  NSMutableDictionary* arguments = [[[defaults volatileDomainForName:NSArgumentDomain] mutableCopy] autorelease];
+  NSMutableDictionary* arguments =
+      [[[defaults volatileDomainForName:NSArgumentDomain] mutableCopy] autorelease];
   [arguments setObject:userLanguages() forKey:@"NSLanguages"];
   [defaults removeVolatileDomainForName:NSArgumentDomain];
   [defaults setVolatileDomain:arguments forName:NSArgumentDomain];
@@ -62,6 +82,6 @@ void setUpDefaults() {
 
 void setUpLook() {
   [GSTheme setTheme:[[[PageTheme alloc] initWithBundle:[NSBundle bundleForClass:[GSTheme class]]] autorelease]];
-  [NSApp setApplicationIconImage:discIcon()];
+  [NSApp setApplicationIconImage:[DiscIcon image]];
   hideReturnSign();
 }
