@@ -6,13 +6,32 @@
 # Each has Contents/MacOS/InstallDataPane, Contents/Info.plist and Contents/Resources/<language>.lproj/.
 
 # GNUstep looks for a bundle's files at its top and knows nothing of Contents/; with links, one tree serves both. It
-# reads the layout as it was written.
+# reads the layout as it was written, but for one attribute, which it takes the other way round and misses where it
+# is not there: a bar that stands is shown.
 function(fit_bundle_for_gnustep bundle)
-  configure_file(${PROJECT_SOURCE_DIR}/resources/InstallDataPane.xib
-                 ${bundle}/Contents/Resources/InstallDataPane.xib COPYONLY)
+  set(layout ${PROJECT_SOURCE_DIR}/resources/InstallDataPane.xib)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${layout})
+  file(READ ${layout} text)
+  string(REPLACE "<progressIndicator " "<progressIndicator displayedWhenStopped=\"NO\" " text "${text}")
+  file(CONFIGURE OUTPUT ${bundle}/Contents/Resources/InstallDataPane.xib CONTENT "${text}" @ONLY)
   file(CREATE_LINK Contents/Resources ${bundle}/Resources SYMBOLIC)
   file(CREATE_LINK Contents/MacOS/InstallDataPane ${bundle}/InstallDataPane SYMBOLIC)
   file(CREATE_LINK ../Info.plist ${bundle}/Contents/Resources/Info-gnustep.plist SYMBOLIC)
+endfunction()
+
+# What the Installer of macOS wants: the compiled layout, and a signature over everything, so made last. Ad hoc; a
+# release signs anew.
+function(finish_bundle_for_macos bundle)
+  set(layout ${PROJECT_SOURCE_DIR}/resources/InstallDataPane.xib)
+  set(signature ${bundle}/Contents/_CodeSignature/CodeResources)
+  file(GLOB_RECURSE texts ${bundle}/Contents/*.plist ${bundle}/Contents/*.strings)
+  add_custom_command(
+    OUTPUT ${signature}
+    COMMAND ibtool --compile ${bundle}/Contents/Resources/InstallDataPane.nib ${layout}
+    COMMAND codesign --force --sign - ${bundle}
+    DEPENDS ${bundle}/Contents/MacOS/InstallDataPane ${layout} ${texts}
+    VERBATIM)
+  set_property(GLOBAL APPEND PROPERTY TAVENHALL_BUNDLE_PROGRAMS ${signature})
 endfunction()
 
 function(add_plugin_bundle bundle_name plugin_name folder_name)
@@ -32,7 +51,9 @@ function(add_plugin_bundle bundle_name plugin_name folder_name)
     COMMAND ${CMAKE_COMMAND} -E copy $<TARGET_FILE:InstallDataPane> ${contents}/MacOS/InstallDataPane
     DEPENDS InstallDataPane
     VERBATIM)
-  if(TAVINSTALL_COCOA AND NOT APPLE)
+  if(TAVINSTALL_COCOA AND APPLE)
+    finish_bundle_for_macos(${PROJECT_BINARY_DIR}/${bundle_name})
+  elseif(TAVINSTALL_COCOA)
     fit_bundle_for_gnustep(${PROJECT_BINARY_DIR}/${bundle_name})
   endif()
   set_property(GLOBAL APPEND PROPERTY TAVENHALL_BUNDLE_PROGRAMS ${contents}/MacOS/InstallDataPane)

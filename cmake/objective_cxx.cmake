@@ -8,10 +8,15 @@ set(CMAKE_OBJCXX_EXTENSIONS OFF)
 set(CMAKE_OBJCXX_VISIBILITY_PRESET hidden)
 
 add_library(objective_cxx INTERFACE)
+target_include_directories(objective_cxx INTERFACE ${PROJECT_SOURCE_DIR}/platform/cocoa/include)
 
+# The installer's own classes are those of the program that shows the plug-in, as on GNUstep.
 if(APPLE)
-  target_link_libraries(objective_cxx INTERFACE
-    "-framework AppKit" "-framework CoreServices" "-framework IOKit" "-framework InstallerPlugins")
+  target_link_libraries(objective_cxx INTERFACE "-framework AppKit" "-framework CoreServices" "-framework IOKit")
+  foreach(class InstallerPane InstallerSection)
+    target_link_options(objective_cxx INTERFACE
+      LINKER:-U,_OBJC_CLASS_$_${class} LINKER:-U,_OBJC_METACLASS_$_${class})
+  endforeach()
   return()
 endif()
 

@@ -3,6 +3,7 @@
 #import <AppKit/AppKit.h>
 
 // Where AppKit on macOS and on GNUstep want to be treated differently: macos/ and gnustep/ fill these.
+// Called inside of an adapter, which ends their Objective-C exceptions; changeControl alone is around one.
 namespace tavenhall {
 
 // Runs `change(context)`, which touches a control or an installer's button, and returns when it has run. On
@@ -13,11 +14,11 @@ void changeControl(void (*change)(void*), void* context) noexcept;
 // Shows the text, all of it, by setTitleWithMnemonic:, which takes an "&" for the mark of a key and does not
 // show it. On macOS only the first one of a text, so another goes before it. On GNUstep the same, and a text
 // without any is not taken at all, so one goes before every text. Where controls are changed.
-void showWithMnemonic(NSTextField* field, NSString* text) noexcept;
+void showWithMnemonic(NSTextField* field, NSString* text);
 
 // Sends `begin` to the sheet, which must not wait for the sheet's end. On macOS at once, since a sheet that has
 // begun leaves the rest to the run loop. On GNUstep, where beginning lasts until the end, from the run loop,
 // and one sheet after the other. Main thread.
-void beginWithoutWaiting(id sheet, SEL begin) noexcept;
+void beginWithoutWaiting(id sheet, SEL begin);
 
 }  // namespace tavenhall

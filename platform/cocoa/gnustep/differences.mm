@@ -6,14 +6,17 @@ namespace tavenhall {
 
 void changeControl(void (*change)(void*), void* context) noexcept { runOnMainThread(change, context); }
 
-void showWithMnemonic(NSTextField* field, NSString* text) noexcept {
+void showWithMnemonic(NSTextField* field, NSString* text) {
   [field setTitleWithMnemonic:[@"&" stringByAppendingString:text]];
 }
 
 // Only while the run loop is in its usual mode: while a sheet or an alert is up, the next sheet waits.
-void beginWithoutWaiting(id sheet, SEL begin) noexcept {
-  NSArray* modes = [NSArray arrayWithObject:NSDefaultRunLoopMode];
-  [sheet performSelectorOnMainThread:begin withObject:nil waitUntilDone:NO modes:modes];
+void beginWithoutWaiting(id sheet, SEL begin) {
+  [[NSRunLoop mainRunLoop] performSelector:begin
+                                    target:sheet
+                                  argument:nil
+                                     order:0
+                                     modes:[NSArray arrayWithObject:NSDefaultRunLoopMode]];
 }
 
 }  // namespace tavenhall

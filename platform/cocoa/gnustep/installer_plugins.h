@@ -13,8 +13,11 @@
 @end
 
 @interface InstallerSection (PlayedInstaller)
+// The installer is not retained.
+- (id)initWithBundle:(NSBundle*)bundle installer:(id<SectionInstaller>)installer;
+
 // Loads the bundle's program and, owned by a new section, its layout. Nil where either cannot be had; why is
-// logged. The installer is not retained.
+// logged.
 + (InstallerSection*)sectionOfBundle:(NSBundle*)bundle installer:(id<SectionInstaller>)installer;
 
 - (id<SectionInstaller>)installer;

@@ -27,7 +27,8 @@
 }
 
 - (NSString*)title {
-  return [bundle_ objectForInfoDictionaryKey:@"InstallerSectionTitle"];
+  NSString* key = @"InstallerSectionTitle";
+  return [bundle_ localizedStringForKey:key value:[bundle_ objectForInfoDictionaryKey:key] table:@"InfoPlist"];
 }
 
 - (InstallerPane*)firstPane {
@@ -49,6 +50,13 @@
 
 @implementation InstallerSection (PlayedInstaller)
 
+- (id)initWithBundle:(NSBundle*)bundle installer:(id<SectionInstaller>)installer {
+  self = [super init];
+  bundle_ = [bundle retain];
+  installer_ = installer;
+  return self;
+}
+
 + (InstallerSection*)sectionOfBundle:(NSBundle*)bundle installer:(id<SectionInstaller>)installer {
   if (![bundle load]) {
     NSLog(@"%@ could not be loaded", [bundle bundlePath]);
@@ -59,9 +67,7 @@
     NSLog(@"%@ has no section for its principal class", [bundle bundlePath]);
     return nil;
   }
-  InstallerSection* section = [[[principalClass alloc] init] autorelease];
-  section->bundle_ = [bundle retain];
-  section->installer_ = installer;
+  InstallerSection* section = [[[principalClass alloc] initWithBundle:bundle installer:installer] autorelease];
 
   NSString* layout = [bundle objectForInfoDictionaryKey:@"NSMainNibFile"];
   [section willLoadMainNib];

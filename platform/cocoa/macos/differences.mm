@@ -4,13 +4,13 @@ namespace tavenhall {
 
 void changeControl(void (*change)(void*), void* context) noexcept { change(context); }
 
-void showWithMnemonic(NSTextField* field, NSString* text) noexcept {
+void showWithMnemonic(NSTextField* field, NSString* text) {
   const NSRange mark = [text rangeOfString:@"&"];
   [field setTitleWithMnemonic:mark.location == NSNotFound ? text
                                                           : [text stringByReplacingCharactersInRange:mark
                                                                                           withString:@"&&"]];
 }
 
-void beginWithoutWaiting(id sheet, SEL begin) noexcept { [sheet performSelector:begin]; }
+void beginWithoutWaiting(id sheet, SEL begin) { [sheet performSelector:begin]; }
 
 }  // namespace tavenhall

@@ -45,7 +45,8 @@ IOReturn IOPMAssertionRelease(IOPMAssertionID identifier) {
 using BeginSheet = void (*)(NSString*, NSString*, NSString*, NSString*, NSWindow*, id, SEL, SEL, void*,
                             NSString*, ...);
 
-void NSBeginInformationalAlertSheet(NSString* title, NSString* defaultButton, NSString* alternateButton,
+// Exported, for the bundle to find it before AppKit's.
+__attribute__((visibility("default"))) void NSBeginInformationalAlertSheet(NSString* title, NSString* defaultButton, NSString* alternateButton,
                                     NSString* otherButton, NSWindow* docWindow, id modalDelegate,
                                     SEL willEndSelector, SEL didEndSelector, void* contextInfo,
                                     NSString* message, ...) {

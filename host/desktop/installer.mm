@@ -1,0 +1,227 @@
+#import "host/desktop/installer.h"
+
+#include "host/desktop/desktop_run.h"
+#import "host/desktop/installer_window.h"
+#import "host/desktop/palette.h"
+#import "host/desktop/text_page.h"
+
+#include <cstdio>
+#include <unistd.h>
+
+namespace {
+
+using tavenhall::DesktopText;
+using tavenhall::ExitStatus;
+using tavenhall::Style;
+
+NSString* string(const std::string& text) {
+  NSString* made = [NSString stringWithUTF8String:text.c_str()];
+  return made != nil ? made : @"";
+}
+
+// No destructor may run under a page thread that still does.
+[[noreturn]] void endProcess(ExitStatus status) {
+  std::fflush(nullptr);
+  _exit(static_cast<int>(status));
+}
+
+NSProgressIndicator* barIn(NSView* view) {
+  if ([view isKindOfClass:[NSProgressIndicator class]]) {
+    return (NSProgressIndicator*)view;
+  }
+  for (NSView* part in [view subviews]) {
+    if (NSProgressIndicator* bar = barIn(part)) {
+      return bar;
+    }
+  }
+  return nil;
+}
+
+// The first button's answer is 1000.
+BOOL isFirstButton(NSString* message, NSString* text, NSString* first, NSString* second) {
+  NSAlert* alert = [[[NSAlert alloc] init] autorelease];
+  [alert setMessageText:message];
+  [alert setInformativeText:text];
+  [alert addButtonWithTitle:first];
+  if (second != nil) {
+    [alert addButtonWithTitle:second];
+  }
+  return [alert runModal] == NSAlertFirstButtonReturn;
+}
+
+}  // namespace
+
+@implementation Installer
+
+- (id)initWithRun:(tavenhall::DesktopRun*)run {
+  self = [super init];
+  run_ = run;
+  return self;
+}
+
+// Not sooner: on its way here GNUstep's application talks to other programs, and must not be disturbed by
+// events.
+- (void)applicationDidFinishLaunching:(NSNotification*)notification {
+  NSBundle* bundle = [NSBundle bundleWithPath:string(run_->bundlePath())];
+  section_ = [[InstallerSection sectionOfBundle:bundle installer:self] retain];
+  if (section_ == nil) {
+    endProcess(ExitStatus::badUsage);  // why is logged
+  }
+  NSString* title = [@"Install " stringByAppendingString:string(run_->productName())];
+  window_ = [[InstallerWindow alloc] initWithTitle:title target:self];
+  [window_ setDelegate:(id)self];
+  [self showIntroduction];
+  [window_ makeKeyAndOrderFront:nil];
+  [NSApp activateIgnoringOtherApps:YES];
+}
+
+// ---- The pages ----
+
+- (void)showStep:(NSUInteger)current {
+  NSArray* titles =
+      [NSArray arrayWithObjects:@"Introduction", @"Installation", [section_ title], @"Summary", nil];
+  [window_ setSteps:titles current:current];
+}
+
+- (void)showText:(const DesktopText&)text {
+  const unsigned color = text.heading.style == Style::good  ? palette::kGood
+                         : text.heading.style == Style::bad ? palette::kBad
+                                                            : palette::kText;
+  [window_ setHeading:string(text.heading.text) color:paletteColor(color)];
+  [window_ setPage:textPage(attributedText(text.lines), [window_ pageFrame])];
+}
+
+- (void)showIntroduction {
+  stage_ = StageIntroduction;
+  [self showStep:0];
+  [self showText:run_->introduction()];
+  [[window_ backButton] setEnabled:NO];
+  [[window_ continueButton] setEnabled:YES];
+}
+
+- (void)showSummary {
+  stage_ = StageSummary;
+  run_->end();
+  [self showStep:3];
+  [self showText:run_->summary()];
+  [window_ setPace:@""];
+  [[window_ backButton] setEnabled:NO];
+  [[window_ continueButton] setTitle:@"Close"];
+  [[window_ continueButton] setEnabled:YES];
+}
+
+- (void)prepareAndEnter {
+  const std::string problem = run_->prepare();
+  if (!problem.empty()) {
+    isFirstButton(@"The installation cannot begin.", string(problem), @"OK", nil);
+    return;
+  }
+  stage_ = StageSection;
+  [self showStep:2];
+  [self enterPane:[section_ firstPane] direction:InstallerDirectionForward];
+}
+
+- (void)enterPane:(InstallerPane*)pane direction:(InstallerSectionDirection)direction {
+  [section_ setActivePane:pane];
+  [window_ setHeading:[pane title] color:paletteColor(palette::kText)];
+  [window_ setPage:[pane contentView]];
+  [[window_ backButton] setEnabled:YES];
+  [[window_ continueButton] setEnabled:YES];
+  [self watchBarIn:[pane contentView]];
+  run_->begin();
+  [pane willEnterPane:direction];
+  [pane didEnterPane:direction];
+}
+
+// ---- The bar ----
+
+- (void)watchBarIn:(NSView*)content {
+  if (bar_ == nil) {
+    bar_ = barIn(content);
+    for (NSString *key in [NSArray arrayWithObjects:@"minValue", @"maxValue", @"doubleValue", nil]) {
+      [bar_ addObserver:self forKeyPath:key options:0 context:NULL];
+    }
+    paceTimer_ = [NSTimer scheduledTimerWithTimeInterval:1.0
+                                                  target:self
+                                                selector:@selector(showPace:)
+                                                userInfo:nil
+                                                 repeats:YES];
+    [[NSRunLoop currentRunLoop] addTimer:paceTimer_ forMode:NSModalPanelRunLoopMode];
+  }
+}
+
+// On the thread that changed the bar.
+- (void)observeValueForKeyPath:(NSString*)key
+                      ofObject:(id)bar
+                        change:(NSDictionary*)change
+                       context:(void*)context {
+  run_->lookAtBar([bar minValue], [bar maxValue], [bar doubleValue]);
+}
+
+- (void)showPace:(NSTimer*)timer {
+  if (stage_ == StageSection) {
+    const BOOL isAsking = [NSApp modalWindow] != nil;
+    run_->setPaused(isAsking);
+    const BOOL isCopying = !isAsking && ![[section_ activePane] nextEnabled];
+    [window_ setPace:isCopying ? string(run_->paceText()) : @""];
+  }
+}
+
+// ---- What the section asks for ----
+
+- (void)pane:(InstallerPane*)pane setNextEnabled:(BOOL)flag {
+  if (pane == [section_ activePane] && stage_ == StageSection) {
+    [[window_ continueButton] setEnabled:flag];
+  }
+}
+
+- (void)pane:(InstallerPane*)pane setPreviousEnabled:(BOOL)flag {
+  if (pane == [section_ activePane] && stage_ == StageSection) {
+    [[window_ backButton] setEnabled:flag];
+  }
+}
+
+- (BOOL)leavePane:(InstallerPane*)pane direction:(InstallerSectionDirection)direction {
+  if (![pane shouldExitPane:direction]) {
+    return NO;
+  }
+  [pane willExitPane:direction];
+  if (direction == InstallerDirectionBackward) {
+    [self showIntroduction];
+  } else if (InstallerPane* next = [pane nextPane]) {
+    [self enterPane:next direction:direction];
+  } else {
+    [self showSummary];
+  }
+  [pane didExitPane:direction];
+  return YES;
+}
+
+// ---- What the user wants ----
+
+- (void)goOn:(id)sender {
+  switch (stage_) {
+    case StageIntroduction: [self prepareAndEnter]; break;
+    case StageSection: [self leavePane:[section_ activePane] direction:InstallerDirectionForward]; break;
+    case StageSummary: endProcess(run_->exitStatus());
+  }
+}
+
+- (void)goBack:(id)sender {
+  [self leavePane:[section_ activePane] direction:InstallerDirectionBackward];
+}
+
+- (BOOL)windowShouldClose:(id)window {
+  if (stage_ == StageSummary) {
+    endProcess(run_->exitStatus());
+  }
+  if (stage_ == StageSection &&
+      isFirstButton(@"Stop the installation?",
+                    @"What was copied so far stays; run the installer again to complete it.", @"Go On",
+                    @"Stop")) {
+    return NO;
+  }
+  endProcess(ExitStatus::failure);
+}
+
+@end

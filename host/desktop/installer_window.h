@@ -1,0 +1,33 @@
+#pragma once
+
+#import <AppKit/AppKit.h>
+
+// The installer's window: the steps at the left, the page under its title, and the two buttons below. Main
+// thread.
+@class StepList;
+
+@interface InstallerWindow : NSWindow {
+ @private
+  StepList* steps_;
+  NSTextField* heading_;
+  NSView* page_;
+  NSTextField* pace_;
+  NSButton* backButton_;
+  NSButton* continueButton_;
+}
+// The buttons send goBack: and goOn: to the target, which is not retained.
+- (id)initWithTitle:(NSString*)title target:(id)target;
+
+- (void)setSteps:(NSArray*)titles current:(NSUInteger)current;
+- (void)setHeading:(NSString*)heading color:(NSColor*)color;
+
+// The place of a page's content, in which it is centred.
+- (NSRect)pageFrame;
+- (void)setPage:(NSView*)content;
+
+// A quiet line at the lower left.
+- (void)setPace:(NSString*)text;
+
+- (NSButton*)backButton;
+- (NSButton*)continueButton;
+@end

@@ -1,0 +1,17 @@
+#import "host/desktop/look.h"
+
+#import <AppKit/AppKit.h>
+
+// AppKit has its own look here; what a program is expected to bring along is the menu with Quit.
+
+void setUpDefaults() {}
+
+void setUpLook() {
+  [NSApp setActivationPolicy:NSApplicationActivationPolicyRegular];
+  NSMenu* bar = [[[NSMenu alloc] init] autorelease];
+  NSMenuItem* item = [bar addItemWithTitle:@"" action:nil keyEquivalent:@""];
+  NSMenu* menu = [[[NSMenu alloc] init] autorelease];
+  [menu addItemWithTitle:@"Quit" action:@selector(performClose:) keyEquivalent:@"q"];
+  [item setSubmenu:menu];
+  [NSApp setMainMenu:bar];
+}
