@@ -151,11 +151,13 @@ bool hasDataFolder(const fs::path& path) {
 class LeftFiles {
  public:
   LeftFiles(const Stage& stage, const CheckedSet& checked, RehearsalFindings& findings)
-      : stage_(stage), checked_(checked), findings_(findings), fullEdition_(fullEditionFolders(checked)) {
-    collect(checked.set.folder, {});
-    for (const Disc& disc : checked.set.discs) {
-      if (!isBelow(disc.path, checked.set.folder)) {
-        collect(disc.path, stage.nameInSet(disc));
+      : stage_(stage), checked_(checked), findings_(findings), fullEdition_(fullEditionFolders(checked)) {}
+
+  void collectAll() {
+    collect(checked_.set.folder, {});
+    for (const Disc& disc : checked_.set.discs) {
+      if (!isBelow(disc.path, checked_.set.folder)) {
+        collect(disc.path, stage_.nameInSet(disc));
       }
     }
   }
@@ -225,7 +227,7 @@ RehearsalFindings gatherFindings(const Stage& stage, const CheckedSet& checked, 
   const std::vector<CopiedFolder> folders = copiedFolders(stage.log(), locatorFor(stage, record.insertedDiscs));
   findings.files = compareFiles(folders, [&stop] { stop.throwIfCome(); });
   sumUp(folders, findings);
-  LeftFiles(stage, checked, findings);
+  LeftFiles(stage, checked, findings).collectAll();
   collectUnusedDiscs(stage, findings);
   return findings;
 }

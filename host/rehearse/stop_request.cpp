@@ -8,21 +8,11 @@ namespace tavenhall {
 namespace {
 
 constexpr std::array<int, 3> kSignals{SIGINT, SIGTERM, SIGHUP};
-volatile std::sig_atomic_t requestHasCome = 0;
-WakeUp* toWake = nullptr;
-
-void noteRequest(int /*signal*/) {
-  requestHasCome = 1;
-  toWake->signal();
-}
+StopRequest* current = nullptr;  // who has the signals
 
 }  // namespace
 
-StopRequest::StopRequest() {
-  requestHasCome = 0;
-  toWake = &wakeUp_;
-  takeSignals();
-}
+StopRequest::StopRequest() { takeSignals(); }
 
 StopRequest::~StopRequest() {
   for (const int signal : kSignals) {
@@ -31,15 +21,19 @@ StopRequest::~StopRequest() {
 }
 
 void StopRequest::takeSignals() {
+  current = this;
   struct sigaction action {};
-  action.sa_handler = noteRequest;
+  action.sa_handler = note;
   action.sa_flags = SA_RESTART;
   for (const int signal : kSignals) {
     sigaction(signal, &action, nullptr);
   }
 }
 
-bool StopRequest::hasCome() const { return requestHasCome != 0; }
+void StopRequest::note(int /*signal*/) {
+  current->hasCome_ = 1;
+  current->wakeUp_.signal();
+}
 
 void StopRequest::throwIfCome() const {
   if (hasCome()) {

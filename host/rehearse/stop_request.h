@@ -2,6 +2,7 @@
 
 #include "platform/wake_up.h"
 
+#include <csignal>
 #include <exception>
 
 namespace tavenhall {
@@ -24,13 +25,16 @@ class StopRequest {
   // Takes the signals back from whoever had them meanwhile.
   void takeSignals();
 
-  [[nodiscard]] bool hasCome() const;
+  [[nodiscard]] bool hasCome() const { return hasCome_ != 0; }
   void throwIfCome() const;
 
   // Readable once a request has come.
   [[nodiscard]] int descriptor() const { return wakeUp_.descriptor(); }
 
  private:
+  static void note(int signal);
+
+  volatile std::sig_atomic_t hasCome_ = 0;
   WakeUp wakeUp_;
 };
 

@@ -16,6 +16,7 @@ ToolProcess::ToolProcess(const std::vector<std::string>& command) : words_(std::
   std::vector<std::string> line{"setpriv", "--pdeathsig", "TERM", "--"};
   line.insert(line.end(), command.begin(), command.end());
   std::vector<char*> arguments;
+  arguments.reserve(line.size() + 1);
   for (std::string& word : line) {
     arguments.push_back(word.data());
   }
