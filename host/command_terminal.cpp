@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <sys/ioctl.h>
-#include <system_error>
 #include <termios.h>
 #include <unistd.h>
 
@@ -29,27 +28,23 @@ char endOfInputCharacter(int terminal) {
   return tcgetattr(terminal, &modes) == 0 ? static_cast<char>(modes.c_cc[VEOF]) : '\4';
 }
 
-// Some show a star for each character typed, and take them away at the end. That is no question.
-std::string withoutStars(const std::string& text) {
-  const std::size_t first = text.find_first_not_of(" *\b");
-  if (first == std::string::npos) {
-    return {};
-  }
-  return text.substr(first, text.find_last_not_of(" *\b") + 1 - first);
-}
+// Some show a star for each character typed, and take them away at the end. That says nothing.
+bool isOnlyStars(const std::string& text) { return text.find_first_not_of(" *\b") == std::string::npos; }
 
 }  // namespace
 
-CommandTerminalEnds makeCommandTerminal() {
+CommandTerminalEnds makeCommandTerminal() noexcept {
   CommandTerminalEnds ends;
   ends.face = posix_openpt(O_RDWR | O_NOCTTY);
-  if (ends.face >= 0 && grantpt(ends.face) == 0 && unlockpt(ends.face) == 0) {
+  if (ends.face < 0) {
+    return {};
+  }
+  if (grantpt(ends.face) == 0 && unlockpt(ends.face) == 0) {
     ends.commands = open(ptsname(ends.face), O_RDWR | O_NOCTTY | O_CLOEXEC);
   }
   if (ends.commands < 0) {
-    const int error = errno;
     close(ends.face);
-    throw std::system_error(error, std::generic_category(), "terminal for commands");
+    return {};
   }
   fcntl(ends.face, F_SETFD, FD_CLOEXEC);
   fcntl(ends.face, F_SETFL, O_NONBLOCK);
@@ -66,9 +61,10 @@ void CommandTerminal::read(const std::function<void(const std::string& line)>& h
   while ((count = ::read(descriptor_, piece.data(), piece.size())) > 0) {
     for (const char character : std::string_view(piece.data(), static_cast<std::size_t>(count))) {
       if (character == '\n') {
-        if (const std::string line = withoutStars(partialLine_); !line.empty()) {
-          hear(line);
+        if (!question_ && !isOnlyStars(partialLine_)) {
+          hear(partialLine_);
         }
+        question_.reset();
         partialLine_.clear();
       } else if (character != '\r' && partialLine_.size() < kLongestLine) {
         partialLine_ += character;
@@ -82,9 +78,8 @@ void CommandTerminal::read(const std::function<void(const std::string& line)>& h
   }
   if (!isAskingInSecret(descriptor_)) {
     question_.reset();
-  } else if (std::string text = withoutStars(partialLine_); !text.empty()) {
-    question_ = std::move(text);
-    partialLine_.clear();
+  } else if (!isOnlyStars(partialLine_)) {
+    question_ = partialLine_.substr(0, partialLine_.find_last_not_of(' ') + 1);
   }
 }
 
@@ -99,6 +94,7 @@ void CommandTerminal::send(std::string_view text, char end) {
     writeAll(descriptor_, {&end, 1});
   }
   question_.reset();
+  partialLine_.clear();
 }
 
 }  // namespace tavenhall

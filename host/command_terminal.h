@@ -15,8 +15,9 @@ struct CommandTerminalEnds {
   int commands = -1;  // the terminal itself; as long as it is open anywhere, the other end is, too
 };
 
-// Makes one; both ends are closed in programs that are run. Throws std::system_error.
-[[nodiscard]] CommandTerminalEnds makeCommandTerminal();
+// Makes one; both ends are closed in programs that are run. Without ends where the system has none to give:
+// what asks then fails, and that is all.
+[[nodiscard]] CommandTerminalEnds makeCommandTerminal() noexcept;
 
 // Makes it the terminal of this process and of its children. After setsid, so that there is no other.
 void takeCommandTerminal(int commands) noexcept;

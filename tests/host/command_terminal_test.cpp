@@ -107,6 +107,19 @@ TEST_F(CommandTerminalTest, LinesBeforeAQuestionAreSaid) {
   EXPECT_EQ(terminal.question(), "Password:");
 }
 
+TEST_F(CommandTerminalTest, AQuestionThatComesInPiecesIsOne) {
+  ask("[sudo] pass");
+  write("word for tester: ");
+  hear();
+  EXPECT_EQ(terminal.question(), "[sudo] password for tester:");
+  tell(terminal, "sesame");
+  EXPECT_EQ(read(), "sesame\n");
+  showTyped(true);
+  write("\r\nSorry, try again.\r\n");
+  hear();
+  EXPECT_THAT(lines, ElementsAre("Sorry, try again."));
+}
+
 TEST_F(CommandTerminalTest, WhoRelaysAWholeTerminalAsksNothing) {
   relayAll();
   write("50 %");

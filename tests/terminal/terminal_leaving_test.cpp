@@ -172,11 +172,5 @@ TEST_F(TerminalLeaving, APageThatWasStoppedForAWhileComesBack) {
   install.terminal.waitFor("[ Continue ]");
 }
 
-TEST_F(TerminalLeaving, WhileAQuestionWaitsNobodyUsesTheProcessor) {
-  RunningInstall install("thread\nmax 1953125\nvalue 840000\nalert Next disc|Please insert B|OK\n");
-  install.terminal.waitFor("Please insert B");
-  waitForIdle(install.program, install.engine, 3);
-}
-
 }  // namespace
 }  // namespace tavenhall::test

@@ -132,6 +132,17 @@ TEST_F(TerminalPageTest, TheWindowMayBeResizedDuringTheCopy) {
   expectScreen(terminal, "copy-80x24");
 }
 
+TEST_F(TerminalPageTest, AnySizeIsOutlivedAlsoManyInARow) {
+  TmuxTerminal terminal(80, 24, runScript(std::string(kCopy) + "sheet Failed to copy file.\n" + kEnd));
+  enter(terminal, "Failed to copy file.");
+  for (int i = 0; i < 40; ++i) {
+    terminal.resize(1 + i * 37 % 140, 1 + i * 23 % 50);
+  }
+  terminal.resize(80, 24);
+  terminal.press({"Enter"});
+  expectScreen(terminal, "copy-80x24");
+}
+
 TEST_F(TerminalPageTest, AWindowAboveThePageIsResizedWithIt) {
   TmuxTerminal terminal(120, 40, runScript(std::string(kCopy) + kQuestion + kEnd));
   enter(terminal, "[ Skip ]");

@@ -11,6 +11,7 @@
 #include <string>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace tavenhall::test {
 namespace {
@@ -155,12 +156,20 @@ void replaceFile(const std::string& path, const std::string& text, mode_t mode) 
   ASSERT_EQ(mount(own.c_str(), path.c_str(), nullptr, MS_BIND, nullptr), 0) << path;
 }
 
+// With all that is in it.
+void giveTo(uid_t user, const std::string& folder) {
+  ASSERT_EQ(chown(folder.c_str(), user, user), 0);
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+    ASSERT_EQ(lchown(entry.path().c_str(), user, user), 0);
+  }
+}
+
 // The system's own sudo, and a user who may use it with the password "open sesame".
 TEST_F(TerminalPassword, TheRealSudoAsksInTheWindowAndOnce) {
   if (!isRealRoot() || !exists("/usr/bin/sudo")) {
     GTEST_SKIP() << "needs root, to make up a user, and sudo";
   }
-  constexpr const char* kUser = "4321";
+  constexpr uid_t kUser = 4321;
   replaceFile("/etc/passwd", readFile("/etc/passwd") + "tester:x:4321:4321::/Users/tester:/bin/sh\n", 0644);
   replaceFile("/etc/shadow",
               "tester:$6$tavinstall$srIyQlS/Xr7WDyJI48YxpH/I4ZtzHzt1tlWS7qgU/"
@@ -168,13 +177,12 @@ TEST_F(TerminalPassword, TheRealSudoAsksInTheWindowAndOnce) {
               0640);
   replaceFile("/etc/sudoers",
               "Defaults lecture=never, !syslog, timestampdir=/Library/sudo\ntester ALL=(ALL) ALL\n", 0440);
-  std::vector<std::string> command{"/usr/bin/setpriv", "--reuid", kUser, "--regid", kUser, "--clear-groups"};
+  std::vector<std::string> command{"/usr/bin/setpriv",    "--reuid",       std::to_string(kUser), "--regid",
+                                   std::to_string(kUser), "--clear-groups"};
   const auto page = askingPage("run sudo mkdir /Library/Made\nrun sudo chmod 777 /Library/Made\n");
   command.insert(command.end(), page.begin(), page.end());
   std::filesystem::remove("/tmp/TavInstallLoc");
-  for (const char* folder : {"/Users/tester", "/Users/tester/Library"}) {
-    ASSERT_EQ(chmod(folder, 0777), 0);
-  }
+  giveTo(kUser, "/Users/tester");
   TmuxTerminal terminal(80, 24, command, {{"PATH", "/usr/bin:/bin"}});
   enter(terminal);
   terminal.waitFor("[sudo] password for tester:");

@@ -1,0 +1,59 @@
+// Who has nothing to do uses no processor: not the face, and not its engine.
+#include "tests/install/child_program.h"
+#include "tests/terminal/in_utf8.h"
+#include "tests/terminal/page_in_terminal.h"
+#include "tests/terminal/tmux_terminal.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace tavenhall::test {
+namespace {
+
+using Idle = InUtf8;
+
+constexpr int kSeconds = 3;
+constexpr const char* kQuestion = "thread\nmax 1953125\nvalue 840000\nalert Next disc|Please insert B|OK\n";
+
+void expectIdle(pid_t face) {
+  const std::vector<pid_t> engine = childrenOf(face);
+  waitForIdle(face, engine.empty() ? face : engine[0], kSeconds);
+}
+
+TEST_F(Idle, OnTheFirstPage) {
+  TmuxTerminal terminal(80, 24, runScript(kQuestion));
+  terminal.waitFor("Press Continue to begin.");
+  expectIdle(terminal.program());
+}
+
+TEST_F(Idle, WhileAQuestionWaits) {
+  TmuxTerminal terminal(80, 24, runScript(kQuestion));
+  terminal.waitFor("Press Continue to begin.");
+  terminal.press({"Enter"});
+  terminal.waitFor("Please insert B");
+  expectIdle(terminal.program());
+}
+
+TEST_F(Idle, WhileTheInstallHasEndedAndThePageIsRead) {
+  TmuxTerminal terminal(80, 24, runScript("thread\nready 1\nnext 1\n"));
+  terminal.waitFor("Press Continue to begin.");
+  terminal.press({"Enter"});
+  terminal.waitFor("[ Continue ]");
+  expectIdle(terminal.program());
+  terminal.press({"Enter"});
+  terminal.waitFor("The installation was successful.");
+  expectIdle(terminal.program());
+}
+
+TEST_F(Idle, WhileAQuestionOfThePlainLinesWaits) {
+  std::vector<std::string> command = runScript(kQuestion);
+  command.insert(command.end(), {"--ui", "plain"});
+  ChildProgram program(command);
+  for (auto line = program.readLine(); line && line != "  1) OK"; line = program.readLine()) {
+  }
+  expectIdle(program.pid());
+}
+
+}  // namespace
+}  // namespace tavenhall::test
