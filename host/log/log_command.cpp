@@ -114,9 +114,10 @@ ExitStatus tellLog(const LogArguments& arguments) {
   const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
   struct stat found {};
   if (descriptor < 0 || fstat(descriptor, &found) != 0) {
-    throw UsageError(errno == ENOENT && arguments.file.empty()
-                         ? filled(_("there is no installation log at {0} yet; the first install writes it"), {path})
-                         : filled(_("cannot read the log {0}: {1}"), {path, std::strerror(errno)}));
+    throw UsageError(
+        errno == ENOENT && arguments.file.empty()
+            ? filled(_("there is no installation log at {0} yet; the first install writes it"), {path})
+            : filled(_("cannot read the log {0}: {1}"), {path, std::strerror(errno)}));
   }
   if (S_ISDIR(found.st_mode)) {
     throw UsageError(filled(_("cannot read the log {0}: it is a folder"), {path}));
@@ -155,7 +156,7 @@ void addLogCommand(CommandLine& commandLine) {
   log->add_option("FILE", arguments->file, _("The log; the user's own when none is given"));
   log->add_flag("--last", arguments->lastOnly, _("Only the last run"));
   log->add_option("--format", arguments->format, _("How it is said"))
-      ->check(CLI::IsMember({"text", "json"}).description(""))
+      ->check(oneOf({"text", "json"}))
       ->type_name("text|json")
       ->capture_default_str();
   log->callback(
