@@ -6,11 +6,7 @@
 namespace tavenhall {
 
 void addFaceOption(CLI::App& command, std::string& name) {
-  command
-      .add_option(
-          "--ui", name,
-          _("How the page is shown: json, plain, quiet or terminal (else terminal where there is one, or "
-            "plain)"))
+  command.add_option("--ui", name, _("How the page is shown: json, plain, quiet or terminal"))
       ->check(oneOf({"json", "plain", "quiet", "terminal"}))
       ->type_name("FACE");
 }

@@ -51,7 +51,7 @@ void refuseWhatOthersDecide(const RunOptions& options) {
   if (line.empty()) {
     return;
   }
-  const UsageError error(line + "; --trusted installs all the same");
+  const UsageError error(filled(_("{0}; --trusted installs all the same"), {line}));
   if (options.face != Face::json) {
     throw error;
   }
@@ -62,7 +62,7 @@ RunOptions optionsFrom(const RunArguments& arguments) {
   RunOptions options;
   if (!arguments.noPreInstall) {
     if (arguments.package.empty()) {
-      throw UsageError("--package is needed (or --no-preinstall)");
+      throw UsageError(_("--package is needed (or --no-preinstall)"));
     }
     options.package = packageLocation(arguments.package);
     options.installType = arguments.installType;
