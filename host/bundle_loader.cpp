@@ -2,6 +2,7 @@
 
 #include "host/build_facts.h"
 #include "host/file_checks.h"
+#include "host/text.h"
 #include "host/usage_error.h"
 #include "platform/program_path.h"
 
@@ -36,7 +37,14 @@ fs::path findBundle(const std::string& product) {
     }
     looked += (looked.empty() ? "" : " or ") + bundle.string();
   }
-  throw UsageError("no plug-in at " + looked + "; --bundle names another");
+  throw UsageError(filled(_("no plug-in at {0}; --bundle names another"), {looked}));
+}
+
+fs::path findCatalogs() {
+  fs::path catalogs = (programFolder() / kInstalledCatalogs).lexically_normal();
+  std::error_code error;
+  return fs::is_directory(catalogs, error) ? catalogs
+                                           : (programFolder() / "../share/locale").lexically_normal();
 }
 
 fs::path findStandIns() {
@@ -63,18 +71,18 @@ PageFactory loadBundle(const fs::path& bundle) {
   const fs::path program = fs::absolute(bundle) / kBundleProgram;
   std::error_code error;
   if (!fs::exists(program, error)) {
-    throw UsageError("cannot load " + bundle.string() + ": it has no " + kBundleProgram +
-                     "; --bundle takes a plug-in's folder");
+    throw UsageError(filled(_("cannot load {0}: it has no {1}; --bundle takes a plug-in's folder"),
+                            {bundle.string(), kBundleProgram}));
   }
   requireNoSpecialFile(program);
   void* handle = dlopen(program.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (handle == nullptr) {
-    throw UsageError("cannot load " + bundle.string() + ": " + dlerror());
+    throw UsageError(filled(_("cannot load {0}: {1}"), {bundle.string(), dlerror()}));
   }
   auto factory = reinterpret_cast<PageFactory>(dlsym(handle, kPageFactoryName));
   if (factory == nullptr) {
-    throw UsageError("cannot load " + bundle.string() + ": it makes no page (" + kPageFactoryName +
-                     " is missing)");
+    throw UsageError(
+        filled(_("cannot load {0}: it makes no page ({1} is missing)"), {bundle.string(), kPageFactoryName}));
   }
   return factory;
 }

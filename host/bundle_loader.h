@@ -11,6 +11,9 @@ namespace tavenhall {
 // product when it is empty. Throws UsageError, naming where it looked.
 [[nodiscard]] std::filesystem::path findBundle(const std::string& product);
 
+// Where the translations of the program's texts are, if there are any.
+[[nodiscard]] std::filesystem::path findCatalogs();
+
 // Where the tools lie that stand in for missing ones; empty when they are not there.
 [[nodiscard]] std::filesystem::path findStandIns();
 

@@ -1,5 +1,6 @@
 #include "host/engine.h"
 
+#include "host/text.h"
 #include "host/usage_error.h"
 
 #include <array>
@@ -119,7 +120,7 @@ Engine::Engine(CommandSource& commands, EventSink& events, std::function<void()>
 void Engine::makePage(PageFactory factory) {
   page_.reset(factory(this, kInstallerInterfaceVersion));
   if (page_ == nullptr) {
-    throw UsageError("the plug-in was built for another version of this program");
+    throw UsageError(_("the plug-in was built for another version of this program"));
   }
 }
 

@@ -7,6 +7,7 @@
 #include "host/json_events.h"
 #include "host/pre_install.h"
 #include "host/quiet_events.h"
+#include "host/text.h"
 #include "host/usage_error.h"
 
 #include <array>
@@ -81,6 +82,7 @@ void runEngine(const RunOptions& options, const EngineLines& lines) {
   }
   const EngineLines own{setAside(lines.commands), setAside(lines.events), lines.summary, -1};
   shieldStandardStreams();
+  speakEnglish();    // the system's error texts go into the log
   survive(SIGPIPE);  // a reader that goes away must not end an install
   addStandInsToPath();
 

@@ -1,6 +1,9 @@
 #include "host/build_facts.h"
+#include "host/bundle_loader.h"
 #include "host/command_line.h"
+#include "host/help_text.h"
 #include "host/standard_streams.h"
+#include "host/text.h"
 #include "host/usage_error.h"
 
 #include <CLI/CLI.hpp>
@@ -17,7 +20,10 @@ namespace {
 ExitStatus runProgram(int argc, char** argv) {
   CommandLine commandLine;
   CLI::App& program = commandLine.program;
-  program.set_version_flag("--version", std::string("tavinstall ") + kVersion);
+  program.formatter_fn(
+      [](const CLI::App* app, const std::string&, CLI::AppFormatMode) { return helpText(*app); });
+  program.set_help_flag("-h,--help", _("Say this"));
+  program.set_version_flag("--version", std::string("tavinstall ") + kVersion, _("Say which version this is"));
   program.require_subcommand(1);
   addRunCommand(commandLine);
   addRehearseCommand(commandLine);
@@ -45,6 +51,7 @@ int main(int argc, char** argv) {
   tavenhall::fillStandardStreams();
   // Character types alone: the log's month names are the same on every machine.
   std::setlocale(LC_CTYPE, "");
+  tavenhall::speakUsersLanguage(tavenhall::findCatalogs());
   ExitStatus status = ExitStatus::badUsage;
   try {
     status = tavenhall::runProgram(argc, argv);

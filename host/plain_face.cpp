@@ -5,6 +5,7 @@
 #include "host/json_events.h"
 #include "host/line_reader.h"
 #include "host/plain_printer.h"
+#include "host/text.h"
 #include "platform/installer_host.h"
 #include "platform/wake_up.h"
 
@@ -117,7 +118,8 @@ class PlainFace {
     hiddenLine_.reset();
     if (commands_.question()) {
       printer_.flush();
-      hiddenLine_.emplace("? A command asks: " + printableText(*commands_.question()) + " ");
+      hiddenLine_.emplace("? " + filled(_("A command asks: {0}"), {printableText(*commands_.question())}) +
+                          " ");
       if (hiddenLine_->descriptor() < 0) {
         commands_.refuse();
       }
@@ -176,7 +178,7 @@ class PlainFace {
     const bool isWhole = std::string_view(end, digits.data() + digits.size()).find_first_not_of(" \t\r") ==
                          std::string_view::npos;
     if (error != std::errc{} || !isWhole || number < 1 || number > buttons_) {
-      printLine("  Please type a number from 1 to " + std::to_string(buttons_) + ".");
+      printLine("  " + filled(_("Please type a number from 1 to {0}."), {std::to_string(buttons_)}));
       return;
     }
     buttons_ = 0;
@@ -209,25 +211,28 @@ class PlainFace {
   ExitStatus lastWord(ExitStatus status) {
     const ordered_json summary = ordered_json::parse(readSummary(), nullptr, false);
     if (summary.is_object()) {
-      const std::string amount = sizeText(summary.value("kBytesCopied", 0.0) * 1024.0) + " in " +
-                                 durationText(summary.value("seconds", 0.0));
+      const std::string amount = filled(_("{0} in {1}"), {sizeText(summary.value("kBytesCopied", 0.0) * 1024.0),
+                                                          durationText(summary.value("seconds", 0.0))});
       switch (status) {
-        case ExitStatus::success: printLine("Installed " + amount + "."); break;
+        case ExitStatus::success: printLine(filled(_("Installed {0}."), {amount})); break;
         case ExitStatus::noAnswer:
-          printLine("! Stopped: a question needs an answer, and the input is closed. Copied " + amount + ".");
+          printLine(
+              "! " +
+              filled(_("Stopped: a question needs an answer, and the input is closed. Copied {0}."), {amount}));
           break;
         default:
-          printLine("! Not installed, or not wholly: see the lines that begin with \"!\". Copied " + amount +
-                    ".");
+          printLine("! " +
+                    filled(_("Not installed, or not wholly: see the lines that begin with \"!\". Copied {0}."),
+                           {amount}));
           break;
       }
     } else if (isStopped_) {
-      printLine("! Stopped. " + lastLines_.afterStop);
+      printLine(std::string("! ") + _("Stopped.") + " " + lastLines_.afterStop);
     } else if (status == ExitStatus::failure) {
-      printLine("! The installer's engine ended before its time.");
+      printLine(std::string("! ") + _("The installer's engine ended before its time."));
     }
     if (status != ExitStatus::badUsage && !lastLines_.log.empty()) {
-      printLine("The log is " + lastLines_.log + ".");
+      printLine(filled(_("The log is {0}."), {lastLines_.log}));
     }
     return status;
   }

@@ -2,6 +2,7 @@
 
 #include "host/engine_process.h"
 #include "host/exit_status.h"
+#include "host/text.h"
 
 #include <string>
 
@@ -10,7 +11,7 @@ namespace tavenhall {
 // What the last lines say that the engine does not tell.
 struct LastLines {
   std::string log;  // the installation log's path; empty: it is not named
-  std::string afterStop = "What was copied so far stays; run the installer again to complete it.";
+  std::string afterStop = _("What was copied so far stays; run the installer again to complete it.");
 };
 
 // Shows one run of an engine as lines of text, on standard output: a line for every change worth one, with

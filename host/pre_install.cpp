@@ -1,5 +1,6 @@
 #include "host/pre_install.h"
 
+#include "host/text.h"
 #include "host/usage_error.h"
 #include "platform/system.h"
 
@@ -35,20 +36,21 @@ void writeLine(const char* path, const std::string& line) {
   if (!isWritten) {
     struct stat found {};
     const bool isForeign = lstat(path, &found) == 0 && found.st_uid != geteuid();
-    throw UsageError("cannot write " + std::string(path) + ": " +
-                     (isForeign ? "another user's file is in its place" : std::strerror(error)));
+    throw UsageError(
+        filled(_("cannot write {0}: {1}"),
+               {path, isForeign ? _("another user's file is in its place") : std::strerror(error)}));
   }
 }
 
 void makeHomeFolder(SearchPath which) {
   std::string path;
   if (!firstUserSearchPath(which, path)) {
-    throw UsageError("cannot find the home folder; set HOME");
+    throw UsageError(_("cannot find the home folder; set HOME"));
   }
   std::error_code error;
   fs::create_directories(path, error);
   if (error) {
-    throw UsageError("cannot make the folder " + path + ": " + error.message());
+    throw UsageError(filled(_("cannot make the folder {0}: {1}"), {path, error.message()}));
   }
 }
 
@@ -57,7 +59,8 @@ void makeHomeFolder(SearchPath which) {
 fs::path packageLocation(const fs::path& package) {
   std::error_code error;
   if (!fs::exists(package, error)) {
-    throw UsageError("no package at " + package.string() + "; --package takes the installer package's path");
+    throw UsageError(
+        filled(_("no package at {0}; --package takes the installer package's path"), {package.string()}));
   }
   fs::path location = package;
   if (package.is_relative()) {
@@ -69,11 +72,13 @@ fs::path packageLocation(const fs::path& package) {
   }
   const std::string& text = location.native();
   if (text.find('\n') != std::string::npos) {
-    throw UsageError("the package's path holds a line break, so the page cannot be told of it: move " + text);
+    throw UsageError(
+        filled(_("the package's path holds a line break, so the page cannot be told of it: move {0}"), {text}));
   }
   if (text.size() > kLongestLocation) {
-    throw UsageError("the package's path is longer than " + std::to_string(kLongestLocation) +
-                     " bytes, so the page cannot be told of it: move " + text);
+    throw UsageError(
+        filled(_("the package's path is longer than {0} bytes, so the page cannot be told of it: move {1}"),
+               {std::to_string(kLongestLocation), text}));
   }
   return location;
 }

@@ -10,6 +10,7 @@
 #include "host/pre_install.h"
 #include "host/run_options.h"
 #include "host/terminal/terminal_face.h"
+#include "host/text.h"
 #include "host/usage_error.h"
 
 #include <CLI/CLI.hpp>
@@ -34,17 +35,6 @@ struct RunArguments {
   bool isTrusted = false;
 };
 
-// The names are in the option's own text already, so the help does not list them again.
-CLI::Validator oneOf(const std::vector<std::string>& names) { return CLI::IsMember(names).description(""); }
-
-std::string joinedProducts() {
-  std::string names;
-  for (const char* product : kProducts) {
-    names += (names.empty() ? "" : "|") + std::string(product);
-  }
-  return names;
-}
-
 // What the page would believe though other users may have written it; empty if nothing.
 std::string whatOthersDecide(const RunOptions& options) {
   std::string line =
@@ -61,7 +51,7 @@ void refuseWhatOthersDecide(const RunOptions& options) {
   if (line.empty()) {
     return;
   }
-  const UsageError error(line + "; --trusted installs all the same");
+  const UsageError error(filled(_("{0}; --trusted installs all the same"), {line}));
   if (options.face != Face::json) {
     throw error;
   }
@@ -72,7 +62,7 @@ RunOptions optionsFrom(const RunArguments& arguments) {
   RunOptions options;
   if (!arguments.noPreInstall) {
     if (arguments.package.empty()) {
-      throw UsageError("--package is needed (or --no-preinstall)");
+      throw UsageError(_("--package is needed (or --no-preinstall)"));
     }
     options.package = packageLocation(arguments.package);
     options.installType = arguments.installType;
@@ -106,29 +96,33 @@ ExitStatus run(const RunArguments& arguments) {
 
 void addRunCommand(CommandLine& commandLine) {
   const auto arguments = std::make_shared<RunArguments>();
-  CLI::App* run = commandLine.program.add_subcommand("run", "Install: show the page and see it through");
-  run->add_option("--package", arguments->package, "The installer package; its data lies beside it or on discs")
+  CLI::App* run = commandLine.program.add_subcommand("run", _("Install: show the page and see it through"));
+  run->add_option("--package", arguments->package,
+                  _("The installer package; its data lies beside it or on discs"))
       ->type_name("PATH");
-  run->add_option("--install-type", arguments->installType, "The edition to install, where there is a choice")
+  run->add_option("--install-type", arguments->installType,
+                  _("Lite or Full: the edition to install, where there is a choice"))
       ->check(oneOf({"Lite", "Full"}))
-      ->type_name("Lite|Full");
-  CLI::Option* product =
-      run->add_option("--product", arguments->product, "The product whose plug-in shows the page")
-          ->check(oneOf({std::begin(kProducts), std::end(kProducts)}))
-          ->type_name(joinedProducts());
-  run->add_option("--bundle", arguments->bundle, "The plug-in bundle, instead of a product's own")
+      ->type_name("TYPE");
+  CLI::Option* product = run->add_option("--product", arguments->product,
+                                         filled(_("The product whose plug-in shows the page: {0}"),
+                                                {CLI::detail::join(productNames(), ", ")}))
+                             ->check(oneOf(productNames()))
+                             ->type_name("NAME");
+  run->add_option("--bundle", arguments->bundle, _("The plug-in bundle, instead of a product's own"))
       ->type_name("DIR")
       ->excludes(product);
   addFaceOption(*run, arguments->ui);
-  run->add_option("--summary", arguments->summary, "Write what happened to this file, as JSON")
+  run->add_option("--summary", arguments->summary, _("Write what happened to this file, as JSON"))
       ->type_name("FILE");
   run->add_flag("--no-preinstall", arguments->noPreInstall,
-                "Use the files that a package's pre-install step has left in /tmp");
+                _("Use the files that a package's pre-install step has left in /tmp"));
   run->add_flag("--trusted", arguments->isTrusted,
-                "Install although other users can change what the page goes by");
+                _("Install although other users can change what the page goes by"));
   run->footer(
-      "Ctrl-C and SIGTERM stop an install; what was copied stays, and the next run copies it anew.\n"
-      "When its terminal goes away, an install goes on to its end, or to its next question.");
+      _("Ctrl-C and SIGTERM stop an install; what was copied stays, and the next run copies it anew.
+"
+        "When its terminal goes away, an install goes on to its end, or to its next question."));
   run->callback(
       [&commandLine, arguments] { commandLine.chosen = [arguments] { return tavenhall::run(*arguments); }; });
 }

@@ -53,7 +53,8 @@ void speakUsersLanguage(const std::filesystem::path& catalogs) {
     // "C" makes them be looked at, and LANGUAGE says which.
     if (const char* named = namedLocale();
         named != nullptr && std::setlocale(LC_MESSAGES, "C.UTF-8") != nullptr) {
-      setenv("LANGUAGE", named, 0);
+      const char* languages = std::getenv("LANGUAGE");
+      setenv("LANGUAGE", named, languages == nullptr || *languages == '\0' ? 1 : 0);
     }
   }
   bindtextdomain(kDomain, catalogs.c_str());

@@ -156,7 +156,7 @@ void addLogCommand(CommandLine& commandLine) {
   log->add_option("FILE", arguments->file, _("The log; the user's own when none is given"));
   log->add_flag("--last", arguments->lastOnly, _("Only the last run"));
   log->add_option("--format", arguments->format, _("How it is said"))
-      ->check(CLI::IsMember({"text", "json"}).description(""))
+      ->check(oneOf({"text", "json"}))
       ->type_name("text|json")
       ->capture_default_str();
   log->callback(

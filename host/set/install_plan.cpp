@@ -4,6 +4,7 @@
 #include "context/text_expansion.h"
 #include "host/set/installed_editions.h"
 #include "host/set/product_table.h"
+#include "host/text.h"
 #include "host/usage_error.h"
 
 #include <algorithm>
@@ -208,7 +209,7 @@ Product productNamed(const std::string& name) {
     }
     known += (known.empty() ? "" : ", ") + std::string(row.pluginName);
   }
-  throw UsageError("no product is called " + name + "; there are " + known);
+  throw UsageError(filled(_("no product is called {0}; there are {1}"), {name, known}));
 }
 
 std::string packageFolderOf(const std::string& package) {

@@ -2,6 +2,7 @@
 
 #include "context/install_rules.h"
 #include "host/file_checks.h"
+#include "host/text.h"
 #include "host/usage_error.h"
 
 #include <algorithm>
@@ -57,11 +58,12 @@ fs::path onlyPackage(const fs::path& folder) {
     return packages.front();
   }
   if (packages.empty()) {
-    throw UsageError("no installer package in " + folder.string() + "; put one there, its name ending in .pkg");
+    throw UsageError(
+        filled(_("no installer package in {0}; put one there, its name ending in .pkg"), {folder.string()}));
   }
-  throw UsageError("more than one installer package in " + folder.string() + " (" +
-                   packages[0].filename().string() + ", " + packages[1].filename().string() +
-                   "); name one in " + kRehearsalFile + ", as \"package\"");
+  throw UsageError(filled(
+      _("more than one installer package in {0} ({1}, {2}); name one in {3}, as \"package\""),
+      {folder.string(), packages[0].filename().string(), packages[1].filename().string(), kRehearsalFile}));
 }
 
 std::string textIn(const nlohmann::json& json, const char* key, const fs::path& file) {
@@ -70,7 +72,7 @@ std::string textIn(const nlohmann::json& json, const char* key, const fs::path& 
     return {};
   }
   if (!found->is_string()) {
-    throw UsageError(file.string() + ": \"" + key + "\" is not a text; put it in quotes");
+    throw UsageError(filled(_("{0}: \"{1}\" is not a text; put it in quotes"), {file.string(), key}));
   }
   return found->get<std::string>();
 }
@@ -90,22 +92,24 @@ void readRehearsalFile(InstallerSet& set) {
   const nlohmann::json json =
       stream.is_open() ? nlohmann::json::parse(stream, nullptr, false) : nlohmann::json();
   if (!json.is_object()) {
-    throw UsageError(file.string() + " is not a JSON object; write it as {\"product\": \"NAME\"}");
+    throw UsageError(
+        filled(_("{0} is not a JSON object; write it as {1}"), {file.string(), R"({"product": "NAME"})"}));
   }
   for (const auto& [key, value] : json.items()) {
     if (key != "product" && key != "package" && key != "installType") {
-      throw UsageError(file.string() + ": \"" + key + "\" is none of product, package and installType");
+      throw UsageError(
+          filled(_("{0}: \"{1}\" is none of product, package and installType"), {file.string(), key}));
     }
   }
   set.product = textIn(json, "product", file);
   set.installType = textIn(json, "installType", file);
   if (!set.installType.empty() && set.installType != "Lite" && set.installType != "Full") {
-    throw UsageError(file.string() + ": the installType is neither Lite nor Full");
+    throw UsageError(filled(_("{0}: the installType is neither Lite nor Full"), {file.string()}));
   }
   if (const std::string package = textIn(json, "package", file); !package.empty()) {
     set.package = (set.folder / package).lexically_normal();
     if (!fs::exists(set.package, error)) {
-      throw UsageError(file.string() + ": there is no package " + set.package.string());
+      throw UsageError(filled(_("{0}: there is no package {1}"), {file.string(), set.package.string()}));
     }
   }
 }
@@ -152,13 +156,13 @@ std::optional<Disc> discFromName(const fs::path& path, bool isFolder) {
 InstallerSet openInstallerSet(const fs::path& folder) {
   std::error_code error;
   if (!fs::is_directory(folder, error)) {
-    throw UsageError("no set at " + folder.string() + "; it is a folder with an installer package");
+    throw UsageError(filled(_("no set at {0}; it is a folder with an installer package"), {folder.string()}));
   }
   InstallerSet set;
   set.folder = fs::canonical(folder, error);
   if (error || fs::directory_iterator(set.folder, error) == fs::directory_iterator()) {
-    throw UsageError("nothing can be read in " + folder.string() +
-                     "; a set is a folder with an installer package");
+    throw UsageError(filled(_("nothing can be read in {0}; a set is a folder with an installer package"),
+                            {folder.string()}));
   }
   readRehearsalFile(set);
   if (set.package.empty()) {
@@ -171,8 +175,9 @@ InstallerSet openInstallerSet(const fs::path& folder) {
 std::string dataRootIn(const fs::path& installed) {
   std::error_code error;
   if (!fs::is_directory(installed, error)) {
-    throw UsageError("no folder at " + installed.string() +
-                     "; --installed takes one that holds the data folders as the user has them");
+    throw UsageError(
+        filled(_("no folder at {0}; --installed takes one that holds the data folders as the user has them"),
+               {installed.string()}));
   }
   for (const char* home : {"", "Users/rehearsal"}) {
     const fs::path inHome = installed / home / "Library/Application Support/Tavenhall";

@@ -2,6 +2,7 @@
 
 #include "host/run_options.h"
 #include "host/terminal/introduction.h"
+#include "host/text.h"
 
 #include <cstdint>
 #include <string>
@@ -14,7 +15,7 @@ struct TerminalPage {
   std::string logPath;        // as this process sees it; empty: there is none
   std::string logShown;       // as the user is told of it; empty: not at all
   std::int64_t logStart = 0;  // its size before the engine was started, bytes
-  std::string afterStop = "What was copied so far stays; run the installer again to complete it.";
+  std::string afterStop = _("What was copied so far stays; run the installer again to complete it.");
 };
 
 // That of a run of this machine's own. Before its engine is started.

@@ -1,0 +1,40 @@
+# Completion of tavinstall for bash.
+
+_tavinstall() {
+  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} command= word
+  COMPREPLY=()
+  for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
+    case $word in run | rehearse | check | log) command=$word; break ;; esac
+  done
+
+  local products="Tessaphon Lumaweave Bassoria TemporaQX"
+  case $previous in
+    --product) COMPREPLY=($(compgen -W "$products" -- "$current")); return ;;
+    --install-type) COMPREPLY=($(compgen -W "Lite Full" -- "$current")); return ;;
+    --format) COMPREPLY=($(compgen -W "text json" -- "$current")); return ;;
+    --ui) COMPREPLY=($(compgen -W "json plain quiet terminal" -- "$current")); return ;;
+    --late) return ;;
+    --bundle | --installed | --keep) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
+    --package | --summary | --report) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
+  esac
+
+  local options
+  case $command in
+    run) options="--package --install-type --product --bundle --ui --summary --no-preinstall --trusted --help" ;;
+    rehearse) options="--product --install-type --installed --late --keep --report --ui --help" ;;
+    check) options="--product --install-type --installed --format --help" ;;
+    log) options="--last --format --help" ;;
+    *) options="--help --version" ;;
+  esac
+  if [[ $current == -* ]]; then
+    COMPREPLY=($(compgen -W "$options" -- "$current"))
+    return
+  fi
+  case $command in
+    '') COMPREPLY=($(compgen -W "run rehearse check log" -- "$current")) ;;
+    rehearse | check) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -d -- "$current") ;;
+    log) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$current") ;;
+  esac
+}
+
+complete -F _tavinstall tavinstall

@@ -1,0 +1,129 @@
+#include "host/text.h"
+#include "tests/install/child_program.h"
+#include "tests/support/files.h"
+
+#include <clocale>
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <string>
+
+// The program's words in the languages that there are.
+namespace tavenhall::test {
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+Outcome inLanguage(const std::string& language, std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), kTavinstall);
+  return runThrough(std::move(arguments), {{"LC_ALL", "C.UTF-8"}, {"LANGUAGE", language}});
+}
+
+struct Language {
+  const char* name;
+  const char* usage;  // how the help begins to tell of the arguments
+};
+
+class EveryLanguage : public testing::TestWithParam<Language> {};
+INSTANTIATE_TEST_SUITE_P(Each, EveryLanguage,
+                         testing::Values(Language{"de", "\nAufruf: tavinstall log [OPTION]... [FILE]\n"},
+                                         Language{"es", "\nUso: tavinstall log [OPCIÓN]... [FILE]\n"},
+                                         Language{"fr", "\nUsage : tavinstall log [OPTION]... [FILE]\n"},
+                                         Language{"it", "\nUso: tavinstall log [OPZIONE]... [FILE]\n"},
+                                         Language{"ja", "\n使い方: tavinstall log [オプション]... [FILE]\n"},
+                                         Language{"zh_CN", "\n用法：tavinstall log [选项]... [FILE]\n"}),
+                         [](const auto& tested) { return std::string(tested.param.name); });
+
+TEST_P(EveryLanguage, IsSpokenInTheHelpWhichFitsAScreen) {
+  ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
+  EXPECT_THAT(inLanguage(GetParam().name, {"log", "--help"}).output, HasSubstr(GetParam().usage));
+  for (const char* command : {"run", "rehearse", "check", "log"}) {
+    std::istringstream lines(inLanguage(GetParam().name, {command, "--help"}).output);
+    int count = 0;
+    for (std::string line; std::getline(lines, line); ++count) {
+      EXPECT_LT(columnsOf(line), 80U) << line;
+    }
+    EXPECT_LE(count, 24) << command;
+  }
+}
+
+// Labels of any length, in letters of any width, leave the column where it is.
+TEST_P(EveryLanguage, KeepsTheColumnOfALogsRows) {
+  ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
+  writeFile(kLog, "May 01 2026 10:00:00 studio: \n\n" + std::string(94, '*') +
+                      "\n  Install Data Pane Enter: Version 7.7\n"
+                      "May 01 2026 10:00:01 studio: After resolve 1 /the/folder\n"
+                      "May 01 2026 10:00:02 studio: Installation complete\n");
+  std::istringstream lines(inLanguage(GetParam().name, {"log"}).output);
+  std::string line;
+  while (std::getline(lines, line) && line.find("/the/folder") == std::string::npos) {
+  }
+  EXPECT_EQ(columnsOf(line.substr(0, line.find("/the/folder"))), 19U) << line;
+}
+
+TEST_P(EveryLanguage, IsNotSpokenToPrograms) {
+  writeFile(kLog, "May 01 2026 10:00:00 studio: \n\n" + std::string(94, '*') +
+                      "\n  Install Data Pane Enter: Version 7.7\n");
+  EXPECT_EQ(inLanguage(GetParam().name, {"log", "--format", "json"}).output,
+            inLanguage("en", {"log", "--format", "json"}).output);
+}
+
+TEST(Languages, TheSystemNeedNotHaveTheUsersLocale) {
+  const Outcome outcome = runThrough({kTavinstall, "log"}, {{"LC_ALL", "de_DE.UTF-8"}, {"LANGUAGE", ""}});
+  EXPECT_THAT(outcome.error,
+              StartsWith("tavinstall: es gibt noch kein Protokoll unter /Users/tester/Library/"));
+}
+
+TEST(Languages, WithoutOneOrWithAnUnknownOneItIsEnglish) {
+  const std::string english = "tavinstall: there is no installation log at ";
+  EXPECT_THAT(runThrough({kTavinstall, "log"}, {{"LC_ALL", "C"}, {"LANGUAGE", "de"}}).error,
+              StartsWith(english));
+  EXPECT_THAT(inLanguage("tlh", {"log"}).error, StartsWith(english));
+}
+
+// The page writes the system's error texts into the log, which support reads.
+TEST(Languages, TheLogIsTheSameInEveryLanguage) {
+  writeFile("/tmp/set/Installer.pkg", "");
+  writeFile("/tmp/set/.InstallationAttributes.dat",
+            "Mode = Downloaded\nRelativePath = .\nTotalSizeMillionsBytes = 1\n");
+  writeFile("/tmp/set/TANVO/a.db", "data");
+  makeFolder("/Users/tester/Library/Application Support/Tavenhall/TANVO/a.db");  // in the file's way
+  const std::vector<std::string> run{"run", "--ui", "plain", "--package", "/tmp/set/Installer.pkg"};
+
+  const Outcome english = inLanguage("en", run);
+  const std::vector<std::string> messages = logMessages();
+  std::filesystem::remove(kLog);
+  const Outcome german = inLanguage("de", run);
+
+  EXPECT_EQ(english.status, 1);
+  EXPECT_EQ(german.status, 1);
+  EXPECT_EQ(logMessages(), messages);
+  EXPECT_THAT(english.output, EndsWith("The log is " + std::string(kLog) + ".\n"));
+  EXPECT_THAT(german.output, EndsWith("Das Protokoll ist " + std::string(kLog) + ".\n"));
+}
+
+TEST(Text, ValuesTakeTheirPlacesInAnyOrder) {
+  EXPECT_EQ(filled("{0} and {1}", {"a", "b"}), "a and b");
+  EXPECT_EQ(filled("{1}{0}{1}", {"a", "b"}), "bab");
+  EXPECT_EQ(filled("{{0} {2} {x} {", {"{0}"}), "{0} {2} {x} {");
+  EXPECT_EQ(filled("{0}", {"{0}"}), "{0}");
+}
+
+TEST(Text, CountsOneAndSeveral) {
+  EXPECT_EQ(counted("{0} file of {1}", "{0} files of {1}", 1, {"x"}), "1 file of x");
+  EXPECT_EQ(counted("{0} file of {1}", "{0} files of {1}", 0, {"x"}), "0 files of x");
+}
+
+TEST(Text, IsPaddedByItsColumns) {
+  ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
+  EXPECT_EQ(padded("日本", 6), "日本  ");
+  EXPECT_EQ(padded("e\xCC\x81", 3), "e\xCC\x81  ");
+  EXPECT_EQ(padded("\xFF", 3), "\xFF  ");
+  EXPECT_EQ(padded("longer", 3), "longer ");
+}
+
+}  // namespace
+}  // namespace tavenhall::test
