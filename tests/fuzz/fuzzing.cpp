@@ -55,7 +55,8 @@ std::size_t messageStart(std::string_view log, std::size_t at) {
 }  // namespace
 
 void fail(std::string_view what) {
-  std::fprintf(stderr, "FINDING: %.*s\n", static_cast<int>(what.size()), what.data());
+  // On the descriptor, since the stream may be another just now (stops.cpp).
+  dprintf(STDERR_FILENO, "FINDING: %.*s\n", static_cast<int>(what.size()), what.data());
   __builtin_trap();
 }
 

@@ -67,8 +67,8 @@ struct World {
 
   World() {
     host.onLine = [this](const std::string& line) { sheets += line.find("sheet ") < 7 ? 1 : 0; };
-    host.onAlert = [this](const std::string& /*line*/) {
-      if (++asked % 2 == 0) {
+    host.onAlert = [this](const std::string& line) {
+      if (line.find("Ready for next volume") != std::string::npos && ++asked % 2 == 0) {
         putDiscIn();
       }
     };
