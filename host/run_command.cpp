@@ -57,15 +57,15 @@ std::string whatOthersDecide(const RunOptions& options) {
 
 // A program that speaks the lines itself judges for itself, so it is only told.
 void refuseWhatOthersDecide(const RunOptions& options) {
-  const std::string line = whatOthersDecide(options);
+  std::string line = whatOthersDecide(options);
   if (line.empty()) {
     return;
   }
-  const UsageError error(line + "; --trusted installs all the same");
+  line += "; --trusted installs all the same";
   if (options.face != Face::json) {
-    throw error;
+    throw UsageError(line);
   }
-  showError(error);
+  showError(UsageError(line));
 }
 
 RunOptions optionsFrom(const RunArguments& arguments) {
