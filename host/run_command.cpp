@@ -47,15 +47,15 @@ std::string whatOthersDecide(const RunOptions& options) {
 
 // A program that speaks the lines itself judges for itself, so it is only told.
 void refuseWhatOthersDecide(const RunOptions& options) {
-  const std::string line = whatOthersDecide(options);
+  std::string line = whatOthersDecide(options);
   if (line.empty()) {
     return;
   }
-  const UsageError error(filled(_("{0}; --trusted installs all the same"), {line}));
+  line = filled(_("{0}; --trusted installs all the same"), {line});
   if (options.face != Face::json) {
-    throw error;
+    throw UsageError(line);
   }
-  showError(error);
+  showError(UsageError(line));
 }
 
 RunOptions optionsFrom(const RunArguments& arguments) {

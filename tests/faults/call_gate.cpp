@@ -13,6 +13,8 @@
 #include <fcntl.h>
 #include <linux/sched.h>
 #include <linux/seccomp.h>
+#include <map>
+#include <optional>
 #include <poll.h>
 #include <set>
 #include <sys/ioctl.h>
@@ -121,12 +123,12 @@ class Gate {
   }
 
   void killAll() const {
-    for (const pid_t process : processes_) {
-      kill(process, SIGKILL);
+    for (const pid_t process : atWork_) {
+      if (programOf(process) == program_) {
+        kill(process, SIGKILL);
+      }
     }
   }
-
-  void saw(pid_t process) { processes_.insert(process); }
 
  private:
   struct Sleeper {
@@ -145,8 +147,7 @@ class Gate {
       return;
     }
     const auto call = callOf(question);
-    if (!call || ioctl(listener_, SECCOMP_IOCTL_NOTIF_ID_VALID, &question.id) != 0 ||
-        programOf(asker) != program_) {
+    if (!call || ioctl(listener_, SECCOMP_IOCTL_NOTIF_ID_VALID, &question.id) != 0) {
       letThrough(question.id);
       return;
     }
@@ -194,6 +195,9 @@ class Gate {
       if ((flags & CLONE_THREAD) == 0 && (flags & CLONE_VFORK) == 0) {
         return std::nullopt;  // a copy of the program, as a face makes one for the engine
       }
+      if (!atWork_.contains(processOf(asker))) {
+        return std::nullopt;  // still starting, where a sanitizer has threads of its own
+      }
       return FileCall{(flags & CLONE_THREAD) != 0 ? CallKind::startThread : CallKind::startCommand, "", asker};
     }
     const auto calls = gatedCalls();
@@ -209,9 +213,10 @@ class Gate {
           call->folderArgument < 0 ? AT_FDCWD : static_cast<int>(arguments[call->folderArgument]);
       path = pathBelow(asker, folder, readText(asker, arguments[call->pathArgument]));
     }
-    if (!isWatched(path)) {
+    if (!isWatched(path) || programOf(asker) != program_) {
       return std::nullopt;
     }
+    atWork_.insert(processOf(asker));
     return FileCall{call->kind, path, asker};
   }
 
@@ -259,16 +264,19 @@ class Gate {
   }
 
   pid_t processOf(pid_t thread) {
-    const pid_t process = processOfThread(thread);
-    saw(process);
-    return process;
+    const auto known = processes_.find(thread);
+    if (known != processes_.end()) {
+      return known->second;
+    }
+    return processes_[thread] = processOfThread(thread);
   }
 
   int listener_;
   const std::string& program_;
   const Judge& judge_;
   std::vector<Sleeper> sleepers_;
-  std::set<pid_t> processes_;
+  std::map<pid_t, pid_t> processes_;  // of each thread
+  std::set<pid_t> atWork_;            // the program's processes that have touched a file
 };
 
 // Grandchildren that are left over come to this process, so that each number stays theirs until it is waited
@@ -325,10 +333,10 @@ GatedRun runGated(const std::vector<std::string>& commandLine, std::string_view 
 
   GatedRun run;
   Gate gate(listener, commandLine.front(), judge);
-  gate.saw(child);
   run.isHung = !gate.serve(Clock::now() + limit);
   if (run.isHung) {
     gate.killAll();
+    kill(child, SIGKILL);
   }
   int status = 0;
   waitpid(child, &status, 0);

@@ -67,6 +67,6 @@ struct GatedRun {
 // Runs it to the end of all of its processes, in the root folder, with a umask of 022, and `input` as its
 // standard input. One run at a time in a process. Throws std::system_error where the system cannot do this.
 [[nodiscard]] GatedRun runGated(const std::vector<std::string>& commandLine, std::string_view input,
-                                const Judge& judge, std::chrono::seconds limit = std::chrono::seconds(60));
+                                const Judge& judge, std::chrono::seconds limit = std::chrono::seconds(180));
 
 }  // namespace tavenhall::test

@@ -51,17 +51,26 @@ TEST(SudoMkdir, ABlankMakesTwoNamesOfOneAndTheFilesAreNamedAsMissing) {
   EXPECT_TRUE(isNamedInLog("/Volumes/Data/TANVO/two words/a.db"));
 }
 
-class ReadByTheShell : public testing::TestWithParam<const char*> {};
+struct Trick {
+  const char* what;
+  const char* name;
+};
+
+class ReadByTheShell : public testing::TestWithParam<Trick> {};
 
 TEST_P(ReadByTheShell, ANameInAnUnquotedCommandIsCarriedOut) {
-  EXPECT_EQ(installFolderThatNeedsSudo(GetParam()).status, 1);
+  EXPECT_EQ(installFolderThatNeedsSudo(GetParam().name).status, 1);
   EXPECT_TRUE(exists("/owned"));
 }
 
 // The working folder is the root, which is the test's own.
 INSTANTIATE_TEST_SUITE_P(SudoMkdir, ReadByTheShell,
-                         testing::Values("$(touch owned)", "`touch owned`", "x; touch owned; #",
-                                         "x\ntouch owned", "x && touch owned", "x | touch owned", "x > owned"));
+                         testing::Values(Trick{"Substitution", "$(touch owned)"},
+                                         Trick{"Backquotes", "`touch owned`"},
+                                         Trick{"Semicolons", "x; touch owned; #"},
+                                         Trick{"LineBreak", "x\ntouch owned"}, Trick{"And", "x && touch owned"},
+                                         Trick{"Pipe", "x | touch owned"}, Trick{"Redirection", "x > owned"}),
+                         [](const auto& instance) { return instance.param.what; });
 
 TEST(SudoMkdir, AQuoteWithoutItsPairLeavesTheCommandUndone) {
   EXPECT_EQ(installFolderThatNeedsSudo("it's").status, 1);

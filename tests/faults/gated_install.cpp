@@ -21,7 +21,7 @@ GatedRun install(const std::vector<std::string>& arguments, const Judge& judge) 
   for (int i = 0; i < kMostAnswers; ++i) {
     answers += "1\n";
   }
-  GatedRun run = runGated(line, answers, judge, std::chrono::seconds(180));
+  GatedRun run = runGated(line, answers, judge);
   EXPECT_FALSE(run.isHung) << run.output << run.error;
   EXPECT_EQ(run.error.find("Sanitizer"), std::string::npos) << run.error;
   EXPECT_EQ(run.error.find("runtime error:"), std::string::npos) << run.error;

@@ -21,25 +21,33 @@ bool isSourceFolder(const SweepScenario& scenario, const std::string& path) {
 
 }  // namespace
 
-const char* requiredSilence(const SweepScenario& scenario, const FileCall& call) {
+bool covers(const Silence& silence, std::string_view source) {
+  return silence.scope.empty() || isBelow(source, silence.scope) || source.ends_with(silence.scope);
+}
+
+std::optional<Silence> requiredSilence(const SweepScenario& scenario, const FileCall& call) {
   const std::string path = std::filesystem::path(call.path).lexically_normal();
   if (path.ends_with("/.InstallationAttributes.dat") || path == "/tmp/TavInstallLoc" ||
       path == "/tmp/TavInstallType") {
-    return "what cannot be read in the attributes file, or in one of the files in /tmp, is taken for missing";
+    return Silence{
+        "what cannot be read in the attributes file, or in one of the files in /tmp, is taken for missing", ""};
   }
   if (call.kind == CallKind::startCommand) {
-    return "the result of the command that copies a signature is not looked at";
+    return Silence{"the result of the command that copies a signature is not looked at", "/codesign.dsig"};
   }
   if (path.ends_with("/Glassophone.db")) {
-    return "an edition whose marker cannot be looked at is taken for Lite";
+    return Silence{"an edition whose marker cannot be looked at is taken for Lite", ""};
   }
-  const bool isListing =
-      call.kind == CallKind::open || call.kind == CallKind::list || call.kind == CallKind::stat;
-  if (isListing && isSourceFolder(scenario, path)) {
-    return call.kind == CallKind::stat ? "a folder of an update that cannot be looked at is taken for missing"
-                                       : "a folder of the source that cannot be listed counts as copied";
+  if (!isSourceFolder(scenario, path)) {
+    return std::nullopt;
   }
-  return nullptr;
+  if (call.kind == CallKind::open || call.kind == CallKind::list) {
+    return Silence{"a folder of the source that cannot be listed counts as copied", path};
+  }
+  if (call.kind == CallKind::stat) {
+    return Silence{"a folder of the source that cannot be looked at is taken for missing", path};
+  }
+  return std::nullopt;
 }
 
 }  // namespace tavenhall::test

@@ -77,13 +77,13 @@ std::vector<std::string> linesOf(const std::string& text) {
 }
 
 // The log's lines of failures name a file by its destination, and a folder that has none by its source.
-bool isNamed(const InstalledFile& file, const std::vector<std::string>& log, const std::string& linked) {
+bool isNamed(const InstalledFile& file, const std::vector<std::string>& log) {
   return std::ranges::any_of(log, [&](const std::string& line) {
     const auto has = [&line](const std::string& text) { return line.find(text) != std::string::npos; };
     const bool isOfFile =
         has("Source error ") || has("Target error ") || has("File copy failure: sizes differ: ");
     if (isOfFile) {
-      return has(file.destination) || has(linked);
+      return has(file.destination);
     }
     constexpr std::string_view kWithout = "no destination for ";
     const std::size_t without = line.find(kWithout);
@@ -151,8 +151,16 @@ struct Hits {
   int count = 0;
   std::string firstPath;
   bool onLog = false;
-  const char* silence = nullptr;
+  std::vector<Silence> silences;
 };
+
+// Sheets that tell of one file each.
+std::size_t sheetsOfFiles(const GatedRun& run) {
+  const std::vector<std::string> lines = linesOf(run.output);
+  return static_cast<std::size_t>(std::ranges::count_if(lines, [](const std::string& line) {
+    return line.starts_with("! Failed to ") || line.starts_with("! Cannot install plugin.");
+  }));
+}
 
 CaseResult judgeRun(const SweepScenario& scenario, const GatedRun& run, const Hits& hits,
                     const std::vector<InstalledFile>& files) {
@@ -168,31 +176,32 @@ CaseResult judgeRun(const SweepScenario& scenario, const GatedRun& run, const Hi
     return {run.status == 0 ? Ending::whole : Ending::falseAlarm, ""};
   }
   const std::vector<std::string> log = linesOf(exists(kLog) ? contentsOf(kLog) : "");
-  const auto unnamed = std::ranges::find_if(wrong, [&log](const InstalledFile* file) {
-    const std::string linked =
-        std::string("/Tavenhall/TANVO/") + fs::path(file->destination).filename().native();
-    return !isNamed(*file, log, linked);
-  });
   if (run.status != 0) {
-    if (unnamed == wrong.end()) {
+    if (std::ranges::all_of(wrong, [&](const InstalledFile* file) { return isNamed(*file, log); })) {
       return {Ending::named, ""};
     }
     if (wasGivenUp(run, log)) {
       return {Ending::stopped, ""};
     }
-    if (hits.onLog) {
+    if (hits.onLog && sheetsOfFiles(run) >= wrong.size()) {
       return {Ending::sheetsOnly, ""};
     }
   }
-  if (hits.silence != nullptr) {
-    if (!hits.onLog && !rehearsalFindsIt(scenario)) {
-      return {Ending::lost, std::string("a rehearsal finds nothing, though ") + hits.silence};
+  for (const InstalledFile* file : wrong) {
+    const auto isAbout = [file](const Silence& silence) { return covers(silence, file->source); };
+    const bool isTold = isNamed(*file, log) || (hits.onLog && sheetsOfFiles(run) > 0);
+    if (!isTold && std::ranges::none_of(hits.silences, isAbout)) {
+      return {Ending::lost, "status " + std::to_string(run.status) + ", and nothing tells of " +
+                                file->destination + "\n" + run.output};
     }
-    return {Ending::silent, hits.silence};
   }
-  return {Ending::lost, "status " + std::to_string(run.status) + ", and nothing tells of " +
-                            (unnamed != wrong.end() ? *unnamed : wrong.front())->destination + "\n" +
-                            run.output};
+  if (hits.silences.empty()) {
+    return {Ending::lost, "fewer sheets than files that are wrong\n" + run.output};
+  }
+  if (!hits.onLog && !rehearsalFindsIt(scenario)) {
+    return {Ending::lost, std::string("a rehearsal finds nothing, though ") + hits.silences.front().why};
+  }
+  return {Ending::silent, hits.silences.front().why};
 }
 
 // The engine is gone, and its face says so; or the face itself, before it had started the engine.
@@ -305,8 +314,8 @@ CaseResult runCase(const SweepScenario& scenario, const Fault& fault,
       hits.firstPath = call.path;
     }
     hits.onLog = hits.onLog || call.path.starts_with("/Users/tester/Library/Caches");
-    if (hits.silence == nullptr) {
-      hits.silence = requiredSilence(scenario, call);
+    if (auto silence = requiredSilence(scenario, call)) {
+      hits.silences.push_back(std::move(*silence));
     }
     return fault.verdict;
   });
@@ -332,7 +341,7 @@ CaseResult runCase(const SweepScenario& scenario, const Fault& fault,
     return {Ending::lost, "after a second run there is no " + missing};
   }
   // What was taken for missing may have sent files or folders to another place, where they stay.
-  const bool mayHaveStrayed = hits.silence != nullptr && fault.verdict.kind != Verdict::Kind::kill;
+  const bool mayHaveStrayed = !hits.silences.empty() && fault.verdict.kind != Verdict::Kind::kill;
   if (const std::string extra = firstOf(tree, undisturbedTree); !extra.empty() && !mayHaveStrayed) {
     return {Ending::lost, "after a second run there is also " + extra};
   }
