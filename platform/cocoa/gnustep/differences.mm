@@ -12,11 +12,8 @@ void showWithMnemonic(NSTextField* field, NSString* text) {
 
 // Only while the run loop is in its usual mode: while a sheet or an alert is up, the next sheet waits.
 void beginWithoutWaiting(id sheet, SEL begin) {
-  [[NSRunLoop mainRunLoop] performSelector:begin
-                                    target:sheet
-                                  argument:nil
-                                     order:0
-                                     modes:[NSArray arrayWithObject:NSDefaultRunLoopMode]];
+  NSArray* modes = [NSArray arrayWithObject:NSDefaultRunLoopMode];
+  [sheet performSelector:begin withObject:nil afterDelay:0 inModes:modes];
 }
 
 }  // namespace tavenhall

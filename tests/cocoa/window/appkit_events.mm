@@ -46,10 +46,10 @@ using BeginSheet = void (*)(NSString*, NSString*, NSString*, NSString*, NSWindow
                             NSString*, ...);
 
 // Exported, for the bundle to find it before AppKit's.
-__attribute__((visibility("default"))) void NSBeginInformationalAlertSheet(NSString* title, NSString* defaultButton, NSString* alternateButton,
-                                    NSString* otherButton, NSWindow* docWindow, id modalDelegate,
-                                    SEL willEndSelector, SEL didEndSelector, void* contextInfo,
-                                    NSString* message, ...) {
+__attribute__((visibility("default"))) void NSBeginInformationalAlertSheet(
+    NSString* title, NSString* defaultButton, NSString* alternateButton, NSString* otherButton,
+    NSWindow* docWindow, id modalDelegate, SEL willEndSelector, SEL didEndSelector, void* contextInfo,
+    NSString* message, ...) {
   static const auto begin = reinterpret_cast<BeginSheet>(dlsym(RTLD_NEXT, "NSBeginInformationalAlertSheet"));
   va_list none;
   va_start(none, message);

@@ -7,7 +7,9 @@
 #import "platform/cocoa/gnustep/installer_plugins.h"
 
 // The installer around the page, in a window: does what the lines of standard input say and tells what happens,
-// as `tavinstall run --ui json` does. Alerts are answered by a click on their button. Main thread.
+// as `tavinstall run --ui json` does. Alerts and
+// sheets are answered by a click on their button; while a sheet is up, commands are done all the same. Main
+// thread.
 @interface PlayedInstaller : NSObject <SectionInstaller, AlertWatcher> {
  @private
   tavenhall::CommandSource* commands_;

@@ -38,6 +38,20 @@ NSButton* buttonWithTitle(NSView* view, NSString* title) {
   return nil;
 }
 
+// A sheet's loop looks whether it has been ended when an event comes.
+void wakeEventLoop() {
+  [NSApp postEvent:[NSEvent otherEventWithType:NSApplicationDefined
+                                      location:NSZeroPoint
+                                 modifierFlags:0
+                                     timestamp:0
+                                  windowNumber:0
+                                       context:nil
+                                       subtype:0
+                                         data1:0
+                                         data2:0]
+           atStart:NO];
+}
+
 }  // namespace
 
 @interface NSThread (CountedInstalls)
@@ -109,7 +123,12 @@ NSButton* buttonWithTitle(NSView* view, NSString* title) {
 
 - (void)readInput {
   commands_->read();
-  [self serve];
+  [self serveSoon];
+}
+
+// From the run loop, with nothing that waits for it: a click may run the loop itself, and then more may happen.
+- (void)serveSoon {
+  [self performSelector:@selector(serve) withObject:nil afterDelay:0 inModes:everyMode()];
 }
 
 - (void)end {
@@ -120,8 +139,10 @@ NSButton* buttonWithTitle(NSView* view, NSString* title) {
 // ---- Commands ----
 
 - (void)serve {
-  if (alert_ != nil) {
+  if (alert_ != nil || [NSApp modalWindow] != nil) {
     [self answer];
+  }
+  if (alert_ != nil) {
     return;
   }
   while (auto command = commands_->next()) {
@@ -178,15 +199,12 @@ NSButton* buttonWithTitle(NSView* view, NSString* title) {
   return isAllowed;
 }
 
-// ---- Alerts ----
+// ---- Alerts and sheets ----
 
 // An answer may have come before its alert; it is looked for once the alert's run loop runs.
 - (void)alertIsUp:(NSAlert*)alert {
   alert_ = alert;
-  [self performSelector:@selector(serve)
-             withObject:nil
-             afterDelay:0
-                inModes:[NSArray arrayWithObject:NSModalPanelRunLoopMode]];
+  [self serveSoon];
 }
 
 - (void)alertIsGone:(NSAlert*)alert {
@@ -196,14 +214,17 @@ NSButton* buttonWithTitle(NSView* view, NSString* title) {
 - (void)answer {
   const auto answer = commands_->takeAnswer();
   if (!answer) {
-    if (commands_->isClosed()) {
+    if (alert_ != nil && commands_->isClosed()) {
       NSLog(@"an alert waits for an answer, and none can come");
       _exit(3);
     }
     return;
   }
-  NSButton* button = [[alert_ buttons] objectAtIndex:*answer - NSAlertFirstButtonReturn];
-  [buttonWithTitle([[NSApp modalWindow] contentView], [button title]) performClick:nil];
+  // A sheet, which holds GNUstep's run loop as an alert does, has one button.
+  NSString* title =
+      alert_ == nil ? @"OK" : [[[alert_ buttons] objectAtIndex:*answer - NSAlertFirstButtonReturn] title];
+  [buttonWithTitle([[NSApp modalWindow] contentView], title) performClick:nil];
+  wakeEventLoop();
 }
 
 @end

@@ -1,0 +1,138 @@
+#include "host/desktop/desktop_run.h"
+
+#include "tests/support/files.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+// What the installer's window has to say, without a window.
+namespace tavenhall::test {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+constexpr const char* kPackageArgument = "--package=/Users/tester/Downloads/Set/Installer.pkg";
+constexpr const char* kCentral = "/Users/tester/Library/Application Support/Tavenhall/TANVO";
+
+std::optional<ExitStatus> readArguments(DesktopRun& run, std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), "tavinstall-desktop");
+  std::vector<char*> pointers;
+  for (std::string& argument : arguments) {
+    pointers.push_back(argument.data());
+  }
+  return run.read(static_cast<int>(pointers.size()), pointers.data());
+}
+
+std::vector<std::string> textOf(const DesktopText& text) {
+  std::vector<std::string> lines;
+  for (const Line& line : text.lines) {
+    lines.emplace_back();
+    for (const Span& span : line) {
+      lines.back() += span.text;
+    }
+  }
+  return lines;
+}
+
+class DesktopRuns : public testing::Test {
+ protected:
+  void SetUp() override {
+    setAttributes(
+        "Mode = InstallFromVolumes\n"
+        "NumberOfVolumes = 2\n"
+        "TotalSizeMillionsBytes = 100\n");
+    writeFile(std::string(kSet) + "/Installer.pkg", "");
+    makeFolder(kCentral);
+    std::filesystem::remove("/tmp/TavInstallLoc");
+    // A test program lies where the bundles are looked for, so the usual one is found.
+    ASSERT_EQ(
+        readArguments(run_, {kPackageArgument, "--bundle=" TAVINSTALL_BINARY_DIR "/InstallDataPane.bundle"}),
+        std::nullopt);
+  }
+
+  DesktopRun run_;
+};
+
+TEST_F(DesktopRuns, TheIntroductionSaysWhatWillBeInstalledFromWhereAndToWhere) {
+  EXPECT_EQ(run_.productName(), "Tessaphon");
+  EXPECT_EQ(run_.introduction().heading.text, "Welcome to the Tessaphon installer");
+  const std::vector<std::string> lines = textOf(run_.introduction());
+  EXPECT_EQ(lines.front(), "This installs the sample data of Tessaphon.");
+  EXPECT_THAT(lines, Contains("From    Disc Tavenhall Tessaphon A"));
+  EXPECT_THAT(lines, Contains("        Disc Tessaphon B"));
+  EXPECT_THAT(lines, Contains("To      " + std::string(kCentral)));
+  EXPECT_THAT(lines, Contains("Size    100.0 MB"));
+  EXPECT_FALSE(exists("/tmp/TavInstallLoc"));
+}
+
+TEST_F(DesktopRuns, WhatIsNotAnArgumentIsTakenFromTheEnvironment) {
+  setenv("TAVINSTALL_PACKAGE", "/Users/tester/Downloads/Set/Installer.pkg", 1);
+  setenv("TAVINSTALL_PRODUCT", "Lumaweave", 1);
+  DesktopRun run;
+  ASSERT_EQ(readArguments(run, {}), std::nullopt);
+  EXPECT_EQ(run.productName(), "Lumaweave");
+}
+
+TEST_F(DesktopRuns, APackageThatIsNotThereCannotBeUsed) {
+  DesktopRun run;
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(readArguments(run, {"--package=/Users/tester/none.pkg"}), ExitStatus::badUsage);
+  EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("no package at /Users/tester/none.pkg"));
+}
+
+TEST_F(DesktopRuns, ThereAreNoPositionalArguments) {
+  DesktopRun run;
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(readArguments(run, {kPackageArgument, "/Users/tester/x"}), ExitStatus::badUsage);
+  EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("/Users/tester/x"));
+}
+
+TEST_F(DesktopRuns, PreparingDoesThePreInstallStepAndKeepsASecondInstallOut) {
+  EXPECT_EQ(run_.prepare(), "");
+  EXPECT_EQ(readFile("/tmp/TavInstallLoc"), "/Users/tester/Downloads/Set/Installer.pkg\n");
+
+  DesktopRun second;
+  ASSERT_EQ(readArguments(second, {kPackageArgument}), std::nullopt);
+  EXPECT_NE(second.prepare(), "");
+}
+
+TEST_F(DesktopRuns, TheSummarySaysWhatTheBarCounted) {
+  run_.begin();
+  run_.lookAtBar(0.0, 97656.25, 0.0);
+  run_.lookAtBar(0.0, 97656.25, 50000.0);
+  run_.lookAtBar(0.0, 1.0, 1.0);  // how the page closes its bar
+  run_.end();
+  EXPECT_EQ(run_.summary().heading.text, "The installation was successful.");
+  EXPECT_THAT(textOf(run_.summary()),
+              ElementsAre(StartsWith("Installed  51.2 MB in "), "In         " + std::string(kCentral),
+                          "Log        /Users/tester/Library/Caches/Tavenhall/installationLog.txt"));
+  EXPECT_EQ(run_.exitStatus(), ExitStatus::success);
+}
+
+TEST_F(DesktopRuns, ABarThatIsFullDoesNotTellHowMuchCame) {
+  run_.begin();
+  run_.lookAtBar(0.0, 97656.25, 97656.25);
+  run_.end();
+  EXPECT_THAT(textOf(run_.summary()).front(), StartsWith("Installed  in "));
+}
+
+TEST_F(DesktopRuns, AFailureInTheLogIsToldAndMakesTheExitStatus) {
+  run_.begin();
+  writeFile(kLog,
+            "May 01 2026 10:00:00 studio: \n\n" + std::string(94, '*') +
+                "\n  Install Data Pane Enter: Version 7.7\n"
+                "May 01 2026 10:00:00 studio: Source error /Volumes/A/TANVO/1.db /Users/tester/TANVO/1.db\n\n");
+  run_.end();
+  EXPECT_EQ(run_.summary().heading.style, Style::bad);
+  EXPECT_THAT(textOf(run_.summary()), Contains(HasSubstr("1.db")));
+  EXPECT_EQ(run_.exitStatus(), ExitStatus::failure);
+}
+
+}  // namespace
+}  // namespace tavenhall::test

@@ -1,0 +1,91 @@
+#include "platform/cocoa/pane_host.h"
+
+#import <AppKit/AppKit.h>
+#include <array>
+#include <atomic>
+#include <cstdio>
+#include <thread>
+
+// Two threads of a page at once: one hands an alert over and waits for its answer; the other, once the alert is
+// up, hands over the click on its second button. Writes what happens, a line for each thing.
+namespace {
+
+using tavenhall::PaneHost;
+
+struct Shared {
+  PaneHost& host;
+  std::atomic<bool> alertIsUp = false;
+};
+
+NSButton* buttonWithTitle(NSView* view, NSString* title) {
+  if ([view isKindOfClass:[NSButton class]] && [[(NSButton*)view title] isEqualToString:title]) {
+    return (NSButton*)view;
+  }
+  for (NSView* subview in [view subviews]) {
+    if (NSButton* found = buttonWithTitle(subview, title)) {
+      return found;
+    }
+  }
+  return nil;
+}
+
+void say(const char* line) {
+  std::printf("%s\n", line);
+  std::fflush(stdout);
+}
+
+void showAlert(Shared& shared) {
+  int answer = 0;
+  auto work = [&] {
+    say("the alert begins");
+    constexpr std::array<const char*, 2> kButtons = {"OK", "Skip"};
+    shared.alertIsUp = true;
+    shared.alertIsUp.notify_all();
+    answer = shared.host.runModal({"Ready for next volume", "Insert the disc.", kButtons, 1});
+  };
+  shared.host.dispatchSync([](void* it) { (*static_cast<decltype(work)*>(it))(); }, &work);
+  std::printf("the alert was answered: %d\n", answer);
+  std::fflush(stdout);
+}
+
+// True once the alert's window was there to click on.
+bool clickSkip(Shared& shared) {
+  bool hasClicked = false;
+  auto work = [&] {
+    NSButton* skip = buttonWithTitle([[NSApp modalWindow] contentView], @"Skip");
+    if (skip != nil) {
+      say("the second hand-off is served while the alert is up");
+      [skip performClick:nil];
+      hasClicked = true;
+    }
+  };
+  shared.host.dispatchSync([](void* it) { (*static_cast<decltype(work)*>(it))(); }, &work);
+  return hasClicked;
+}
+
+}  // namespace
+
+int main() {
+  @autoreleasepool {
+    [NSApplication sharedApplication];
+    InstallDataPane* const noPane = nil;
+    NSTextField* const noText = nil;
+    NSProgressIndicator* const noBar = nil;
+    PaneHost host(noPane, {noText, noText, noBar});
+    Shared shared{host};
+    std::thread second([&] {
+      shared.alertIsUp.wait(false);
+      while (!clickSkip(shared)) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+      }
+    });
+    std::thread first([&] {
+      showAlert(shared);
+      second.join();
+      say("both threads have ended");
+      std::_Exit(0);
+    });
+    [NSApp run];
+  }
+  return 1;
+}
