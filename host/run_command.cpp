@@ -119,10 +119,6 @@ void addRunCommand(CommandLine& commandLine) {
                 _("Use the files that a package's pre-install step has left in /tmp"));
   run->add_flag("--trusted", arguments->isTrusted,
                 _("Install although other users can change what the page goes by"));
-  run->footer(
-      _("Ctrl-C and SIGTERM stop an install; what was copied stays, and the next run copies it anew.
-"
-        "When its terminal goes away, an install goes on to its end, or to its next question."));
   run->callback(
       [&commandLine, arguments] { commandLine.chosen = [arguments] { return tavenhall::run(*arguments); }; });
 }
