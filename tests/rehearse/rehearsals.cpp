@@ -1,11 +1,9 @@
 #include "tests/rehearse/rehearsals.h"
 
 #include "tests/support/private_root.h"
-#include "tests/terminal/tmux_terminal.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -13,7 +11,6 @@
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
-#include <thread>
 #include <unistd.h>
 
 namespace tavenhall::test {
@@ -66,17 +63,6 @@ std::vector<std::string> fatesReported() {
   }
   std::sort(fates.begin(), fates.end());
   return fates;
-}
-
-bool comesTrue(const std::function<bool()>& question) {
-  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-  while (!question()) {
-    if (std::chrono::steady_clock::now() > end) {
-      return false;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  }
-  return true;
 }
 
 std::vector<pid_t> descendantsOf(pid_t process) {

@@ -2,8 +2,8 @@
 
 #include "tests/check/sets.h"
 #include "tests/install/child_program.h"
+#include "tests/terminal/tmux_terminal.h"
 
-#include <functional>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <sys/types.h>
@@ -30,9 +30,6 @@ inline constexpr const char* kReport = "/tmp/report.json";
 
 // "<path> <fate>" for each file of the report, sorted; the path is the source's below its data folder.
 [[nodiscard]] std::vector<std::string> fatesReported();
-
-// Asks until the answer is yes, for half a minute at most; whether it ever was.
-[[nodiscard]] bool comesTrue(const std::function<bool()>& question);
 
 // The processes below a process, and below those.
 [[nodiscard]] std::vector<pid_t> descendantsOf(pid_t process);
