@@ -16,8 +16,8 @@ namespace tavenhall {
 
 // What was copied from one volume of a pass, or into one of the system's folders.
 struct CopiedVolume {
-  int number = 0;      // of the volume, from 0
-  std::string folder;  // as the page saw it; empty: nothing was copied
+  std::int64_t number = 0;  // of the volume, from 0
+  std::string folder;       // as the page saw it; empty: nothing was copied
   std::optional<double> seconds;
   std::int64_t bytes = 0;
   std::size_t files = 0;
