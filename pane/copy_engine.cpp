@@ -122,7 +122,7 @@ std::int32_t InstallDataPane::copyFile(const char* source, const char* dest) noe
 
 std::int32_t InstallDataPane::copyBytes(const char* source, const char* dest) noexcept {
   std::FILE* in = openCopySource(source);
-  std::FILE* out = openCopyDestination(dest);
+  std::FILE* out = openCopyDestination(dest, in);
   const int outError = errno;
 
   if (in == nullptr) {

@@ -30,6 +30,23 @@ std::FILE* streamOn(int descriptor, const char* mode, std::array<char, kStreamBu
   return stream;
 }
 
+bool isSameFile(const struct stat& one, const struct stat& other) {
+  return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+// Empties the file, unless it is the source: the same bytes are then written over themselves.
+bool emptyUnlessSource(int descriptor, std::FILE* source) {
+  struct stat found {};
+  if (fstat(descriptor, &found) == 0) {
+    struct stat read {};
+    if (found.st_size == 0 ||
+        (source != nullptr && fstat(fileno(source), &read) == 0 && isSameFile(found, read))) {
+      return true;
+    }
+  }
+  return ftruncate(descriptor, 0) == 0;
+}
+
 }  // namespace
 
 std::FILE* openCopySource(const char* path) noexcept {
@@ -48,9 +65,19 @@ std::FILE* openCopySource(const char* path) noexcept {
   return streamOn(descriptor, "rb", sourceBuffer);
 }
 
-std::FILE* openCopyDestination(const char* path) noexcept {
-  const int descriptor = open(path, O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK | O_CLOEXEC, kFileMode);
-  return descriptor < 0 ? nullptr : streamOn(descriptor, "w", destinationBuffer);
+std::FILE* openCopyDestination(const char* path, std::FILE* source) noexcept {
+  // Without O_TRUNC, which would empty the source where the user's folder leads back to it.
+  const int descriptor = open(path, O_WRONLY | O_CREAT | O_NONBLOCK | O_CLOEXEC, kFileMode);
+  if (descriptor < 0) {
+    return nullptr;
+  }
+  if (!emptyUnlessSource(descriptor, source)) {
+    const int error = errno;
+    close(descriptor);
+    errno = error;
+    return nullptr;
+  }
+  return streamOn(descriptor, "w", destinationBuffer);
 }
 
 }  // namespace tavenhall

@@ -11,7 +11,8 @@ namespace tavenhall {
 // which could keep the copy waiting for ever. A folder opens, and gives nothing to read.
 [[nodiscard]] std::FILE* openCopySource(const char* path) noexcept;
 
-// Opens a file for writing, created or emptied. Null, with errno set, when it cannot be opened.
-[[nodiscard]] std::FILE* openCopyDestination(const char* path) noexcept;
+// Opens a file for writing, created or emptied. One that is the source, reached by another way, keeps its
+// bytes; `source` may be null. Null, with errno set, when it cannot be opened.
+[[nodiscard]] std::FILE* openCopyDestination(const char* path, std::FILE* source) noexcept;
 
 }  // namespace tavenhall

@@ -37,6 +37,41 @@ long long sizeOf(const std::string& path) {
   return found.st_size;
 }
 
+// ---- A destination that is the source ----
+
+// The user's data folder may be a link to where the data lies already.
+TEST_F(CopyEngine, AFolderThatIsReachedFromBothSidesKeepsItsFiles) {
+  const std::string bytes = someBytes(300000);
+  writeFile("/tmp/from/TANVO/one.dat", bytes);
+  std::filesystem::create_directory_symlink("/tmp/from/TANVO", "/tmp/to");
+  Page page;
+  EXPECT_EQ(page.copyFolder("/tmp/from/TANVO", "/tmp/to"), 1);
+  EXPECT_TRUE(readFile("/tmp/from/TANVO/one.dat") == bytes);
+  EXPECT_EQ(page.pane.kBytesCopied, 292);
+  EXPECT_THAT(logMessages(), ElementsAre("Copying folder /tmp/from/TANVO /tmp/to\n"));
+}
+
+TEST_F(CopyEngine, ALinkThatLeadsBackToTheSourceKeepsItsBytes) {
+  writeFile("/tmp/from/one.dat", "one");
+  makeFolder("/tmp/to");
+  std::filesystem::create_symlink("/tmp/from/one.dat", "/tmp/to/symbolic.dat");
+  std::filesystem::create_hard_link("/tmp/from/one.dat", "/tmp/to/hard.dat");
+  Page page;
+  EXPECT_EQ(page.copyFile("/tmp/from/one.dat", "/tmp/to/symbolic.dat"), 1);
+  EXPECT_EQ(page.copyFile("/tmp/from/one.dat", "/tmp/to/hard.dat"), 1);
+  EXPECT_EQ(readFile("/tmp/from/one.dat"), "one");
+}
+
+TEST_F(CopyEngine, AnotherFileIsEmptiedEvenWhereTheSourceIsMissing) {
+  writeFile("/tmp/to", "a longer one");
+  writeFile("/tmp/from", "one");
+  Page page;
+  EXPECT_EQ(page.copyFile("/tmp/from", "/tmp/to"), 1);
+  EXPECT_EQ(readFile("/tmp/to"), "one");
+  EXPECT_EQ(page.copyFile("/tmp/nowhere", "/tmp/to"), 0);
+  EXPECT_EQ(readFile("/tmp/to"), "");
+}
+
 // ---- The attributes file ----
 
 TEST_F(CopyEngine, TheAttributesFileMetAsAFileIsSkippedWithALine) {
