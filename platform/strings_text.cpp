@@ -30,8 +30,8 @@ std::string utf8OfUtf16(std::string_view bytes, bool isBigEndian) {
   return text;
 }
 
-// How long the character that begins at `at` is, when `text` has it whole; else 0, with `brokenLength` the length of
-// what there is of it, at least 1.
+// How long the character that begins at `at` is, when `text` has it whole; else 0, with `brokenLength` the
+// length of what there is of it, at least 1.
 std::size_t characterLength(std::string_view text, std::size_t at, std::size_t& brokenLength) {
   const auto byteAt = [&](std::size_t place) { return static_cast<unsigned char>(text[place]); };
   const unsigned lead = byteAt(at);

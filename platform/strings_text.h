@@ -15,8 +15,8 @@ void appendUtf8(std::string& text, char32_t character);
 // is left out.
 [[nodiscard]] std::string utf8OfFile(std::string_view bytes);
 
-// The text with U+FFFD for what is no UTF-8: one for each start of a character that breaks off, and one for each
-// byte that starts none.
+// The text with U+FFFD for what is no UTF-8: one for each start of a character that breaks off, and one for
+// each byte that starts none.
 [[nodiscard]] std::string validUtf8(std::string_view text);
 
 // The high and the low half of a surrogate pair.
