@@ -7,6 +7,9 @@ set(CMAKE_OBJCXX_STANDARD_REQUIRED ON)
 set(CMAKE_OBJCXX_EXTENSIONS OFF)
 set(CMAKE_OBJCXX_VISIBILITY_PRESET hidden)
 
+# clang takes what it knows by itself (Protocol) for something else when it reads it from a precompiled header.
+set(CMAKE_DISABLE_PRECOMPILE_HEADERS ON)
+
 add_library(objective_cxx INTERFACE)
 target_include_directories(objective_cxx INTERFACE ${PROJECT_SOURCE_DIR}/platform/cocoa/include)
 

@@ -74,21 +74,20 @@ RunOptions readOptions(CLI::App& program, int argumentCount, char** arguments) {
 }  // namespace
 
 std::optional<ExitStatus> DesktopRun::read(int argumentCount, char** arguments) noexcept {
-  CLI::App program{"Plays the installer around the data page, in a window.", "tavinstall-desktop"};
-  try {
-    options_ = readOptions(program, argumentCount, arguments);
+  return orElse(std::optional(ExitStatus::badUsage), [&]() -> std::optional<ExitStatus> {
+    CLI::App program{"Plays the installer around the data page, in a window.", "tavinstall-desktop"};
+    try {
+      options_ = readOptions(program, argumentCount, arguments);
+    } catch (const CLI::Success& request) {
+      program.exit(request);  // help or version, on standard output
+      return ExitStatus::success;
+    }
     bundlePath_ = options_.bundle.string();
     page_ = terminalPageFor(options_);
     meter_ = ProgressMeter(page_.introduction.barWraps);
     closeInput();
     return std::nullopt;
-  } catch (const CLI::Success& request) {
-    program.exit(request);  // help or version, on standard output
-    return ExitStatus::success;
-  } catch (const std::exception& error) {
-    showError(error);
-    return ExitStatus::badUsage;
-  }
+  });
 }
 
 DesktopText DesktopRun::introduction() const noexcept {

@@ -21,10 +21,10 @@ std::string textOf(SEL selector) { return selector == NULL ? "NULL" : sel_getNam
 
 // The arguments that say nothing are left out as long as they say it.
 // Exported, for the bundle to find it before AppKit's.
-__attribute__((visibility("default"))) void NSBeginInformationalAlertSheet(NSString* title, NSString* defaultButton, NSString* alternateButton,
-                                    NSString* otherButton, NSWindow* docWindow, id modalDelegate,
-                                    SEL willEndSelector, SEL didEndSelector, void* contextInfo,
-                                    NSString* message, ...) {
+__attribute__((visibility("default"))) void NSBeginInformationalAlertSheet(
+    NSString* title, NSString* defaultButton, NSString* alternateButton, NSString* otherButton,
+    NSWindow* docWindow, id modalDelegate, SEL willEndSelector, SEL didEndSelector, void* contextInfo,
+    NSString* message, ...) {
   va_list none;
   va_start(none, message);
   NSString* shown = [[[NSString alloc] initWithFormat:message arguments:none] autorelease];

@@ -17,8 +17,9 @@
   InstallerSection* section_;
   InstallerPane* pane_;
   NSWindow* window_;
-  NSAlert* alert_;  // the one that is up
-  int installs_;    // that run
+  NSAlert* alert_;         // the one that is up
+  NSAlert* clickedAlert_;  // the same, once its button was clicked on
+  int installs_;           // that run
 }
 - (id)initWithCommands:(tavenhall::CommandSource&)commands events:(tavenhall::EventSink&)events;
 

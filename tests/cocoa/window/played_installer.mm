@@ -209,9 +209,13 @@ void wakeEventLoop() {
 
 - (void)alertIsGone:(NSAlert*)alert {
   alert_ = nil;
+  clickedAlert_ = nil;
 }
 
 - (void)answer {
+  if (alert_ != nil && alert_ == clickedAlert_) {
+    return;  // its button is going down
+  }
   const auto answer = commands_->takeAnswer();
   if (!answer) {
     if (alert_ != nil && commands_->isClosed()) {
@@ -223,6 +227,7 @@ void wakeEventLoop() {
   // A sheet, which holds GNUstep's run loop as an alert does, has one button.
   NSString* title =
       alert_ == nil ? @"OK" : [[[alert_ buttons] objectAtIndex:*answer - NSAlertFirstButtonReturn] title];
+  clickedAlert_ = alert_;
   [buttonWithTitle([[NSApp modalWindow] contentView], title) performClick:nil];
   wakeEventLoop();
 }
