@@ -264,14 +264,23 @@ TEST(QuietFace, AnInstallOfWhichOneVolumeFailedEndsWithStatusOne) {
   EXPECT_THAT(readFile("/tmp/summary.json"), HasSubstr(R"({"left":true,"ready":1,"mode":3,)"));
 }
 
-TEST(QuietFace, ASummaryThatCannotBeWrittenIsSaidOnStandardError) {
+TEST(QuietFace, ASummaryThatCouldNotBeWrittenIsSaidOnStandardError) {
+  layPackage("Mode = DataUpdater\nRelativePath = Nowhere\n");
+
+  const Outcome outcome = run("quiet", "", "/dev/full");
+
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.error, "tavinstall: cannot write the summary /dev/full: No space left on device\n");
+}
+
+TEST(QuietFace, NothingIsInstalledWhereTheSummaryCouldNotBeWritten) {
   layPackage("Mode = DataUpdater\nRelativePath = Nowhere\n");
 
   const Outcome outcome = run("quiet", "", "/nowhere/summary.json");
 
-  EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(outcome.error,
-            "tavinstall: cannot write the summary /nowhere/summary.json: No such file or directory\n");
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.error, "tavinstall: cannot write /nowhere/summary.json: No such file or directory\n");
+  EXPECT_FALSE(exists("/tmp/TavInstallLoc"));
 }
 
 }  // namespace
