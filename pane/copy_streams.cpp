@@ -32,7 +32,7 @@ std::FILE* streamOn(int descriptor, const char* mode, std::array<char, kStreamBu
 
 }  // namespace
 
-std::FILE* openCopySource(const char* path) noexcept {
+std::FILE* openCopySource(const char* path, std::int64_t& size) noexcept {
   // Without waiting: opening a pipe would otherwise wait for somebody to write to it.
   const int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
   if (descriptor < 0) {
@@ -44,13 +44,18 @@ std::FILE* openCopySource(const char* path) noexcept {
     errno = EINVAL;
     return nullptr;
   }
-  hintSequentialRead(descriptor);
+  size = found.st_size;
+  hintSequentialRead(descriptor, size);
   return streamOn(descriptor, "rb", sourceBuffer);
 }
 
-std::FILE* openCopyDestination(const char* path) noexcept {
+std::FILE* openCopyDestination(const char* path, std::int64_t size) noexcept {
   const int descriptor = open(path, O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK | O_CLOEXEC, kFileMode);
-  return descriptor < 0 ? nullptr : streamOn(descriptor, "w", destinationBuffer);
+  if (descriptor < 0) {
+    return nullptr;
+  }
+  hintSequentialWrite(descriptor, size);
+  return streamOn(descriptor, "w", destinationBuffer);
 }
 
 }  // namespace tavenhall
