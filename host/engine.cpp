@@ -86,6 +86,7 @@ void Engine::dispatchSync(void (*block)(void*), void* context) noexcept {
 void Engine::pageThreadStarted(const char* name) noexcept {
   if (std::strcmp(name, kCopyThread) == 0) {
     record_.copyStarted();
+    mainQueue_.followCallers(true);
     discNote_.write(page_->snapshot().sourceFolder);
   }
   const std::lock_guard lock(threadsMutex_);
@@ -95,6 +96,7 @@ void Engine::pageThreadStarted(const char* name) noexcept {
 void Engine::pageThreadEnded(const char* name) noexcept {
   if (std::strcmp(name, kCopyThread) == 0) {
     record_.copyEnded(page_->isReadyToProceed());
+    mainQueue_.followCallers(false);
   }
   {
     const std::lock_guard lock(threadsMutex_);

@@ -6,9 +6,17 @@
 
 namespace tavenhall {
 
+namespace {
+
+// After so many, commands get their turn too.
+constexpr int kBatchesInARow = 100;
+
+}  // namespace
+
 struct MainQueue::HandOff {
   void (*block)(void*);
   void* context;
+  int processor;  // where its thread runs
   std::atomic<int> isDone = 0;
 };
 
@@ -17,29 +25,60 @@ void MainQueue::dispatchSync(void (*block)(void*), void* context) noexcept {
     std::fputs("tavinstall: a hand-off to the main thread was made from the main thread\n", stderr);
     std::abort();
   }
-  HandOff handOff{block, context};
+  HandOff handOff{block, context, currentProcessor()};
+  bool isExpected = false;
   {
     const std::lock_guard lock(mutex_);
     waiting_.push_back(&handOff);
+    isExpected = isExpecting_;
   }
-  wakeUp_.signal();
+  if (!isExpected) {
+    wakeUp_.signal();
+  }
   handOff.isDone.wait(0);
 }
 
 bool MainQueue::serve() noexcept {
-  std::vector<HandOff*> batch;
-  {
-    const std::lock_guard lock(mutex_);
-    batch.swap(waiting_);
+  if (!isFollowing_) {
+    bond_.release();
   }
-  for (HandOff* handOff : batch) {
+  bool wasAny = false;
+  for (int i = 0; i < kBatchesInARow && takeBatch(); ++i) {
+    runBatch();
+    wasAny = true;
+    std::this_thread::yield();
+  }
+  expectNoMore();
+  return wasAny;
+}
+
+bool MainQueue::takeBatch() {
+  batch_.clear();
+  const std::lock_guard lock(mutex_);
+  batch_.swap(waiting_);
+  return !batch_.empty();
+}
+
+void MainQueue::runBatch() {
+  if (isFollowing_) {
+    bond_.moveTo(batch_.front()->processor);
+  }
+  for (HandOff* handOff : batch_) {
     handOff->block(handOff->context);
+    isExpecting_ = true;
     // Waking by address alone: the hand-off may be gone the moment it is done.
     std::atomic<int>& isDone = handOff->isDone;
     isDone.store(1);
     isDone.notify_one();
   }
-  return !batch.empty();
+}
+
+void MainQueue::expectNoMore() {
+  const std::lock_guard lock(mutex_);
+  isExpecting_ = false;
+  if (!waiting_.empty()) {
+    wakeUp_.signal();
+  }
 }
 
 }  // namespace tavenhall

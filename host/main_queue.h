@@ -1,7 +1,9 @@
 #pragma once
 
+#include "platform/thread_processor.h"
 #include "platform/wake_up.h"
 
+#include <atomic>
 #include <mutex>
 #include <thread>
 #include <vector>
@@ -12,22 +14,37 @@ namespace tavenhall {
 // queue is its main thread.
 class MainQueue {
  public:
+  // The wake-up is signalled when something waits to be served.
   explicit MainQueue(WakeUp& wakeUp) : wakeUp_(wakeUp) {}
 
   // Runs `block(context)` on the main thread and returns when it has run. Never from the main thread: that
   // ends the process, since it would wait for itself.
   void dispatchSync(void (*block)(void*), void* context) noexcept;
 
-  // Runs what waits; whether there was anything. Main thread.
+  // Runs what waits; whether there was anything. A page's thread often has more to hand over the moment it has
+  // its answer, so it gets one turn, and what it hands over then is run too. Main thread.
   bool serve() noexcept;
+
+  // While it is on, the main thread runs on the processor of whoever has handed something over: two threads
+  // that take turns are several times as fast on one processor as on two. Only the main thread is bound, so
+  // what page threads start is not. Any thread; takes effect when the main thread serves next.
+  void followCallers(bool isOn) noexcept { isFollowing_ = isOn; }
 
  private:
   struct HandOff;
 
+  bool takeBatch();
+  void runBatch();
+  void expectNoMore();
+
   WakeUp& wakeUp_;
   const std::thread::id mainThread_ = std::this_thread::get_id();
   std::mutex mutex_;
-  std::vector<HandOff*> waiting_;  // guarded by mutex_; each lies on its thread's stack
+  std::vector<HandOff*> waiting_;          // guarded by mutex_; each lies on its thread's stack
+  std::vector<HandOff*> batch_;            // main thread
+  std::atomic<bool> isExpecting_ = false;  // the main thread will look again without being signalled
+  std::atomic<bool> isFollowing_ = false;
+  ProcessorBond bond_;  // main thread
 };
 
 }  // namespace tavenhall

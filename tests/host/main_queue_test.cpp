@@ -4,6 +4,7 @@
 #include <csignal>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <sched.h>
 #include <thread>
 #include <vector>
 
@@ -136,6 +137,44 @@ TEST_F(Queue, WhatIsHandedOverWhileABlockRunsWaitsItsTurn) {
   second.join();
 
   EXPECT_EQ(order, (std::vector<std::string>{"first", "second"}));
+}
+
+int processorsOfThisThread() {
+  cpu_set_t own;
+  EXPECT_EQ(sched_getaffinity(0, sizeof own, &own), 0);
+  return CPU_COUNT(&own);
+}
+
+TEST_F(Queue, TheMainThreadFollowsItsCallersAndIsFreeAgainAfterwards) {
+  const int before = processorsOfThisThread();
+  queue.followCallers(true);
+  std::atomic<int> hasRun = 0;
+  int inside = 0;
+  int ofTheCaller = 0;
+  std::thread worker([&] {
+    handOver(queue, [&] {
+      inside = processorsOfThisThread();
+      ++hasRun;
+    });
+    ofTheCaller = processorsOfThisThread();
+  });
+  serve(hasRun, 1);
+  worker.join();
+  EXPECT_EQ(inside, 1);
+  EXPECT_EQ(ofTheCaller, before);  // what it starts is not bound either
+
+  queue.followCallers(false);
+  queue.serve();
+  EXPECT_EQ(processorsOfThisThread(), before);
+}
+
+TEST_F(Queue, TheMainThreadStaysWhereItIsUnlessToldToFollow) {
+  const int before = processorsOfThisThread();
+  std::atomic<int> hasRun = 0;
+  std::thread worker([&] { handOver(queue, [&] { ++hasRun; }); });
+  serve(hasRun, 1);
+  worker.join();
+  EXPECT_EQ(processorsOfThisThread(), before);
 }
 
 TEST_F(Queue, AHandOffFromTheMainThreadEndsTheProcess) {

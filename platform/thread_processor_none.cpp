@@ -1,0 +1,10 @@
+#include "platform/thread_processor.h"
+
+namespace tavenhall {
+
+int currentProcessor() noexcept { return -1; }
+
+void ProcessorBond::moveTo(int /*processor*/) noexcept {}
+void ProcessorBond::release() noexcept {}
+
+}  // namespace tavenhall
