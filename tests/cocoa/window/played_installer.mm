@@ -38,18 +38,22 @@ NSButton* buttonWithTitle(NSView* view, NSString* title) {
   return nil;
 }
 
-// A sheet's loop looks whether it has been ended when an event comes.
-void wakeEventLoop() {
-  [NSApp postEvent:[NSEvent otherEventWithType:NSApplicationDefined
-                                      location:NSZeroPoint
-                                 modifierFlags:0
-                                     timestamp:0
-                                  windowNumber:0
-                                       context:nil
-                                       subtype:0
-                                         data1:0
-                                         data2:0]
-           atStart:NO];
+// As the mouse would: AppKit's loops for alerts and sheets heed events.
+void clickOn(NSButton* button) {
+  const NSRect bounds = [button bounds];
+  const NSPoint place = [button convertPoint:NSMakePoint(NSMidX(bounds), NSMidY(bounds)) toView:nil];
+  for (const NSEventType type : {NSLeftMouseDown, NSLeftMouseUp}) {
+    [NSApp postEvent:[NSEvent mouseEventWithType:type
+                                        location:place
+                                   modifierFlags:0
+                                       timestamp:[NSDate timeIntervalSinceReferenceDate]
+                                    windowNumber:[[button window] windowNumber]
+                                         context:nil
+                                     eventNumber:0
+                                      clickCount:1
+                                        pressure:1.0]
+             atStart:NO];
+  }
 }
 
 }  // namespace
@@ -126,9 +130,17 @@ void wakeEventLoop() {
   [self serveSoon];
 }
 
-// From the run loop, with nothing that waits for it: a click may run the loop itself, and then more may happen.
+// From the run loop, with nothing that waits for it: what it does may run the loop itself, and more may happen.
+// By another thread, since a timer does not make AppKit look for the events that a click posts.
 - (void)serveSoon {
-  [self performSelector:@selector(serve) withObject:nil afterDelay:0 inModes:everyMode()];
+  [NSThread detachNewThreadSelector:@selector(waitAndServe) toTarget:self withObject:nil];
+}
+
+- (void)waitAndServe {
+  @autoreleasepool {
+    [NSThread sleepForTimeInterval:0.02];
+    [self performSelectorOnMainThread:@selector(serve) withObject:nil waitUntilDone:NO modes:everyMode()];
+  }
 }
 
 - (void)end {
@@ -214,7 +226,11 @@ void wakeEventLoop() {
 
 - (void)answer {
   if (alert_ != nil && alert_ == clickedAlert_) {
-    return;  // its button is going down
+    return;  // the click is on its way
+  }
+  if (![[[NSRunLoop currentRunLoop] currentMode] isEqualToString:NSModalPanelRunLoopMode]) {
+    [self serveSoon];  // it is being put up, and would not take a click yet
+    return;
   }
   const auto answer = commands_->takeAnswer();
   if (!answer) {
@@ -228,8 +244,7 @@ void wakeEventLoop() {
   NSString* title =
       alert_ == nil ? @"OK" : [[[alert_ buttons] objectAtIndex:*answer - NSAlertFirstButtonReturn] title];
   clickedAlert_ = alert_;
-  [buttonWithTitle([[NSApp modalWindow] contentView], title) performClick:nil];
-  wakeEventLoop();
+  clickOn(buttonWithTitle([[NSApp modalWindow] contentView], title));
 }
 
 @end
