@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -146,6 +147,23 @@ void enterPrivateRoot() {
   require(rmdir(kOldRoot.c_str()) == 0, "removing the old root's folder");
   require(setenv("HOME", kHome, 1) == 0, "HOME");
   unsetLocale();
+}
+
+void endWhatIsLeft() {
+  const auto rootOf = [](const std::string& process) {
+    std::error_code error;
+    return fs::read_symlink("/proc/" + process + "/ns/mnt", error);
+  };
+  const fs::path own = rootOf("self");
+  for (bool isAnybodyLeft = true; isAnybodyLeft;) {
+    isAnybodyLeft = false;
+    for (const fs::directory_entry& entry : fs::directory_iterator("/proc")) {
+      const std::string process = entry.path().filename();
+      const bool isOther = process.find_first_not_of("0123456789") == std::string::npos &&
+                           std::stoi(process) != getpid() && rootOf(process) == own;
+      isAnybodyLeft = (isOther && kill(std::stoi(process), SIGKILL) == 0) || isAnybodyLeft;
+    }
+  }
 }
 
 bool isRealRoot() {

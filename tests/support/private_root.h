@@ -16,6 +16,10 @@ inline constexpr const char* kHome = "/Users/tester";
 // system is visible as it is, and what is written outside the five folders is really written.
 void enterPrivateRoot();
 
+// Ends every other process that lives in this process's private root: a test may leave an engine that has lost
+// its face and waits for an answer for ever. Once all tests have run.
+void endWhatIsLeft();
+
 // Is this process the real root, outside any user namespace? Loop mounts need it.
 [[nodiscard]] bool isRealRoot();
 

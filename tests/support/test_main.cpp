@@ -9,8 +9,11 @@ int main(int argumentCount, char** arguments) {
   const rlimit noCoreFiles{0, 0};  // some tests expect a process to abort
   setrlimit(RLIMIT_CORE, &noCoreFiles);
   setenv("LANGUAGE", "en", 1);  // the texts that tests compare
-  if (!GTEST_FLAG_GET(list_tests)) {
-    tavenhall::test::enterPrivateRoot();
+  if (GTEST_FLAG_GET(list_tests)) {
+    return RUN_ALL_TESTS();
   }
-  return RUN_ALL_TESTS();
+  tavenhall::test::enterPrivateRoot();
+  const int status = RUN_ALL_TESTS();
+  tavenhall::test::endWhatIsLeft();
+  return status;
 }
