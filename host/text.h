@@ -6,6 +6,11 @@
 #include <string>
 #include <string_view>
 
+// AppKit's headers bring a macro of this name on GNUstep.
+#ifdef _
+#undef _
+#endif
+
 // The program's own words in the user's language. A text stands in the sources in English, within _() or its
 // like, which is also how it reads where there is no translation; po/ holds the others. What programs read
 // (JSON, the engine's lines, the installation log) is never translated.
