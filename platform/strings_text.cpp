@@ -30,45 +30,56 @@ std::string utf8OfUtf16(std::string_view bytes, bool isBigEndian) {
   return text;
 }
 
-// How long the character that begins at `at` is, when `text` has it whole; else 0, with `brokenLength` the
-// length of what there is of it, at least 1.
-std::size_t characterLength(std::string_view text, std::size_t at, std::size_t& brokenLength) {
-  const auto byteAt = [&](std::size_t place) { return static_cast<unsigned char>(text[place]); };
-  const unsigned lead = byteAt(at);
-  brokenLength = 1;
+// How many bytes a character has that begins with this one; 0: none begins so.
+std::size_t lengthAfter(unsigned lead) {
   if (lead < 0x80) {
     return 1;
   }
   if (lead < 0xC2 || lead > 0xF4) {
     return 0;
   }
-  const std::size_t length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-  for (std::size_t i = 1; i < length; ++i) {
-    // The second byte also keeps out what could be written shorter, surrogates, and what is out of range.
-    const unsigned least = i > 1 ? 0x80 : lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
-    const unsigned most = i > 1 ? 0xBF : lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
-    if (at + i >= text.size() || byteAt(at + i) < least || byteAt(at + i) > most) {
-      brokenLength = i;
-      return 0;
-    }
+  return lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+}
+
+// May a character that begins with `lead` go on with `byte`? Its second byte also keeps out what could be
+// written shorter, surrogates, and what is out of range.
+bool mayFollow(unsigned lead, std::size_t place, unsigned byte) {
+  if (place > 1) {
+    return byte >= 0x80 && byte <= 0xBF;
   }
-  return length;
+  const unsigned least = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
+  const unsigned most = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
+  return byte >= least && byte <= most;
+}
+
+struct Piece {
+  std::size_t length;  // bytes, at least 1
+  bool isCharacter;    // a whole one, rather than what there is of one
+};
+
+// What `text` begins with; it is not empty.
+Piece firstPiece(std::string_view text) {
+  const auto byteAt = [&](std::size_t place) { return static_cast<unsigned char>(text[place]); };
+  const std::size_t whole = lengthAfter(byteAt(0));
+  std::size_t length = 1;
+  while (length < whole && length < text.size() && mayFollow(byteAt(0), length, byteAt(length))) {
+    ++length;
+  }
+  return {length, length == whole};
 }
 
 }  // namespace
 
 std::string validUtf8(std::string_view text) {
   std::string valid;
-  for (std::size_t at = 0; at < text.size();) {
-    std::size_t brokenLength = 0;
-    const std::size_t length = characterLength(text, at, brokenLength);
-    if (length > 0) {
-      valid.append(text.substr(at, length));
-      at += length;
+  while (!text.empty()) {
+    const Piece piece = firstPiece(text);
+    if (piece.isCharacter) {
+      valid.append(text.substr(0, piece.length));
     } else {
       appendUtf8(valid, 0xFFFD);
-      at += brokenLength;
     }
+    text.remove_prefix(piece.length);
   }
   return valid;
 }
