@@ -26,9 +26,6 @@ namespace {
 struct CloseFile {
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
-struct DeleteScreen {
-  void operator()(SCREEN* screen) const { delscreen(screen); }
-};
 struct DeleteWindow {
   void operator()(WINDOW* window) const { delwin(window); }
 };
@@ -108,7 +105,8 @@ struct Screen::State {
   const Descriptor output{openTerminal(STDOUT_FILENO)};
   std::unique_ptr<std::FILE, CloseFile> input;
   std::unique_ptr<std::FILE, CloseFile> spool;
-  std::unique_ptr<SCREEN, DeleteScreen> screen;
+  // Never deleted: what the panel library keeps with a screen, it does not give back. There is one a process.
+  SCREEN* screen = nullptr;
   std::unique_ptr<Palette> palette;
   std::unique_ptr<ScreenRestorer> restorer;
   std::unique_ptr<WINDOW, DeleteWindow> keys;  // a pad, since reading from a window also draws it
@@ -160,7 +158,7 @@ Screen::Screen() : state_(std::make_unique<State>()) {
   if (state.output.get() < 0 || state.input == nullptr || state.spool == nullptr) {
     throw std::runtime_error("cannot open the terminal");
   }
-  state.screen.reset(newterm(nullptr, state.spool.get(), state.input.get()));
+  state.screen = newterm(nullptr, state.spool.get(), state.input.get());
   if (state.screen == nullptr) {
     throw std::runtime_error("cannot use the terminal");
   }

@@ -37,9 +37,13 @@ std::string capability(const char* name) {
 
 bool terminalIsUsable() {
   int result = 0;
-  return isatty(STDIN_FILENO) != 0 && isatty(STDOUT_FILENO) != 0 &&
-         setupterm(nullptr, STDOUT_FILENO, &result) == OK && !capability("cup").empty() &&
-         !capability("clear").empty();
+  if (isatty(STDIN_FILENO) == 0 || isatty(STDOUT_FILENO) == 0 ||
+      setupterm(nullptr, STDOUT_FILENO, &result) != OK) {
+    return false;
+  }
+  const bool isUsable = !capability("cup").empty() && !capability("clear").empty();
+  del_curterm(cur_term);  // a screen reads its terminal's description for itself
+  return isUsable;
 }
 
 bool terminalHasSigns() {
