@@ -11,7 +11,15 @@
 namespace tavenhall::test {
 namespace {
 
-using Idle = InUtf8;
+class Idle : public InUtf8 {
+ protected:
+  void SetUp() override {
+#if defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "the thread sanitizer has a thread of its own, which never rests";
+#endif
+    InUtf8::SetUp();
+  }
+};
 
 constexpr int kSeconds = 3;
 constexpr const char* kQuestion = "thread\nmax 1953125\nvalue 840000\nalert Next disc|Please insert B|OK\n";
