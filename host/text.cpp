@@ -24,6 +24,11 @@ const char* namedLocale() {
   return nullptr;
 }
 
+void bindCatalogs(const std::filesystem::path& catalogs) {
+  bindtextdomain(kDomain, catalogs.c_str());
+  bind_textdomain_codeset(kDomain, "UTF-8");
+}
+
 std::string fillFrom(std::string_view pattern, const std::string_view* values, std::size_t count) {
   std::string text;
   while (!pattern.empty()) {
@@ -57,11 +62,23 @@ void speakUsersLanguage(const std::filesystem::path& catalogs) {
       setenv("LANGUAGE", named, languages == nullptr || *languages == '\0' ? 1 : 0);
     }
   }
-  bindtextdomain(kDomain, catalogs.c_str());
-  bind_textdomain_codeset(kDomain, "UTF-8");
+  bindCatalogs(catalogs);
+}
+
+void speakLanguage(const std::string& language, const std::filesystem::path& catalogs) {
+  if (std::setlocale(LC_MESSAGES, "C.UTF-8") == nullptr) {
+    std::setlocale(LC_MESSAGES, "");
+  }
+  // Locales tell the scripts of Chinese by the country.
+  setenv("LANGUAGE", language == "zh-Hans" ? "zh_CN" : language.c_str(), 1);
+  bindCatalogs(catalogs);
 }
 
 void speakEnglish() { std::setlocale(LC_MESSAGES, "C"); }
+
+void keepSystemTextsEnglish() {
+  bindtextdomain("libc", "/dev/null");  // where no catalog can be
+}
 
 const char* _(const char* english) { return dgettext(kDomain, english); }
 

@@ -22,8 +22,16 @@ namespace tavenhall {
 // `catalogs`. Once, before any thread is started.
 void speakUsersLanguage(const std::filesystem::path& catalogs);
 
+// The same with the language said: by the name of its folder in a bundle, "de" or "zh-Hans". In English where
+// there is no catalog of it.
+void speakLanguage(const std::string& language, const std::filesystem::path& catalogs);
+
 // From now on texts are in English again, those of the C library too. While there is one thread.
 void speakEnglish();
+
+// From now on the C library's own texts are in English, whatever the program speaks: for a process that has the
+// page in it, which writes them into its log. While there is one thread.
+void keepSystemTextsEnglish();
 
 // The translation of a text. Lives for the process. Any thread.
 [[nodiscard]] const char* _(const char* english);
