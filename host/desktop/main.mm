@@ -1,18 +1,33 @@
+#include "host/build_facts.h"
 #include "host/desktop/desktop_run.h"
 #import "host/desktop/installer.h"
 #import "host/desktop/look.h"
 
 #include <clocale>
 
+namespace {
+
+// The one in which AppKit shows the plug-in: its bundle and this program have the same languages.
+std::string language() {
+  NSMutableArray* known = [NSMutableArray array];
+  for (const char* name : tavenhall::kLanguages) {
+    [known addObject:[NSString stringWithUTF8String:name]];
+  }
+  return [[[NSBundle preferredLocalizationsFromArray:known] objectAtIndex:0] UTF8String];
+}
+
+}  // namespace
+
 int main(int argumentCount, char** arguments) {
   // Character types alone: the log's month names are the same on every machine.
   std::setlocale(LC_CTYPE, "");
   static tavenhall::DesktopRun run;
-  if (const auto status = run.read(argumentCount, arguments)) {
-    return static_cast<int>(*status);
-  }
   @autoreleasepool {
     setUpDefaults();
+    tavenhall::DesktopRun::speak(language());
+    if (const auto status = run.read(argumentCount, arguments)) {
+      return static_cast<int>(*status);
+    }
     [NSApplication sharedApplication];
     setUpLook();
     [NSApp setDelegate:[[Installer alloc] initWithRun:&run]];

@@ -8,9 +8,13 @@
 
 namespace {
 
-// The library knows languages by names of its own, and only those whose locale is installed; these are the ones
-// that the terminal's page would choose from.
-NSArray* userLanguages() {
+// What the user has set for all programs of the library goes before the environment, as it does in them. From
+// the environment the library takes only languages whose locale is installed; these are the ones that the
+// terminal's page would choose from.
+NSArray* userLanguages(NSUserDefaults* defaults) {
+  if ([[defaults persistentDomainForName:NSGlobalDomain] objectForKey:@"NSLanguages"] != nil) {
+    return [NSLocale preferredLanguages];
+  }
   NSMutableArray* languages = [NSMutableArray array];
   for (const std::string& name : tavenhall::languageFolderNames()) {
     [languages addObject:[NSString stringWithUTF8String:name.c_str()]];
@@ -75,7 +79,7 @@ void setUpDefaults() {
   // A domain that is not written to disk.
   NSMutableDictionary* arguments =
       [[[defaults volatileDomainForName:NSArgumentDomain] mutableCopy] autorelease];
-  [arguments setObject:userLanguages() forKey:@"NSLanguages"];
+  [arguments setObject:userLanguages(defaults) forKey:@"NSLanguages"];
   [defaults removeVolatileDomainForName:NSArgumentDomain];
   [defaults setVolatileDomain:arguments forName:NSArgumentDomain];
 }

@@ -1,5 +1,8 @@
 #import "host/desktop/look.h"
 
+#import "host/desktop/ns_string.h"
+
+#include "host/text.h"
 #import <AppKit/AppKit.h>
 
 // AppKit has its own look here; what a program is expected to bring along is the menu with Quit.
@@ -11,7 +14,7 @@ void setUpLook() {
   NSMenu* bar = [[[NSMenu alloc] init] autorelease];
   NSMenuItem* item = [bar addItemWithTitle:@"" action:nil keyEquivalent:@""];
   NSMenu* menu = [[[NSMenu alloc] init] autorelease];
-  [menu addItemWithTitle:@"Quit" action:@selector(performClose:) keyEquivalent:@"q"];
+  [menu addItemWithTitle:nsString(tavenhall::_("Quit")) action:@selector(performClose:) keyEquivalent:@"q"];
   [item setSubmenu:menu];
   [NSApp setMainMenu:bar];
 }
