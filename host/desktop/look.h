@@ -5,5 +5,5 @@
 // Before there is an application: its settings.
 void setUpDefaults();
 
-// Once there is one: how it looks, and its menu.
-void setUpLook();
+// Once there is one: how it looks, and its menu. False where it can show nothing; standard error says why.
+[[nodiscard]] bool setUpLook();

@@ -29,7 +29,9 @@ int main(int argumentCount, char** arguments) {
       return static_cast<int>(*status);
     }
     [NSApplication sharedApplication];
-    setUpLook();
+    if (!setUpLook()) {
+      return static_cast<int>(tavenhall::ExitStatus::badUsage);
+    }
     [NSApp setDelegate:[[Installer alloc] initWithRun:&run]];
     [NSApp run];
   }

@@ -4,6 +4,8 @@
 #import "host/desktop/palette.h"
 #include "platform/strings_language.h"
 
+#include "host/text.h"
+#include "host/usage_error.h"
 #import <AppKit/AppKit.h>
 
 namespace {
@@ -84,8 +86,15 @@ void setUpDefaults() {
   [defaults setVolatileDomain:arguments forName:NSArgumentDomain];
 }
 
-void setUpLook() {
+bool setUpLook() {
+  // The first text would fail, and leave the program there without a window.
+  if ([NSFont systemFontOfSize:0.0] == nil) {
+    tavenhall::showError(
+        tavenhall::UsageError(tavenhall::_("no font is found; install one, such as Liberation Sans")));
+    return false;
+  }
   [GSTheme setTheme:[[[PageTheme alloc] initWithBundle:[NSBundle bundleForClass:[GSTheme class]]] autorelease]];
   [NSApp setApplicationIconImage:[DiscIcon image]];
   hideReturnSign();
+  return true;
 }

@@ -9,7 +9,7 @@
 
 void setUpDefaults() {}
 
-void setUpLook() {
+bool setUpLook() {
   [NSApp setActivationPolicy:NSApplicationActivationPolicyRegular];
   NSMenu* bar = [[[NSMenu alloc] init] autorelease];
   NSMenuItem* item = [bar addItemWithTitle:@"" action:nil keyEquivalent:@""];
@@ -17,4 +17,5 @@ void setUpLook() {
   [menu addItemWithTitle:nsString(tavenhall::_("Quit")) action:@selector(performClose:) keyEquivalent:@"q"];
   [item setSubmenu:menu];
   [NSApp setMainMenu:bar];
+  return true;
 }
