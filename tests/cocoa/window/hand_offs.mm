@@ -1,4 +1,5 @@
 #include "platform/cocoa/pane_host.h"
+#include "tests/cocoa/window/buttons.h"
 
 #import <AppKit/AppKit.h>
 #include <array>
@@ -11,23 +12,12 @@
 namespace {
 
 using tavenhall::PaneHost;
+using tavenhall::test::buttonWithTitle;
 
 struct Shared {
   PaneHost& host;
   std::atomic<bool> alertIsUp = false;
 };
-
-NSButton* buttonWithTitle(NSView* view, NSString* title) {
-  if ([view isKindOfClass:[NSButton class]] && [[(NSButton*)view title] isEqualToString:title]) {
-    return (NSButton*)view;
-  }
-  for (NSView* subview in [view subviews]) {
-    if (NSButton* found = buttonWithTitle(subview, title)) {
-      return found;
-    }
-  }
-  return nil;
-}
 
 void say(const char* line) {
   std::printf("%s\n", line);

@@ -1,6 +1,7 @@
 #import "tests/cocoa/window/played_installer.h"
 
 #include "tests/cocoa/method_exchange.h"
+#include "tests/cocoa/window/buttons.h"
 
 #include <cstdlib>
 #include <poll.h>
@@ -9,6 +10,7 @@
 namespace {
 
 using tavenhall::Command;
+using tavenhall::test::buttonWithTitle;
 
 PlayedInstaller* theInstaller = nil;
 IMP theInstall = nullptr;
@@ -24,18 +26,6 @@ void countedInstall(id pane, SEL selector) {
                                  withObject:nil
                               waitUntilDone:NO
                                       modes:everyMode()];
-}
-
-NSButton* buttonWithTitle(NSView* view, NSString* title) {
-  if ([view isKindOfClass:[NSButton class]] && [[(NSButton*)view title] isEqualToString:title]) {
-    return (NSButton*)view;
-  }
-  for (NSView* subview in [view subviews]) {
-    if (NSButton* found = buttonWithTitle(subview, title)) {
-      return found;
-    }
-  }
-  return nil;
 }
 
 // As the mouse would: AppKit's loops for alerts and sheets heed events.
