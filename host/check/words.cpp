@@ -1,5 +1,7 @@
 #include "host/check/words.h"
 
+#include "platform/strings_text.h"
+
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -40,19 +42,6 @@ char32_t takeCharacter(std::string_view& text) {
            !(character >= 0xD800 && character <= 0xDFFF);
   text.remove_prefix(isGood ? length : 1);
   return isGood ? character : kNoCharacter;
-}
-
-void appendCharacter(char32_t character, std::string& text) {
-  if (character < 0x80) {
-    text += static_cast<char>(character);
-    return;
-  }
-  const int more = character < 0x800 ? 1 : character < 0x10000 ? 2 : 3;
-  constexpr std::array<unsigned, 4> kFirst{0, 0xC0, 0xE0, 0xF0};
-  text += static_cast<char>(kFirst[static_cast<std::size_t>(more)] | (character >> (6 * more)));
-  for (int i = more - 1; i >= 0; --i) {
-    text += static_cast<char>(0x80U | ((character >> (6 * i)) & 0x3FU));
-  }
 }
 
 // Every system that the page runs on has a locale that knows the characters beyond ASCII.
@@ -119,7 +108,7 @@ std::string inQuotes(std::string_view text) {
     const char32_t character = takeCharacter(text);
     const bool isShown =
         character != kNoCharacter && character >= 0x20 && (character < 0x7F || character >= 0xA0);
-    appendCharacter(isShown ? character : 0xFFFD, quote);
+    appendUtf8(quote, isShown ? character : 0xFFFD);
   }
   return quote + (text.empty() ? "\"" : "...\"");
 }
@@ -142,8 +131,8 @@ std::string caseFolded(std::string_view name) {
     if (character == kNoCharacter) {
       folded += byte;
     } else {
-      appendCharacter(static_cast<char32_t>(std::tolower(static_cast<wchar_t>(character), characterLocale())),
-                      folded);
+      appendUtf8(folded,
+                 static_cast<char32_t>(std::tolower(static_cast<wchar_t>(character), characterLocale())));
     }
   }
   return folded;

@@ -1,5 +1,6 @@
 #include "host/terminal/terminal_page.h"
 
+#include "host/log/users_log.h"
 #include "host/set/install_plan.h"
 #include "host/terminal/run_outcome.h"
 #include "platform/strings_file.h"
@@ -39,11 +40,7 @@ Introduction introductionFor(const RunOptions& options) {
 TerminalPage terminalPageFor(const RunOptions& options) {
   TerminalPage page;
   page.introduction = introductionFor(options);
-  if (std::string caches; firstUserSearchPath(SearchPath::caches, caches)) {
-    page.logPath = caches + "/Tavenhall/installationLog.txt";
-  } else {
-    page.logPath = "/tmp/installationLog.txt";
-  }
+  page.logPath = usersInstallationLog();
   page.logShown = page.logPath;
   page.logStart = logSize(page.logPath);
   return page;

@@ -1,9 +1,10 @@
 #include "host/terminal/wide_text.h"
 
+#include "platform/strings_text.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <type_traits>
 
 namespace tavenhall {
 
@@ -59,24 +60,8 @@ std::wstring wideText(std::string_view text) {
 std::string narrowText(std::wstring_view text) {
   std::string narrow;
   narrow.reserve(text.size());
-  const auto put = [&narrow](std::uint32_t byte) { narrow += static_cast<char>(byte); };
   for (const wchar_t character : text) {
-    const auto value = static_cast<std::uint32_t>(static_cast<std::make_unsigned_t<wchar_t>>(character));
-    if (value < 0x80) {
-      put(value);
-    } else if (value < 0x800) {
-      put(0xC0U | (value >> 6U));
-      put(0x80U | (value & 0x3FU));
-    } else if (value < 0x10000) {
-      put(0xE0U | (value >> 12U));
-      put(0x80U | ((value >> 6U) & 0x3FU));
-      put(0x80U | (value & 0x3FU));
-    } else {
-      put(0xF0U | (value >> 18U));
-      put(0x80U | ((value >> 12U) & 0x3FU));
-      put(0x80U | ((value >> 6U) & 0x3FU));
-      put(0x80U | (value & 0x3FU));
-    }
+    appendUtf8(narrow, static_cast<char32_t>(character));
   }
   return narrow;
 }

@@ -1,4 +1,4 @@
-#include "tests/cocoa/buttons.h"
+#include "tests/cocoa/window/buttons.h"
 
 #include <cmath>
 #include <cstdio>

@@ -1,5 +1,5 @@
 #include "platform/cocoa/pane_host.h"
-#include "tests/cocoa/buttons.h"
+#include "tests/cocoa/window/buttons.h"
 
 #import <AppKit/AppKit.h>
 #include <array>

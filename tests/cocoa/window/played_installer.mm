@@ -1,7 +1,7 @@
 #import "tests/cocoa/window/played_installer.h"
 
-#include "tests/cocoa/buttons.h"
 #include "tests/cocoa/method_exchange.h"
+#include "tests/cocoa/window/buttons.h"
 
 #include <cstdlib>
 #include <poll.h>

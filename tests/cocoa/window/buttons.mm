@@ -1,12 +1,10 @@
-#pragma once
+#include "tests/cocoa/window/buttons.h"
 
-#import <AppKit/AppKit.h>
 #include <initializer_list>
 
 namespace tavenhall::test {
 
-// The first in the view and what is in it; nil where there is none.
-inline NSButton* buttonWithTitle(NSView* view, NSString* title) {
+NSButton* buttonWithTitle(NSView* view, NSString* title) {
   if ([view isKindOfClass:[NSButton class]] && [[(NSButton*)view title] isEqualToString:title]) {
     return (NSButton*)view;
   }
@@ -18,8 +16,7 @@ inline NSButton* buttonWithTitle(NSView* view, NSString* title) {
   return nil;
 }
 
-// As the mouse would: AppKit's loops for alerts and sheets heed events.
-inline void clickOn(NSButton* button) {
+void clickOn(NSButton* button) {
   const NSRect bounds = [button bounds];
   const NSPoint place = [button convertPoint:NSMakePoint(NSMidX(bounds), NSMidY(bounds)) toView:nil];
   for (const NSEventType type : {NSLeftMouseDown, NSLeftMouseUp}) {
@@ -36,8 +33,7 @@ inline void clickOn(NSButton* button) {
   }
 }
 
-// For what is to happen also while an alert is up or a button is pressed.
-inline NSArray* everyMode() {
+NSArray* everyMode() {
   return
       [NSArray arrayWithObjects:NSDefaultRunLoopMode, NSModalPanelRunLoopMode, NSEventTrackingRunLoopMode, nil];
 }
