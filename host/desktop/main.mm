@@ -23,11 +23,13 @@ int main(int argumentCount, char** arguments) {
   std::setlocale(LC_CTYPE, "");
   static tavenhall::DesktopRun run;
   @autoreleasepool {
-    setUpDefaults();
-    tavenhall::DesktopRun::speak(language());
+    setUpLanguages();
+    const std::string shown = language();
+    tavenhall::DesktopRun::speak(shown);
     if (const auto status = run.read(argumentCount, arguments)) {
       return static_cast<int>(*status);
     }
+    setUpFonts(shown);
     [NSApplication sharedApplication];
     if (!setUpLook()) {
       return static_cast<int>(tavenhall::ExitStatus::badUsage);

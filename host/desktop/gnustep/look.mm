@@ -1,6 +1,8 @@
 #import "host/desktop/look.h"
 
+#include "host/desktop/gnustep/font_choice.h"
 #import "host/desktop/gnustep/page_theme.h"
+#import "host/desktop/ns_string.h"
 #import "host/desktop/palette.h"
 #include "platform/strings_language.h"
 
@@ -64,26 +66,36 @@ void hideReturnSign() {
 }
 @end
 
-void setUpDefaults() {
+void setUpLanguages() {
   NSUserDefaults* defaults = [NSUserDefaults standardUserDefaults];
-  [defaults registerDefaults:[NSDictionary
-                                 dictionaryWithObjectsAndKeys:@"LiberationSans", @"NSFont", @"LiberationSans",
-                                                              @"NSUserFont", @"LiberationSans", @"NSLabelFont",
-                                                              @"LiberationSans", @"NSMessageFont",
-                                                              @"LiberationSans-Bold", @"NSBoldFont",
-                                                              @"LiberationSans-Bold", @"NSTitleBarFont", @"13",
-                                                              @"NSFontSize", @"13", @"NSUserFontSize",
-                                                              // The title bar is the theme's, whatever draws
-                                                              // the other programs'.
-                                                              @"NO", @"GSBackHandlesWindowDecorations", @"NO",
-                                                              @"GSX11HandlesWindowDecorations", @"YES",
-                                                              @"GSSuppressAppIcon", nil]];
-  // A domain that is not written to disk.
-  NSMutableDictionary* arguments =
-      [[[defaults volatileDomainForName:NSArgumentDomain] mutableCopy] autorelease];
-  [arguments setObject:userLanguages(defaults) forKey:@"NSLanguages"];
-  [defaults removeVolatileDomainForName:NSArgumentDomain];
-  [defaults setVolatileDomain:arguments forName:NSArgumentDomain];
+  // The domain that goes before all others, in which the library keeps what it takes from the environment.
+  NSString* primary = @"GSPrimaryDomain";
+  NSMutableDictionary* settings = [NSMutableDictionary dictionary];
+  [settings addEntriesFromDictionary:[defaults volatileDomainForName:primary]];
+  [settings setObject:userLanguages(defaults) forKey:@"NSLanguages"];
+  [defaults removeVolatileDomainForName:primary];
+  [defaults setVolatileDomain:settings forName:primary];
+}
+
+void setUpFonts(const std::string& language) {
+  const tavenhall::FontChoice fonts = tavenhall::chooseFonts(language);
+  if (!fonts.hasLetters) {
+    tavenhall::showError(tavenhall::UsageError(
+        tavenhall::_("no font has the letters of this language; install one, such as WenQuanYi Micro Hei")));
+  }
+  NSString* regular = nsString(fonts.regular);
+  NSString* bold = nsString(fonts.bold);
+  [[NSUserDefaults standardUserDefaults]
+      registerDefaults:[NSDictionary dictionaryWithObjectsAndKeys:regular, @"NSFont", regular, @"NSUserFont",
+                                                                  regular, @"NSLabelFont", regular,
+                                                                  @"NSMessageFont", bold, @"NSBoldFont", bold,
+                                                                  @"NSTitleBarFont", @"13", @"NSFontSize",
+                                                                  @"13", @"NSUserFontSize",
+                                                                  // The title bar is the theme's, whatever
+                                                                  // draws the other programs'.
+                                                                  @"NO", @"GSBackHandlesWindowDecorations",
+                                                                  @"NO", @"GSX11HandlesWindowDecorations",
+                                                                  @"YES", @"GSSuppressAppIcon", nil]];
 }
 
 bool setUpLook() {

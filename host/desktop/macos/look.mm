@@ -7,7 +7,9 @@
 
 // AppKit has its own look here; what a program is expected to bring along is the menu with Quit.
 
-void setUpDefaults() {}
+void setUpLanguages() {}
+
+void setUpFonts(const std::string& language) {}
 
 bool setUpLook() {
   [NSApp setActivationPolicy:NSApplicationActivationPolicyRegular];

@@ -114,12 +114,29 @@ TEST(DesktopLanguage, ARefusalIsSaidInJapanese) {
 
 TEST(DesktopLanguage, WhatIsSetForAllProgramsGoesBeforeTheEnvironment) {
   laySet();
-  ASSERT_EQ(runThrough({"defaults", "write", "NSGlobalDomain", "NSLanguages", R"(("Japanese"))"}).status, 0);
+  // GNUstep takes the home from the system's list of users, so that without this it would be the tester's own.
+  const ChildProgram::Environment ownDefaults{{"GNUSTEP_CONFIG_FILE", "/tmp/GNUstep.conf"}};
+  writeFile("/tmp/GNUstep.conf",
+            readFile("/etc/GNUstep/GNUstep.conf") + "GNUSTEP_USER_DEFAULTS_DIR=/tmp/Defaults\n");
+  ASSERT_EQ(
+      runThrough({"defaults", "write", "NSGlobalDomain", "NSLanguages", R"(("Japanese"))"}, ownDefaults).status,
+      0);
+  ASSERT_TRUE(exists("/tmp/Defaults/NSGlobalDomain.plist"));
 
-  DesktopProgram program({{"LANGUAGE", "de"}});
+  DesktopProgram program({{"LANGUAGE", "de"}, *ownDefaults.begin()});
   program.await("button: 続ける");
   EXPECT_THAT(program.lines(), IsSupersetOf({"window: Tessaphon のインストール", "step: はじめに",
                                              "step: データのインストール", "button: 戻る, off"}));
+}
+
+TEST(DesktopLanguage, WithoutAFontForItsLettersItSaysSoOnStandardError) {
+  laySet();
+  writeFile("/tmp/latin.conf", "<fontconfig><dir>/usr/share/fonts/truetype/liberation</dir></fontconfig>\n");
+
+  DesktopProgram japanese({{"LANGUAGE", "ja"}, {"FONTCONFIG_FILE", "/tmp/latin.conf"}});
+  EXPECT_THAT(japanese.standardError(), HasSubstr("tavinstall: この言語の文字を持つフォントがありません。"));
+  DesktopProgram german({{"LANGUAGE", "de"}, {"FONTCONFIG_FILE", "/tmp/latin.conf"}});
+  EXPECT_THAT(german.standardError(), Not(HasSubstr("tavinstall: ")));
 }
 
 struct Language {
