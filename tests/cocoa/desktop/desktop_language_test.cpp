@@ -79,7 +79,9 @@ TEST(DesktopLanguage, AnInstallInGermanIsTheSameButForItsWords) {
   EXPECT_THAT(german.lines,
               IsSupersetOf({"window: Tessaphon installieren", "step: Einführung", "step: Installation",
                             "step: Installation der Daten", "step: Zusammenfassung",
-                            "text: Willkommen beim Installer von Tessaphon", "button: Zurück, off",
+                            "text: Willkommen beim Installer von Tessaphon",
+                            "line: Mit Fortfahren beginnt die Installation.",
+                            "text: Die Installation ist unvollständig.", "button: Zurück, off",
                             "button: Fortfahren", "button: Fortfahren, off", "button: Schließen"}));
   EXPECT_THAT(german.lines, Each(Not(EndsWith("(cut)"))));
 }
