@@ -147,6 +147,7 @@ EngineProcess start(const EngineBody& body, Errors errors, const CommandTerminal
     close(events.readEnd);
     close(summary.readEnd);
     setsid();
+    keepToOneLanguage();
     if (terminal.commands >= 0) {
       close(terminal.face);
       survive(SIGHUP);  // that terminal goes when its face does

@@ -43,15 +43,24 @@ std::string nameOf(const CLI::Option& option) {
 }
 
 std::string textOf(const CLI::Option& option) {
-  const std::string given = option.get_default_str();
+  // A value that is not given: the variable's, if it is set, or the option's own.
+  std::string given = option.get_default_str();
+  if (given.empty() && !option.get_envname().empty()) {
+    given = "$" + option.get_envname();
+  }
   return option.get_description() + (given.empty() ? "" : " " + filled(_("(else {0})"), {given}));
 }
 
+bool hasCommands(const CLI::App& command) {
+  return !command.get_subcommands([](const CLI::App*) { return true; }).empty();
+}
+
 std::string usageOf(const CLI::App& command) {
-  if (command.get_parent() == nullptr) {
+  if (hasCommands(command)) {
     return filled(_("Usage: {0}"), {command.get_name() + _(" COMMAND [OPTION]...")});
   }
-  std::string line = command.get_parent()->get_name() + " " + command.get_name() + _(" [OPTION]...");
+  const std::string program = command.get_parent() == nullptr ? "" : command.get_parent()->get_name() + " ";
+  std::string line = program + command.get_name() + _(" [OPTION]...");
   for (const CLI::Option* option : command.get_options()) {
     line += option->get_positional() ? " " + nameOf(*option) : "";
   }
@@ -77,7 +86,7 @@ std::string helpText(const CLI::App& command) {
   for (const CLI::App* subcommand : command.get_subcommands([](const CLI::App*) { return true; })) {
     text += entry(subcommand->get_name(), subcommand->get_description(), kNameColumns);
   }
-  text += command.get_parent() == nullptr ? "\n" : "";
+  text += hasCommands(command) ? "\n" : "";
   for (const bool isPositional : {true, false}) {
     for (const CLI::Option* option : command.get_options()) {
       if (option->get_positional() == isPositional) {
@@ -86,7 +95,7 @@ std::string helpText(const CLI::App& command) {
     }
   }
   text += exitTextOf(command.get_name());
-  if (command.get_parent() == nullptr) {
+  if (hasCommands(command)) {
     text += std::string("\n") +
             _("tavinstall COMMAND --help says more, and so does the manual: man tavinstall") + "\n";
   }

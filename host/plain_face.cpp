@@ -227,7 +227,7 @@ class PlainFace {
           break;
       }
     } else if (isStopped_) {
-      printLine(std::string("! ") + _("Stopped.") + " " + lastLines_.afterStop);
+      printLine("! " + together(_("Stopped."), lastLines_.afterStop));
     } else if (status == ExitStatus::failure) {
       printLine(std::string("! ") + _("The installer's engine ended before its time."));
     }

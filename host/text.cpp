@@ -1,7 +1,8 @@
 #include "host/text.h"
 
+#include "platform/strings_language.h"
+
 #include <algorithm>
-#include <array>
 #include <clocale>
 #include <cstdlib>
 #include <cwchar>
@@ -14,14 +15,26 @@ namespace {
 
 constexpr const char* kDomain = "tavinstall";
 
-// What the environment says of the language of texts; null where it says nothing.
-const char* namedLocale() {
-  for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
-    if (const char* value = std::getenv(name); value != nullptr && *value != '\0') {
-      return value;
-    }
+bool isUntranslated() { return std::string_view(std::setlocale(LC_MESSAGES, nullptr)) == "C"; }
+
+// Catalogs are named after locales, which tell the scripts of Chinese by the country. There is none of English,
+// so "C" keeps what comes after it from being taken.
+std::string catalogOf(const std::string& folder) {
+  return folder == "zh-Hans" ? "zh_CN" : folder == "English" ? "C" : folder;
+}
+
+// The languages that the page's texts are looked for in, as the names of catalogs.
+std::string catalogNames() {
+  std::string names;
+  for (const std::string& folder : languageFolderNames()) {
+    names += (names.empty() ? "" : ":") + catalogOf(folder);
   }
-  return nullptr;
+  return names;
+}
+
+void bindCatalogs(const std::filesystem::path& catalogs) {
+  bindtextdomain(kDomain, catalogs.c_str());
+  bind_textdomain_codeset(kDomain, "UTF-8");
 }
 
 std::string fillFrom(std::string_view pattern, const std::string_view* values, std::size_t count) {
@@ -51,17 +64,33 @@ void speakUsersLanguage(const std::filesystem::path& catalogs) {
   if (std::setlocale(LC_MESSAGES, "") == nullptr) {
     // The system lacks the user's locale, as small systems do. The catalogs do not need it: any locale but
     // "C" makes them be looked at, and LANGUAGE says which.
-    if (const char* named = namedLocale();
-        named != nullptr && std::setlocale(LC_MESSAGES, "C.UTF-8") != nullptr) {
-      const char* languages = std::getenv("LANGUAGE");
-      setenv("LANGUAGE", named, languages == nullptr || *languages == '\0' ? 1 : 0);
-    }
+    std::setlocale(LC_MESSAGES, "C.UTF-8");
   }
-  bindtextdomain(kDomain, catalogs.c_str());
-  bind_textdomain_codeset(kDomain, "UTF-8");
+  if (!isUntranslated()) {
+    setenv("LANGUAGE", catalogNames().c_str(), 1);
+  }
+  bindCatalogs(catalogs);
+}
+
+void speakLanguage(const std::string& language, const std::filesystem::path& catalogs) {
+  if (std::setlocale(LC_MESSAGES, "C.UTF-8") == nullptr) {
+    std::setlocale(LC_MESSAGES, "");
+  }
+  setenv("LANGUAGE", catalogOf(language).c_str(), 1);
+  bindCatalogs(catalogs);
+}
+
+void keepToOneLanguage() {
+  if (isUntranslated()) {
+    unsetenv("LANGUAGE");
+  }
 }
 
 void speakEnglish() { std::setlocale(LC_MESSAGES, "C"); }
+
+void keepSystemTextsEnglish() {
+  bindtextdomain("libc", "/dev/null");  // where no catalog can be
+}
 
 const char* _(const char* english) { return dgettext(kDomain, english); }
 
@@ -76,6 +105,10 @@ std::string counted(const char* one, const char* several, std::int64_t number,
   values.insert(values.end(), more);
   const auto count = static_cast<unsigned long>(std::max<std::int64_t>(number, 0));
   return fillFrom(dngettext(kDomain, one, several, count), values.data(), values.size());
+}
+
+std::string together(std::string_view first, std::string_view second) {
+  return filled(_("{0} {1}"), {first, second});
 }
 
 std::size_t columnsOf(std::string_view text) {

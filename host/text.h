@@ -19,11 +19,23 @@
 namespace tavenhall {
 
 // From now on texts are in the language that the environment names, as far as there is a catalog of it below
-// `catalogs`. Once, before any thread is started.
+// `catalogs`: in the one that the page's own texts come in. Once, before any thread is started.
 void speakUsersLanguage(const std::filesystem::path& catalogs);
+
+// The same with the language said: by the name of its folder in a bundle, "de" or "zh-Hans". In English where
+// there is no catalog of it.
+void speakLanguage(const std::string& language, const std::filesystem::path& catalogs);
+
+// To be called where the page is shown to people: in the locale "C", in which this program speaks English
+// whatever LANGUAGE says, the page is to do so too. While there is one thread.
+void keepToOneLanguage();
 
 // From now on texts are in English again, those of the C library too. While there is one thread.
 void speakEnglish();
+
+// From now on the C library's own texts are in English, whatever the program speaks: for a process that has the
+// page in it, which writes them into its log. While there is one thread.
+void keepSystemTextsEnglish();
 
 // The translation of a text. Lives for the process. Any thread.
 [[nodiscard]] const char* _(const char* english);
@@ -38,6 +50,9 @@ void speakEnglish();
 // have other forms, and rules for them, of their own. Further values, from {1} on, may follow.
 [[nodiscard]] std::string counted(const char* one, const char* several, std::int64_t number,
                                   std::initializer_list<std::string_view> more = {});
+
+// Two whole sentences, one after the other.
+[[nodiscard]] std::string together(std::string_view first, std::string_view second);
 
 // How many columns of a terminal the text takes, as LC_CTYPE has it; what is no character takes one.
 [[nodiscard]] std::size_t columnsOf(std::string_view text);

@@ -2,16 +2,19 @@
 
 #include "host/build_facts.h"
 #include "host/bundle_loader.h"
+#include "host/command_line.h"
+#include "host/help_text.h"
 #include "host/plain_printer.h"
 #include "host/pre_install.h"
+#include "host/text.h"
 #include "host/usage_error.h"
 
 #include <CLI/CLI.hpp>
+#include <cstdio>
 #include <exception>
 #include <fcntl.h>
-#include <iterator>
+#include <sstream>
 #include <unistd.h>
-#include <utility>
 
 namespace tavenhall {
 
@@ -46,21 +49,29 @@ RunOptions readOptions(CLI::App& program, int argumentCount, char** arguments) {
   std::string package;
   std::string product;
   std::string bundle;
-  program.set_version_flag("--version", std::string("tavinstall-desktop ") + kVersion);
-  program.add_option("--package", package, "The installer package; its data lies beside it or on discs")
+  program.formatter_fn(
+      [](const CLI::App* app, const std::string&, CLI::AppFormatMode) { return helpText(*app); });
+  program.set_help_flag("-h,--help", _("Say this"));
+  program.set_version_flag("--version", std::string("tavinstall-desktop ") + kVersion,
+                           _("Say which version this is"));
+  program.add_option("--package", package, _("The installer package; its data lies beside it or on discs"))
       ->type_name("PATH")
       ->envname("TAVINSTALL_PACKAGE")
       ->required();
-  program.add_option("--install-type", options.installType, "The edition to install, where there is a choice")
-      ->check(CLI::IsMember({"Lite", "Full"}))
-      ->type_name("")
+  program
+      .add_option("--install-type", options.installType,
+                  _("Lite or Full: the edition to install, where there is a choice"))
+      ->check(oneOf({"Lite", "Full"}))
+      ->type_name("TYPE")
       ->envname("TAVINSTALL_INSTALL_TYPE");
-  CLI::Option* productOption =
-      program.add_option("--product", product, "The product whose plug-in shows the page")
-          ->check(CLI::IsMember(std::vector<std::string>{std::begin(kProducts), std::end(kProducts)}))
-          ->type_name("")
-          ->envname("TAVINSTALL_PRODUCT");
-  program.add_option("--bundle", bundle, "The plug-in bundle, instead of a product's own")
+  CLI::Option* productOption = program
+                                   .add_option("--product", product,
+                                               filled(_("The product whose plug-in shows the page: {0}"),
+                                                      {CLI::detail::join(productNames(), ", ")}))
+                                   ->check(oneOf(productNames()))
+                                   ->type_name("NAME")
+                                   ->envname("TAVINSTALL_PRODUCT");
+  program.add_option("--bundle", bundle, _("The plug-in bundle, instead of a product's own"))
       ->type_name("DIR")
       ->envname("TAVINSTALL_BUNDLE")
       ->excludes(productOption);
@@ -73,13 +84,22 @@ RunOptions readOptions(CLI::App& program, int argumentCount, char** arguments) {
 
 }  // namespace
 
+void DesktopRun::speak(const std::string& language) noexcept {
+  orElse(false, [&] {
+    speakLanguage(language, findCatalogs());
+    return true;
+  });
+}
+
 std::optional<ExitStatus> DesktopRun::read(int argumentCount, char** arguments) noexcept {
   return orElse(std::optional(ExitStatus::badUsage), [&]() -> std::optional<ExitStatus> {
-    CLI::App program{"Plays the installer around the data page, in a window.", "tavinstall-desktop"};
+    CLI::App program{_("Plays the installer around the data page, in a window."), "tavinstall-desktop"};
     try {
       options_ = readOptions(program, argumentCount, arguments);
     } catch (const CLI::Success& request) {
-      program.exit(request);  // help or version, on standard output
+      std::ostringstream text;
+      program.exit(request, text);  // help or version
+      std::fputs(text.str().c_str(), stdout);
       return ExitStatus::success;
     }
     bundlePath_ = options_.bundle.string();
@@ -92,7 +112,7 @@ std::optional<ExitStatus> DesktopRun::read(int argumentCount, char** arguments) 
 
 DesktopText DesktopRun::introduction() const noexcept {
   return orElse(DesktopText{}, [this] {
-    return DesktopText{{"Welcome to the " + productName() + " installer", Style::heading},
+    return DesktopText{{filled(_("Welcome to the {0} installer"), {productName()}), Style::heading},
                        introductionLines(page_.introduction, kUnwrapped)};
   });
 }
@@ -102,6 +122,7 @@ std::string DesktopRun::prepare() noexcept {
     lock_ = std::make_unique<InstallLock>(true);
     runPreInstallStep(options_);
     addStandInsToPath();
+    keepSystemTextsEnglish();
     return {};
   } catch (const std::exception& error) {
     return error.what();

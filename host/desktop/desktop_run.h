@@ -27,6 +27,9 @@ struct DesktopText {
 
 class DesktopRun {
  public:
+  // From now on the installer's own texts are in that language, named as its folder in a bundle is.
+  static void speak(const std::string& language) noexcept;
+
   // Takes the options, each from the arguments or else from the environment. Where there is nothing to show
   // (a request for help, or something that cannot be used), says so on the standard streams and gives the exit
   // status. Before any thread.

@@ -2,22 +2,20 @@
 
 #include "host/desktop/desktop_run.h"
 #import "host/desktop/installer_window.h"
+#import "host/desktop/ns_string.h"
 #import "host/desktop/palette.h"
 #import "host/desktop/text_page.h"
+#include "host/text.h"
 
 #include <cstdio>
 #include <unistd.h>
 
 namespace {
 
+using tavenhall::_;
 using tavenhall::DesktopText;
 using tavenhall::ExitStatus;
 using tavenhall::Style;
-
-NSString* string(const std::string& text) {
-  NSString* made = [NSString stringWithUTF8String:text.c_str()];
-  return made != nil ? made : @"";
-}
 
 // No destructor may run under a page thread that still does.
 [[noreturn]] void endProcess(ExitStatus status) {
@@ -38,13 +36,13 @@ NSProgressIndicator* barIn(NSView* view) {
 }
 
 // The first button's answer is 1000.
-BOOL isFirstButton(NSString* message, NSString* text, NSString* first, NSString* second) {
+BOOL isFirstButton(const char* message, const std::string& text, const char* first, const char* second) {
   NSAlert* alert = [[[NSAlert alloc] init] autorelease];
-  [alert setMessageText:message];
-  [alert setInformativeText:text];
-  [alert addButtonWithTitle:first];
-  if (second != nil) {
-    [alert addButtonWithTitle:second];
+  [alert setMessageText:nsString(message)];
+  [alert setInformativeText:nsString(text)];
+  [alert addButtonWithTitle:nsString(first)];
+  if (second != nullptr) {
+    [alert addButtonWithTitle:nsString(second)];
   }
   return [alert runModal] == NSAlertFirstButtonReturn;
 }
@@ -62,13 +60,13 @@ BOOL isFirstButton(NSString* message, NSString* text, NSString* first, NSString*
 // Not sooner: on its way here GNUstep's application talks to other programs, and must not be disturbed by
 // events.
 - (void)applicationDidFinishLaunching:(NSNotification*)notification {
-  NSBundle* bundle = [NSBundle bundleWithPath:string(run_->bundlePath())];
+  NSBundle* bundle = [NSBundle bundleWithPath:nsString(run_->bundlePath())];
   section_ = [[InstallerSection sectionOfBundle:bundle installer:self] retain];
   if (section_ == nil) {
     endProcess(ExitStatus::badUsage);  // why is logged
   }
-  NSString* title = [@"Install " stringByAppendingString:string(run_->productName())];
-  window_ = [[InstallerWindow alloc] initWithTitle:title target:self];
+  const std::string title = tavenhall::filled(_("Install {0}"), {run_->productName()});
+  window_ = [[InstallerWindow alloc] initWithTitle:nsString(title) target:self];
   [window_ setDelegate:(id)self];
   [self showIntroduction];
   [window_ makeKeyAndOrderFront:nil];
@@ -78,8 +76,8 @@ BOOL isFirstButton(NSString* message, NSString* text, NSString* first, NSString*
 // ---- The pages ----
 
 - (void)showStep:(NSUInteger)current {
-  NSArray* titles =
-      [NSArray arrayWithObjects:@"Introduction", @"Installation", [section_ title], @"Summary", nil];
+  NSArray* titles = [NSArray arrayWithObjects:nsString(_("Introduction")), nsString(_("Installation")),
+                                              [section_ title], nsString(_("Summary")), nil];
   [window_ setSteps:titles current:current];
 }
 
@@ -87,7 +85,7 @@ BOOL isFirstButton(NSString* message, NSString* text, NSString* first, NSString*
   const unsigned color = text.heading.style == Style::good  ? palette::kGood
                          : text.heading.style == Style::bad ? palette::kBad
                                                             : palette::kText;
-  [window_ setHeading:string(text.heading.text) color:paletteColor(color)];
+  [window_ setHeading:nsString(text.heading.text) color:paletteColor(color)];
   [window_ setPage:textPage(attributedText(text.lines), [window_ pageFrame])];
 }
 
@@ -106,14 +104,14 @@ BOOL isFirstButton(NSString* message, NSString* text, NSString* first, NSString*
   [self showText:run_->summary()];
   [window_ setPace:@""];
   [[window_ backButton] setEnabled:NO];
-  [[window_ continueButton] setTitle:@"Close"];
+  [window_ setContinueTitle:nsString(_("Close"))];
   [[window_ continueButton] setEnabled:YES];
 }
 
 - (void)prepareAndEnter {
   const std::string problem = run_->prepare();
   if (!problem.empty()) {
-    isFirstButton(@"The installation cannot begin.", string(problem), @"OK", nil);
+    isFirstButton(_("The installation cannot begin."), problem, _("OK"), nullptr);
     return;
   }
   stage_ = StageSection;
@@ -163,7 +161,7 @@ BOOL isFirstButton(NSString* message, NSString* text, NSString* first, NSString*
     const BOOL isAsking = [NSApp modalWindow] != nil;
     run_->setPaused(isAsking);
     const BOOL isCopying = !isAsking && ![[section_ activePane] nextEnabled];
-    [window_ setPace:isCopying ? string(run_->paceText()) : @""];
+    [window_ setPace:isCopying ? nsString(run_->paceText()) : @""];
   }
 }
 
@@ -216,9 +214,9 @@ BOOL isFirstButton(NSString* message, NSString* text, NSString* first, NSString*
     endProcess(run_->exitStatus());
   }
   if (stage_ == StageSection &&
-      isFirstButton(@"Stop the installation?",
-                    @"What was copied so far stays; run the installer again to complete it.", @"Go On",
-                    @"Stop")) {
+      isFirstButton(_("Stop the installation?"),
+                    _("What was copied so far stays; run the installer again to complete it."), _("Go On"),
+                    _("Stop"))) {
     return NO;
   }
   endProcess(ExitStatus::failure);

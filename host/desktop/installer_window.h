@@ -25,6 +25,9 @@
 - (NSRect)pageFrame;
 - (void)setPage:(NSView*)content;
 
+// The button is as wide as its title needs.
+- (void)setContinueTitle:(NSString*)title;
+
 // A quiet line at the lower left.
 - (void)setPace:(NSString*)text;
 

@@ -1,7 +1,12 @@
 #import "host/desktop/installer_window.h"
 
+#import "host/desktop/ns_string.h"
 #import "host/desktop/palette.h"
 #import "host/desktop/step_list.h"
+#include "host/text.h"
+
+#include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -10,7 +15,7 @@ constexpr CGFloat kPageWidth = 418.0;
 constexpr CGFloat kPageHeight = 330.0;
 constexpr CGFloat kMargin = 20.0;
 constexpr CGFloat kSideWidth = 178.0;
-constexpr CGFloat kButtonWidth = 96.0;
+constexpr CGFloat kSmallestButtonWidth = 96.0;
 constexpr CGFloat kButtonHeight = 28.0;
 constexpr CGFloat kButtonGap = 10.0;
 constexpr CGFloat kHeadingHeight = 20.0;
@@ -34,10 +39,10 @@ NSTextField* label(NSRect frame, NSFont* font) {
   return field;
 }
 
-NSButton* button(NSString* title, CGFloat right, id target, SEL action) {
-  NSButton* made = [[[NSButton alloc]
-      initWithFrame:NSMakeRect(right - kButtonWidth, kMargin, kButtonWidth, kButtonHeight)] autorelease];
-  [made setTitle:title];
+// Its place is still to be found.
+NSButton* button(const char* title, id target, SEL action) {
+  NSButton* made = [[[NSButton alloc] initWithFrame:NSZeroRect] autorelease];
+  [made setTitle:nsString(title)];
   [made setBezelStyle:NSRoundedBezelStyle];
   [made setTarget:target];
   [made setAction:action];
@@ -75,13 +80,12 @@ NSButton* button(NSString* title, CGFloat right, id target, SEL action) {
   heading_ = [label(NSMakeRect(kLeft, kHeadingBottom, kPageWidth + 4.0, kHeadingHeight),
                     [NSFont boldSystemFontOfSize:15.0]) retain];
   page_ = [[PageSheet alloc] initWithFrame:NSMakeRect(kLeft, kPageBottom, kPageWidth + 2.0, kPageHeight + 2.0)];
-  continueButton_ = [button(@"Continue", kWidth - kMargin, target, @selector(goOn:)) retain];
+  continueButton_ = [button(tavenhall::_("Continue"), target, @selector(goOn:)) retain];
   [continueButton_ setKeyEquivalent:@"\r"];
-  backButton_ =
-      [button(@"Go Back", kWidth - kMargin - kButtonWidth - kButtonGap, target, @selector(goBack:)) retain];
-  pace_ = [label(NSMakeRect(kLeft, kMargin + 5.0, kPageWidth - 2.0 * (kButtonWidth + kButtonGap), 17.0),
-                 [NSFont systemFontOfSize:12.0]) retain];
+  backButton_ = [button(tavenhall::_("Go Back"), target, @selector(goBack:)) retain];
+  pace_ = [label(NSZeroRect, [NSFont systemFontOfSize:12.0]) retain];
   [pace_ setTextColor:paletteColor(palette::kQuietText)];
+  [self layOutLowestRow];
   for (NSView *view in
        [NSArray arrayWithObjects:steps_, heading_, page_, pace_, backButton_, continueButton_, nil]) {
     [content addSubview:view];
@@ -98,6 +102,17 @@ NSButton* button(NSString* title, CGFloat right, id target, SEL action) {
   [backButton_ release];
   [continueButton_ release];
   [super dealloc];
+}
+
+// The buttons from the right, each as wide as its title needs; what they leave is the pace's.
+- (void)layOutLowestRow {
+  CGFloat right = kWidth - kMargin;
+  for (NSButton *button in [NSArray arrayWithObjects:continueButton_, backButton_, nil]) {
+    const CGFloat width = std::max(kSmallestButtonWidth, std::ceil([[button cell] cellSize].width));
+    [button setFrame:NSMakeRect(right - width, kMargin, width, kButtonHeight)];
+    right -= width + kButtonGap;
+  }
+  [pace_ setFrame:NSMakeRect(kLeft, kMargin + 5.0, right - kLeft, 17.0)];
 }
 
 - (void)setSteps:(NSArray*)titles current:(NSUInteger)current {
@@ -121,6 +136,11 @@ NSButton* button(NSString* title, CGFloat right, id target, SEL action) {
   [content setFrameOrigin:NSMakePoint(1.0 + (kPageWidth - frame.size.width) / 2.0,
                                       1.0 + (kPageHeight - frame.size.height) / 2.0)];
   [page_ addSubview:content];
+}
+
+- (void)setContinueTitle:(NSString*)title {
+  [continueButton_ setTitle:title];
+  [self layOutLowestRow];
 }
 
 - (void)setPace:(NSString*)text {

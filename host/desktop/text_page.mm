@@ -1,6 +1,10 @@
 #import "host/desktop/text_page.h"
 
+#import "host/desktop/ns_string.h"
 #import "host/desktop/palette.h"
+
+#include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -8,7 +12,8 @@ using tavenhall::Line;
 using tavenhall::Span;
 using tavenhall::Style;
 
-constexpr CGFloat kLabelColumn = 68.0;
+constexpr CGFloat kSmallestLabelColumn = 68.0;
+constexpr CGFloat kLabelGap = 12.0;
 constexpr CGFloat kInset = 14.0;
 
 unsigned colorOf(Style style) {
@@ -21,24 +26,39 @@ unsigned colorOf(Style style) {
   }
 }
 
-NSString* textOf(const Span& span) {
-  NSString* text = [NSString stringWithUTF8String:span.text.c_str()];
-  return text != nil ? text : @"";
-}
-
-NSDictionary* attributesOf(Style style, BOOL isLabelled) {
+// `labelColumn` is 0 where there are no labels.
+NSDictionary* attributesOf(Style style, CGFloat labelColumn) {
   NSMutableParagraphStyle* paragraph = [[[NSMutableParagraphStyle alloc] init] autorelease];
   [paragraph setParagraphSpacing:3.0];
-  if (isLabelled) {
-    NSTextTab* tab = [[[NSTextTab alloc] initWithType:NSLeftTabStopType location:kLabelColumn] autorelease];
+  if (labelColumn > 0.0) {
+    NSTextTab* tab = [[[NSTextTab alloc] initWithType:NSLeftTabStopType location:labelColumn] autorelease];
     [paragraph setTabStops:[NSArray arrayWithObject:tab]];
-    [paragraph setHeadIndent:kLabelColumn];
+    [paragraph setHeadIndent:labelColumn];
     [paragraph setLineBreakMode:NSLineBreakByCharWrapping];  // beside a label stands a path
   }
   NSFont* font = style == Style::strong ? [NSFont boldSystemFontOfSize:13.0] : [NSFont systemFontOfSize:13.0];
   return [NSDictionary dictionaryWithObjectsAndKeys:font, NSFontAttributeName, paletteColor(colorOf(style)),
                                                     NSForegroundColorAttributeName, paragraph,
                                                     NSParagraphStyleAttributeName, nil];
+}
+
+// A line of two spans begins with its label, filled up with blanks.
+BOOL isLabelled(const Line& line) { return line.size() == 2; }
+
+NSString* labelOf(const Line& line) {
+  return [nsString(line.front().text) stringByTrimmingCharactersInSet:[NSCharacterSet whitespaceCharacterSet]];
+}
+
+// Wide enough for each of the labels.
+CGFloat labelColumnOf(const std::vector<Line>& lines) {
+  CGFloat column = kSmallestLabelColumn;
+  for (const Line& line : lines) {
+    if (isLabelled(line)) {
+      const NSSize size = [labelOf(line) sizeWithAttributes:attributesOf(line.front().style, 0.0)];
+      column = std::max(column, std::ceil(size.width) + kLabelGap);
+    }
+  }
+  return column;
 }
 
 void append(NSMutableAttributedString* all, NSString* text, NSDictionary* attributes) {
@@ -50,18 +70,14 @@ void append(NSMutableAttributedString* all, NSString* text, NSDictionary* attrib
 
 NSAttributedString* attributedText(const std::vector<Line>& lines) {
   NSMutableAttributedString* all = [[[NSMutableAttributedString alloc] init] autorelease];
+  const CGFloat labelColumn = labelColumnOf(lines);
   for (const Line& line : lines) {
-    // A line of two spans begins with its label, filled up with blanks.
-    const BOOL isLabelled = line.size() == 2;
-    NSCharacterSet* blanks = [NSCharacterSet whitespaceCharacterSet];
     for (const Span& span : line) {
-      NSString* text = textOf(span);
-      if (isLabelled && &span == &line.front()) {
-        text = [[text stringByTrimmingCharactersInSet:blanks] stringByAppendingString:@"\t"];
-      }
-      append(all, text, attributesOf(span.style, isLabelled));
+      const BOOL isLabel = isLabelled(line) && &span == &line.front();
+      append(all, isLabel ? [labelOf(line) stringByAppendingString:@"\t"] : nsString(span.text),
+             attributesOf(span.style, isLabelled(line) ? labelColumn : 0.0));
     }
-    append(all, @"\n", attributesOf(Style::text, NO));
+    append(all, @"\n", attributesOf(Style::text, 0.0));
   }
   return all;
 }

@@ -1,6 +1,7 @@
 #include "host/terminal/introduction.h"
 
 #include "host/plain_printer.h"
+#include "host/text.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -14,7 +15,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::size_t kMostSources = 8;
-constexpr int kIndent = 8;
+constexpr int kLeastIndent = 8;
 constexpr std::string_view kVolumes = "/Volumes/";
 
 // Paths as people write them: the page joins them with more slashes and dots than anybody wants to read.
@@ -38,22 +39,22 @@ std::string sourceName(const PlannedVolume& volume) {
   }
   const std::string name =
       volume.root.starts_with(kVolumes) ? volume.root.substr(kVolumes.size()) : volume.root;
-  return "Disc " + name + (volume.isOptional ? " (if you have it)" : "");
+  return filled(volume.isOptional ? _("Disc {0} (if you have it)") : _("Disc {0}"), {name});
 }
 
 std::string whatText(const InstallPlan& plan) {
-  std::string text = "This installs the sample data of " + plan.product.pluginName;
+  const std::string& name = plan.product.pluginName;
   const EditionPlan& editions = plan.editions;
   if (plan.mode == kModeProductUpdater) {
-    text = "This updates " + plan.product.pluginName;
-    if (!editions.libraries.empty()) {
-      text += " and the data of " + std::to_string(editions.libraries.size()) +
-              (editions.libraries.size() == 1 ? " library" : " libraries");
-    }
-  } else if (editions.isOffered) {
-    text += editions.allAreLite ? ", the Lite edition" : ", the Full edition";
+    return editions.libraries.empty() ? filled(_("This updates {0}."), {name})
+                                      : counted("This updates {1} and the data of {0} library.",
+                                                "This updates {1} and the data of {0} libraries.",
+                                                static_cast<std::int64_t>(editions.libraries.size()), {name});
   }
-  return text + ".";
+  const char* text = !editions.isOffered   ? _("This installs the sample data of {0}.")
+                     : editions.allAreLite ? _("This installs the sample data of {0}, the Lite edition.")
+                                           : _("This installs the sample data of {0}, the Full edition.");
+  return filled(text, {name});
 }
 
 void collectPlaces(const InstallPlan& plan, Introduction& introduction) {
@@ -70,18 +71,20 @@ void collectPlaces(const InstallPlan& plan, Introduction& introduction) {
   if (introduction.from.size() > kMostSources) {
     const std::size_t more = introduction.from.size() - kMostSources + 1;
     introduction.from.resize(kMostSources - 1);
-    introduction.from.push_back("and " + std::to_string(more) + " more");
+    introduction.from.push_back(filled(_("and {0} more"), {std::to_string(more)}));
   }
 }
 
 void appendPlaces(std::vector<Line>& lines, const std::string& label, const std::vector<std::string>& places,
-                  int width) {
+                  int indent, int width) {
   std::string left = label;
   for (const std::string& place : places) {
-    append(lines, labelledLines(left, place, kIndent, width));
+    append(lines, labelledLines(left, place, indent, width));
     left.clear();
   }
 }
+
+std::string sizeOf(std::int64_t bytes) { return sizeText(static_cast<double>(bytes)); }
 
 }  // namespace
 
@@ -126,38 +129,43 @@ Introduction introduce(const InstallPlan& plan, const FreeBytes& freeBytes) {
 }
 
 std::string shortRoomText(const Introduction& introduction) {
-  return "The data takes " + sizeText(static_cast<double>(*introduction.neededBytes)) + ", and the disk has " +
-         sizeText(static_cast<double>(*introduction.freeBytes)) + " free.";
+  return filled(_("The data takes {0}, and the disk has {1} free."),
+                {sizeOf(*introduction.neededBytes), sizeOf(*introduction.freeBytes)});
 }
 
 std::vector<Line> introductionLines(const Introduction& introduction, int width) {
+  const char* from = _("From");
+  const char* to = _("To");
+  const char* size = _("Size");
+  const char* free = _("Free");
+  const int indent = std::max(labelColumns({from, to, size, free}), kLeastIndent);
+
   std::vector<Line> lines = wrappedLines(introduction.what, width);
   lines.emplace_back();
-  appendPlaces(lines, "From", introduction.from, width);
+  appendPlaces(lines, from, introduction.from, indent, width);
   lines.emplace_back();
-  appendPlaces(lines, "To", introduction.to, width);
+  appendPlaces(lines, to, introduction.to, indent, width);
   lines.emplace_back();
-  const std::string size =
-      introduction.neededBytes ? sizeText(static_cast<double>(*introduction.neededBytes)) : "not announced";
-  append(lines, labelledLines("Size", size, kIndent, width));
+  append(lines,
+         labelledLines(size, introduction.neededBytes ? sizeOf(*introduction.neededBytes) : _("not announced"),
+                       indent, width));
   if (introduction.freeBytes) {
-    append(lines,
-           labelledLines("Free", sizeText(static_cast<double>(*introduction.freeBytes)) + " on that disk",
-                         kIndent, width, introduction.isRoomShort() ? Style::bad : Style::text));
+    append(lines, labelledLines(free, filled(_("{0} on that disk"), {sizeOf(*introduction.freeBytes)}), indent,
+                                width, introduction.isRoomShort() ? Style::bad : Style::text));
   }
   if (introduction.isRoomShort()) {
     lines.emplace_back();
-    append(lines,
-           wrappedLines("There may not be enough room. " + shortRoomText(introduction), width, Style::bad));
+    append(lines, wrappedLines(together(_("There may not be enough room."), shortRoomText(introduction)), width,
+                               Style::bad));
   }
   if (!introduction.isDestinationThere) {
     lines.emplace_back();
-    append(lines, wrappedLines("The folder for the data is not there yet. Install " + introduction.productName +
-                                   " itself first.",
+    append(lines, wrappedLines(filled(_("The folder for the data is not there yet. Install {0} itself first."),
+                                      {introduction.productName}),
                                width, Style::bad));
   }
   lines.emplace_back();
-  append(lines, wrappedLines("Press Continue to begin.", width, Style::dim));
+  append(lines, wrappedLines(_("Press Continue to begin."), width, Style::dim));
   return lines;
 }
 

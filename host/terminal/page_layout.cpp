@@ -2,6 +2,7 @@
 
 #include "host/plain_printer.h"
 #include "host/terminal/shown_text.h"
+#include "host/text.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,7 +18,17 @@ constexpr int kProgressRows = 6;   // a blank line, the bar, the status, a blank
 constexpr int kWidestText = 100;   // longer lines are hard to read
 constexpr int kButtonColumns = 6;  // of a button beside its label, with the gap to the next
 
-// The page's rectangles, as far as they depend on the size alone.
+// The least that the steps take: their longest word stands in one line, as far as that leaves room for the
+// text.
+int leastSideColumns(int columns, const std::vector<Step>& steps) {
+  int widest = 0;
+  for (const Step& step : steps) {
+    widest = std::max(widest, widestWord(step.title));
+  }
+  return std::clamp(widest + 2, 17, std::min(columns / 3, 30));
+}
+
+// The page's rectangles.
 struct Frame {
   Size size;
   int sideColumns;
@@ -25,9 +36,9 @@ struct Frame {
   int textColumns;
   int bodyRows;
 
-  explicit Frame(Size its)
+  Frame(Size its, const std::vector<Step>& steps)
       : size(its),
-        sideColumns(std::clamp(its.columns / 4, 17, 30)),
+        sideColumns(std::clamp(its.columns / 4, leastSideColumns(its.columns, steps), 30)),
         textColumn(kMargin + sideColumns + 2),
         textColumns(std::min(its.columns - textColumn - kMargin - 2, kWidestText)),
         bodyRows(its.rows - kTop - kBottom) {}
@@ -82,9 +93,15 @@ void putBar(LayerWriter& page, const Frame& frame, int row, const ProgressMeter&
   }
 }
 
-void putBothEnds(LayerWriter& page, const Frame& frame, int row, const std::string& left,
+// A text at each end of a row; the left one in the first of its forms that leaves room for the right one.
+void putBothEnds(LayerWriter& page, const Frame& frame, int row, const std::vector<std::string>& leftForms,
                  const std::string& right) {
-  page.put(row, frame.textColumn, left, Style::dim);
+  const int room = frame.textColumns - (right.empty() ? 0 : widthOf(right) + 1);
+  const auto left =
+      std::ranges::find_if(leftForms, [room](const std::string& form) { return widthOf(form) <= room; });
+  if (left != leftForms.end()) {
+    page.put(row, frame.textColumn, *left, Style::dim);
+  }
   page.put(row, frame.textColumn + frame.textColumns - widthOf(right), right, Style::dim);
 }
 
@@ -95,44 +112,60 @@ void putProgress(LayerWriter& page, const Frame& frame, PageModel& model, PageMo
   const Span status = model.statusLine();
   page.put(row + 1, frame.textColumn, cutAtEnd(status.text, frame.textColumns), status.style);
 
-  std::string copied;
-  if (const auto bytes = meter.copied(); bytes && *bytes > 0.0) {
-    const auto total = meter.total();
-    copied = sizeText(*bytes) + (total ? " of " + sizeText(*total) : "") + " copied";
+  std::vector<std::string> copied;
+  if (meter.copied().value_or(0.0) > 0.0) {
+    const std::string amount = amountText(meter);
+    copied = {filled(_("{0} copied"), {amount}), amount};
   }
   const auto rate = meter.rate(now);
   putBothEnds(page, frame, row + 3, copied, rate ? sizeText(*rate) + "/s" : "");
 
-  const double passed = meter.passed(now).count();
+  const std::string passed = durationText(std::floor(meter.passed(now).count()));
   const auto minutes = meter.minutesLeft(now);
-  putBothEnds(page, frame, row + 4, durationText(std::floor(passed)) + " passed",
+  putBothEnds(page, frame, row + 4, {filled(_("{0} passed"), {passed}), passed},
               minutes ? timeLeftText(*minutes) : "");
 }
 
-// The keys that do something now.
-std::string keysText(const Layer& front, bool isLastPage, const Signs& signs) {
-  constexpr const char* kGap = "   ";
-  std::string text;
-  if (front.buttons.size() > 1) {
-    text += std::string("Tab choose") + kGap;
+// The keys that do something now, from the last on as many as there is room for.
+std::string keysText(const Layer& front, bool isLastPage, int columns, const Signs& signs) {
+  std::vector<std::string> keys{isLastPage ? _("Escape close") : _("Ctrl-C leave")};
+  if (front.extent.maximum > 0) {
+    keys.push_back(filled(_("{0} scroll"), {signs.arrows}));
   }
   if (!front.buttons.empty()) {
-    text += std::string("Enter press") + kGap;
+    keys.emplace_back(_("Enter press"));
   }
-  if (front.extent.maximum > 0) {
-    text += signs.arrows + std::string(" scroll") + kGap;
+  if (front.buttons.size() > 1) {
+    keys.emplace_back(_("Tab choose"));
   }
-  return text + (isLastPage ? "Escape close" : "Ctrl-C leave");
+  std::string text = keys[0];
+  for (std::size_t i = 1; i < keys.size(); ++i) {
+    if (std::string more = keys[i] + "   " + text; widthOf(more) <= columns) {
+      text = std::move(more);
+    }
+  }
+  return text;
+}
+
+// How wide a row of these buttons is.
+int columnsOfButtons(const std::vector<PageButton>& buttons) {
+  int columns = -2;
+  for (const PageButton& button : buttons) {
+    columns += widthOf(button.label) + kButtonColumns;
+  }
+  return columns;
 }
 
 Layer layOutPage(PageModel& model, PageModel::Time now, Size size, const Signs& signs) {
-  const Frame frame(size);
+  const std::vector<Step> steps = model.steps();
+  const Frame frame(size, steps);
   LayerWriter page({0, 0, size.rows, size.columns}, signs);
   const int ruleColumns = size.columns - 2 * kMargin;
 
-  page.put(0, kMargin, cutAtEnd("Install " + model.introduction().productName, ruleColumns), Style::strong);
+  page.put(0, kMargin, cutAtEnd(filled(_("Install {0}"), {model.introduction().productName}), ruleColumns),
+           Style::strong);
   page.putRule(1, kMargin, ruleColumns);
-  putSteps(page, frame, model.steps());
+  putSteps(page, frame, steps);
 
   const Span heading = model.heading();
   const std::vector<Line> headingLines = wrappedLines(heading.text, frame.textColumns, heading.style);
@@ -151,10 +184,11 @@ Layer layOutPage(PageModel& model, PageModel::Time now, Size size, const Signs& 
 
   const int bottom = frame.bottomRow();
   page.putRule(bottom, kMargin, ruleColumns);
-  page.putButtons(model.buttons(), model.focus(), bottom + 1, size.columns - kMargin);
+  const std::vector<PageButton> buttons = model.buttons();
+  page.putButtons(buttons, model.focus(), bottom + 1, size.columns - kMargin);
   if (const std::string notice = model.notice(); !notice.empty() && hasProgress) {
-    constexpr int kBothButtons = 28;
-    page.put(bottom + 1, kMargin, cutAtEnd(notice, ruleColumns - kBothButtons), Style::warning);
+    const int room = ruleColumns - columnsOfButtons(buttons) - 3;
+    page.put(bottom + 1, kMargin, cutAtEnd(notice, room), Style::warning);
   }
   return page.take();
 }
@@ -162,10 +196,7 @@ Layer layOutPage(PageModel& model, PageModel::Time now, Size size, const Signs& 
 // The buttons with labels short enough for all of them to stand in one row.
 std::vector<PageButton> fittingButtons(std::vector<PageButton> buttons, int columns) {
   const int share = buttons.empty() ? 0 : (columns + 2) / static_cast<int>(buttons.size()) - kButtonColumns;
-  int needed = -2;
-  for (const PageButton& button : buttons) {
-    needed += widthOf(button.label) + kButtonColumns;
-  }
+  const int needed = columnsOfButtons(buttons);
   for (PageButton& button : buttons) {
     button.label = needed > columns ? cutAtEnd(button.label, std::max(share, 1)) : button.label;
   }
@@ -174,8 +205,8 @@ std::vector<PageButton> fittingButtons(std::vector<PageButton> buttons, int colu
 
 Layer layOutTooSmall(const PageModel& model, Size size, const Signs& signs) {
   LayerWriter page({0, 0, size.rows, size.columns}, signs);
-  const char* why = model.isWaitingForUser() ? "A question waits: please make this window larger (60x20)."
-                                             : "Please make this window larger (60x20).";
+  const char* why = model.isWaitingForUser() ? _("A question waits: please make this window larger (60x20).")
+                                             : _("Please make this window larger (60x20).");
   page.put(0, 0, cutAtEnd(why, size.columns), Style::text);
   return page.take();
 }
@@ -193,11 +224,7 @@ int windowTextColumns(const PageWindow& window, int most) {
       columns = std::max(columns, widthOf(line));
     }
   }
-  int buttons = -2;
-  for (const PageButton& button : window.buttons) {
-    buttons += widthOf(button.label) + kButtonColumns;
-  }
-  return std::clamp(std::max(columns, buttons), std::min(kLeast, most), most);
+  return std::clamp(std::max(columns, columnsOfButtons(window.buttons)), std::min(kLeast, most), most);
 }
 
 }  // namespace
@@ -243,8 +270,9 @@ std::vector<Layer> layOut(PageModel& model, PageModel::Time now, Size size, cons
     layers.push_back(layOutWindow(window, size, depth++, signs));
   }
   const bool isLastPage = model.stage() == PageModel::Stage::summary;
-  layers.front().runs.push_back(
-      {size.rows - 1, kMargin, keysText(layers.back(), isLastPage, signs), Style::dim});
+  layers.front().runs.push_back({size.rows - 1, kMargin,
+                                 keysText(layers.back(), isLastPage, size.columns - 2 * kMargin, signs),
+                                 Style::dim});
   return layers;
 }
 

@@ -1,6 +1,6 @@
 #include "host/terminal/page_model.h"
 
-#include "host/plain_printer.h"
+#include "host/text.h"
 #include "platform/installer_host.h"
 #include "platform/installer_pane.h"
 
@@ -17,13 +17,6 @@ constexpr std::size_t kMostMessages = 200;
 constexpr std::size_t kLongestMessage = 500;  // bytes
 
 std::string textOf(const ordered_json& event, const char* key) { return event.value(key, std::string()); }
-
-// "812.4 MB of 1.9 GB"
-std::string amountText(const ProgressMeter& meter) {
-  const auto copied = meter.copied();
-  const auto total = meter.total();
-  return !copied ? std::string() : sizeText(*copied) + (total ? " of " + sizeText(*total) : "");
-}
 
 }  // namespace
 
@@ -293,20 +286,20 @@ void PageModel::scroll(Action action, ScrollExtent extent) {
 void PageModel::ask(Question question) {
   PageWindow window;
   if (question == Question::leave) {
-    window.heading = "Leave the installer?";
+    window.heading = _("Leave the installer?");
     window.headingStyle = Style::warning;
     window.paragraphs = {{leaveText(), Style::text}};
-    window.buttons = buttonsWithKeys({"Go On", "Leave"});
+    window.buttons = ownButtons({N_("Go On"), N_("Leave")});
   } else {
-    window.heading = "There may not be enough room.";
+    window.heading = _("There may not be enough room.");
     window.headingStyle = Style::warning;
     window.paragraphs = {
         {shortRoomText(introduction_), Style::text},
         {},
-        {"The installation would then end with files that are missing or cut short. Data that is "
-         "replaced needs no room of its own.",
+        {_("The installation would then end with files that are missing or cut short. Data that is "
+           "replaced needs no room of its own."),
          Style::text}};
-    window.buttons = buttonsWithKeys({"Do Not Install", "Install Anyway"});
+    window.buttons = ownButtons({N_("Do Not Install"), N_("Install Anyway")});
   }
   question_ = Asked{question, std::move(window)};
 }
@@ -326,20 +319,22 @@ void PageModel::answerQuestion(std::size_t index, Time now) {
 
 std::string PageModel::leaveText() const {
   if (stage_ == Stage::introduction) {
-    return "Nothing has been installed yet.";
+    return _("Nothing has been installed yet.");
   }
   if (isIdle_) {
     return hasFailed_
-               ? "The installation has ended, and not everything was installed. The last page, which says "
-                 "what is missing, is still to come."
-               : "The data is installed; only the last page is still to come.";
+               ? _("The installation has ended, and not everything was installed. The last page, which says "
+                   "what is missing, is still to come.")
+               : _("The data is installed; only the last page is still to come.");
   }
-  std::string text = "The installation is not finished, and leaving stops it.";
+  std::string text = _("The installation is not finished, and leaving stops it.");
   if (const std::string amount = amountText(meter_); !amount.empty()) {
-    text += " " + amount + (meter_.total() ? " is copied" : " copied so far") + " and stays in " +
-            introduction_.destination + (alert_ ? "." : "; the file that is being copied is cut short.");
+    const char* stays = alert_
+                            ? _("{0} is copied and stays in {1}.")
+                            : _("{0} is copied and stays in {1}; the file that is being copied is cut short.");
+    text = together(text, filled(stays, {amount, introduction_.destination}));
   }
-  return text + " To complete it, run the installer again: it copies everything anew.";
+  return together(text, _("To complete it, run the installer again: it copies everything anew."));
 }
 
 }  // namespace tavenhall

@@ -1,5 +1,7 @@
 #include "host/terminal/page_model.h"
 
+#include "host/text.h"
+
 #include <algorithm>
 #include <chrono>
 #include <utility>
@@ -25,15 +27,15 @@ void PageModel::hearPasswordQuestion(const std::optional<std::string>& prompt, T
     return;
   }
   PageWindow window;
-  window.heading = "A password is needed";
+  window.heading = _("A password is needed");
   if (passwordToldAt_ && now - *passwordToldAt_ < kSoon && hasHeardSince_) {
     window.paragraphs = {{messages_.back(), Style::warning}, {}};
   }
-  window.paragraphs.push_back({"A command of the installation asks:"});
+  window.paragraphs.push_back({_("A command of the installation asks:")});
   window.paragraphs.push_back({*prompt, Style::strong});
   window.paragraphs.emplace_back();
   window.paragraphs.push_back({"", Style::field});
-  window.buttons = {{"OK"}, {"Cancel"}};  // without keys: every letter may belong to the password
+  window.buttons = {{_("OK")}, {_("Cancel")}};  // without keys: every letter may belong to the password
   password_ = std::move(window);
   showTyped();
   meter_.pause(now);

@@ -1,5 +1,7 @@
 #include "host/terminal/page_model.h"
 
+#include "host/text.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -7,7 +9,7 @@
 namespace tavenhall {
 
 std::vector<Step> PageModel::steps() const {
-  std::vector<Step> steps{{"Introduction"}, {"Installation"}, {title_}, {"Summary"}};
+  std::vector<Step> steps{{_("Introduction")}, {_("Installation")}, {title_}, {_("Summary")}};
   const std::size_t current = stage_ == Stage::introduction ? 0 : stage_ == Stage::page ? 2 : 3;
   for (std::size_t i = 0; i < current; ++i) {
     steps[i].state = StepState::done;
@@ -22,7 +24,7 @@ std::vector<Step> PageModel::steps() const {
 Span PageModel::heading() const {
   switch (stage_) {
     case Stage::introduction:
-      return {"Welcome to the " + introduction_.productName + " installer", Style::heading};
+      return {filled(_("Welcome to the {0} installer"), {introduction_.productName}), Style::heading};
     case Stage::page: return {title_, Style::heading};
     case Stage::summary: break;
   }
@@ -42,7 +44,7 @@ std::vector<Line> PageModel::textLines(int width) const {
 // not.
 Span PageModel::statusLine() const {
   if (stage_ == Stage::page && isIdle_ && hasFailed_) {
-    return {"Not everything was installed.", Style::bad};
+    return {_("Not everything was installed."), Style::bad};
   }
   return {status_, Style::text};
 }
@@ -50,7 +52,8 @@ Span PageModel::statusLine() const {
 std::string PageModel::notice() const { return messages_.empty() ? std::string() : messages_.back(); }
 
 std::vector<PageButton> PageModel::buttons() const {
-  std::vector<PageButton> shown = buttonsWithKeys({"Go Back", stage_ == Stage::summary ? "Close" : "Continue"});
+  std::vector<PageButton> shown =
+      ownButtons({N_("Go Back"), stage_ == Stage::summary ? N_("Close") : N_("Continue")});
   const bool isFree = !isAsked_ && !isClosing_;
   shown[0].isEnabled = stage_ == Stage::page && previousIsEnabled_ && isFree;
   shown[1].isEnabled = stage_ != Stage::page || (nextIsEnabled_ && isFree);

@@ -1,5 +1,7 @@
 #include "host/terminal/page_window.h"
 
+#include "host/text.h"
+
 #include <algorithm>
 
 namespace tavenhall {
@@ -36,6 +38,17 @@ std::vector<PageButton> buttonsWithKeys(const std::vector<std::string>& labels) 
   return buttons;
 }
 
+std::vector<PageButton> ownButtons(const std::vector<std::string>& english) {
+  std::vector<std::string> labels;
+  for (const PageButton& button : buttonsWithKeys(english)) {
+    std::string& label = labels.emplace_back(_(button.label.c_str()));
+    if (std::none_of(label.begin(), label.end(), asKey)) {
+      label += std::string("(") + static_cast<char>(button.hotKey - 'a' + 'A') + ")";
+    }
+  }
+  return buttonsWithKeys(labels);
+}
+
 std::string groupedNumber(std::int64_t number) {
   std::string text = std::to_string(number);
   const std::size_t first = number < 0 ? 1 : 0;
@@ -62,7 +75,8 @@ void SheetList::add(const std::string& message, const std::string& button) {
 
 PageWindow SheetList::window(bool installGoesOn) const {
   PageWindow window;
-  window.heading = count_ == 1 ? "A problem" : groupedNumber(count_) + " problems";
+  window.heading =
+      count_ == 1 ? _("A problem") : counted("{1} problem", "{1} problems", count_, {groupedNumber(count_)});
   window.headingStyle = Style::warning;
   for (const Entry& entry : entries_) {
     if (!window.paragraphs.empty()) {
@@ -70,18 +84,19 @@ PageWindow SheetList::window(bool installGoesOn) const {
     }
     window.paragraphs.push_back({entry.message, Style::text});
     if (entry.count > 1) {
-      window.paragraphs.push_back({"(" + groupedNumber(entry.count) + " times)", Style::strong});
+      window.paragraphs.push_back(
+          {counted("({1} time)", "({1} times)", entry.count, {groupedNumber(entry.count)}), Style::strong});
     }
   }
   if (countBeyond_ > 0) {
     window.paragraphs.emplace_back();
-    window.paragraphs.push_back({"and " + groupedNumber(countBeyond_) + " more", Style::strong});
+    window.paragraphs.push_back({filled(_("and {0} more"), {groupedNumber(countBeyond_)}), Style::strong});
   }
   if (installGoesOn) {
     window.paragraphs.emplace_back();
-    window.paragraphs.push_back({"The installation goes on meanwhile.", Style::dim});
+    window.paragraphs.push_back({_("The installation goes on meanwhile."), Style::dim});
   }
-  window.buttons = buttonsWithKeys({button_.empty() ? "OK" : button_});
+  window.buttons = button_.empty() ? ownButtons({N_("OK")}) : buttonsWithKeys({button_});
   return window;
 }
 

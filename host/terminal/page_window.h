@@ -20,6 +20,10 @@ struct PageButton {
 // Buttons with their hot keys: for each the first of its letters that no button before it has.
 [[nodiscard]] std::vector<PageButton> buttonsWithKeys(const std::vector<std::string>& labels);
 
+// The program's own buttons, by their English labels. A translation that has no letter to press gets the
+// English label's key: "閉じる(C)".
+[[nodiscard]] std::vector<PageButton> ownButtons(const std::vector<std::string>& english);
+
 struct PageWindow {
   std::string heading;
   Style headingStyle = Style::heading;

@@ -1,5 +1,8 @@
 #include "host/terminal/progress_meter.h"
 
+#include "host/plain_printer.h"
+#include "host/text.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -134,16 +137,23 @@ std::optional<int> ProgressMeter::minutesLeft(Time now) {
   return timeLeft_.minutes();
 }
 
+std::string amountText(const ProgressMeter& meter) {
+  const auto copied = meter.copied();
+  const auto total = meter.total();
+  return !copied ? std::string()
+         : total ? filled(_("{0} of {1}"), {sizeText(*copied), sizeText(*total)})
+                 : sizeText(*copied);
+}
+
 std::string timeLeftText(int minutes) {
   if (minutes <= 1) {
-    return "less than a minute left";
+    return _("less than a minute left");
   }
-  if (minutes < 60) {
-    return "about " + std::to_string(minutes) + " min left";
-  }
-  const int rest = minutes % 60;
-  return "about " + std::to_string(minutes / 60) + " h" +
-         (rest > 0 ? " " + std::to_string(rest) + " min" : "") + " left";
+  const std::string hours = std::to_string(minutes / 60);
+  const std::string rest = std::to_string(minutes % 60);
+  return minutes < 60        ? filled(_("about {0} min left"), {rest})
+         : minutes % 60 == 0 ? filled(_("about {0} h left"), {hours})
+                             : filled(_("about {0} h {1} min left"), {hours, rest});
 }
 
 }  // namespace tavenhall

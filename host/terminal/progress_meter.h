@@ -78,6 +78,9 @@ class ProgressMeter {
   Seconds shownRateTime_{0.0};
 };
 
+// "812.4 MB of 1.9 GB", or how much alone; empty where nobody knows.
+[[nodiscard]] std::string amountText(const ProgressMeter& meter);
+
 // "about 5 min left"; 1 stands for less than a minute.
 [[nodiscard]] std::string timeLeftText(int minutes);
 

@@ -3,6 +3,7 @@
 #include "host/log/log_records.h"
 #include "host/plain_printer.h"
 #include "host/terminal/shown_text.h"
+#include "host/text.h"
 
 #include <array>
 #include <cstdio>
@@ -13,7 +14,6 @@ namespace tavenhall {
 
 namespace {
 
-constexpr int kIndent = 11;
 constexpr std::size_t kMostMessagesShown = 20;
 
 struct FailureKind {
@@ -23,21 +23,18 @@ struct FailureKind {
 
 // The kinds that the log's reader knows, in the order in which they are told.
 constexpr std::array<FailureKind, 6> kFailureKinds{{
-    {"no-destination", "Had nowhere to go"},
-    {"not-found", "Not found on the disc or beside the package"},
-    {"folder", "Folders that could not be made"},
-    {"source", "Files that could not be read"},
-    {"target", "Files that could not be written"},
-    {"size", "Files that were not copied whole"},
+    {"no-destination", N_("Had nowhere to go")},
+    {"not-found", N_("Not found on the disc or beside the package")},
+    {"folder", N_("Folders that could not be made")},
+    {"source", N_("Files that could not be read")},
+    {"target", N_("Files that could not be written")},
+    {"size", N_("Files that were not copied whole")},
 }};
 
-std::string countText(std::int64_t count, const char* one, const char* many) {
-  return std::to_string(count) + (count == 1 ? one : many);
-}
-
 std::string amountText(const RunOutcome& outcome) {
-  const std::string amount = outcome.bytesCopied ? sizeText(*outcome.bytesCopied) + " " : "";
-  return amount + "in " + durationText(outcome.time.count());
+  const std::string time = durationText(outcome.time.count());
+  return outcome.bytesCopied ? filled(_("{0} in {1}"), {sizeText(*outcome.bytesCopied), time})
+                             : filled(_("in {0}"), {time});
 }
 
 // The files of one kind below their heading, each in a line that ends with its name.
@@ -51,7 +48,7 @@ void appendKind(std::vector<Line>& lines, const RunOutcome& outcome, const Failu
   }
   if (!files.empty()) {
     lines.emplace_back();
-    append(lines, wrappedLines(kind.text, width, Style::strong));
+    append(lines, wrappedLines(_(kind.text), width, Style::strong));
     append(lines, std::move(files));
   }
 }
@@ -63,9 +60,9 @@ void appendFailures(std::vector<Line>& lines, const RunOutcome& outcome, int wid
   const std::int64_t more = outcome.failureCount - static_cast<std::int64_t>(outcome.failures.size());
   if (more > 0) {
     lines.emplace_back();
-    append(lines,
-           wrappedLines("and " + countText(more, " more failure", " more failures") + ": the log has them all.",
-                        width));
+    append(lines, wrappedLines(counted("and {0} more failure: the log has them all.",
+                                       "and {0} more failures: the log has them all.", more),
+                               width));
   }
 }
 
@@ -74,7 +71,7 @@ void appendMessages(std::vector<Line>& lines, const RunOutcome& outcome, int wid
     return;
   }
   lines.emplace_back();
-  append(lines, wrappedLines("Commands that ran on the way said", width, Style::strong));
+  append(lines, wrappedLines(_("Commands that ran on the way said"), width, Style::strong));
   const std::size_t first = outcome.messages.size() - std::min(outcome.messages.size(), kMostMessagesShown);
   for (std::size_t i = first; i < outcome.messages.size(); ++i) {
     append(lines, labelledLines("", outcome.messages[i], 2, width, Style::dim));
@@ -115,49 +112,57 @@ void readFailures(const std::string& logPath, std::int64_t start, RunOutcome& ou
 
 Span outcomeHeading(const RunOutcome& outcome) {
   if (outcome.isSuccess()) {
-    return {"The installation was successful.", Style::good};
+    return {_("The installation was successful."), Style::good};
   }
   if (!outcome.isTold) {
-    return {"The installation ended before its time.", Style::bad};
+    return {_("The installation ended before its time."), Style::bad};
   }
-  return {outcome.bytesCopied != 0.0 ? "The installation is not complete." : "The installation failed.",
+  return {outcome.bytesCopied != 0.0 ? _("The installation is not complete.") : _("The installation failed."),
           Style::bad};
 }
 
 std::vector<Line> outcomeLines(const RunOutcome& outcome, int width) {
+  const char* installed = _("Installed");
+  const char* in = _("In");
+  const char* copied = _("Copied");
+  const char* into = _("Into");
+  const char* log = _("Log");
+  const int indent = labelColumns({installed, in, copied, into, log});
+
   std::vector<Line> lines;
   if (outcome.isSuccess()) {
-    append(lines, labelledLines("Installed", amountText(outcome), kIndent, width));
-    append(lines, labelledLines("In", outcome.destination, kIndent, width));
+    append(lines, labelledLines(installed, amountText(outcome), indent, width));
+    append(lines, labelledLines(in, outcome.destination, indent, width));
   } else {
-    if (outcome.failureCount > 0) {
-      append(lines, wrappedLines(countText(outcome.failureCount, " failure", " failures") +
-                                     ". Put right what is named below, then run the installer again.",
-                                 width));
-    } else {
-      append(lines,
-             wrappedLines("Nothing in the log names a file. Run the installer again to complete it.", width));
-    }
+    const std::string whatToDo =
+        outcome.failureCount > 0
+            ? counted("{0} failure. Put right what is named below, then run the installer again.",
+                      "{0} failures. Put right what is named below, then run the installer again.",
+                      outcome.failureCount)
+            : _("Nothing in the log names a file. Run the installer again to complete it.");
+    append(lines, wrappedLines(whatToDo, width));
     lines.emplace_back();
-    append(lines, labelledLines("Copied", amountText(outcome), kIndent, width));
-    append(lines, labelledLines("Into", outcome.destination, kIndent, width));
+    append(lines, labelledLines(copied, amountText(outcome), indent, width));
+    append(lines, labelledLines(into, outcome.destination, indent, width));
   }
   if (!outcome.logPath.empty()) {
-    append(lines, labelledLines("Log", outcome.logPath, kIndent, width));
+    append(lines, labelledLines(log, outcome.logPath, indent, width));
   }
   appendFailures(lines, outcome, width);
   appendMessages(lines, outcome, width);
   return lines;
 }
 
+std::string logLine(const std::string& logPath) {
+  return logPath.empty() ? std::string() : filled(_("The log is {0}."), {logPath}) + "\n";
+}
+
 std::string lastWord(const RunOutcome& outcome) {
-  std::string word;
-  if (outcome.isSuccess()) {
-    word = "Installed " + amountText(outcome) + ".\n";
-  } else {
-    word = outcomeHeading(outcome).text + " Copied " + amountText(outcome) + ".\n";
-  }
-  return outcome.logPath.empty() ? word : word + "The log is " + outcome.logPath + ".\n";
+  const std::string amount = amountText(outcome);
+  const std::string word = outcome.isSuccess()
+                               ? filled(_("Installed {0}."), {amount})
+                               : together(outcomeHeading(outcome).text, filled(_("Copied {0}."), {amount}));
+  return word + "\n" + logLine(outcome.logPath);
 }
 
 }  // namespace tavenhall

@@ -43,6 +43,9 @@ void readFailures(const std::string& logPath, std::int64_t start, RunOutcome& ou
 [[nodiscard]] Span outcomeHeading(const RunOutcome& outcome);
 [[nodiscard]] std::vector<Line> outcomeLines(const RunOutcome& outcome, int width);
 
+// "The log is /Users/you/installationLog.txt.", as a line; empty where nobody knows it.
+[[nodiscard]] std::string logLine(const std::string& logPath);
+
 // One or two lines that stay on the terminal when the page has gone.
 [[nodiscard]] std::string lastWord(const RunOutcome& outcome);
 

@@ -6,6 +6,7 @@
 #include "host/terminal/shown_text.h"
 #include "host/terminal/terminal_facts.h"
 #include "host/terminal/wide_text.h"
+#include "host/text.h"
 #include "platform/memory_file.h"
 
 #include <array>
@@ -156,11 +157,11 @@ Screen::Screen() : state_(std::make_unique<State>()) {
   state.input.reset(fdopen(openTerminal(STDIN_FILENO), "r"));
   state.spool.reset(memory < 0 ? nullptr : fdopen(memory, "w+"));
   if (state.output.get() < 0 || state.input == nullptr || state.spool == nullptr) {
-    throw std::runtime_error("cannot open the terminal");
+    throw std::runtime_error(_("cannot open the terminal"));
   }
   state.screen = newterm(nullptr, state.spool.get(), state.input.get());
   if (state.screen == nullptr) {
-    throw std::runtime_error("cannot use the terminal");
+    throw std::runtime_error(_("cannot use the terminal"));
   }
   state.restorer = std::make_unique<ScreenRestorer>(state.output.get(), leaveScreenSequence());
   state.palette = std::make_unique<Palette>();

@@ -71,6 +71,17 @@ std::span<const Cluster> withoutBlanksAtEnd(std::span<const Cluster> clusters) {
   return clusters;
 }
 
+// What Chinese and Japanese lines do not begin with, and what they do not end with.
+constexpr std::string_view kNeverFirst =
+    "、。，．・：；！？）］｝」』】》〉〕”’…ー々ぁぃぅぇぉっゃゅょァィゥェォッャュョ%,.:;!?)]}";
+constexpr std::string_view kNeverLast = "（［｛「『【《〈〔“‘([{";
+
+// May a line end between these two?
+bool partsBetween(const Cluster& last, const Cluster& next) {
+  return (last.width == 2 || next.width == 2) && kNeverFirst.find(next.text) == std::string_view::npos &&
+         kNeverLast.find(last.text) == std::string_view::npos;
+}
+
 // How many clusters the next line takes of `rest`, which is wider than the line.
 std::size_t lineEnd(std::span<const Cluster> rest, int width) {
   std::size_t fits = 0;
@@ -86,7 +97,7 @@ std::size_t lineEnd(std::span<const Cluster> rest, int width) {
     if (last.is(' ')) {
       return end;
     }
-    if (last.width == 2 || (end < rest.size() && rest[end].width == 2)) {
+    if (partsBetween(last, rest[end])) {
       return end;
     }
     if (last.is('/') && afterSlash == 0) {
@@ -146,6 +157,16 @@ std::string shownText(std::string_view text) {
 }
 
 int widthOf(std::string_view text) { return widthOf(inOneLine(text)); }
+
+int widestWord(std::string_view text) {
+  int widest = 0;
+  int width = 0;
+  for (const Cluster& cluster : inOneLine(text)) {
+    width = cluster.is(' ') || cluster.width == 2 ? 0 : width + cluster.width;
+    widest = std::max(widest, width);
+  }
+  return widest;
+}
 
 std::vector<std::string> wrapText(std::string_view text, int width) {
   std::vector<std::string> lines;

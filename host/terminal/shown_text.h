@@ -18,9 +18,12 @@ namespace tavenhall {
 // How many cells the text takes in one line.
 [[nodiscard]] int widthOf(std::string_view text);
 
-// The text in lines of at most `width` cells, broken at blanks, else after a '/', beside a wide character, or
-// where the line is full. Its own line breaks and blank lines stay. At least one line; a width below 2 counts
-// as 2, the least that takes every character.
+// How many cells its longest word takes. Wide characters are no words: a line may end beside any.
+[[nodiscard]] int widestWord(std::string_view text);
+
+// The text in lines of at most `width` cells, broken at blanks or beside a wide character, else after a '/', or
+// where the line is full. No line begins with a mark that ends something. Its own line breaks and blank lines
+// stay. At least one line; a width below 2 counts as 2, the least that takes every character.
 [[nodiscard]] std::vector<std::string> wrapText(std::string_view text, int width);
 
 // The text in one line of at most `width` cells, with an ellipsis where something had to go: at the end, or

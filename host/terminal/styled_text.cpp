@@ -15,6 +15,14 @@ std::vector<Line> wrappedLines(const std::string& text, int width, Style style) 
   return lines;
 }
 
+int labelColumns(std::initializer_list<const char*> labels) {
+  int widest = 0;
+  for (const char* label : labels) {
+    widest = std::max(widest, widthOf(label));
+  }
+  return widest + 2;
+}
+
 std::vector<Line> labelledLines(const std::string& label, const std::string& text, int indent, int width,
                                 Style style) {
   std::vector<Line> lines;

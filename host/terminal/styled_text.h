@@ -1,5 +1,6 @@
 #pragma once
 
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,9 @@ using Line = std::vector<Span>;
 
 // The text wrapped to `width`, every line in that style.
 [[nodiscard]] std::vector<Line> wrappedLines(const std::string& text, int width, Style style = Style::text);
+
+// Where the texts beside these labels begin: two cells behind the widest.
+[[nodiscard]] int labelColumns(std::initializer_list<const char*> labels);
 
 // A label with its text beside it: the label once, the text wrapped, each line `indent` cells from the left.
 [[nodiscard]] std::vector<Line> labelledLines(const std::string& label, const std::string& text, int indent,

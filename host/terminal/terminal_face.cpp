@@ -1,12 +1,12 @@
 #include "host/terminal/terminal_face.h"
 
 #include "host/command_terminal.h"
-#include "host/plain_printer.h"
 #include "host/terminal/engine_client.h"
 #include "host/terminal/key_map.h"
 #include "host/terminal/page_layout.h"
 #include "host/terminal/page_model.h"
 #include "host/terminal/screen.h"
+#include "host/text.h"
 #include "platform/wake_up.h"
 
 #include <array>
@@ -283,12 +283,10 @@ class TerminalFace {
       engine_.stop();
     }
     if (hasBegun) {
-      std::printf("Stopped. %s\n", page_.afterStop.c_str());
-      if (!page_.logShown.empty()) {
-        std::printf("The log is %s.\n", page_.logShown.c_str());
-      }
+      std::puts(together(_("Stopped."), page_.afterStop).c_str());
+      std::fputs(logLine(page_.logShown).c_str(), stdout);
     } else if (!hasOutcome_) {
-      std::puts("Nothing was installed.");
+      std::puts(_("Nothing was installed."));
     }
     return hasOutcome_ ? outcome_.exitStatus() : ExitStatus::failure;
   }

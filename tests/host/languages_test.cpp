@@ -13,6 +13,7 @@
 namespace tavenhall::test {
 namespace {
 
+using testing::AllOf;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -82,6 +83,45 @@ TEST(Languages, WithoutOneOrWithAnUnknownOneItIsEnglish) {
   EXPECT_THAT(runThrough({kTavinstall, "log"}, {{"LC_ALL", "C"}, {"LANGUAGE", "de"}}).error,
               StartsWith(english));
   EXPECT_THAT(inLanguage("tlh", {"log"}).error, StartsWith(english));
+}
+
+// The page says that its folder is missing; the program says where the log is.
+Outcome withoutFolder(const ChildProgram::Environment& environment) {
+  writeFile("/tmp/set/Installer.pkg", "");
+  return runThrough({kTavinstall, "run", "--ui", "plain", "--package", "/tmp/set/Installer.pkg"}, environment);
+}
+
+TEST(Languages, ThePageAndTheProgramSpeakTheSame) {
+  const auto inEnglish = AllOf(HasSubstr("The folder for the Tessaphon data was not found."),
+                               HasSubstr("\nThe log is /Users/tester/"));
+  const auto inGerman = AllOf(HasSubstr("Der Ordner für die Daten von Tessaphon wurde nicht gefunden."),
+                              HasSubstr("\nDas Protokoll ist /Users/tester/"));
+  const auto inChinese =
+      AllOf(HasSubstr("未找到 Tessaphon 数据的文件夹。"), HasSubstr("\n日志位于 /Users/tester/"));
+
+  EXPECT_THAT(withoutFolder({{"LC_ALL", "C"}, {"LANGUAGE", "de"}}).output, inEnglish);
+  EXPECT_THAT(withoutFolder({{"LANGUAGE", "de"}}).output, inEnglish);
+  EXPECT_THAT(withoutFolder({{"LC_ALL", "C.UTF-8"}, {"LANGUAGE", ""}}).output, inEnglish);
+  EXPECT_THAT(withoutFolder({{"LC_ALL", "C.UTF-8"}, {"LANGUAGE", "en_GB:de"}}).output, inEnglish);
+  EXPECT_THAT(withoutFolder({{"LC_ALL", "C.UTF-8"}, {"LANGUAGE", "nl:de:en"}}).output, inGerman);
+  EXPECT_THAT(withoutFolder({{"LC_ALL", "C.UTF-8"}, {"LANGUAGE", "de-AT"}}).output, inGerman);
+  EXPECT_THAT(withoutFolder({{"LC_ALL", "de_AT.UTF-8"}, {"LANGUAGE", ""}}).output, inGerman);
+  EXPECT_THAT(withoutFolder({{"LC_ALL", "zh_SG.UTF-8"}, {"LANGUAGE", ""}}).output, inChinese);
+  EXPECT_THAT(withoutFolder({{"LC_ALL", "C.UTF-8"}, {"LANGUAGE", "zh_Hans"}}).output, inChinese);
+  EXPECT_THAT(withoutFolder({{"LC_ALL", "zh_TW.UTF-8"}, {"LANGUAGE", ""}}).output, inEnglish);
+}
+
+TEST(Languages, TheLinesForProgramsStayEnglish) {
+  const std::vector<std::string> arguments{"run", "--ui", "json", "--no-preinstall"};
+  const auto said = [&arguments](const std::string& language) {
+    std::vector<std::string> command{kTavinstall};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return runThrough(command, {{"LC_ALL", "C.UTF-8"}, {"LANGUAGE", language}},
+                      "{\"do\":\"something\"}\n{\"do\":\"quit\"}\n")
+        .output;
+  };
+  EXPECT_THAT(said("de"), HasSubstr("\"event\":\"error\""));
+  EXPECT_EQ(said("de"), said("en"));
 }
 
 // The page writes the system's error texts into the log, which support reads.

@@ -15,6 +15,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
+using testing::StartsWith;
 
 using PageLayout = InUtf8;
 
@@ -33,6 +34,17 @@ TEST_F(PageLayout, TheStepsStandAtTheSide) {
   EXPECT_THAT(rows[5], HasSubstr("● Installing"));
   EXPECT_THAT(rows[6], HasSubstr("    Tessaphon Data"));
   EXPECT_THAT(rows[7], HasSubstr("○ Summary"));
+}
+
+TEST_F(PageLayout, TheStepsAreAsWideAsTheirLongestWordAsFarAsAThirdGoes) {
+  Introduction introduction = PageDriver::plainIntroduction();
+  introduction.pageTitle = "Samplebibliotheken";
+  PageDriver fitting(introduction);
+  EXPECT_EQ(rowsOf(fitting, kSmallestPage)[3], "  ● Introduction        Welcome to the Tessaphon");
+  EXPECT_EQ(rowsOf(fitting, kSmallestPage)[5], "  ○ Samplebibliotheken");
+  introduction.pageTitle = "Samplebibliotheksinstallation";
+  PageDriver beyond(introduction);
+  EXPECT_THAT(rowsOf(beyond, kSmallestPage)[6], StartsWith("    nstallation         "));
 }
 
 // Copies at 20 MB a second for so long, of 2.0 GB.

@@ -4,6 +4,8 @@
 #include "host/terminal/wide_text.h"
 
 #include <gtest/gtest.h>
+#include <set>
+#include <utility>
 #include <wchar.h>
 
 namespace tavenhall::test {
@@ -11,8 +13,10 @@ namespace tavenhall::test {
 namespace {
 
 using Cells = std::vector<std::vector<std::string>>;  // the second cell of a wide character is empty
+using Places = std::set<std::pair<int, int>>;         // rows and columns
 
-void write(Cells& cells, const Layer& layer, const Run& run) {
+// `taken`: where texts of the layer are. A hot key is written over its own label.
+void write(Cells& cells, const Layer& layer, const Run& run, Places& taken) {
   const int row = layer.place.row + run.row;
   int column = layer.place.column + run.column;
   EXPECT_GE(run.column, 0) << run.text;
@@ -30,6 +34,8 @@ void write(Cells& cells, const Layer& layer, const Run& run) {
     if (width == 2 && column + 1 < static_cast<int>(cells[row].size())) {
       cells[row][column + 1].clear();
     }
+    const bool isFree = taken.emplace(row, column).second;
+    EXPECT_TRUE(isFree || run.isUnderlined) << run.text << " is written over something";
     column += width;
   }
 }
@@ -62,8 +68,9 @@ std::vector<std::string> rendered(const std::vector<Layer>& layers, Size size) {
         cells[place.row + row][place.column + column] = " ";
       }
     }
+    Places taken;
     for (const Run& run : layer.runs) {
-      write(cells, layer, run);
+      write(cells, layer, run, taken);
     }
   }
   std::vector<std::string> rows;

@@ -12,7 +12,7 @@ namespace tavenhall::test {
 [[nodiscard]] std::vector<std::string> textOf(const std::vector<Line>& lines);
 
 // The layers as a terminal of that size would show them, a text a row without the blanks at its end. A text
-// that goes beyond its layer, or a wide character cut in two, fails the test.
+// that goes beyond its layer, or over another of that layer, fails the test.
 [[nodiscard]] std::vector<std::string> rendered(const std::vector<Layer>& layers, Size size);
 
 // The whole of it as one text, a newline after each row.

@@ -121,5 +121,18 @@ TEST_F(ShownText, ACutNeverSplitsAWideCharacter) {
 
 TEST_F(ShownText, LineBreaksOfATextInOneLineBecomeBlanks) { EXPECT_EQ(cutAtEnd("a\nb", 10), "a b"); }
 
+TEST_F(ShownText, NoLineBeginsOrEndsWithAMarkOfWhatIsOnTheOtherLine) {
+  EXPECT_THAT(wrapText("データです。次です", 10), ElementsAre("データで", "す。次です"));
+  EXPECT_THAT(wrapText("音源「ア」です", 6), ElementsAre("音源", "「ア」", "です"));
+  EXPECT_THAT(wrapText("終了(L)です", 6), ElementsAre("終了", "(L)で", "す"));
+}
+
+TEST_F(ShownText, TheWidestWordIsWhatBlanksAndWideCharactersLeave) {
+  EXPECT_EQ(widestWord("Installing Tessaphon Data"), 10);
+  EXPECT_EQ(widestWord("Übersicht"), 9);
+  EXPECT_EQ(widestWord("データのInstallです"), 7);
+  EXPECT_EQ(widestWord(""), 0);
+}
+
 }  // namespace
 }  // namespace tavenhall::test

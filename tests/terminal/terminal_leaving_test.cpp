@@ -6,9 +6,12 @@
 #include "tests/terminal/tmux_terminal.h"
 
 #include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <unistd.h>
 
 namespace tavenhall::test {
 namespace {
@@ -117,6 +120,30 @@ TEST_F(TerminalLeaving, ATerminalThatGoesAwayDoesNotStopTheInstall) {
   EXPECT_TRUE(exists("/tmp/finished"));
   const auto summary = nlohmann::json::parse(readFile("/tmp/summary.json"));
   EXPECT_EQ(summary["left"], true);
+}
+
+// A terminal that is not the one in front of the user: nobody sends a signal when it goes.
+TEST_F(TerminalLeaving, StandardInputThatIsClosedDoesNotStopTheInstall) {
+  const int keyboard = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+  ASSERT_TRUE(keyboard >= 0 && grantpt(keyboard) == 0 && unlockpt(keyboard) == 0);
+  std::string line = "exec";
+  for (const std::string& word : runScript(kLongCopy)) {
+    line += " '" + word + "'";
+  }
+  TmuxTerminal terminal(80, 24, {"/bin/sh", "-c", line + " <" + ptsname(keyboard)});
+  terminal.waitFor("Press Continue to begin.");
+  ASSERT_EQ(write(keyboard, "\n", 1), 1);
+  terminal.waitFor("43 %");
+  const pid_t program = terminal.program();
+  const auto engine = childrenOf(program);
+  ASSERT_EQ(engine.size(), 1U);
+  close(keyboard);
+  EXPECT_THAT(terminal.waitFor("[ended with"), HasSubstr("[ended with 1]"));
+  expectTerminalAsBefore(terminal);
+  EXPECT_EQ(kill(engine[0], 0), 0) << "the engine went with its page";
+  let("go");
+  waitForEndOf(engine[0]);
+  EXPECT_TRUE(exists("/tmp/finished"));
 }
 
 TEST_F(TerminalLeaving, WithoutATerminalCommandsMayStillSpeak) {

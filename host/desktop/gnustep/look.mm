@@ -1,16 +1,24 @@
 #import "host/desktop/look.h"
 
+#include "host/desktop/gnustep/font_choice.h"
 #import "host/desktop/gnustep/page_theme.h"
+#import "host/desktop/ns_string.h"
 #import "host/desktop/palette.h"
 #include "platform/strings_language.h"
 
+#include "host/text.h"
+#include "host/usage_error.h"
 #import <AppKit/AppKit.h>
 
 namespace {
 
-// The library knows languages by names of its own, and only those whose locale is installed; these are the ones
-// that the terminal's page would choose from.
-NSArray* userLanguages() {
+// What the user has set for all programs of the library goes before the environment, as it does in them. From
+// the environment the library takes only languages whose locale is installed; these are the ones that the
+// terminal's page would choose from.
+NSArray* userLanguages(NSUserDefaults* defaults) {
+  if ([[defaults persistentDomainForName:NSGlobalDomain] objectForKey:@"NSLanguages"] != nil) {
+    return [NSLocale preferredLanguages];
+  }
   NSMutableArray* languages = [NSMutableArray array];
   for (const std::string& name : tavenhall::languageFolderNames()) {
     [languages addObject:[NSString stringWithUTF8String:name.c_str()]];
@@ -58,30 +66,47 @@ void hideReturnSign() {
 }
 @end
 
-void setUpDefaults() {
+void setUpLanguages() {
   NSUserDefaults* defaults = [NSUserDefaults standardUserDefaults];
-  [defaults registerDefaults:[NSDictionary
-                                 dictionaryWithObjectsAndKeys:@"LiberationSans", @"NSFont", @"LiberationSans",
-                                                              @"NSUserFont", @"LiberationSans", @"NSLabelFont",
-                                                              @"LiberationSans", @"NSMessageFont",
-                                                              @"LiberationSans-Bold", @"NSBoldFont",
-                                                              @"LiberationSans-Bold", @"NSTitleBarFont", @"13",
-                                                              @"NSFontSize", @"13", @"NSUserFontSize",
-                                                              // The title bar is the theme's, whatever draws
-                                                              // the other programs'.
-                                                              @"NO", @"GSBackHandlesWindowDecorations", @"NO",
-                                                              @"GSX11HandlesWindowDecorations", @"YES",
-                                                              @"GSSuppressAppIcon", nil]];
-  // A domain that is not written to disk.
-  NSMutableDictionary* arguments =
-      [[[defaults volatileDomainForName:NSArgumentDomain] mutableCopy] autorelease];
-  [arguments setObject:userLanguages() forKey:@"NSLanguages"];
-  [defaults removeVolatileDomainForName:NSArgumentDomain];
-  [defaults setVolatileDomain:arguments forName:NSArgumentDomain];
+  // The domain that goes before all others, in which the library keeps what it takes from the environment.
+  NSString* primary = @"GSPrimaryDomain";
+  NSMutableDictionary* settings = [NSMutableDictionary dictionary];
+  [settings addEntriesFromDictionary:[defaults volatileDomainForName:primary]];
+  [settings setObject:userLanguages(defaults) forKey:@"NSLanguages"];
+  [defaults removeVolatileDomainForName:primary];
+  [defaults setVolatileDomain:settings forName:primary];
 }
 
-void setUpLook() {
+void setUpFonts(const std::string& language) {
+  const tavenhall::FontChoice fonts = tavenhall::chooseFonts(language);
+  if (!fonts.hasLetters) {
+    tavenhall::showError(tavenhall::UsageError(
+        tavenhall::_("no font has the letters of this language; install one, such as WenQuanYi Micro Hei")));
+  }
+  NSString* regular = nsString(fonts.regular);
+  NSString* bold = nsString(fonts.bold);
+  [[NSUserDefaults standardUserDefaults]
+      registerDefaults:[NSDictionary dictionaryWithObjectsAndKeys:regular, @"NSFont", regular, @"NSUserFont",
+                                                                  regular, @"NSLabelFont", regular,
+                                                                  @"NSMessageFont", bold, @"NSBoldFont", bold,
+                                                                  @"NSTitleBarFont", @"13", @"NSFontSize",
+                                                                  @"13", @"NSUserFontSize",
+                                                                  // The title bar is the theme's, whatever
+                                                                  // draws the other programs'.
+                                                                  @"NO", @"GSBackHandlesWindowDecorations",
+                                                                  @"NO", @"GSX11HandlesWindowDecorations",
+                                                                  @"YES", @"GSSuppressAppIcon", nil]];
+}
+
+bool setUpLook() {
+  // The first text would fail, and leave the program there without a window.
+  if ([NSFont systemFontOfSize:0.0] == nil) {
+    tavenhall::showError(
+        tavenhall::UsageError(tavenhall::_("no font is found; install one, such as Liberation Sans")));
+    return false;
+  }
   [GSTheme setTheme:[[[PageTheme alloc] initWithBundle:[NSBundle bundleForClass:[GSTheme class]]] autorelease]];
   [NSApp setApplicationIconImage:[DiscIcon image]];
   hideReturnSign();
+  return true;
 }

@@ -1,17 +1,23 @@
 #import "host/desktop/look.h"
 
+#import "host/desktop/ns_string.h"
+
+#include "host/text.h"
 #import <AppKit/AppKit.h>
 
 // AppKit has its own look here; what a program is expected to bring along is the menu with Quit.
 
-void setUpDefaults() {}
+void setUpLanguages() {}
 
-void setUpLook() {
+void setUpFonts(const std::string& language) {}
+
+bool setUpLook() {
   [NSApp setActivationPolicy:NSApplicationActivationPolicyRegular];
   NSMenu* bar = [[[NSMenu alloc] init] autorelease];
   NSMenuItem* item = [bar addItemWithTitle:@"" action:nil keyEquivalent:@""];
   NSMenu* menu = [[[NSMenu alloc] init] autorelease];
-  [menu addItemWithTitle:@"Quit" action:@selector(performClose:) keyEquivalent:@"q"];
+  [menu addItemWithTitle:nsString(tavenhall::_("Quit")) action:@selector(performClose:) keyEquivalent:@"q"];
   [item setSubmenu:menu];
   [NSApp setMainMenu:bar];
+  return true;
 }

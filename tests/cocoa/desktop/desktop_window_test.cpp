@@ -1,3 +1,4 @@
+#include "tests/cocoa/desktop/desktop_program.h"
 #include "tests/cocoa/window/virtual_display.h"
 #include "tests/install/child_program.h"
 #include "tests/install/source_tree.h"
@@ -18,8 +19,6 @@ using testing::Contains;
 using testing::HasSubstr;
 
 constexpr const char* kProgram = TAVINSTALL_BINARY_DIR "/bin/tavinstall-desktop";
-constexpr const char* kPackage = "/Users/tester/Downloads/Set/Installer.pkg";
-constexpr const char* kCentral = "/Users/tester/Library/Application Support/Tavenhall/TANVO";
 
 struct Geometry {
   int left = 0;
@@ -134,6 +133,17 @@ TEST_F(DesktopWindow, ClosedAtTheIntroductionItHasTouchedNothing) {
   EXPECT_EQ(program_->waitForEnd(), 1) << program_->standardError();
   EXPECT_FALSE(exists("/tmp/TavInstallLoc"));
   EXPECT_FALSE(exists(kLog));
+}
+
+TEST(DesktopProgram, WithoutAnyFontItSaysSoAndEnds) {
+  writeFile("/tmp/no-fonts.conf", "<fontconfig></fontconfig>\n");
+  writeFile(kPackage, "");
+  const VirtualDisplay display;
+  const Outcome outcome = runThrough(
+      {"unshare", "--pid", "--mount-proc", "--fork", "--kill-child", kProgram, "--package", kPackage},
+      {{"DISPLAY", display.name()}, {"FONTCONFIG_FILE", "/tmp/no-fonts.conf"}});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_THAT(outcome.error, HasSubstr("tavinstall: no font is found; install one, such as Liberation Sans\n"));
 }
 
 TEST(DesktopProgram, WhatCannotBeUsedIsSaidBeforeThereIsAnyWindow) {

@@ -17,6 +17,7 @@ using tavenhall::test::buttonWithTitle;
 struct Shared {
   PaneHost& host;
   std::atomic<bool> alertIsUp = false;
+  std::atomic<int> answer = 0;  // none yet
 };
 
 void say(const char* line) {
@@ -25,16 +26,15 @@ void say(const char* line) {
 }
 
 void showAlert(Shared& shared) {
-  int answer = 0;
   auto work = [&] {
     say("the alert begins");
     constexpr std::array<const char*, 2> kButtons = {"OK", "Skip"};
     shared.alertIsUp = true;
     shared.alertIsUp.notify_all();
-    answer = shared.host.runModal({"Ready for next volume", "Insert the disc.", kButtons, 1});
+    shared.answer = shared.host.runModal({"Ready for next volume", "Insert the disc.", kButtons, 1});
   };
   shared.host.dispatchSync([](void* it) { (*static_cast<decltype(work)*>(it))(); }, &work);
-  std::printf("the alert was answered: %d\n", answer);
+  std::printf("the alert was answered: %d\n", shared.answer.load());
   std::fflush(stdout);
 }
 
@@ -65,7 +65,7 @@ int main() {
     Shared shared{host};
     std::thread second([&] {
       shared.alertIsUp.wait(false);
-      while (!clickSkip(shared)) {
+      while (!clickSkip(shared) && shared.answer == 0) {
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
       }
     });
@@ -73,7 +73,7 @@ int main() {
       showAlert(shared);
       second.join();
       say("both threads have ended");
-      std::_Exit(0);
+      std::_Exit(shared.answer == NSAlertSecondButtonReturn ? 0 : 1);
     });
     [NSApp run];
   }

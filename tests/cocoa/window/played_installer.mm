@@ -11,14 +11,11 @@ namespace {
 
 using tavenhall::Command;
 using tavenhall::test::buttonWithTitle;
+using tavenhall::test::clickOn;
+using tavenhall::test::everyMode;
 
 PlayedInstaller* theInstaller = nil;
 IMP theInstall = nullptr;
-
-NSArray* everyMode() {
-  return
-      [NSArray arrayWithObjects:NSDefaultRunLoopMode, NSModalPanelRunLoopMode, NSEventTrackingRunLoopMode, nil];
-}
 
 void countedInstall(id pane, SEL selector) {
   reinterpret_cast<void (*)(id, SEL)>(theInstall)(pane, selector);
@@ -26,24 +23,6 @@ void countedInstall(id pane, SEL selector) {
                                  withObject:nil
                               waitUntilDone:NO
                                       modes:everyMode()];
-}
-
-// As the mouse would: AppKit's loops for alerts and sheets heed events.
-void clickOn(NSButton* button) {
-  const NSRect bounds = [button bounds];
-  const NSPoint place = [button convertPoint:NSMakePoint(NSMidX(bounds), NSMidY(bounds)) toView:nil];
-  for (const NSEventType type : {NSLeftMouseDown, NSLeftMouseUp}) {
-    [NSApp postEvent:[NSEvent mouseEventWithType:type
-                                        location:place
-                                   modifierFlags:0
-                                       timestamp:[NSDate timeIntervalSinceReferenceDate]
-                                    windowNumber:[[button window] windowNumber]
-                                         context:nil
-                                     eventNumber:0
-                                      clickCount:1
-                                        pressure:1.0]
-             atStart:NO];
-  }
 }
 
 }  // namespace

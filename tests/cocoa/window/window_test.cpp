@@ -1,10 +1,10 @@
+#include "tests/cocoa/window/font_retry.h"
 #include "tests/cocoa/window/virtual_display.h"
 #include "tests/install/case_files.h"
 #include "tests/install/source_tree.h"
 #include "tests/support/files.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <memory>
@@ -17,9 +17,9 @@ namespace {
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::StartsWith;
 
-// What GNUstep says when, rarely, it has found no fonts by the time it wants one.
-constexpr const char* kNoFont = "Glyph generation with no font";
+constexpr const char* kNoFontsFile = "/tmp/no-fonts.conf";
 
 class Window : public testing::Test {
  protected:
@@ -29,39 +29,67 @@ class Window : public testing::Test {
             "--fork",  "--kill-child", TAVINSTALL_BINARY_DIR "/bin/" + program};
   }
 
-  [[nodiscard]] ChildProgram::Environment environment() const {
-    return {{"DISPLAY", display_.name()}, {"BUNDLE", TAVINSTALL_BINARY_DIR "/InstallDataPane.bundle"}};
+  ChildProgram::Environment environment() {
+    ChildProgram::Environment environment{{"DISPLAY", display_.name()},
+                                          {"BUNDLE", TAVINSTALL_BINARY_DIR "/InstallDataPane.bundle"}};
+    if (startsWithoutFonts_ > 0) {
+      --startsWithoutFonts_;
+      environment["FONTCONFIG_FILE"] = kNoFontsFile;
+    }
+    return environment;
   }
 
-  // Starts it, asks for the title, and starts it once more when it had no font.
+  // Starts it and asks for the title.
   std::unique_ptr<JsonInstaller> startInstaller() {
-    for (int attempt = 1;; ++attempt) {
+    return startWithFonts([this] {
       auto installer = std::make_unique<JsonInstaller>(
           JsonInstaller::CommandLine{commandLine("played_installer")}, environment());
       try {
         installer->send(kTitle);
         installer->await("title");
-        return installer;
       } catch (const std::exception&) {
-        const std::string error = installer->program().standardError();
-        if (attempt == 2 || error.find(kNoFont) == std::string::npos) {
-          throw;
+        if (const std::string error = installer->program().standardError(); NoFont::isToldIn(error)) {
+          throw NoFont(error);
         }
-        std::printf("RETRY: GNUstep had no font at its start:\n%s\n", error.c_str());
+        throw;
       }
-    }
+      return installer;
+    });
   }
 
   Outcome run(const std::string& program) {
-    Outcome outcome = runThrough(commandLine(program), environment());
-    if (outcome.status != 0 && outcome.error.find(kNoFont) != std::string::npos) {
-      std::printf("RETRY: GNUstep had no font at its start:\n%s\n", outcome.error.c_str());
-      outcome = runThrough(commandLine(program), environment());
-    }
-    return outcome;
+    return startWithFonts([&] {
+      Outcome outcome = runThrough(commandLine(program), environment());
+      if (outcome.status != 0 && NoFont::isToldIn(outcome.error)) {
+        throw NoFont(outcome.error);
+      }
+      return outcome;
+    });
   }
 
+  // So many starts from now on find no fonts.
+  void hideFonts(int starts) {
+    writeFile(kNoFontsFile, "<fontconfig></fontconfig>\n");
+    startsWithoutFonts_ = starts;
+  }
+
+ private:
   VirtualDisplay display_;
+  int startsWithoutFonts_ = 0;
+};
+
+// What is written on standard output while this is there has one retry in it.
+class OneRetry {
+ public:
+  OneRetry() { testing::internal::CaptureStdout(); }
+  ~OneRetry() {
+    const std::string said = testing::internal::GetCapturedStdout();
+    EXPECT_THAT(said, StartsWith(kRetry));
+    EXPECT_EQ(said.rfind(kRetry), 0U) << "more than one";
+  }
+
+ private:
+  static constexpr const char* kRetry = "RETRY: GNUstep had no font at its start:\n";
 };
 
 std::vector<std::string> sheetsOf(const JsonInstaller& installer) {
@@ -148,6 +176,35 @@ TEST_F(Window, ASecondHandOffIsServedWhileAnAlertIsUp) {
             "the second hand-off is served while the alert is up\n"
             "the alert was answered: 1001\n"
             "both threads have ended\n");
+}
+
+TEST_F(Window, AStartThatFoundNoFontsIsDoneOnceMoreAndSaid) {
+  hideFonts(1);
+  const OneRetry retry;
+  const Outcome outcome = run("hand_offs");
+
+  EXPECT_EQ(outcome.status, 0) << outcome.error;
+  EXPECT_THAT(outcome.output, StartsWith("the alert begins\n"));
+}
+
+TEST_F(Window, AnInstallersStartThatFoundNoFontsIsDoneOnceMoreAndSaid) {
+  hideFonts(1);
+  const OneRetry retry;
+  const auto installer = startInstaller();
+
+  EXPECT_THAT(installer->events(), ElementsAre(HasSubstr(R"({"event":"title")")));
+}
+
+TEST_F(Window, ASecondStartThatFoundNoFontsFails) {
+  hideFonts(2);
+  const OneRetry retry;
+  EXPECT_THROW(run("hand_offs"), NoFont);
+}
+
+TEST_F(Window, AnInstallersSecondStartThatFoundNoFontsFails) {
+  hideFonts(2);
+  const OneRetry retry;
+  EXPECT_THROW(startInstaller(), NoFont);
 }
 
 }  // namespace
