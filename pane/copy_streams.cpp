@@ -34,17 +34,24 @@ bool isSameFile(const struct stat& one, const struct stat& other) {
   return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
 }
 
-// Empties the file, unless it is the source: the same bytes are then written over themselves.
-bool emptyUnlessSource(int descriptor, std::FILE* source) {
+// Empties the file for the source's bytes, unless it is the source: the same bytes are then written over
+// themselves.
+bool makeReadyFor(std::FILE* source, int descriptor) {
   struct stat found {};
-  if (fstat(descriptor, &found) == 0) {
-    struct stat read {};
-    if (found.st_size == 0 ||
-        (source != nullptr && fstat(fileno(source), &read) == 0 && isSameFile(found, read))) {
-      return true;
-    }
+  struct stat read {};
+  const bool hasSource = source != nullptr && fstat(fileno(source), &read) == 0;
+  const bool isKnown = fstat(descriptor, &found) == 0;
+  if (isKnown && hasSource && isSameFile(found, read)) {
+    return true;
   }
-  return ftruncate(descriptor, 0) == 0;
+  const bool isEmpty = isKnown && found.st_size == 0;
+  if (!isEmpty && ftruncate(descriptor, 0) != 0) {
+    return false;
+  }
+  if (hasSource) {
+    hintSequentialWrite(descriptor, read.st_size);
+  }
+  return true;
 }
 
 }  // namespace
@@ -61,7 +68,7 @@ std::FILE* openCopySource(const char* path) noexcept {
     errno = EINVAL;
     return nullptr;
   }
-  hintSequentialRead(descriptor);
+  hintSequentialRead(descriptor, found.st_size);
   return streamOn(descriptor, "rb", sourceBuffer);
 }
 
@@ -71,7 +78,7 @@ std::FILE* openCopyDestination(const char* path, std::FILE* source) noexcept {
   if (descriptor < 0) {
     return nullptr;
   }
-  if (!emptyUnlessSource(descriptor, source)) {
+  if (!makeReadyFor(source, descriptor)) {
     const int error = errno;
     close(descriptor);
     errno = error;
