@@ -4,6 +4,7 @@
 #include "pane/folder_listing.h"
 #include "pane/install_data_pane.h"
 #include "pane/process_wide.h"
+#include "platform/read_ahead.h"
 #include "platform/system.h"
 
 #include <cerrno>
@@ -103,6 +104,7 @@ std::int32_t InstallDataPane::copyDirectory(const char* source, const char* dest
 }
 
 std::int32_t InstallDataPane::copyFile(const char* source, const char* dest) noexcept {
+  ReadAhead::cameToFile();
   if (isAttributesFile(source)) {
     addEventToInstallationLog("copyDirectoryOrFile: skipping copy of Inst. Attrib file");
     return 1;
