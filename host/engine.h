@@ -98,6 +98,8 @@ class Engine final : private InstallerHost {
   // Waits for input and, when asked, for hand-offs and page threads that end.
   void waitForNews(bool pagesToo);
 
+  void flushEvents();
+
   // Says something, as one of the engine's threads at a time.
   template <typename Say>
   void say(Say what) {
