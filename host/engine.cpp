@@ -148,6 +148,13 @@ void Engine::flushEvents() {
   say([](EventSink& events) { events.flush(); });
 }
 
+void Engine::flushAtStop() noexcept {
+  const std::unique_lock lock(eventsMutex_, std::try_to_lock);
+  if (lock) {
+    events_.flush();
+  }
+}
+
 bool Engine::nextIsEnabled() const {
   const std::lock_guard lock(eventsMutex_);
   return nextIsEnabled_;
