@@ -46,12 +46,13 @@ CopySource::CopySource(const char* path) noexcept : descriptor_(open(path, O_RDO
 
 std::span<const char> CopySource::next() noexcept {
   std::size_t filled = 0;
-  while (filled < buffer.size()) {
+  while (filled < buffer.size() && !isAtEnd_) {
     const ssize_t count =
         uninterrupted([&] { return read(descriptor_, buffer.data() + filled, buffer.size() - filled); });
-    if (count <= 0) {
+    if (count < 0) {
       break;
     }
+    isAtEnd_ = count == 0;
     filled += static_cast<std::size_t>(count);
   }
   return std::span(buffer).first(filled);

@@ -32,6 +32,7 @@ class CopySource {
 
   int descriptor_;
   struct stat found_ {};  // when it was opened
+  bool isAtEnd_ = false;
 };
 
 class CopyDestination {
