@@ -1,6 +1,5 @@
 #include "platform/read_ahead.h"
 
-#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstdint>
@@ -21,9 +20,10 @@ namespace tavenhall {
 
 namespace {
 
-constexpr std::int64_t kBytesOfEach = 2097152;  // the copy's own reading has come into its stride by then
+// Within larger files the system reads ahead by itself; and a disc read at two places far apart is slow.
+constexpr std::int64_t kLargestFile = 262144;  // bytes
 constexpr int kBatch = ReadAhead::kFilesAhead / 2;
-constexpr int kFilesTried = 2;        // when these are in memory already, so is their batch
+constexpr int kFilesTried = 2;        // when these are in memory already, so is the rest of their batch
 constexpr std::size_t kDeepest = 32;  // folders open at a time; the page needs descriptors too
 
 // The files of a tree, one by one, in the order of the page's walk.
@@ -83,14 +83,15 @@ class Walk {
   std::vector<Level> levels_;
 };
 
+// No, too, where the file system cannot tell: reading what is there costs little.
 bool isInMemory(int descriptor) {
   char first;
   iovec room{&first, 1};
   return preadv2(descriptor, &room, 1, 0, RWF_NOWAIT) >= 0;
 }
 
-// Begins to read the file; whether anything had to be read.
-bool readBeginning(const char* path) {
+// Has a small file read; whether it was in memory before.
+bool wasInMemory(const char* path) {
   int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_NOATIME | O_CLOEXEC);
   if (descriptor < 0 && errno == EPERM) {
     descriptor = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);  // somebody else's file
@@ -99,12 +100,14 @@ bool readBeginning(const char* path) {
     return false;
   }
   struct stat found {};
-  const bool isWanted = fstat(descriptor, &found) == 0 && S_ISREG(found.st_mode) && !isInMemory(descriptor);
-  if (isWanted) {
-    readahead(descriptor, 0, static_cast<std::size_t>(std::min<std::int64_t>(found.st_size, kBytesOfEach)));
+  const bool isSmall =
+      fstat(descriptor, &found) == 0 && S_ISREG(found.st_mode) && found.st_size <= kLargestFile;
+  const bool wasThere = isSmall && isInMemory(descriptor);
+  if (isSmall && !wasThere) {
+    readahead(descriptor, 0, static_cast<std::size_t>(found.st_size));
   }
   close(descriptor);
-  return isWanted;
+  return wasThere;
 }
 
 }  // namespace
@@ -132,19 +135,19 @@ class ReadAhead::Reader {
  private:
   void run() {
     Walk walk(folder_.c_str());
-    bool isCold = false;
+    int inMemory = 0;  // files of the batch
     for (std::int64_t number = 0; !isStopping_; ++number) {
       const auto file = walk.next();
       if (!file) {
         return;
       }
-      const int place = static_cast<int>(number % kBatch);
-      if (place == 0) {
+      if (number % kBatch == 0) {
         batches_.acquire();
-        isCold = false;
+        inMemory = 0;
       }
-      if (file->isRegular && number >= filesCome_ && (isCold || place < kFilesTried)) {
-        isCold = readBeginning(file->path.c_str()) || isCold;
+      if (file->isRegular && number >= filesCome_ && inMemory < kFilesTried &&
+          wasInMemory(file->path.c_str())) {
+        ++inMemory;
       }
     }
   }

@@ -73,6 +73,23 @@ class ReadingAhead : public testing::Test {
     }
   }
 
+  // Files beside `other`, until one of them is listed after it: when all have come into memory, `other` has
+  // been met. Gives how many.
+  [[nodiscard]] int layFilesUntilOneFollows(const fs::path& other, std::size_t size) const {
+    const auto latest = [this] {
+      fs::path path;
+      for (const auto& entry : fs::directory_iterator(folder)) {
+        path = entry.path();
+      }
+      return path;
+    };
+    int count = 0;
+    do {
+      writeFile(folder / (std::to_string(count++) + ".db"), someBytes(size));
+    } while (latest() == other && count < ReadAhead::kFilesAhead);
+    return count;
+  }
+
   // Every regular file, as the system lists them.
   [[nodiscard]] std::vector<fs::path> files() const {
     std::vector<fs::path> found;
@@ -142,6 +159,20 @@ TEST_F(ReadingAhead, EndsWhenTheCopyIsFaster) {
   }
 }
 
+TEST_F(ReadingAhead, LargeFilesAreLeftToTheSystem) {
+  constexpr std::size_t kLargest = 262144;  // bytes
+  const fs::path large = folder / "large.db";
+  writeFile(large, someBytes(kLargest + 1));
+  const int count = layFilesUntilOneFollows(large, kLargest);
+  forgetAll();
+  if (!canForget()) {
+    GTEST_SKIP() << kCannotForget;
+  }
+  const ReadAhead readAhead(folder.c_str());
+  EXPECT_TRUE(comesTrue([&] { return inMemory() == count; })) << inMemory();
+  EXPECT_FALSE(isInMemory(large));
+}
+
 TEST_F(ReadingAhead, HiddenNamesAreNotRead) {
   layFiles(".hidden", 3);
   writeFile(folder / ".file", someBytes(5000));
@@ -175,18 +206,7 @@ TEST_F(ReadingAhead, PipesAreNotOpened) {
   fs::create_directories(folder);
   const fs::path pipe = folder / "pipe";
   ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-  // One of the files is to be listed after the pipe, so that the pipe has been met when all are in memory.
-  int count = 0;
-  const auto latest = [&] {
-    fs::path path;
-    for (const auto& entry : fs::directory_iterator(folder)) {
-      path = entry.path();
-    }
-    return path;
-  };
-  do {
-    writeFile(folder / (std::to_string(count++) + ".db"), someBytes(5000));
-  } while (latest() == pipe && count < ReadAhead::kFilesAhead);
+  const int count = layFilesUntilOneFollows(pipe, 5000);
   forgetAll();
   if (!canForget()) {
     GTEST_SKIP() << kCannotForget;
