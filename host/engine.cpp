@@ -13,6 +13,7 @@ namespace tavenhall {
 namespace {
 
 constexpr const char* kCopyThread = "copySingleVolume";
+constexpr int kLongestLull = 16;  // milliseconds without news, after which held events are written
 
 }  // namespace
 
@@ -65,6 +66,7 @@ int Engine::runModal(const Alert& alert) noexcept {
       return *answer;
     }
     if (commands_.isClosed()) {
+      flushEvents();
       onNoAnswer_();
     }
     waitForNews(false);
@@ -134,10 +136,22 @@ void Engine::run() {
       commands_.drop();
       perform(*command);
     } else if (!command && commands_.isClosed()) {
-      return;
+      break;
     } else {
       waitForNews(true);
     }
+  }
+  flushEvents();
+}
+
+void Engine::flushEvents() {
+  say([](EventSink& events) { events.flush(); });
+}
+
+void Engine::flushAtStop() noexcept {
+  const std::unique_lock lock(eventsMutex_, std::try_to_lock);
+  if (lock) {
+    events_.flush();
   }
 }
 
@@ -190,8 +204,14 @@ void Engine::waitForNews(bool pagesToo) {
   if (pagesToo) {
     sources[1].fd = wakeUp_.descriptor();
   }
-  if (::poll(sources.data(), sources.size(), -1) <= 0) {
-    return;  // a signal: the caller looks again
+  int timeout = -1;
+  say([&](EventSink& events) { timeout = events.isHolding() ? kLongestLull : -1; });
+  const int ready = ::poll(sources.data(), sources.size(), timeout);
+  if (ready == 0) {
+    flushEvents();
+  }
+  if (ready <= 0) {
+    return;  // otherwise a signal: the caller looks again
   }
   if (sources[0].revents != 0) {
     commands_.read();

@@ -39,6 +39,10 @@ class Engine final : private InstallerHost {
   [[nodiscard]] bool nextIsEnabled() const;
   [[nodiscard]] const RunRecord& record() const { return record_; }
 
+  // Writes the events that are held back, in a process that is about to stop, unless another thread is writing.
+  // Any thread.
+  void flushAtStop() noexcept;
+
   // One JSON object and a newline, as of the latest time when the page's state could be read.
   [[nodiscard]] std::string summary() const;
 
@@ -97,6 +101,8 @@ class Engine final : private InstallerHost {
 
   // Waits for input and, when asked, for hand-offs and page threads that end.
   void waitForNews(bool pagesToo);
+
+  void flushEvents();
 
   // Says something, as one of the engine's threads at a time.
   template <typename Say>

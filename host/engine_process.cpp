@@ -52,6 +52,11 @@ void survive(int signal) {
   sigaction(signal, &action, nullptr);
 }
 
+Engine* theEngine = nullptr;
+
+// A path that does not fit stops the process on the thread that met it: listeners first hear what came before.
+void flushAtStop(int /*signal*/) { theEngine->flushAtStop(); }
+
 void writeSummary(const RunOptions& options, const EngineLines& lines, const std::string& summary) {
   if (lines.summary >= 0) {
     writeAll(lines.summary, summary);
@@ -95,12 +100,12 @@ void runEngine(const RunOptions& options, const EngineLines& lines) {
       isObeying ? CommandSource(own.commands)
                 : CommandSource({Command::title, Command::enter, Command::wait}, kAlertFirstButtonReturn);
 
-  const Engine* running = nullptr;
   Engine engine(commands, *events, [&] {
-    writeSummary(options, own, running->summary());
+    writeSummary(options, own, theEngine->summary());
     endProcess(ExitStatus::noAnswer);
   });
-  running = &engine;
+  theEngine = &engine;
+  std::signal(SIGABRT, flushAtStop);
   engine.makePage(factory);
   engine.run();
   const bool faceIsGone = options.face != Face::json && commands.isClosed();

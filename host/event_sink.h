@@ -23,6 +23,10 @@ class EventSink {
   virtual void assertion(const char* type, std::uint32_t level, const char* name) = 0;
   virtual void assertionReleased(const char* type) = 0;
   virtual void error(std::string_view message) = 0;
+
+  // What follows the copy may be held back for a moment, so that many small pieces go out as one. Is anything?
+  [[nodiscard]] virtual bool isHolding() const = 0;
+  virtual void flush() = 0;
 };
 
 }  // namespace tavenhall

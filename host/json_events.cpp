@@ -1,6 +1,8 @@
 #include "host/json_events.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <unistd.h>
@@ -10,11 +12,60 @@ namespace tavenhall {
 
 using nlohmann::ordered_json;
 
+namespace {
+
+std::string jsonText(const ordered_json& value) {
+  return value.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
+}
+
+// These two come twice a file, so they are written without building an object first.
+constexpr std::string_view kBarValue = "progress.value";
+constexpr std::string_view kStatus = "status";
+
+void appendString(std::string& line, std::string_view text) {
+  const bool isPlain =
+      std::ranges::all_of(text, [](char c) { return c >= ' ' && c <= '~' && c != '"' && c != '\\'; });
+  if (isPlain) {
+    line.append(1, '"').append(text).append(1, '"');
+  } else {
+    line += jsonText(ordered_json(text));
+  }
+}
+
+void appendNumber(std::string& line, double value) {
+  constexpr double kWholeAndShort = 1e15;
+  if (value >= 0.0 && value < kWholeAndShort && value == std::floor(value)) {
+    line += std::to_string(static_cast<std::int64_t>(value)) + ".0";
+  } else {
+    line += jsonText(value);
+  }
+}
+
+}  // namespace
+
 void JsonEvents::plain(const char* event) { write({{"event", event}}); }
 
-void JsonEvents::text(const char* event, std::string_view text) { write({{"event", event}, {"text", text}}); }
+void JsonEvents::text(const char* event, std::string_view text) {
+  if (event != kStatus) {
+    write({{"event", event}, {"text", text}});
+    return;
+  }
+  held_ += R"({"event":"status","text":)";
+  appendString(held_, text);
+  held_ += "}\n";
+  hold();
+}
 
-void JsonEvents::number(const char* event, double value) { write({{"event", event}, {"value", value}}); }
+void JsonEvents::number(const char* event, double value) {
+  if (event != kBarValue) {
+    write({{"event", event}, {"value", value}});
+    return;
+  }
+  held_ += R"({"event":"progress.value","value":)";
+  appendNumber(held_, value);
+  held_ += "}\n";
+  hold();
+}
 
 void JsonEvents::enabled(const char* event, bool enabled) { write({{"event", event}, {"enabled", enabled}}); }
 
@@ -44,11 +95,24 @@ void JsonEvents::assertionReleased(const char* type) {
 
 void JsonEvents::error(std::string_view message) { write({{"event", "error"}, {"message", message}}); }
 
-void JsonEvents::write(const ordered_json& event) const { writeAll(descriptor_, jsonLine(event)); }
-
-std::string jsonLine(const ordered_json& object) {
-  return object.dump(-1, ' ', false, ordered_json::error_handler_t::replace) + "\n";
+void JsonEvents::write(const ordered_json& event) {
+  held_ += jsonLine(event);
+  flush();
 }
+
+void JsonEvents::hold() {
+  if (std::chrono::steady_clock::now() - latestWriting_ >= kLongestHold) {
+    flush();
+  }
+}
+
+void JsonEvents::flush() {
+  writeAll(descriptor_, held_);
+  held_.clear();
+  latestWriting_ = std::chrono::steady_clock::now();
+}
+
+std::string jsonLine(const ordered_json& object) { return jsonText(object) + "\n"; }
 
 bool writeAll(int descriptor, std::string_view text) {
   while (!text.empty()) {

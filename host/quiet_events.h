@@ -17,6 +17,8 @@ class QuietEvents final : public EventSink {
   void assertion(const char* /*type*/, std::uint32_t /*level*/, const char* /*name*/) override {}
   void assertionReleased(const char* /*type*/) override {}
   void error(std::string_view /*message*/) override {}
+  [[nodiscard]] bool isHolding() const override { return false; }
+  void flush() override {}
 };
 
 }  // namespace tavenhall

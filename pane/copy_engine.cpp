@@ -4,8 +4,10 @@
 #include "pane/folder_listing.h"
 #include "pane/install_data_pane.h"
 #include "pane/process_wide.h"
+#include "platform/read_ahead.h"
 #include "platform/system.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <sys/stat.h>
 
@@ -19,7 +21,6 @@ namespace {
 constexpr std::size_t kChildPathSize = 1024;
 constexpr std::size_t kCommandSize = 2048;
 constexpr std::size_t kErrorTextSize = 1024;
-constexpr std::size_t kChunkSize = 10240;  // bytes
 constexpr int kChunksBetweenUpdates = 100;
 constexpr float kBytesBetweenProgressLines = 100000000.0F;
 constexpr mode_t kFolderMode = 0777;  // before the umask
@@ -103,6 +104,7 @@ std::int32_t InstallDataPane::copyDirectory(const char* source, const char* dest
 }
 
 std::int32_t InstallDataPane::copyFile(const char* source, const char* dest) noexcept {
+  ReadAhead::cameToFile();
   if (isAttributesFile(source)) {
     addEventToInstallationLog("copyDirectoryOrFile: skipping copy of Inst. Attrib file");
     return 1;
@@ -121,39 +123,38 @@ std::int32_t InstallDataPane::copyFile(const char* source, const char* dest) noe
 }
 
 std::int32_t InstallDataPane::copyBytes(const char* source, const char* dest) noexcept {
-  std::FILE* in = openCopySource(source);
-  std::FILE* out = openCopyDestination(dest, in);
+  CopySource in(source);
+  CopyDestination out(dest, in);
   const int outError = errno;
 
-  if (in == nullptr) {
+  if (!in.isOpen()) {
     addEventToInstallationLog("Source error %s %s\n", source, dest);
     showSheetFromWorker(kInputSheet);
-    if (out != nullptr) {
-      std::fclose(out);
-    }
     return 0;
   }
-  if (out == nullptr) {
+  if (!out.isOpen()) {
     std::array<char, kErrorTextSize> text{};
     errorText(outError, text.data(), text.size());
     addEventToInstallationLog("Target error %s %s %s\n", source, dest, text.data());
     showSheetFromWorker(isAudioPluginDestination(dest) ? kPluginOutputSheet : kOutputSheet);
-    std::fclose(in);
     return 0;
   }
 
-  std::array<char, kChunkSize> chunk;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled by the read
   int chunkNumber = 0;
-  while (const std::size_t count = std::fread(chunk.data(), 1, chunk.size(), in)) {
-    std::fwrite(chunk.data(), 1, count, out);                // a short write shows in the sizes below
-    kBytesCopied += static_cast<std::int64_t>(count >> 10);  // required: each chunk is rounded down
-    countForProgressLog(count);
-    if (++chunkNumber % kChunksBetweenUpdates == 0) {
-      updateProgress();
+  for (auto bytes = in.next(); !bytes.empty(); bytes = in.next()) {
+    out.write(bytes);  // a short write shows in the sizes below
+    while (!bytes.empty()) {
+      const std::size_t chunk = std::min(bytes.size(), kChunkSize);
+      bytes = bytes.subspan(chunk);
+      kBytesCopied += static_cast<std::int64_t>(chunk >> 10);  // required: each chunk is rounded down
+      countForProgressLog(chunk);
+      if (++chunkNumber % kChunksBetweenUpdates == 0) {
+        updateProgress();
+      }
     }
   }
-  std::fclose(in);
-  std::fclose(out);
+  in.close();
+  out.close();
 
   // Required: a difference is reported to the user, and the copy still counts as done.
   const std::int64_t sourceSize = sizeOf(source);

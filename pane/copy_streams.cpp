@@ -5,79 +5,104 @@
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace tavenhall {
 
 namespace {
 
-constexpr std::size_t kStreamBufferSize = 131072;  // bytes
-constexpr mode_t kFileMode = 0666;                 // before the umask
+constexpr mode_t kFileMode = 0666;  // before the umask
 
-std::array<char, kStreamBufferSize> sourceBuffer;
-std::array<char, kStreamBufferSize> destinationBuffer;
+std::array<char, 12 * kChunkSize> buffer;
 
-std::FILE* streamOn(int descriptor, const char* mode, std::array<char, kStreamBufferSize>& buffer) {
-  std::FILE* stream = fdopen(descriptor, mode);
-  if (stream == nullptr) {
-    const int error = errno;
-    close(descriptor);
-    errno = error;
-    return nullptr;
-  }
-  std::setvbuf(stream, buffer.data(), _IOFBF, buffer.size());
-  return stream;
+// As read and write, whatever signals arrive.
+template <typename Call>
+ssize_t uninterrupted(Call call) {
+  ssize_t result = 0;
+  do {
+    result = call();
+  } while (result < 0 && errno == EINTR);
+  return result;
 }
 
 bool isSameFile(const struct stat& one, const struct stat& other) {
   return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
 }
 
-// Empties the file, unless it is the source: the same bytes are then written over themselves.
-bool emptyUnlessSource(int descriptor, std::FILE* source) {
-  struct stat found {};
-  if (fstat(descriptor, &found) == 0) {
-    struct stat read {};
-    if (found.st_size == 0 ||
-        (source != nullptr && fstat(fileno(source), &read) == 0 && isSameFile(found, read))) {
-      return true;
-    }
-  }
-  return ftruncate(descriptor, 0) == 0;
-}
-
 }  // namespace
 
-std::FILE* openCopySource(const char* path) noexcept {
-  // Without waiting: opening a pipe would otherwise wait for somebody to write to it.
-  const int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-  if (descriptor < 0) {
-    return nullptr;
+// Without waiting: opening a pipe would otherwise wait for somebody to write to it.
+CopySource::CopySource(const char* path) noexcept : descriptor_(open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {
+  if (!isOpen()) {
+    return;
   }
-  struct stat found {};
-  if (fstat(descriptor, &found) != 0 || !(S_ISREG(found.st_mode) || S_ISDIR(found.st_mode))) {
-    close(descriptor);
-    errno = EINVAL;
-    return nullptr;
+  if (fstat(descriptor_, &found_) != 0 || !(S_ISREG(found_.st_mode) || S_ISDIR(found_.st_mode))) {
+    close();
+    return;
   }
-  hintSequentialRead(descriptor);
-  return streamOn(descriptor, "rb", sourceBuffer);
+  hintSequentialRead(descriptor_, found_.st_size);
 }
 
-std::FILE* openCopyDestination(const char* path, std::FILE* source) noexcept {
-  // Without O_TRUNC, which would empty the source where the user's folder leads back to it.
-  const int descriptor = open(path, O_WRONLY | O_CREAT | O_NONBLOCK | O_CLOEXEC, kFileMode);
-  if (descriptor < 0) {
-    return nullptr;
+std::span<const char> CopySource::next() noexcept {
+  std::size_t filled = 0;
+  while (filled < buffer.size() && !isAtEnd_) {
+    const ssize_t count =
+        uninterrupted([&] { return read(descriptor_, buffer.data() + filled, buffer.size() - filled); });
+    if (count < 0) {
+      break;
+    }
+    isAtEnd_ = count == 0;
+    filled += static_cast<std::size_t>(count);
   }
-  if (!emptyUnlessSource(descriptor, source)) {
+  return std::span(buffer).first(filled);
+}
+
+void CopySource::close() noexcept {
+  if (isOpen()) {
+    ::close(std::exchange(descriptor_, -1));
+  }
+}
+
+// Without O_TRUNC, which would empty the source where the user's folder leads back to it.
+CopyDestination::CopyDestination(const char* path, const CopySource& source) noexcept
+    : descriptor_(open(path, O_WRONLY | O_CREAT | O_NONBLOCK | O_CLOEXEC, kFileMode)) {
+  if (isOpen() && !makeReadyFor(source)) {
     const int error = errno;
-    close(descriptor);
+    ::close(std::exchange(descriptor_, -1));
     errno = error;
-    return nullptr;
   }
-  return streamOn(descriptor, "w", destinationBuffer);
+}
+
+// Empties the file, unless it is the source: the same bytes are then written over themselves.
+bool CopyDestination::makeReadyFor(const CopySource& source) noexcept {
+  struct stat found {};
+  const bool isKnown = fstat(descriptor_, &found) == 0;
+  if (isKnown && source.isOpen() && isSameFile(found, source.found_)) {
+    return true;
+  }
+  const bool isEmpty = isKnown && found.st_size == 0;
+  if (!isEmpty && ftruncate(descriptor_, 0) != 0) {
+    return false;
+  }
+  hintSequentialWrite(descriptor_, source.found_.st_size);
+  return true;
+}
+
+void CopyDestination::write(std::span<const char> bytes) noexcept {
+  while (!bytes.empty()) {
+    const ssize_t count = uninterrupted([&] { return ::write(descriptor_, bytes.data(), bytes.size()); });
+    if (count <= 0) {
+      return;
+    }
+    bytes = bytes.subspan(static_cast<std::size_t>(count));
+  }
+}
+
+void CopyDestination::close() noexcept {
+  if (isOpen()) {
+    ::close(std::exchange(descriptor_, -1));
+  }
 }
 
 }  // namespace tavenhall

@@ -1,18 +1,60 @@
 #pragma once
 
-#include <cstdio>
+#include <cstddef>
+#include <span>
+#include <sys/stat.h>
 
-// The two streams of a file copy. They read and write in larger pieces than the copy's chunks, through two
-// buffers of the process's, so that only one pair may be open at a time; the copy engine never runs twice
-// at once. The caller closes them.
+// The two files of a copy. The bytes go through one buffer of the process's, so that only one source may be
+// open at a time; the copy engine never runs twice at once.
 namespace tavenhall {
 
-// Opens a file for reading. Null, with errno set, when it cannot be opened, and for a pipe or a device,
-// which could keep the copy waiting for ever. A folder opens, and gives nothing to read.
-[[nodiscard]] std::FILE* openCopySource(const char* path) noexcept;
+inline constexpr std::size_t kChunkSize = 10240;  // bytes
 
-// Opens a file for writing, created or emptied. One that is the source, reached by another way, keeps its
-// bytes; `source` may be null. Null, with errno set, when it cannot be opened.
-[[nodiscard]] std::FILE* openCopyDestination(const char* path, std::FILE* source) noexcept;
+class CopySource {
+ public:
+  // Opens the file. Not a pipe or a device, which could keep the copy waiting for ever. A folder opens, and
+  // gives nothing to read.
+  explicit CopySource(const char* path) noexcept;
+  CopySource(const CopySource&) = delete;
+  CopySource& operator=(const CopySource&) = delete;
+  ~CopySource() { close(); }
+
+  [[nodiscard]] bool isOpen() const noexcept { return descriptor_ >= 0; }
+
+  // The next whole chunks, as many as the buffer holds; fewer bytes before the end or an error, none there.
+  // Valid until the next call.
+  [[nodiscard]] std::span<const char> next() noexcept;
+
+  void close() noexcept;
+
+ private:
+  friend class CopyDestination;
+
+  int descriptor_;
+  struct stat found_ {};  // when it was opened
+  bool isAtEnd_ = false;
+};
+
+class CopyDestination {
+ public:
+  // Opens the file, created or emptied, for what the source holds; the source need not be open. One that is
+  // the source, reached by another way, keeps its bytes. errno says why it is not open.
+  CopyDestination(const char* path, const CopySource& source) noexcept;
+  CopyDestination(const CopyDestination&) = delete;
+  CopyDestination& operator=(const CopyDestination&) = delete;
+  ~CopyDestination() { close(); }
+
+  [[nodiscard]] bool isOpen() const noexcept { return descriptor_ >= 0; }
+
+  // What cannot be written is missing in the file's size.
+  void write(std::span<const char> bytes) noexcept;
+
+  void close() noexcept;
+
+ private:
+  [[nodiscard]] bool makeReadyFor(const CopySource& source) noexcept;
+
+  int descriptor_;
+};
 
 }  // namespace tavenhall

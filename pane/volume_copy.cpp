@@ -2,6 +2,7 @@
 #include "pane/folder_listing.h"
 #include "pane/install_data_pane.h"
 #include "pane/process_wide.h"
+#include "platform/read_ahead.h"
 #include "platform/system.h"
 
 namespace tavenhall {
@@ -55,12 +56,14 @@ void InstallDataPane::copySingleVolume() noexcept {
         destination.format("%s/%s", copyDstPath, name);
       }
       addEventToInstallationLog("Begin copySingleVolume for copySrcPathWithSubFolder %s\n", source.c_str());
+      const ReadAhead readAhead(source.c_str());
       readyToProceed =
           copyDirectoryOrFile(source.c_str(), copyDstPath != nullptr ? destination.c_str() : nullptr,
                               gTANVOorDOVAnameOnly.c_str(), true);
     }
   } else {
     addEventToInstallationLog("Begin copySingleVolume: copySrcPath %s\n", copySrcPath);
+    const ReadAhead readAhead(copySrcPath);
     readyToProceed = copyDirectoryOrFile(copySrcPath, copyDstPath, gTANVOorDOVAnameOnly.c_str(), true);
   }
 

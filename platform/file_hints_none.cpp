@@ -2,6 +2,8 @@
 
 namespace tavenhall {
 
-void hintSequentialRead(int /*descriptor*/) noexcept {}
+void hintSequentialRead(int /*descriptor*/, std::int64_t /*size*/) noexcept {}
+
+void hintSequentialWrite(int /*descriptor*/, std::int64_t /*size*/) noexcept {}
 
 }  // namespace tavenhall

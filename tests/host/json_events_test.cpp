@@ -1,6 +1,7 @@
 #include "host/json_events.h"
 
 #include <array>
+#include <chrono>
 #include <csignal>
 #include <fcntl.h>
 #include <functional>
@@ -19,6 +20,7 @@ std::string written(const std::function<void(JsonEvents&)>& say) {
   const int file = memfd_create("events", MFD_CLOEXEC);
   JsonEvents events(file);
   say(events);
+  events.flush();
   struct stat found {};
   fstat(file, &found);
   std::string bytes(static_cast<std::size_t>(found.st_size), '\0');
@@ -159,6 +161,90 @@ TEST(JsonEvents, NobodyWhoReadsIsNoError) {
 
   EXPECT_FALSE(writeAll(ends[1], "x"));
   close(ends[1]);
+}
+
+// What was written when, without flushing.
+class HeldEvents : public testing::Test {
+ protected:
+  ~HeldEvents() override { close(file); }
+
+  [[nodiscard]] std::string written() const {
+    std::array<char, 4096> bytes;
+    const ssize_t count = pread(file, bytes.data(), bytes.size(), 0);
+    return {bytes.data(), static_cast<std::size_t>(count)};
+  }
+
+  const int file = memfd_create("events", MFD_CLOEXEC);
+  JsonEvents events{file};
+};
+
+TEST_F(HeldEvents, TheFirstOfTheCopyIsWrittenAtOnce) {
+  events.number("progress.value", 2.0);
+  EXPECT_EQ(written(), "{\"event\":\"progress.value\",\"value\":2.0}\n");
+  EXPECT_FALSE(events.isHolding());
+}
+
+TEST_F(HeldEvents, ThoseThatFollowGoOutTogether) {
+  const auto start = std::chrono::steady_clock::now();
+  int count = 0;
+  std::string all;
+  int writings = 0;
+  std::string before;
+  while (std::chrono::steady_clock::now() - start < JsonEvents::kLongestHold * 5) {
+    events.number("progress.value", 1.0);
+    events.text("status", "Installing... Voices");
+    all +=
+        "{\"event\":\"progress.value\",\"value\":1.0}\n{\"event\":\"status\",\"text\":\"Installing... "
+        "Voices\"}\n";
+    ++count;
+    struct stat found {};
+    fstat(file, &found);
+    if (static_cast<std::size_t>(found.st_size) != before.size()) {
+      before.resize(static_cast<std::size_t>(found.st_size));
+      ++writings;
+    }
+  }
+  const auto passed = std::chrono::steady_clock::now() - start;
+  events.flush();
+  std::string bytes(all.size() + 1, '\0');
+  const ssize_t length = pread(file, bytes.data(), bytes.size(), 0);
+  bytes.resize(static_cast<std::size_t>(length));
+  EXPECT_EQ(bytes, all);  // none is left out
+  EXPECT_GE(writings, 1);
+  EXPECT_LE(writings, passed / JsonEvents::kLongestHold + 1);
+  EXPECT_LT(writings, count);
+}
+
+TEST_F(HeldEvents, AnyOtherEventTakesThemAlong) {
+  events.text("status", "a");
+  events.text("status", "b");
+  events.plain("idle");
+  EXPECT_EQ(
+      written(),
+      "{\"event\":\"status\",\"text\":\"a\"}\n{\"event\":\"status\",\"text\":\"b\"}\n{\"event\":\"idle\"}\n");
+  EXPECT_FALSE(events.isHolding());
+}
+
+TEST_F(HeldEvents, FlushingWritesThem) {
+  events.plain("entered");
+  events.text("status", "a");
+  events.flush();
+  EXPECT_EQ(written(), "{\"event\":\"entered\"}\n{\"event\":\"status\",\"text\":\"a\"}\n");
+}
+
+TEST_F(HeldEvents, TheirNumbersAndTextsHaveTheFormOfAllOthers) {
+  events.number("progress.value", 0.0);
+  events.number("progress.value", 5859.375);
+  events.number("progress.value", 1e15);
+  events.number("progress.value", 1e22);
+  events.text("status", "\"a\\\n\xE9");
+  events.flush();
+  EXPECT_EQ(written(),
+            "{\"event\":\"progress.value\",\"value\":0.0}\n"
+            "{\"event\":\"progress.value\",\"value\":5859.375}\n"
+            "{\"event\":\"progress.value\",\"value\":1e+15}\n"
+            "{\"event\":\"progress.value\",\"value\":1e+22}\n"
+            "{\"event\":\"status\",\"text\":\"\\\"a\\\\\\n\xEF\xBF\xBD\"}\n");
 }
 
 }  // namespace

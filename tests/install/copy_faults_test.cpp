@@ -2,6 +2,7 @@
 #include "tests/install/source_tree.h"
 #include "tests/support/files.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
@@ -153,6 +154,25 @@ TEST(CopyFaults, APathThatDoesNotFitStopsTheProgramInsteadOfBeingCut) {
   for (const std::string& path : treeOf(kTanvo)) {
     EXPECT_TRUE(path.ends_with("/")) << path << " was copied to a place that nobody named";
   }
+}
+
+// Events that come with each file are held back for a moment; a stop in that moment must not lose them.
+TEST(CopyFaults, WhatCameBeforeTheStopIsHeard) {
+  layTooLongPath();
+  for (int i = 0; i < 50; ++i) {
+    writeFile(std::string(kSet) + "/TANVO/" + std::to_string(i) + ".db", "x");
+  }
+
+  JsonInstaller installer({"--package", kPackage});
+  installer.send({kEnter, kWait, kForward});
+  ASSERT_EQ(installer.finish(), 128 + SIGABRT);
+
+  const std::vector<std::string> copied = treeOf(kTanvo);
+  const auto files = std::ranges::count_if(copied, [](const auto& path) { return path.ends_with(".db"); });
+  ASSERT_GT(files, 0) << "the long path was met first: nothing is proved";
+  const auto moves = std::ranges::count_if(
+      installer.events(), [](const auto& line) { return line.starts_with(R"({"event":"progress.value")"); });
+  EXPECT_EQ(moves, files + 1);  // the first is the empty bar's
 }
 
 TEST(CopyFaults, AProgramThatHadToStopIsReportedByThePlainFace) {

@@ -1,0 +1,179 @@
+#include "platform/read_ahead.h"
+
+#include <atomic>
+#include <cerrno>
+#include <cstdint>
+#include <dirent.h>
+#include <fcntl.h>
+#include <optional>
+#include <semaphore>
+#include <string>
+#include <sys/stat.h>
+#include <sys/uio.h>
+#include <system_error>
+#include <thread>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+namespace tavenhall {
+
+namespace {
+
+// Within larger files the system reads ahead by itself; and a disc read at two places far apart is slow.
+constexpr std::int64_t kLargestFile = 262144;  // bytes
+constexpr int kBatch = ReadAhead::kFilesAhead / 2;
+constexpr int kFilesTried = 2;        // when these are in memory already, so is the rest of their batch
+constexpr std::size_t kDeepest = 32;  // folders open at a time; the page needs descriptors too
+
+// The files of a tree, one by one, in the order of the page's walk.
+class Walk {
+ public:
+  explicit Walk(const char* folder) { enter(folder); }
+  Walk(const Walk&) = delete;
+  Walk& operator=(const Walk&) = delete;
+  ~Walk() {
+    while (!levels_.empty()) {
+      leave();
+    }
+  }
+
+  struct File {
+    std::string path;
+    bool isRegular;
+  };
+
+  // Nothing at the end, and where it goes too deep.
+  std::optional<File> next() {
+    while (!levels_.empty()) {
+      const dirent* entry = readdir(levels_.back().listing);
+      if (entry == nullptr) {
+        leave();
+      } else if (entry->d_name[0] != '.') {
+        std::string path = levels_.back().path + "/" + entry->d_name;
+        if (entry->d_type != DT_DIR) {
+          return File{std::move(path), entry->d_type == DT_REG};
+        }
+        if (levels_.size() == kDeepest) {
+          break;
+        }
+        enter(std::move(path));
+      }
+    }
+    return std::nullopt;
+  }
+
+ private:
+  struct Level {
+    std::string path;
+    DIR* listing;
+  };
+
+  void enter(std::string path) {
+    if (DIR* listing = opendir(path.c_str()); listing != nullptr) {
+      levels_.push_back({std::move(path), listing});
+    }
+  }
+
+  void leave() {
+    closedir(levels_.back().listing);
+    levels_.pop_back();
+  }
+
+  std::vector<Level> levels_;
+};
+
+// No, too, where the file system cannot tell: reading what is there costs little.
+bool isInMemory(int descriptor) {
+  char first;
+  iovec room{&first, 1};
+  return preadv2(descriptor, &room, 1, 0, RWF_NOWAIT) >= 0;
+}
+
+// Has a small file read; whether it was in memory before.
+bool wasInMemory(const char* path) {
+  int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_NOATIME | O_CLOEXEC);
+  if (descriptor < 0 && errno == EPERM) {
+    descriptor = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);  // somebody else's file
+  }
+  if (descriptor < 0) {
+    return false;
+  }
+  struct stat found {};
+  const bool isSmall =
+      fstat(descriptor, &found) == 0 && S_ISREG(found.st_mode) && found.st_size <= kLargestFile;
+  const bool wasThere = isSmall && isInMemory(descriptor);
+  if (isSmall && !wasThere) {
+    readahead(descriptor, 0, static_cast<std::size_t>(found.st_size));
+  }
+  close(descriptor);
+  return wasThere;
+}
+
+}  // namespace
+
+// The copy and the reader count the tree's files alike. The reader may begin a batch when the copy has come
+// through the last but one before it.
+class ReadAhead::Reader {
+ public:
+  explicit Reader(const char* folder) : folder_(folder), thread_([this] { run(); }) {}
+  Reader(const Reader&) = delete;
+  Reader& operator=(const Reader&) = delete;
+
+  ~Reader() {
+    isStopping_ = true;
+    batches_.release();
+    thread_.join();
+  }
+
+  void cameToFile() {
+    if (++filesCome_ % kBatch == 0) {
+      batches_.release();
+    }
+  }
+
+ private:
+  void run() {
+    Walk walk(folder_.c_str());
+    int inMemory = 0;  // files of the batch
+    for (std::int64_t number = 0; !isStopping_; ++number) {
+      const auto file = walk.next();
+      if (!file) {
+        return;
+      }
+      if (number % kBatch == 0) {
+        batches_.acquire();
+        inMemory = 0;
+      }
+      if (file->isRegular && number >= filesCome_ && inMemory < kFilesTried &&
+          wasInMemory(file->path.c_str())) {
+        ++inMemory;
+      }
+    }
+  }
+
+  const std::string folder_;
+  std::atomic<bool> isStopping_ = false;
+  std::atomic<std::int64_t> filesCome_ = 0;
+  std::counting_semaphore<> batches_{kFilesAhead / kBatch};
+  std::thread thread_;  // last: it uses all the others
+};
+
+ReadAhead::ReadAhead(const char* folder) noexcept {
+  try {
+    reader_ = std::make_unique<Reader>(folder);
+  } catch (const std::system_error&) {
+    return;  // no thread can be had
+  }
+  current_ = reader_.get();
+}
+
+ReadAhead::~ReadAhead() { current_ = nullptr; }
+
+void ReadAhead::cameToFile() noexcept {
+  if (current_ != nullptr) {
+    current_->cameToFile();
+  }
+}
+
+}  // namespace tavenhall
