@@ -1,6 +1,7 @@
 #include "host/check/key_effects.h"
 #include "host/check/rules.h"
 #include "host/check/words.h"
+#include "host/text.h"
 
 namespace tavenhall {
 
@@ -22,15 +23,15 @@ void checkPlace(const CheckedSet& checked, Remarks& remarks) {
   if (!checked.plan.attributes.isFilePresent()) {
     remarks.add(
         "attributes-missing", {checked.shown(fs::path(folder) / kFileName)},
-        "There is no .InstallationAttributes.dat beside the package or one folder above, so the page shows "
-        "its built-in texts and asks for one disc.");
+        _("There is no .InstallationAttributes.dat beside the package or one folder above, so the page shows "
+          "its built-in texts and asks for one disc."));
     return;
   }
   const fs::path above = fs::path(folder) / ".." / kFileName;
   std::error_code error;
   if (fs::exists(above, error) && checked.plan.attributes.path() != above) {
     remarks.add("attributes-twice", {checked.shown(above)},
-                "The page reads the .InstallationAttributes.dat beside the package and never this one.");
+                _("The page reads the .InstallationAttributes.dat beside the package and never this one."));
   }
 }
 
@@ -41,36 +42,38 @@ void checkByteOrderMark(const CheckedSet& checked, const AttributesPiece& first,
   }
   if (const AttributesKey* key = knownKey(first.parts.key.substr(kByteOrderMark.size()))) {
     remarks.add("byte-order-mark", checked.attributesPlace(&first),
-                "The byte-order mark before " + std::string(key->name) +
-                    " is part of the key for the page, which does not know it then, so " +
-                    missingKeyEffect(key->name) + ".");
+                filled(_("The byte-order mark before {0} is part of the key for the page, which does not know "
+                         "it then, so {1}."),
+                       {key->name, missingKeyEffect(key->name)}));
   }
 }
 
 void checkBytes(const CheckedSet& checked, const AttributesPiece& piece, Remarks& remarks) {
   if (piece.text.find('\0') != std::string_view::npos) {
     remarks.add("nul-byte", checked.attributesPlace(&piece),
-                "A NUL byte ends the line for the page, which does not see what follows it.");
+                _("A NUL byte ends the line for the page, which does not see what follows it."));
   }
   if (piece.isCut && !piece.continuesLine) {
     remarks.add(
         "line-too-long", checked.attributesPlace(&piece),
-        "The page reads 2047 bytes of this line, so its text is cut there, and takes the rest for another "
-        "line.");
+        _("The page reads 2047 bytes of this line, so its text is cut there, and takes the rest for another "
+          "line."));
   }
   const std::string_view value = piece.parts.value;
   const std::size_t carriageReturn = value.find('\r');
   if (carriageReturn < value.find_last_not_of(" \t\r") &&
       value.find_last_not_of(" \t\r") != std::string_view::npos) {
-    remarks.add("carriage-return", checked.attributesPlace(&piece),
-                "A carriage return ends the value, so the page shows " +
-                    inQuotes(value.substr(0, carriageReturn)) + " and nothing of what follows.");
+    remarks.add(
+        "carriage-return", checked.attributesPlace(&piece),
+        filled(_("A carriage return ends the value, so the page shows {0} and nothing of what follows."),
+               {inQuotes(value.substr(0, carriageReturn))}));
   }
   const AttributesKey* key = knownKey(piece.parts.key);
   if (key != nullptr && key->kind == KeyKind::text && !piece.isCut && !isUtf8(value)) {
-    remarks.add("text-not-utf8", checked.attributesPlace(&piece),
-                "The value of " + std::string(key->name) +
-                    " is not UTF-8, so the page shows wrong letters or nothing in its place.");
+    remarks.add(
+        "text-not-utf8", checked.attributesPlace(&piece),
+        filled(_("The value of {0} is not UTF-8, so the page shows wrong letters or nothing in its place."),
+               {key->name}));
   }
 }
 
@@ -85,13 +88,14 @@ void checkAttributesFile(const CheckedSet& checked, Remarks& remarks) {
   const Place firstLine = checked.attributesPlace(&attributes.pieces().front());
   if (isUtf16(attributes.bytes())) {
     remarks.add("byte-order-mark", firstLine,
-                "The file is UTF-16, of which the page can read no key, so it does as if there were none.");
+                _("The file is UTF-16, of which the page can read no key, so it does as if there were none."));
     return;
   }
   checkByteOrderMark(checked, attributes.pieces().front(), remarks);
   if (hasOldLineEnds(attributes.bytes())) {
-    remarks.add("carriage-return", firstLine,
-                "The lines end in carriage returns alone, so the page sees one line and no key but the first.");
+    remarks.add(
+        "carriage-return", firstLine,
+        _("The lines end in carriage returns alone, so the page sees one line and no key but the first."));
     return;
   }
   for (const AttributesPiece& piece : attributes.pieces()) {

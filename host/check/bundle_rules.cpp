@@ -1,7 +1,7 @@
 #include "context/placement_rules.h"
 #include "host/check/bundles.h"
 #include "host/check/rules.h"
-#include "host/check/words.h"
+#include "host/text.h"
 
 #include <algorithm>
 #include <array>
@@ -81,13 +81,13 @@ class BundleRules {
     if (!product) {
       remarks_.add(
           "plugin-unknown", {shown(item.path)},
-          "No product's name is in this path, so the page copies over what the user has of it and leaves "
-          "the old files inside.");
+          _("No product's name is in this path, so the page copies over what the user has of it and leaves "
+            "the old files inside."));
     } else if (product != own) {
       remarks_.add("product-in-path", {shown(item.path)},
-                   "The package's own folder has the name " + std::string(pluginNames[*product]) +
-                       " in its path, so the page takes this for " + pluginNames[*product] +
-                       "'s, and removes an earlier one only of the first plug-in of its kind.");
+                   filled(_("The package's own folder has the name {0} in its path, so the page takes this for "
+                            "{0}'s, and removes an earlier one only of the first plug-in of its kind."),
+                          {pluginNames[*product]}));
     }
   }
 
@@ -97,17 +97,18 @@ class BundleRules {
     if (hasShellCharacter(item.destination) || std::any_of(item.inside.begin(), item.inside.end(), isRead)) {
       remarks_.add(
           "app-path-shell", {shown(item.path)},
-          "A path in the application holds a character that the shell reads as a command, so the command "
-          "that opens its permissions does something else.");
+          _("A path in the application holds a character that the shell reads as a command, so the command "
+            "that opens its permissions does something else."));
     } else if (item.destination.find(' ') != std::string::npos) {
-      remarks_.add("app-path-blank", {shown(item.path)},
-                   "The blank in this path splits the command that opens the application's permissions, so the "
-                   "application may not start.");
+      remarks_.add(
+          "app-path-blank", {shown(item.path)},
+          _("The blank in this path splits the command that opens the application's permissions, so the "
+            "application may not start."));
     } else if (std::any_of(item.inside.begin(), item.inside.end(), isSplit)) {
       remarks_.add(
           "app-path-blank", {shown(item.path)},
-          "Paths with blanks inside the application split their permission commands; the one for the whole "
-          "application makes up for it, and the log shows the failures.");
+          _("Paths with blanks inside the application split their permission commands; the one for the whole "
+            "application makes up for it, and the log shows the failures."));
     }
   }
 
@@ -119,9 +120,11 @@ class BundleRules {
     const auto programs = std::count_if(item.inside.begin(), item.inside.end(), isProgram);
     if (programs > 0 && !isOpenedLater) {
       remarks_.add("bundle-permissions", {shown(item.path)},
-                   counted(programs, "program file") +
-                       " in the bundle will not be marked as a program once installed, since the copy keeps no "
-                       "permissions.");
+                   counted("{0} program file in the bundle will not be marked as a program once installed, "
+                           "since the copy keeps no permissions.",
+                           "{0} program files in the bundle will not be marked as a program once installed, "
+                           "since the copy keeps no permissions.",
+                           programs));
     }
   }
 
@@ -130,11 +133,12 @@ class BundleRules {
       return entry->kind == EntryKind::linkToFile;
     });
     if (links > 0) {
-      remarks_.add(
-          "bundle-link", {shown(item.path)},
-          counted(links, "link") +
-              " in the bundle will be copies of what they lead to, so the bundle is larger and its signature "
-              "no longer holds.");
+      remarks_.add("bundle-link", {shown(item.path)},
+                   counted("{0} link in the bundle will be copies of what they lead to, so the bundle is "
+                           "larger and its signature no longer holds.",
+                           "{0} links in the bundle will be copies of what they lead to, so the bundle is "
+                           "larger and its signature no longer holds.",
+                           links));
     }
   }
 

@@ -58,7 +58,7 @@ json planJson(const CheckResult& result) {
     systemFolders.push_back({{"source", folder.source}, {"destination", folder.destination}});
   }
   return {{"mode", plan.mode},
-          {"modeReason", plan.modeReason},
+          {"modeReason", modeReason(plan)},
           {"title", plan.title},
           {"text", plan.enteringText},
           {"completionText", plan.completionText},
@@ -66,7 +66,7 @@ json planJson(const CheckResult& result) {
            {{"offered", plan.editions.isOffered},
             {"lite", plan.editions.allAreLite},
             {"source", sourceWord(plan.editions.source)},
-            {"reason", plan.editions.reason},
+            {"reason", editionReason(plan)},
             {"libraries", librariesJson(plan.editions)}}},
           {"size",
            {{"key", plan.announced.countedKey},

@@ -1,5 +1,6 @@
 #include "host/check/check.h"
 #include "host/check/words.h"
+#include "host/text.h"
 
 #include <algorithm>
 
@@ -29,34 +30,35 @@ std::string indented(std::string_view text, std::size_t columns) {
   return shown;
 }
 
-std::string modeName(std::int32_t mode) {
+// The mode, and why.
+const char* modePattern(std::int32_t mode) {
   switch (mode) {
-    case kModeDataUpdater: return "0, data updater";
-    case kModeVolumes: return "2, install from discs";
-    case kModeProductUpdater: return "4, product updater";
-    default: return "3, install from beside the package";
+    case kModeDataUpdater: return _("0, data updater. {0}");
+    case kModeVolumes: return _("2, install from discs. {0}");
+    case kModeProductUpdater: return _("4, product updater. {0}");
+    default: return _("3, install from beside the package. {0}");
   }
 }
 
-constexpr std::size_t kLabelWidth = 15;
+constexpr std::size_t kLabelColumns = 15;
 
-std::string line(std::string label, const std::string& text) {
-  label.resize(kLabelWidth, ' ');
-  return "  " + label + text + "\n";
+std::string line(std::string_view label, const std::string& text) {
+  return "  " + padded(label, kLabelColumns) + text + "\n";
 }
 
 std::string sizeText(const CheckResult& result) {
   const AnnouncedSize& announced = result.checked.plan.announced;
   const RealSizes real = result.checked.realSizes();
-  std::string text = announced.isKnown ? megabytes(announced.bytes) + " announced by " + announced.countedKey
-                                       : "nothing announced by " + std::string(announced.countedKey);
-  if (real.whole) {
-    text += "; there are " + megabytes(*real.whole + real.systemFolders);
-  }
+  const std::string said =
+      announced.isKnown ? filled(_("{0} announced by {1}"), {megabytes(announced.bytes), announced.countedKey})
+                        : filled(_("nothing announced by {0}"), {announced.countedKey});
+  const std::string whole = real.whole ? megabytes(*real.whole + real.systemFolders) : "";
   if (result.checked.whole.editions.isOffered && real.component) {
-    text += ", " + megabytes(*real.component) + " of them in the first component";
+    return filled(real.whole ? _("{0}; there are {1}, {2} of them in the first component")
+                             : _("{0}, {2} of them in the first component"),
+                  {said, whole, megabytes(*real.component)});
   }
-  return text;
+  return real.whole ? filled(_("{0}; there are {1}"), {said, whole}) : said;
 }
 
 const CheckedVolume* contentsOf(const CheckedSet& checked, const PlannedPass& pass,
@@ -70,17 +72,19 @@ const CheckedVolume* contentsOf(const CheckedSet& checked, const PlannedPass& pa
 }
 
 std::string volumeText(const CheckedSet& checked, const PlannedPass& pass, const PlannedVolume& volume) {
-  std::string text = printable(volume.root);
+  std::string place = printable(volume.root);
   const CheckedVolume* contents = contentsOf(checked, pass, volume);
   if (contents == nullptr || !contents->isThere) {
-    return text + (volume.isMounted ? ": not in the set" : ": not there");
+    return filled(volume.isMounted ? _("{0}: not in the set") : _("{0}: not there"), {place});
   }
-  text += volume.isMounted ? " (" + printable(contents->shownRoot) + "): " : ": ";
+  if (volume.isMounted) {
+    place = filled(_("{0} ({1})"), {place, printable(contents->shownRoot)});
+  }
   if (!contents->isListed) {
-    return text + "cannot be looked into here";
+    return filled(_("{0}: cannot be looked into here"), {place});
   }
   if (contents->chosen.empty()) {
-    return text + "no data folder";
+    return filled(_("{0}: no data folder"), {place});
   }
   std::int64_t files = 0;
   std::int64_t bytes = 0;
@@ -89,63 +93,72 @@ std::string volumeText(const CheckedSet& checked, const PlannedPass& pass, const
     files += isFile ? 1 : 0;
     bytes += isFile ? entry.size : 0;
   }
-  return text + contents->chosen + ", " + counted(files, "file") + ", " + megabytes(bytes) +
-         (volume.librariesOnly ? ", the libraries that are not Lite" : "");
+  return volume.librariesOnly ? counted("{1}: {2}, {0} file, {3}, the libraries that are not Lite",
+                                        "{1}: {2}, {0} files, {3}, the libraries that are not Lite", files,
+                                        {place, contents->chosen, megabytes(bytes)})
+                              : counted("{1}: {2}, {0} file, {3}", "{1}: {2}, {0} files, {3}", files,
+                                        {place, contents->chosen, megabytes(bytes)});
 }
 
 std::string planText(const CheckResult& result) {
   const CheckedSet& checked = result.checked;
   const InstallPlan& plan = checked.plan;
-  std::string text = "What the page would do\n";
-  text += line("Mode", modeName(plan.mode) + ". " + printable(plan.modeReason));
-  text += line("Title", printable(plan.title));
-  text += line("Text", indented(plan.enteringText, kLabelWidth + 2));
-  text += line("Edition", printable(plan.editions.reason));
+  std::string text = std::string(_("What the page would do")) + "\n";
+  text += line(_("Mode"), filled(modePattern(plan.mode), {printable(modeReason(plan))}));
+  text += line(_("Title"), printable(plan.title));
+  text += line(_("Text"), indented(plan.enteringText, kLabelColumns + 2));
+  text += line(_("Edition"), printable(editionReason(plan)));
   for (const PlannedLibrary& library : plan.editions.libraries) {
-    text += line("", printable(library.folderName) + ": " + (library.isLite ? "Lite" : "Full") +
-                         (library.isDetected ? ", detected" : ", since nothing says otherwise"));
+    text += line(
+        "", filled(library.isDetected ? _("{0}: {1}, detected") : _("{0}: {1}, since nothing says otherwise"),
+                   {printable(library.folderName), library.isLite ? "Lite" : "Full"}));
   }
-  text += line("Size", sizeText(result));
+  text += line(_("Size"), sizeText(result));
   for (const PlannedFolder& folder : plan.systemFolders) {
-    text += line(folder.destination, "from " + printable(folder.source));
+    text += line(folder.destination, filled(_("from {0}"), {printable(folder.source)}));
   }
   for (const PlannedPass& pass : plan.passes) {
-    text += line(pass.folderName,
-                 "to " + printable(pass.destination) + ", " + counted(std::max(pass.volumeCount, 0), "volume"));
+    text += line(pass.folderName, counted("to {1}, {0} volume", "to {1}, {0} volumes",
+                                          std::max(pass.volumeCount, 0), {printable(pass.destination)}));
     for (const PlannedVolume& volume : pass.volumes) {
       text += line("  " + std::to_string(volume.number + 1), volumeText(checked, pass, volume));
     }
   }
-  return text + line("At the end", indented(plan.completionText, kLabelWidth + 2));
+  return text + line(_("At the end"), indented(plan.completionText, kLabelColumns + 2));
 }
 
 std::string remarksText(const Remarks& remarks) {
   if (remarks.all().empty()) {
-    return "Nothing to remark.\n";
+    return std::string(_("Nothing to remark.")) + "\n";
   }
-  std::string text = "Remarks\n";
+  std::string text = std::string(_("Remarks")) + "\n";
   for (const Remark& remark : remarks.all()) {
-    text += "  " + printable(remark.place.file) +
-            (remark.place.line > 0 ? ":" + std::to_string(remark.place.line) : "");
-    text += std::string(": ") + severityWord(remark.severity) + ": " + printable(remark.sentence) + " [" +
-            std::string(remark.name) + "]\n      " + remark.reference() + "\n";
+    const std::string place =
+        printable(remark.place.file) + (remark.place.line > 0 ? ":" + std::to_string(remark.place.line) : "");
+    text += "  " +
+            filled(_("{0}: {1}: {2} [{3}]"),
+                   {place, _(severityWord(remark.severity)), printable(remark.sentence), remark.name}) +
+            "\n      " + remark.reference() + "\n";
   }
   for (const auto& [name, count] : remarks.more()) {
-    text += "  and " + std::to_string(count) + " more of " + std::string(name) + "\n";
+    text += "  " + filled(_("and {0} more of {1}"), {std::to_string(count), name}) + "\n";
   }
-  return text + "\n" + counted(remarks.count(Severity::error), "error") + ", " +
-         counted(remarks.count(Severity::warning), "warning") + ", " +
-         counted(remarks.count(Severity::note), "note") + "\n";
+  return text + "\n" +
+         filled(_("{0}, {1}, {2}"), {counted("{0} error", "{0} errors", remarks.count(Severity::error)),
+                                     counted("{0} warning", "{0} warnings", remarks.count(Severity::warning)),
+                                     counted("{0} note", "{0} notes", remarks.count(Severity::note))}) +
+         "\n";
 }
 
 }  // namespace
 
 std::string checkText(const CheckResult& result) {
   const CheckedSet& checked = result.checked;
-  return "The set " + printable(checked.set.folder.string()) + "\n" + "  " +
-         printable(checked.set.package.filename().string()) + " for " + checked.product.pluginName +
-         ", whose data folder is " + checked.product.folderName + "\n\n" + planText(result) + "\n" +
-         remarksText(result.remarks);
+  return filled(_("The set {0}"), {printable(checked.set.folder.string())}) + "\n  " +
+         filled(_("{0} for {1}, whose data folder is {2}"),
+                {printable(checked.set.package.filename().string()), checked.product.pluginName,
+                 checked.product.folderName}) +
+         "\n\n" + planText(result) + "\n" + remarksText(result.remarks);
 }
 
 }  // namespace tavenhall

@@ -1,5 +1,6 @@
 #include "host/check/rules.h"
 #include "host/check/words.h"
+#include "host/text.h"
 
 #include <algorithm>
 
@@ -44,36 +45,45 @@ void checkDisc(const CheckedSet& checked, const Disc& disc, Remarks& remarks) {
   if (isOptionalName(disc.volumeName) && !areOptionalDiscsReached(checked.whole)) {
     remarks.add(
         "optional-disc-unreachable", place,
-        "The page never asks for the optional disc " + inQuotes(disc.volumeName) + " with this product; " +
-            (isExpected ? "it asks for " + inQuotes(expected) + " instead." : "its data is not installed."));
+        filled(
+            isExpected
+                ? _("The page never asks for the optional disc {0} with this product; it asks for {1} instead.")
+                : _("The page never asks for the optional disc {0} with this product; its data is not "
+                    "installed."),
+            {inQuotes(disc.volumeName), inQuotes(expected)}));
   } else if (isExpected) {
     remarks.add("disc-name", place,
-                "The page asks for " + inQuotes(expected) + " here and does not take a disc that is called " +
-                    inQuotes(disc.volumeName) + ", so it asks again without end.");
+                filled(_("The page asks for {0} here and does not take a disc that is called {1}, so it asks "
+                         "again without end."),
+                       {inQuotes(expected), inQuotes(disc.volumeName)}));
   } else if (disc.number > pass.volumeCount) {
-    remarks.add("disc-surplus", place,
-                "The page installs " + counted(std::max(pass.volumeCount, 0), "volume") +
-                    " and never asks for this disc, so its data is not installed.");
+    remarks.add(
+        "disc-surplus", place,
+        counted("The page installs {0} volume and never asks for this disc, so its data is not installed.",
+                "The page installs {0} volumes and never asks for this disc, so its data is not installed.",
+                std::max(pass.volumeCount, 0)));
   }
 }
 
 void checkVolumeOfDisc(const CheckedVolume& volume, Remarks& remarks) {
-  const std::string number = std::to_string(volume.volume.number + 1);
   if (!volume.isThere) {
     if (!volume.volume.isOptional) {
-      remarks.add("disc-missing", {"discs"},
-                  "There is no disc " + number + ", so the page asks for " +
-                      inQuotes(nameOfMount(volume.volume.root)) + " until somebody has one.");
+      remarks.add(
+          "disc-missing", {"discs"},
+          filled(_("There is no disc {0}, so the page asks for {1} until somebody has one."),
+                 {std::to_string(volume.volume.number + 1), inQuotes(nameOfMount(volume.volume.root))}));
     }
     return;
   }
   if (!volume.isListed) {
     remarks.add("image-not-read", {volume.shownRoot},
-                "Nothing here can look into this image, so what is on the disc was not checked.");
+                _("Nothing here can look into this image, so what is on the disc was not checked."));
   } else if (volume.chosen.empty()) {
-    remarks.add("data-folder-missing", {volume.shownRoot},
-                "The disc has neither a folder " + volume.folderName + " nor Mac OSX/" + volume.folderName +
-                    ", so the page asks for it again without end.");
+    remarks.add(
+        "data-folder-missing", {volume.shownRoot},
+        filled(
+            _("The disc has neither a folder {0} nor Mac OSX/{0}, so the page asks for it again without end."),
+            {volume.folderName}));
   }
 }
 
@@ -84,18 +94,18 @@ void checkFolderOfVolume(const CheckedVolume& volume, Remarks& remarks) {
   if (volume.hasPrimary && volume.hasAlternate) {
     const std::string start = volume.shownRoot == "." ? "" : volume.shownRoot + "/";
     remarks.add("both-folders", {start + "Mac OSX/" + volume.folderName},
-                "The page takes the folder " + volume.folderName +
-                    " at the root, so nothing of this one is installed.");
+                filled(_("The page takes the folder {0} at the root, so nothing of this one is installed."),
+                       {volume.folderName}));
   }
   const auto& entries = volume.tree.entries();
   const bool isEmpty =
       std::all_of(entries.begin(), entries.end(), [](const TreeEntry& entry) { return entry.isHidden; });
   if (isEmpty && !volume.volume.librariesOnly) {
-    remarks.add("data-folder-empty", {volume.shown()},
-                volume.volume.isMounted
-                    ? "The folder holds nothing to install: the page waits 15 seconds for it to "
-                      "fill, and goes on."
-                    : "The folder holds nothing to install, and the page goes on without a word.");
+    remarks.add(
+        "data-folder-empty", {volume.shown()},
+        volume.volume.isMounted
+            ? _("The folder holds nothing to install: the page waits 15 seconds for it to fill, and goes on.")
+            : _("The folder holds nothing to install, and the page goes on without a word."));
   }
 }
 
@@ -107,7 +117,7 @@ void checkDiscs(const CheckedSet& checked, Remarks& remarks) {
   if (!usesDiscs) {
     if (!checked.set.discs.empty()) {
       remarks.add("discs-unused", {"discs"},
-                  "In this mode the page takes its data from beside the package and never asks for a disc.");
+                  _("In this mode the page takes its data from beside the package and never asks for a disc."));
     }
     return;
   }
@@ -117,8 +127,8 @@ void checkDiscs(const CheckedSet& checked, Remarks& remarks) {
   for (const std::filesystem::path& path : checked.set.notDiscs) {
     remarks.add(
         "disc-not-numbered", {checked.shown(path)},
-        "This is no disc of the set: a disc is a folder, or a .squashfs or .iso image, named with a number "
-        "of its own, a blank, and the volume's name.");
+        _("This is no disc of the set: a disc is a folder, or a .squashfs or .iso image, named with a number "
+          "of its own, a blank, and the volume's name."));
   }
   for (const Disc& disc : checked.set.discs) {
     checkDisc(checked, disc, remarks);
@@ -134,16 +144,17 @@ void checkDataFolders(const CheckedSet& checked, Remarks& remarks) {
       checkVolumeOfDisc(volume, remarks);
     } else if (volume.chosen.empty() && !volume.volume.isMounted && !isUpdate) {
       remarks.add("data-folder-missing", {checked.shown(volume.volume.primary)},
-                  "There is neither this folder nor " + inQuotes("Mac OSX/" + volume.folderName) +
-                      " beside it, so the page says \"Files to be installed not found.\" and ends.");
+                  filled(_("There is neither this folder nor {0} beside it, so the page says \"Files to be "
+                           "installed not found.\" and ends."),
+                         {inQuotes("Mac OSX/" + volume.folderName)}));
     }
     checkFolderOfVolume(volume, remarks);
   }
   if (checked.whole.mode == kModeProductUpdater && !isAnythingThere) {
     remarks.add(
         "nothing-to-install", {checked.shown(checked.set.package)},
-        "Beside the package there is no data folder, no Library and no Applications, so the page installs "
-        "nothing and says that it is finished.");
+        _("Beside the package there is no data folder, no Library and no Applications, so the page installs "
+          "nothing and says that it is finished."));
   }
 }
 

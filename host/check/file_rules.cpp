@@ -3,6 +3,7 @@
 #include "host/check/bundles.h"
 #include "host/check/rules.h"
 #include "host/check/words.h"
+#include "host/text.h"
 
 #include <algorithm>
 #include <array>
@@ -55,15 +56,16 @@ void checkHidden(const CopiedTree& copied, Remarks& remarks) {
     ++(isLeftOver ? litter : files);
   }
   if (files > 0) {
-    remarks.add(
-        "hidden-file", {copied.shown(first)},
-        "Files and folders whose names begin with a full stop are never installed: the user does not get " +
-            std::to_string(files) + " of them here, of which this is the first.");
+    remarks.add("hidden-file", {copied.shown(first)},
+                filled(_("Files and folders whose names begin with a full stop are never installed: the user "
+                         "does not get {0} of them here, of which this is the first."),
+                       {std::to_string(files)}));
   }
   if (litter > 0) {
     remarks.add("hidden-litter", {copied.shown(firstLitter)},
-                "The system's own hidden files stay behind, as they should; there are " +
-                    std::to_string(litter) + " here that only take up room.");
+                filled(_("The system's own hidden files stay behind, as they should; there are {0} here that "
+                         "only take up room."),
+                       {std::to_string(litter)}));
   }
 }
 
@@ -72,42 +74,44 @@ void checkKind(const CopiedTree& copied, const TreeEntry& entry, Remarks& remark
   switch (entry.kind) {
     case EntryKind::linkToFile:
       if (!copied.isSystemFolder || !isInBundle(entry.path)) {
-        remarks.add("link-copied", place, "The link does not arrive as one: the user gets a copy of its file.");
+        remarks.add("link-copied", place,
+                    _("The link does not arrive as one: the user gets a copy of its file."));
       }
       break;
     case EntryKind::linkToFolder:
       remarks.add("link-to-folder", place,
-                  "A link to a folder arrives as an empty file, and the page says \"Failed to copy file.\"");
+                  _("A link to a folder arrives as an empty file, and the page says \"Failed to copy file.\""));
       break;
     case EntryKind::brokenLink:
       remarks.add(
           "link-broken", place,
-          "The link leads nowhere, so the page says \"Failed to open input file.\" and does not call the "
-          "install done.");
+          _("The link leads nowhere, so the page says \"Failed to open input file.\" and does not call the "
+            "install done."));
       break;
     case EntryKind::other:
       remarks.add(
           "special-file", place,
-          "This is no file with contents, so the page says \"Failed to open input file.\" and does not call "
-          "the install done.");
+          _("This is no file with contents, so the page says \"Failed to open input file.\" and does not call "
+            "the install done."));
       break;
     case EntryKind::file:
       if (isAttributesFile(copied.source + "/" + entry.path)) {
-        remarks.add("file-skipped", place,
-                    "The path has .InstallationAttributes.dat in it, so the page passes over the file and the "
-                    "user does not get it.");
+        remarks.add(
+            "file-skipped", place,
+            _("The path has .InstallationAttributes.dat in it, so the page passes over the file and the "
+              "user does not get it."));
       } else if ((entry.permissions & 0444U) == 0) {
         remarks.add(
             "not-readable", place,
-            "Nobody may read the file, so the page says \"Failed to open input file.\" and does not call the "
-            "install done.");
+            _("Nobody may read the file, so the page says \"Failed to open input file.\" and does not call the "
+              "install done."));
       }
       break;
     case EntryKind::folder:
       if ((entry.permissions & 0444U) == 0 || (entry.permissions & 0111U) == 0) {
         remarks.add(
             "not-readable", place,
-            "Nobody may look into the folder, so nothing in it is installed, and the page says nothing.");
+            _("Nobody may look into the folder, so nothing in it is installed, and the page says nothing."));
       }
       break;
   }
@@ -120,9 +124,10 @@ void checkLength(const CopiedTree& copied, const TreeEntry& entry, Remarks& rema
   const std::size_t longer = std::max(copied.source.size(), copied.destination.size());
   // Where the folder above is too long already, it was said of that.
   if (longer + below >= kChildPathSize && longer + parent < kChildPathSize) {
-    remarks.add("path-too-long", {copied.shown(entry.path)},
-                "With this name a path gets " + std::to_string(longer + below) +
-                    " bytes, of which 1023 fit, and the installer ends at once.");
+    remarks.add(
+        "path-too-long", {copied.shown(entry.path)},
+        filled(_("With this name a path gets {0} bytes, of which 1023 fit, and the installer ends at once."),
+               {std::to_string(longer + below)}));
   }
 }
 
@@ -156,8 +161,9 @@ class CaseClashes {
     const bool bothFolders = first->second.isFolder && entry.kind == EntryKind::folder;
     if (!isNew && first->second.path != path && !bothFolders) {
       remarks.add("case-clash", {copied.shown(entry.path)},
-                  "Only the case of letters tells this from " + inQuotes(lastPart(first->second.path)) +
-                      ", so on a usual disk the user gets one file of the two.");
+                  filled(_("Only the case of letters tells this from {0}, so on a usual disk the user gets one "
+                           "file of the two."),
+                         {inQuotes(lastPart(first->second.path))}));
     }
   }
 

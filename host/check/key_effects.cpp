@@ -2,6 +2,7 @@
 
 #include "context/attributes_line.h"
 #include "host/check/words.h"
+#include "host/text.h"
 
 namespace tavenhall {
 
@@ -9,20 +10,21 @@ namespace {
 
 struct Effect {
   std::string_view key;
-  std::string_view sentence;
+  const char* clause;
 };
 
 constexpr Effect kEffects[] = {
-    {"Mode", "the page installs from discs"},
-    {"InstallingData", "the page shows its built-in text while it installs"},
-    {"InstalledData", "the page ends with its built-in text, which asks for the Data Updater"},
-    {"RelativePath", "the page looks for the data in the folder above the package's"},
-    {"RelativePath2", "the page does not know the folder of the second component"},
-    {"LiteVsFullPrompt", "an install from discs offers no choice between Lite and Full"},
-    {"NumberOfVolumes", "the page installs one volume"},
-    {"TotalSizeMillionsBytes", "the page does not know how much data there is, and its bar says nothing true"},
+    {"Mode", N_("the page installs from discs")},
+    {"InstallingData", N_("the page shows its built-in text while it installs")},
+    {"InstalledData", N_("the page ends with its built-in text, which asks for the Data Updater")},
+    {"RelativePath", N_("the page looks for the data in the folder above the package's")},
+    {"RelativePath2", N_("the page does not know the folder of the second component")},
+    {"LiteVsFullPrompt", N_("an install from discs offers no choice between Lite and Full")},
+    {"NumberOfVolumes", N_("the page installs one volume")},
+    {"TotalSizeMillionsBytes",
+     N_("the page does not know how much data there is, and its bar says nothing true")},
     {"Component1SizeMillionsBytes",
-     "the page does not know how much data a Lite install has, and its bar then says nothing true"},
+     N_("the page does not know how much data a Lite install has, and its bar then says nothing true")},
 };
 
 }  // namespace
@@ -39,11 +41,11 @@ const AttributesKey* knownKey(std::string_view word) noexcept {
 std::string missingKeyEffect(std::string_view key) {
   for (const Effect& effect : kEffects) {
     if (effect.key == key) {
-      return std::string(effect.sentence);
+      return _(effect.clause);
     }
   }
   const char* fallback = fallbackText(key);
-  return "the installer shows its built-in " + inQuotes(fallback != nullptr ? fallback : "");
+  return filled(_("the installer shows its built-in {0}"), {inQuotes(fallback != nullptr ? fallback : "")});
 }
 
 }  // namespace tavenhall

@@ -1,6 +1,7 @@
 #include "host/check/key_effects.h"
 #include "host/check/rules.h"
 #include "host/check/words.h"
+#include "host/text.h"
 
 #include <algorithm>
 #include <cctype>
@@ -49,14 +50,14 @@ class KeyRules {
   [[nodiscard]] bool isFound(const AttributesKey& key) const { return counting_.at(&key) != nullptr; }
 
   void checkKnown(const AttributesPiece& piece, const AttributesKey& key) {
-    const std::string name = key.name;
     const AttributesPiece* counting = counting_.at(&key);
     if (counting != &piece) {
       addTwice(piece, key, *counting);
     } else if (hasLetterOrDigit(piece.parts.separator)) {
       add("separator-missing", piece,
-          "The word after a key is skipped, so the page does not see " + inQuotes(piece.parts.separator) +
-              " as part of " + name + "; write \"" + name + " = ...\", with blanks.");
+          filled(_("The word after a key is skipped, so the page does not see {0} as part of {1}; write \"{1} "
+                   "= ...\", with blanks."),
+                 {inQuotes(piece.parts.separator), key.name}));
     } else if (piece.parts.value.empty()) {
       checkEmpty(piece, key);
     }
@@ -64,18 +65,17 @@ class KeyRules {
 
   void addTwice(const AttributesPiece& piece, const AttributesKey& key, const AttributesPiece& counting) {
     add("key-twice", piece,
-        std::string(key.name) + " stands in line " + std::to_string(counting.line) +
-            " already, and that one counts: nobody sees this one.");
+        filled(_("{0} stands in line {1} already, and that one counts: nobody sees this one."),
+               {key.name, std::to_string(counting.line)}));
   }
 
   void checkEmpty(const AttributesPiece& piece, const AttributesKey& key) {
-    const std::string name = key.name;
-    const AttributesPiece* source =
-        key.kind == KeyKind::text ? attributes_.findText(name).source : attributes_.findNumber(name).source;
-    const std::string effect = source == nullptr ? "it is empty or 0 for the page"
-                                                 : "the page takes what line " + std::to_string(source->line) +
-                                                       " says, " + inQuotes(source->parts.value);
-    add("value-missing", piece, name + " has no value, so " + effect + ".");
+    const AttributesPiece* source = key.kind == KeyKind::text ? attributes_.findText(key.name).source
+                                                              : attributes_.findNumber(key.name).source;
+    add("value-missing", piece,
+        source == nullptr ? filled(_("{0} has no value, so it is empty or 0 for the page."), {key.name})
+                          : filled(_("{0} has no value, so the page takes what line {1} says, {2}."),
+                                   {key.name, std::to_string(source->line), inQuotes(source->parts.value)}));
   }
 
   void checkLate(const AttributesPiece& piece, const AttributesKey& key) {
@@ -83,8 +83,8 @@ class KeyRules {
       addTwice(piece, key, *counting);
     } else {
       add("key-too-late", piece,
-          "The page searches the first 999 lines only and does not find " + std::string(key.name) +
-              " here, so " + missingKeyEffect(key.name) + ".");
+          filled(_("The page searches the first 999 lines only and does not find {0} here, so {1}."),
+                 {key.name, missingKeyEffect(key.name)}));
     }
   }
 
@@ -98,8 +98,8 @@ class KeyRules {
     for (const AttributesKey& key : attributesKeys()) {
       if (isSameInAnyCase(start, key.name)) {
         add("key-joined", piece,
-            "Without a blank behind " + std::string(key.name) + " the page does not know the key, so " +
-                missingKeyEffect(key.name) + ".");
+            filled(_("Without a blank behind {0} the page does not know the key, so {1}."),
+                   {key.name, missingKeyEffect(key.name)}));
         return true;
       }
     }
@@ -110,8 +110,8 @@ class KeyRules {
     for (const AttributesKey& key : attributesKeys()) {
       if (isSameInAnyCase(piece.parts.key, key.name) && !isFound(key)) {
         add("key-case", piece,
-            "The page finds a number by its exact key only, " + std::string(key.name) + ", so " +
-                missingKeyEffect(key.name) + ".");
+            filled(_("The page finds a number by its exact key only, {0}, so {1}."),
+                   {key.name, missingKeyEffect(key.name)}));
         return true;
       }
     }
@@ -130,11 +130,11 @@ class KeyRules {
     }
     if (nearest != nullptr) {
       add("key-misspelt", piece,
-          word + " is probably meant to be " + nearest->name + ", which is missing, so " +
-              missingKeyEffect(nearest->name) + ".");
+          filled(_("{0} is probably meant to be {1}, which is missing, so {2}."),
+                 {word, nearest->name, missingKeyEffect(nearest->name)}));
     } else {
       add("key-unknown", piece,
-          "No part of the installer knows the key " + word + ", so nobody sees this line.");
+          filled(_("No part of the installer knows the key {0}, so nobody sees this line."), {word}));
     }
   }
 

@@ -1,6 +1,7 @@
 #include "host/check/rules.h"
 #include "host/check/words.h"
 #include "host/set/installed_editions.h"
+#include "host/text.h"
 
 #include <algorithm>
 #include <limits>
@@ -29,8 +30,8 @@ class LibraryRules {
     if (!fs::exists(folder_, error)) {
       remarks_.add(
           "data-folder-missing", checked_.attributesPlace(path_.key),
-          "RelativePath2 names a place without a folder TANVO, so the page lists no libraries and updates "
-          "everybody alike.");
+          _("RelativePath2 names a place without a folder TANVO, so the page lists no libraries and updates "
+            "everybody alike."));
       return;
     }
     checkCount();
@@ -43,8 +44,9 @@ class LibraryRules {
           continue;  // the count has been remarked
         }
         remarks_.add("folder-left-out", {volume.shown(name)},
-                     "Of the second component the page copies the listed libraries only, and none is called " +
-                         inQuotes(name) + ", so nobody gets it.");
+                     filled(_("Of the second component the page copies the listed libraries only, and none is "
+                              "called {0}, so nobody gets it."),
+                            {inQuotes(name)}));
       }
       if (volume.folderName == "TANVO" && !volume.chosen.empty()) {
         volume.volume.number == 0 ? checkFirstComponent(volume) : checkPacks(volume);
@@ -63,9 +65,9 @@ class LibraryRules {
   void checkCount() {
     if (libraries_.size() > kLibrarySlots) {
       remarks_.add("too-many-libraries", {checked_.shown(folder_)},
-                   "The update carries " + std::to_string(libraries_.size()) +
-                       " libraries, of which the page sees " + std::to_string(kLibrarySlots) +
-                       ", so the rest do not get their second component.");
+                   filled(_("The update carries {0} libraries, of which the page sees {1}, so the rest do not "
+                            "get their second component."),
+                          {std::to_string(libraries_.size()), std::to_string(kLibrarySlots)}));
     }
   }
 
@@ -73,17 +75,17 @@ class LibraryRules {
     std::error_code error;
     const fs::path path = folder_ / library.folderName;
     if (!fs::is_directory(path, error)) {
-      remarks_.add(
-          "library-not-a-folder", {checked_.shown(path)},
-          "The page takes this file for a library, so the user reads \"Full installation detected for " +
-              std::string(libraryDisplayName(library.folderName).view()) + "\" and it is not installed.");
+      remarks_.add("library-not-a-folder", {checked_.shown(path)},
+                   filled(_("The page takes this file for a library, so the user reads \"Full installation "
+                            "detected for {0}\" and it is not installed."),
+                          {libraryDisplayName(library.folderName).view()}));
     }
     if (library.folderName != kMirelPacks && library.folderName.find('/') == std::string::npos &&
         isMisspeltFor(library.folderName, kMirelPacks)) {
       remarks_.add(
           "mirel-pack-unseen", {checked_.shown(path)},
-          "Only a folder that is called exactly \"Mirel Packs\" holds packs for the page, so these count as "
-          "one library, always Full.");
+          _("Only a folder that is called exactly \"Mirel Packs\" holds packs for the page, so these count as "
+            "one library, always Full."));
     }
   }
 
@@ -95,8 +97,9 @@ class LibraryRules {
                               (entry.path.starts_with("Mirel Packs/") && depthOf(entry.path) == 1));
       if (isLibrary && !isListed(entry.path)) {
         remarks_.add("library-not-listed", {volume.shown(entry.path)},
-                     "The folder of RelativePath2 has no " + inQuotes(entry.path) +
-                         ", so the page does not look which edition the user has, and says nothing of it.");
+                     filled(_("The folder of RelativePath2 has no {0}, so the page does not look which edition "
+                              "the user has, and says nothing of it."),
+                            {inQuotes(entry.path)}));
       }
     }
     checkPacks(volume);
@@ -122,9 +125,11 @@ class LibraryRules {
     if (!isAnywhere([&library](const TreeEntry& entry) {
           return entry.path == library && entry.kind == EntryKind::folder;
         })) {
-      remarks_.add("mirel-pack-unseen", {volume.shown(factory)},
-                   "The pack has no folder " + inQuotes(pack + " Library") +
-                       " here, so the page cannot see its edition and takes it for Full.");
+      remarks_.add(
+          "mirel-pack-unseen", {volume.shown(factory)},
+          filled(
+              _("The pack has no folder {0} here, so the page cannot see its edition and takes it for Full."),
+              {inQuotes(pack + " Library")}));
       return;
     }
     const bool bringsDatabases = isAnywhere([&library](const TreeEntry& entry) {
@@ -138,8 +143,8 @@ class LibraryRules {
           depthOf(entry.path) == 5 && !hasDatabase(entry.path)) {
         remarks_.add(
             "mirel-pack-unseen", {volume.shown(entry.path)},
-            "There is no .db file right in this folder, so where the system lists it first, the page cannot "
-            "see the pack's edition and takes it for Full.");
+            _("There is no .db file right in this folder, so where the system lists it first, the page cannot "
+              "see the pack's edition and takes it for Full."));
       }
     }
   }
@@ -155,7 +160,7 @@ class LibraryRules {
       if (isMirelPack(library.folderName) && !library.isDetected && fs::exists(path, error)) {
         remarks_.add(
             "mirel-pack-unseen", {checked_.shown(path)},
-            "The page finds no database of this pack where it looks for one, so it takes it for Full.");
+            _("The page finds no database of this pack where it looks for one, so it takes it for Full."));
       }
     }
   }

@@ -1,5 +1,7 @@
 #include "host/check/remarks.h"
 
+#include "host/text.h"
+
 #include <algorithm>
 #include <stdexcept>
 #include <tuple>
@@ -105,11 +107,11 @@ const RemarkKind& kindNamed(std::string_view name) {
 
 const char* severityWord(Severity severity) {
   switch (severity) {
-    case Severity::note: return "note";
-    case Severity::warning: return "warning";
+    case Severity::note: return N_("note");
+    case Severity::warning: return N_("warning");
     case Severity::error: break;
   }
-  return "error";
+  return N_("error");
 }
 
 std::span<const RemarkKind> remarkKinds() { return kKinds; }

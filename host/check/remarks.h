@@ -18,6 +18,7 @@ enum class Severity {
   error,    // the user of the installer does not get what the set is for
 };
 
+// In English, as programs know it.
 [[nodiscard]] const char* severityWord(Severity severity);
 
 struct RemarkKind {
@@ -38,7 +39,7 @@ struct Remark {
   std::string_view name;
   Severity severity = Severity::note;
   Place place;
-  std::string sentence;  // what the user of the installer would see
+  std::string sentence;  // what the user of the installer would see, in the language that was spoken
 
   [[nodiscard]] std::string reference() const;  // "docs/attributes.md#<name>"
 };

@@ -1,6 +1,7 @@
 #include "context/install_rules.h"
 #include "host/check/rules.h"
 #include "host/check/words.h"
+#include "host/text.h"
 
 #include <algorithm>
 #include <limits>
@@ -35,7 +36,7 @@ class ValueRules {
     if (!mode) {
       if (attributes_.isFilePresent()) {
         remarks_.add("mode-missing", checked_.attributesPlace(),
-                     "No line says which Mode the installer has, so the page installs from discs.");
+                     _("No line says which Mode the installer has, so the page installs from discs."));
       }
       return;
     }
@@ -44,16 +45,17 @@ class ValueRules {
     }
     const std::string_view written = untilCarriageReturn(mode.key->parts.value);
     if (written.size() >= kModeSize) {
-      add("value-cut", *mode.key, "The page reads 63 bytes of a Mode, so the end of this one does not count.");
+      add("value-cut", *mode.key,
+          _("The page reads 63 bytes of a Mode, so the end of this one does not count."));
     }
     const auto words =
         std::count_if(std::begin(kModeWords), std::end(kModeWords),
                       [&mode](std::string_view word) { return mode.value.find(word) != std::string::npos; });
     if (words > 1) {
       add("mode-several", *mode.key,
-          "The Mode names more than one kind of installer, and the page takes the first that it tests for, "
-          "mode " +
-              std::to_string(installModeForValue(mode.value)) + ".");
+          filled(_("The Mode names more than one kind of installer, and the page takes the first that it tests "
+                   "for, mode {0}."),
+                 {std::to_string(installModeForValue(mode.value))}));
     } else if (words == 0) {
       checkModeSpelling(mode);
     }
@@ -66,21 +68,20 @@ class ValueRules {
     }
     const std::string_view value = found.key->parts.value;
     if (found.source != found.key) {
-      const std::string effect =
-          found.source == nullptr
-              ? "0"
-              : std::to_string(found.number) + ", the number of line " + std::to_string(found.source->line);
       add("number-invalid", *found.key,
-          std::string(key.name) + " is " + inQuotes(value) + ", which is no number, so the page takes " +
-              effect + ".");
+          found.source == nullptr
+              ? filled(_("{0} is {1}, which is no number, so the page takes 0."), {key.name, inQuotes(value)})
+              : filled(_("{0} is {1}, which is no number, so the page takes {2}, the number of line {3}."),
+                       {key.name, inQuotes(value), std::to_string(found.number),
+                        std::to_string(found.source->line)}));
       return;
     }
     const std::size_t sign = value.starts_with('-') || value.starts_with('+') ? 1 : 0;
     const std::size_t end = std::min(value.find_first_not_of("0123456789", sign), value.size());
     if (value.find_first_not_of(" \t\r", end) != std::string_view::npos) {
       add("number-trailing-text", *found.key,
-          "The page reads " + std::string(key.name) + " up to the first character that is no digit, so it is " +
-              std::to_string(found.number) + ".");
+          filled(_("The page reads {0} up to the first character that is no digit, so it is {1}."),
+                 {key.name, std::to_string(found.number)}));
     }
     checkRange(key, found, value.substr(0, end));
   }
@@ -94,13 +95,15 @@ class ValueRules {
     const bool isYes = isSameInAnyCase(trimmed, "Yes");
     if (isYes && trimmed.size() < prompt.value.size()) {
       add("trailing-blank", *prompt.key,
-          "A blank follows the Yes of LiteVsFullPrompt, which then does not count, so the user gets no choice "
-          "between Lite and Full.");
+          _("A blank follows the Yes of LiteVsFullPrompt, which then does not count, so the user gets no "
+            "choice "
+            "between Lite and Full."));
       return;
     }
     if (!isYes && !isSameInAnyCase(trimmed, "No")) {
       add("prompt-value", *prompt.key,
-          "LiteVsFullPrompt is " + inQuotes(trimmed) + ", and the page takes everything but Yes for No.");
+          filled(_("LiteVsFullPrompt is {0}, and the page takes everything but Yes for No."),
+                 {inQuotes(trimmed)}));
       return;
     }
     checkPromptEffect(*prompt.key, isYes);
@@ -120,11 +123,12 @@ class ValueRules {
     }
     if (places == 0) {
       add("placeholder-missing", *text.key,
-          std::string(key) + " has no \"%s\", so the user is not told where the data goes.");
+          filled(_("{0} has no \"%s\", so the user is not told where the data goes."), {key}));
     } else if (places > 1) {
       add("placeholder-repeated", *text.key,
-          "The destination takes the place of the first \"%s\" of " + std::string(key) +
-              ", and the user reads the others as they stand.");
+          filled(_("The destination takes the place of the first \"%s\" of {0}, and the user reads the others "
+                   "as they stand."),
+                 {key}));
     }
   }
 
@@ -136,18 +140,19 @@ class ValueRules {
     const std::string_view written = untilCarriageReturn(path.key->parts.value);
     if (written.find('\\') != std::string_view::npos) {
       add("path-backslash", *path.key,
-          std::string(key) +
-              " holds a backslash, which parts no folders and makes a line break before n or r, so "
-              "the page looks for a folder that is not there.");
+          filled(_("{0} holds a backslash, which parts no folders and makes a line break before n or r, so the "
+                   "page looks for a folder that is not there."),
+                 {key}));
     } else if (withoutBlanksAtEnd(written).size() < written.size() && !isFolderThere(path.value)) {
       add("trailing-blank", *path.key,
-          "A blank at its end is part of " + std::string(key) +
-              ", so the page looks for a folder that is not there.");
+          filled(_("A blank at its end is part of {0}, so the page looks for a folder that is not there."),
+                 {key}));
     }
     if (checked_.plan.packageFolder.size() + 1 + path.value.size() >= kFolderSize) {
       add("path-too-long", *path.key,
-          "The package's folder and " + std::string(key) +
-              " make more than 1023 bytes together, and the installer ends at once.");
+          filled(_("The package's folder and {0} make more than 1023 bytes together, and the installer ends at "
+                   "once."),
+                 {key}));
     }
   }
 
@@ -160,8 +165,9 @@ class ValueRules {
     for (const std::string_view word : kModeWords) {
       if (isMisspeltFor(withoutBlanksAtEnd(mode.value), word)) {
         add("mode-misspelt", *mode.key,
-            "The Mode " + inQuotes(mode.value) + " is probably meant to be " + std::string(word) +
-                ", and the page takes it for an installer that has its data beside the package.");
+            filled(_("The Mode {0} is probably meant to be {1}, and the page takes it for an installer that "
+                     "has its data beside the package."),
+                   {inQuotes(mode.value), word}));
         return;
       }
     }
@@ -177,29 +183,29 @@ class ValueRules {
     if (fits) {
       return;
     }
-    const std::string effect =
-        isVolumes ? "installs " + counted(std::max(volumeCountForNumber(found.number), 0), "volume")
-                  : "expects " + std::to_string(announcedBytes(found.number)) + " bytes";
+    digits = digits.substr(0, 24);
     add("number-out-of-range", *found.key,
-        std::string(key.name) + " cannot be " + std::string(digits.substr(0, 24)) +
-            ", of which the page makes what it "
-            "can: it " +
-            effect + ".");
+        isVolumes ? counted("{1} cannot be {2}, of which the page makes what it can: it installs {0} volume.",
+                            "{1} cannot be {2}, of which the page makes what it can: it installs {0} volumes.",
+                            std::max(volumeCountForNumber(found.number), 0), {key.name, digits})
+                  : filled(_("{0} cannot be {1}, of which the page makes what it can: it expects {2} bytes."),
+                           {key.name, digits, std::to_string(announcedBytes(found.number))}));
   }
 
   void checkPromptEffect(const AttributesPiece& piece, bool isYes) {
     const bool twoVolumes = volumesOfferEditions(checked_.plan.numberOfVolumes);
     const std::int32_t mode = checked_.plan.mode;
-    std::string effect;
     if (mode == kModeProductUpdater) {
-      effect = "an updater finds out by itself which edition the user has";
+      add("prompt-without-effect", piece,
+          _("LiteVsFullPrompt has no effect here: an updater finds out by itself which edition the user has."));
     } else if (isYes && !twoVolumes) {
-      effect = "only NumberOfVolumes 2 makes a choice, so the user gets everything";
+      add("prompt-without-effect", piece,
+          _("LiteVsFullPrompt has no effect here: only NumberOfVolumes 2 makes a choice, so the user gets "
+            "everything."));
     } else if (!isYes && twoVolumes && mode != kModeVolumes) {
-      effect = "in this mode NumberOfVolumes 2 alone makes a choice between Lite and Full";
-    }
-    if (!effect.empty()) {
-      add("prompt-without-effect", piece, "LiteVsFullPrompt has no effect here: " + effect + ".");
+      add("prompt-without-effect", piece,
+          _("LiteVsFullPrompt has no effect here: in this mode NumberOfVolumes 2 alone makes a choice between "
+            "Lite and Full."));
     }
   }
 

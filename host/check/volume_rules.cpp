@@ -1,6 +1,7 @@
 #include "host/check/key_effects.h"
 #include "host/check/rules.h"
 #include "host/check/words.h"
+#include "host/text.h"
 
 #include <cstdlib>
 
@@ -27,24 +28,22 @@ void checkSize(const CheckedSet& checked, std::string_view remark, const char* k
   if (checked.realSizes().areClose(announced, *real)) {
     return;
   }
-  std::string effect;
-  if (checked.plan.mode == kModeProductUpdater) {
-    effect = "the bar starts again, or stops, at the wrong place";
-  } else if (announced > *real) {
-    effect = "the bar stops at " + std::to_string(*real * 100 / announced) + " % and then jumps to its end";
-  } else {
-    effect = "the bar is full when " + std::to_string(announced * 100 / *real) + " % of the data is copied";
-  }
+  const char* sentence =
+      checked.plan.mode == kModeProductUpdater
+          ? _("{0} announces {1} and there are {2}, so the bar starts again, or stops, at the wrong place.")
+      : announced > *real
+          ? _("{0} announces {1} and there are {2}, so the bar stops at {3} % and then jumps to its end.")
+          : _("{0} announces {1} and there are {2}, so the bar is full when {3} % of the data is copied.");
+  const std::int64_t percent = announced > *real ? *real * 100 / announced : announced * 100 / *real;
   remarks.add(remark, placeOfKey(checked, key),
-              std::string(key) + " announces " + megabytes(announced) + " and there are " + megabytes(*real) +
-                  ", so " + effect + ".");
+              filled(sentence, {key, megabytes(announced), megabytes(*real), std::to_string(percent)}));
 }
 
 void checkSizeIsGiven(const CheckedSet& checked, const char* key, std::int64_t millions, Remarks& remarks) {
   const FoundNumber found = checked.plan.attributes.findNumber(key);
   if (millions == 0 && (!found || found.source == found.key)) {
     remarks.add("size-missing", checked.attributesPlace(found.key),
-                "Nothing announces a size as " + std::string(key) + ", so " + missingKeyEffect(key) + ".");
+                filled(_("Nothing announces a size as {0}, so {1}."), {key, missingKeyEffect(key)}));
   }
 }
 
@@ -56,34 +55,40 @@ void checkSettings(const CheckedSet& checked, Remarks& remarks) {
   if (package.find('\\') != std::string::npos || package.find('\n') != std::string::npos) {
     remarks.add(
         "package-path", {checked.shown(package)},
-        "The package's path holds a backslash or a line break, so the page looks for its files in a folder "
-        "that is not there.");
+        _("The package's path holds a backslash or a line break, so the page looks for its files in a folder "
+          "that is not there."));
   } else if (package.size() > 1022) {
     remarks.add(
         "package-path", {checked.shown(package)},
-        "The package's path is longer than the 1022 bytes that the page can be told, so it finds nothing.");
+        _("The package's path is longer than the 1022 bytes that the page can be told, so it finds nothing."));
   }
   if (checked.isProductAssumed) {
     remarks.add("product-assumed", {checked.shown(package)},
-                "Nobody said which product this is for, so it was checked for " + checked.product.pluginName +
-                    "; name it with --product or in rehearsal.json.");
+                filled(_("Nobody said which product this is for, so it was checked for {0}; name it with "
+                         "--product or in rehearsal.json."),
+                       {checked.product.pluginName}));
   }
 
   const FoundText secondPath = whole.attributes.findText("RelativePath2");
   if (whole.editions.isOffered && whole.mode != kModeVolumes && !secondPath) {
     remarks.add("second-path-missing", placeOfKey(checked, "NumberOfVolumes"),
-                "There is a second component and no RelativePath2, so the page looks for it in the folder " +
-                    inQuotes(secondPath.value) + " beside the package" +
-                    (secondPath.value.empty() ? "." : ", which is another line's value."));
+                filled(secondPath.value.empty()
+                           ? _("There is a second component and no RelativePath2, so the page looks for it in "
+                               "the folder {0} beside the package.")
+                           : _("There is a second component and no RelativePath2, so the page looks for it in "
+                               "the folder {0} beside the package, which is another line's value."),
+                       {inQuotes(secondPath.value)}));
   }
 
   for (const CheckedVolume& volume : checked.volumes) {
     if (volume.volume.isMounted && whole.mode != kModeVolumes) {
       remarks.add("volumes-without-prompt", placeOfKey(checked, "NumberOfVolumes"),
-                  "In this mode the page takes volume " + std::to_string(volume.volume.number + 1) + " from " +
-                      inQuotes(volume.volume.root) + " and asks nobody to put it in, so it is " +
-                      (whole.mode == kModeProductUpdater ? "passed over without a word."
-                                                         : "not found and the install ends there."));
+                  filled(whole.mode == kModeProductUpdater
+                             ? _("In this mode the page takes volume {0} from {1} and asks nobody to put it "
+                                 "in, so it is passed over without a word.")
+                             : _("In this mode the page takes volume {0} from {1} and asks nobody to put it "
+                                 "in, so it is not found and the install ends there."),
+                         {std::to_string(volume.volume.number + 1), inQuotes(volume.volume.root)}));
       break;
     }
   }
@@ -110,9 +115,9 @@ void checkMachine(const CheckedSet& checked, Remarks& remarks) {
   const EditionPlan& editions = checked.plan.editions;
   if (editions.source == EditionSource::choiceFile) {
     remarks.add("choice-file-stale", {"/tmp/TavInstallType"},
-                "This file lies here from an earlier install and says " + inQuotes(editions.choice) +
-                    ", so an install whose package writes none installs the " +
-                    (editions.allAreLite ? "Lite" : "Full") + " edition on this machine.");
+                filled(_("This file lies here from an earlier install and says {0}, so an install whose "
+                         "package writes none installs the {1} edition on this machine."),
+                       {inQuotes(editions.choice), editions.allAreLite ? "Lite" : "Full"}));
   }
   if (!checked.isInstalledKnown) {
     return;
@@ -120,17 +125,20 @@ void checkMachine(const CheckedSet& checked, Remarks& remarks) {
   std::error_code error;
   const fs::path central = fs::path(checked.dataRoot) / checked.product.folderName;
   if (!fs::exists(central, error)) {
-    remarks.add("central-folder-missing", {checked.shown(central)},
-                "The user has no folder " + checked.product.folderName +
-                    ", so the page says that it was not found and installs nothing.");
+    remarks.add(
+        "central-folder-missing", {checked.shown(central)},
+        filled(_("The user has no folder {0}, so the page says that it was not found and installs nothing."),
+               {checked.product.folderName}));
     return;
   }
   for (const CheckedVolume& volume : checked.volumes) {
     const fs::path destination = fs::path(checked.dataRoot) / volume.folderName;
     if (!volume.chosen.empty() && volume.volume.number == 0 && !fs::exists(destination, error)) {
-      remarks.add("central-folder-missing", {checked.shown(destination)},
-                  "The user has no folder " + volume.folderName +
-                      ", so the page copies nothing of it and tells nobody but the log.");
+      remarks.add(
+          "central-folder-missing", {checked.shown(destination)},
+          filled(
+              _("The user has no folder {0}, so the page copies nothing of it and tells nobody but the log."),
+              {volume.folderName}));
     }
   }
 }

@@ -113,10 +113,6 @@ std::string inQuotes(std::string_view text) {
   return quote + (text.empty() ? "\"" : "...\"");
 }
 
-std::string counted(std::int64_t number, const std::string& noun) {
-  return std::to_string(number) + " " + noun + (number == 1 ? "" : "s");
-}
-
 std::string megabytes(std::int64_t bytes) {
   std::array<char, 48> text{};
   std::snprintf(text.data(), text.size(), "%.1f MB", static_cast<double>(bytes) / 1e6);

@@ -25,9 +25,6 @@ inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 // In quotes, cut to a readable length, with a sign in the place of what cannot be shown.
 [[nodiscard]] std::string inQuotes(std::string_view text);
 
-// "1 file", "2 files"; `noun` is the singular.
-[[nodiscard]] std::string counted(std::int64_t number, const std::string& noun);
-
 // "12.3 MB", in millions of bytes.
 [[nodiscard]] std::string megabytes(std::int64_t bytes);
 

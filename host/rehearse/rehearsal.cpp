@@ -9,6 +9,7 @@
 #include "host/rehearse/rehearsal_report.h"
 #include "host/rehearse/temporary_folder.h"
 #include "host/terminal/terminal_face.h"
+#include "host/text.h"
 #include "host/usage_error.h"
 
 #include <cerrno>
@@ -176,6 +177,7 @@ class Rehearsal {
     if (request_.report.empty()) {
       return true;
     }
+    speakEnglish();  // the text is out already
     std::ofstream out(request_.report);
     out << reportJson(findings, verdict).dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace)
         << "\n";

@@ -37,8 +37,8 @@ std::string row(const char* label, const std::string& text) {
 
 std::string planRows(const RehearsalFindings& findings) {
   const InstallPlan& plan = findings.plan;
-  std::string text = row("mode", std::to_string(plan.mode) + ": " + plan.modeReason);
-  text += row("edition", plan.editions.reason);
+  std::string text = row("mode", std::to_string(plan.mode) + ": " + modeReason(plan));
+  text += row("edition", editionReason(plan));
   for (const PlannedLibrary& library : plan.editions.libraries) {
     text += row("library", library.folderName + ": " + (library.isLite ? "Lite" : "Full"));
   }

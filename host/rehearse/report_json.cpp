@@ -35,8 +35,8 @@ ordered_json planJson(const RehearsalFindings& findings) {
                       {"destination", findings.insidePath(pass.destination)},
                       {"volumes", pass.volumeCount}});
   }
-  return {{"product", plan.product.pluginName}, {"mode", plan.mode},      {"modeReason", plan.modeReason},
-          {"edition", plan.editions.reason},    {"libraries", libraries}, {"passes", passes}};
+  return {{"product", plan.product.pluginName}, {"mode", plan.mode},      {"modeReason", modeReason(plan)},
+          {"edition", editionReason(plan)},     {"libraries", libraries}, {"passes", passes}};
 }
 
 ordered_json amountsOf(const CopiedVolume& copied) {

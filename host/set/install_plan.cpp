@@ -26,27 +26,13 @@ bool exists(const std::string& path) {
   return stat(path.c_str(), &found) == 0;
 }
 
-std::string inLine(const AttributesReading& attributes, const AttributesPiece& piece) {
-  return "line " + std::to_string(piece.line) + " of " + attributes.path().filename().string();
-}
-
 std::string subfolderOf(const std::string& folder, const std::string& subfolder) {
   return folder + "/" + subfolder;
 }
 
 void settleMode(InstallPlan& plan) {
-  const AttributesReading& attributes = plan.attributes;
-  const FoundText mode = attributes.findText("Mode", kModeSize);
-  if (!attributes.isFilePresent()) {
-    plan.mode = kModeVolumes;
-    plan.modeReason = "There is no .InstallationAttributes.dat, so the page installs from discs.";
-  } else if (!mode) {
-    plan.mode = kModeVolumes;
-    plan.modeReason = "No line has the key Mode, so the page installs from discs.";
-  } else {
-    plan.mode = installModeForValue(mode.value);
-    plan.modeReason = "The Mode in " + inLine(attributes, *mode.key) + " reads \"" + mode.value + "\".";
-  }
+  plan.modeFound = plan.attributes.findText("Mode", kModeSize);
+  plan.mode = plan.modeFound ? installModeForValue(plan.modeFound.value) : kModeVolumes;
 }
 
 // ---- Editions ----
@@ -62,15 +48,6 @@ void readChoice(const PlanRequest& request, EditionPlan& editions) {
     editions.source = EditionSource::noChoice;
   }
   editions.allAreLite = editions.source != EditionSource::noChoice && choiceIsLite(editions.choice);
-  const std::string edition = editions.allAreLite ? "Lite" : "Full";
-  switch (editions.source) {
-    case EditionSource::request: editions.reason += " " + edition + " is asked for."; break;
-    case EditionSource::choiceFile:
-      editions.reason +=
-          " " + std::string(kInstallTypeFile) + " says \"" + editions.choice + "\": " + edition + ".";
-      break;
-    default: editions.reason += " No " + std::string(kInstallTypeFile) + " says which, so it is Full."; break;
-  }
 }
 
 bool promptIsWanted(const AttributesReading& attributes) {
@@ -85,16 +62,12 @@ void detectEditions(const PlanRequest& request, const std::string& centralFolder
   }
   editions.isOffered = !editions.libraries.empty();
   if (!editions.isOffered) {
-    editions.reason = "The update lists no libraries, so it is installed as a whole.";
     return;
   }
   editions.source = EditionSource::detection;
   detectInstalledEditions(request.dataRoot ? centralFolder : std::string(), editions.libraries);
   editions.allAreLite = std::all_of(editions.libraries.begin(), editions.libraries.end(),
                                     [](const PlannedLibrary& library) { return library.isLite; });
-  editions.reason = "The update carries " + std::to_string(editions.libraries.size()) +
-                    (editions.libraries.size() == 1 ? " library" : " libraries") +
-                    ", each installed in the edition that the user has.";
 }
 
 // Required of the page: the modes differ in what they ask.
@@ -104,18 +77,8 @@ void settleEditions(const PlanRequest& request, const std::string& centralFolder
   EditionPlan& editions = plan.editions;
   switch (plan.mode) {
     case kModeProductUpdater: detectEditions(request, centralFolder, plan); return;
-    case kModeVolumes:
-      editions.isOffered = twoVolumes && promptIsWanted(plan.attributes);
-      editions.reason = editions.isOffered
-                            ? "NumberOfVolumes is 2 and LiteVsFullPrompt is Yes, so there is a Lite "
-                              "and a Full edition."
-                            : "There is one edition.";
-      break;
-    default:
-      editions.isOffered = twoVolumes;
-      editions.reason = editions.isOffered ? "NumberOfVolumes is 2, so there is a Lite and a Full edition."
-                                           : "There is one edition.";
-      break;
+    case kModeVolumes: editions.isOffered = twoVolumes && promptIsWanted(plan.attributes); break;
+    default: editions.isOffered = twoVolumes; break;
   }
   if (editions.isOffered) {
     readChoice(request, editions);
@@ -238,6 +201,43 @@ InstallPlan planInstall(const PlanRequest& request) {
   plan.completionText =
       expandFormat(plan.attributes.textOrFallback("InstalledData"), plan.passes.back().destination.c_str());
   return plan;
+}
+
+std::string modeReason(const InstallPlan& plan) {
+  if (!plan.attributes.isFilePresent()) {
+    return _("There is no .InstallationAttributes.dat, so the page installs from discs.");
+  }
+  if (!plan.modeFound) {
+    return _("No line has the key Mode, so the page installs from discs.");
+  }
+  return filled(_("The Mode in line {0} of {1} reads \"{2}\"."),
+                {std::to_string(plan.modeFound.key->line), plan.attributes.path().filename().string(),
+                 plan.modeFound.value});
+}
+
+std::string editionReason(const InstallPlan& plan) {
+  const EditionPlan& editions = plan.editions;
+  if (plan.mode == kModeProductUpdater) {
+    return editions.isOffered
+               ? counted("The update carries {0} library, each installed in the edition that the user has.",
+                         "The update carries {0} libraries, each installed in the edition that the user has.",
+                         static_cast<std::int64_t>(editions.libraries.size()))
+               : _("The update lists no libraries, so it is installed as a whole.");
+  }
+  if (!editions.isOffered) {
+    return _("There is one edition.");
+  }
+  const char* offer =
+      plan.mode == kModeVolumes
+          ? _("NumberOfVolumes is 2 and LiteVsFullPrompt is Yes, so there is a Lite and a Full edition.")
+          : _("NumberOfVolumes is 2, so there is a Lite and a Full edition.");
+  const char* edition = editions.allAreLite ? "Lite" : "Full";
+  switch (editions.source) {
+    case EditionSource::request: return filled(_("{0} {1} is asked for."), {offer, edition});
+    case EditionSource::choiceFile:
+      return filled(_("{0} {1} says \"{2}\": {3}."), {offer, kInstallTypeFile, editions.choice, edition});
+    default: return filled(_("{0} No {1} says which, so it is Full."), {offer, kInstallTypeFile});
+  }
 }
 
 }  // namespace tavenhall

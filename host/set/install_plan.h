@@ -57,7 +57,6 @@ struct EditionPlan {
   EditionSource source = EditionSource::none;
   std::string choice;  // what the choice file says, as the page reads it
   std::vector<PlannedLibrary> libraries;
-  std::string reason;  // a sentence for the reader
 };
 
 struct PlannedVolume {
@@ -98,7 +97,7 @@ struct InstallPlan {
   Product product;
   std::string packageFolder;
   std::int32_t mode = kModeVolumes;
-  std::string modeReason;  // a sentence for the reader
+  FoundText modeFound;  // what the file says of it
   std::string title;
   std::string enteringText;  // the page's large text at first; a pass replaces it
   std::string completionText;
@@ -113,5 +112,10 @@ struct InstallPlan {
 [[nodiscard]] std::string packageFolderOf(const std::string& package);
 
 [[nodiscard]] InstallPlan planInstall(const PlanRequest& request);
+
+// Why the page takes the plan's mode, and which edition it installs: sentences for the reader, in the language
+// that is spoken when they are asked for.
+[[nodiscard]] std::string modeReason(const InstallPlan& plan);
+[[nodiscard]] std::string editionReason(const InstallPlan& plan);
 
 }  // namespace tavenhall

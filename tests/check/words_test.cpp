@@ -48,10 +48,6 @@ TEST(Words, FoldTheCaseOfLettersBeyondAscii) {
   EXPECT_EQ(caseFolded("\xFF\xF0"), "\xFF\xF0");
 }
 
-TEST(Words, CountThings) {
-  EXPECT_EQ(counted(1, "file"), "1 file");
-  EXPECT_EQ(counted(0, "file"), "0 files");
-  EXPECT_EQ(megabytes(12345678), "12.3 MB");
-}
+TEST(Words, GiveSizesInMillionsOfBytes) { EXPECT_EQ(megabytes(12345678), "12.3 MB"); }
 
 }  // namespace tavenhall::test
