@@ -10,6 +10,7 @@
 #include <clocale>
 #include <cstdio>
 #include <exception>
+#include <filesystem>
 #include <sstream>
 #include <string>
 
@@ -56,6 +57,10 @@ int main(int argc, char** argv) {
   try {
     status = tavenhall::runProgram(argc, argv);
     tavenhall::requireOutputWritten();
+  } catch (const std::filesystem::filesystem_error& error) {
+    status = ExitStatus::badUsage;
+    tavenhall::showError(tavenhall::UsageError(tavenhall::filled(
+        tavenhall::_("cannot use {0}: {1}"), {error.path1().string(), error.code().message()})));
   } catch (const std::exception& error) {
     status = ExitStatus::badUsage;
     tavenhall::showError(error);

@@ -63,6 +63,10 @@ void speakUsersLanguage(const std::filesystem::path& catalogs) {
 
 void speakEnglish() { std::setlocale(LC_MESSAGES, "C"); }
 
+InEnglish::InEnglish() : before_(std::setlocale(LC_MESSAGES, nullptr)) { speakEnglish(); }
+
+InEnglish::~InEnglish() { std::setlocale(LC_MESSAGES, before_.c_str()); }
+
 const char* _(const char* english) { return dgettext(kDomain, english); }
 
 std::string filled(std::string_view pattern, std::initializer_list<std::string_view> values) {

@@ -25,6 +25,19 @@ void speakUsersLanguage(const std::filesystem::path& catalogs);
 // From now on texts are in English again, those of the C library too. While there is one thread.
 void speakEnglish();
 
+// Texts are in English while this lives: for what programs read, beside what people do. While there is one
+// thread.
+class InEnglish {
+ public:
+  InEnglish();
+  InEnglish(const InEnglish&) = delete;
+  InEnglish& operator=(const InEnglish&) = delete;
+  ~InEnglish();
+
+ private:
+  std::string before_;
+};
+
 // The translation of a text. Lives for the process. Any thread.
 [[nodiscard]] const char* _(const char* english);
 
