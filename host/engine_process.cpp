@@ -52,7 +52,9 @@ void survive(int signal) {
   sigaction(signal, &action, nullptr);
 }
 
-void writeSummary(const RunOptions& options, const EngineLines& lines, const std::string& summary) {
+// `cannotWrite` is the text for that, with places for the file and the reason.
+void writeSummary(const RunOptions& options, const EngineLines& lines, const std::string& summary,
+                  const char* cannotWrite) {
   if (lines.summary >= 0) {
     writeAll(lines.summary, summary);
   }
@@ -61,8 +63,7 @@ void writeSummary(const RunOptions& options, const EngineLines& lines, const std
   }
   const int file = open(options.summary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
   if (file < 0 || !writeAll(file, summary)) {
-    std::fprintf(stderr, "tavinstall: cannot write the summary %s: %s\n", options.summary.c_str(),
-                 std::strerror(errno));
+    showError(UsageError(filled(cannotWrite, {options.summary.string(), std::strerror(errno)})));
   }
 }
 
@@ -82,6 +83,7 @@ void runEngine(const RunOptions& options, const EngineLines& lines) {
   }
   const EngineLines own{setAside(lines.commands), setAside(lines.events), lines.summary, -1};
   shieldStandardStreams();
+  const char* cannotWriteSummary = _("cannot write the summary {0}: {1}");
   speakEnglish();    // the system's error texts go into the log
   survive(SIGPIPE);  // a reader that goes away must not end an install
   addStandInsToPath();
@@ -97,7 +99,7 @@ void runEngine(const RunOptions& options, const EngineLines& lines) {
 
   const Engine* running = nullptr;
   Engine engine(commands, *events, [&] {
-    writeSummary(options, own, running->summary());
+    writeSummary(options, own, running->summary(), cannotWriteSummary);
     endProcess(ExitStatus::noAnswer);
   });
   running = &engine;
@@ -108,7 +110,7 @@ void runEngine(const RunOptions& options, const EngineLines& lines) {
     commands.add(Command::forward);
     engine.run();
   }
-  writeSummary(options, own, engine.summary());
+  writeSummary(options, own, engine.summary(), cannotWriteSummary);
   // A program that speaks the lines itself judges the install itself.
   const bool isDone = options.face == Face::json || engine.record().isSuccess();
   endProcess(isDone ? ExitStatus::success : ExitStatus::failure);

@@ -8,6 +8,8 @@
 #include <gtest/gtest.h>
 #include <sstream>
 #include <string>
+#include <sys/stat.h>
+#include <utility>
 
 // The program's words in the languages that there are.
 namespace tavenhall::test {
@@ -103,6 +105,43 @@ TEST(Languages, TheLogIsTheSameInEveryLanguage) {
   EXPECT_EQ(logMessages(), messages);
   EXPECT_THAT(english.output, EndsWith("The log is " + std::string(kLog) + ".\n"));
   EXPECT_THAT(german.output, EndsWith("Das Protokoll ist " + std::string(kLog) + ".\n"));
+}
+
+// ---- What cannot be used ----
+
+void expectRefusal(const std::vector<std::string>& arguments, const std::string& english,
+                   const std::string& german, const std::string& japanese) {
+  for (const auto& [language, text] : {std::pair("en", english), {"de", german}, {"ja", japanese}}) {
+    const Outcome outcome = inLanguage(language, arguments);
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.error, "tavinstall: " + text + "\n");
+  }
+}
+
+TEST(Languages, WhatOtherUsersCanChangeIsRefusedInThem) {
+  writeFile("/tmp/open/Installer.pkg", "");
+  ASSERT_EQ(chmod("/tmp/open", 0777), 0);
+  expectRefusal(
+      {"run", "--ui", "plain", "--package", "/tmp/open/Installer.pkg"},
+      "other users can change /tmp/open, and with it what is installed; --trusted installs all the same",
+      "andere Benutzer können /tmp/open ändern und damit, was installiert wird; --trusted installiert "
+      "trotzdem",
+      "他のユーザーが /tmp/open を変更でき、インストールされるものも変わります。--trusted を付ければイン"
+      "ストールします");
+}
+
+// The engine speaks English by then.
+TEST(Languages, ASummaryThatCouldNotBeWrittenIsNamedInThem) {
+  writeFile("/tmp/set/Installer.pkg", "");
+  writeFile("/tmp/set/.InstallationAttributes.dat", "Mode = DataUpdater\nRelativePath = Nowhere\n");
+  const std::vector<std::string> run{"run",       "--ui",     "quiet", "--package", "/tmp/set/Installer.pkg",
+                                     "--summary", "/dev/full"};
+  EXPECT_EQ(
+      inLanguage("de", run).error,
+      "tavinstall: die Zusammenfassung /dev/full kann nicht geschrieben werden: No space left on device\n");
+  EXPECT_EQ(inLanguage("ja", run).error,
+            "tavinstall: 要約 /dev/full に書き込めません: No space left on device\n");
 }
 
 TEST(Text, ValuesTakeTheirPlacesInAnyOrder) {
