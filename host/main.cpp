@@ -38,7 +38,7 @@ ExitStatus runProgram(int argc, char** argv) {
     std::fputs(text.str().c_str(), stdout);
     return ExitStatus::success;
   } catch (const CLI::ParseError& error) {
-    throw UsageError(error.what());
+    throw UsageError(argumentErrorText(program, {argv + 1, argv + argc}, error));
   }
   return commandLine.chosen();
 }

@@ -119,6 +119,39 @@ void expectRefusal(const std::vector<std::string>& arguments, const std::string&
   }
 }
 
+TEST(Languages, ArgumentsThatAreMissingOrTooManyAreNamedInThem) {
+  expectRefusal({}, "A subcommand is required", "ein Befehl fehlt", "コマンドが必要です");
+  expectRefusal({"instal"}, "The following argument was not expected: instal", "unerwartetes Argument: instal",
+                "余分な引数があります: instal");
+  expectRefusal({"log", "a", "b", "--c"}, "The following arguments were not expected: b --c",
+                "unerwartete Argumente: b --c", "余分な引数があります: b --c");
+  expectRefusal({"check"}, "SET is required", "SET fehlt", "SET が必要です");
+}
+
+TEST(Languages, OptionsThatDoNotGoTogetherAreNamedInThem) {
+  expectRefusal({"run", "--bundle", "/x", "--product", "Bassoria"}, "--product excludes --bundle",
+                "--product schließt --bundle aus", "--product と --bundle は同時に指定できません");
+  expectRefusal({"run", "--ui", "plain", "--ui", "json"}, "--ui can be given only once",
+                "--ui kann nur einmal angegeben werden", "--ui は 1 回しか指定できません");
+}
+
+TEST(Languages, ValuesThatAreMissingOrNotAllowedAreNamedInThem) {
+  expectRefusal({"run", "--trusted", "--package"}, "--package needs a value", "--package braucht einen Wert",
+                "--package には値が必要です");
+  expectRefusal({"run", "--package="}, "--package needs a value", "--package braucht einen Wert",
+                "--package には値が必要です");
+  expectRefusal({"run", "--trusted=perhaps"}, "--trusted takes no value", "--trusted nimmt keinen Wert",
+                "--trusted に値は指定できません");
+  expectRefusal({"run", "--ui", "loud"}, "--ui: loud not in {json,plain,quiet,terminal}",
+                "--ui: loud ist nicht in {json,plain,quiet,terminal}",
+                "--ui: loud は {json,plain,quiet,terminal} のどれでもありません");
+  for (const std::string number : {"-1", "often", "1.5", "99999999999"}) {
+    expectRefusal({"rehearse", "/x", "--late", number}, "--late: " + number + " is no whole number from 0 on",
+                  "--late: " + number + " ist keine ganze Zahl ab 0",
+                  "--late: " + number + " は 0 以上の整数ではありません");
+  }
+}
+
 TEST(Languages, WhatOtherUsersCanChangeIsRefusedInThem) {
   writeFile("/tmp/open/Installer.pkg", "");
   ASSERT_EQ(chmod("/tmp/open", 0777), 0);
