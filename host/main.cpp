@@ -50,8 +50,11 @@ ExitStatus runProgram(int argc, char** argv) {
 int main(int argc, char** argv) {
   using tavenhall::ExitStatus;
   tavenhall::fillStandardStreams();
-  // Character types alone: the log's month names are the same on every machine.
-  std::setlocale(LC_CTYPE, "");
+  // Character types alone: the log's month names are the same on every machine. Where the system lacks the
+  // user's locale, as small systems do, the texts still come in UTF-8.
+  if (std::setlocale(LC_CTYPE, "") == nullptr) {
+    std::setlocale(LC_CTYPE, "C.UTF-8");
+  }
   tavenhall::speakUsersLanguage(tavenhall::findCatalogs());
   ExitStatus status = ExitStatus::badUsage;
   try {

@@ -79,6 +79,14 @@ TEST(Languages, TheSystemNeedNotHaveTheUsersLocale) {
               StartsWith("tavinstall: es gibt noch kein Protokoll unter /Users/tester/Library/"));
 }
 
+TEST(Languages, WithoutTheUsersLocaleTheColumnsAreStillThoseOfLetters) {
+  ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
+  writeFile(kLog, "May 01 2026 10:00:00 studio: \n\n" + std::string(94, '*') +
+                      "\n  Install Data Pane Enter: Version 7.7\n");
+  const Outcome outcome = runThrough({kTavinstall, "log"}, {{"LC_ALL", "ja_XX.UTF-8"}, {"LANGUAGE", ""}});
+  EXPECT_THAT(outcome.output, HasSubstr("\n    設定           属性ファイルなし\n"));
+}
+
 TEST(Languages, WithoutOneOrWithAnUnknownOneItIsEnglish) {
   const std::string english = "tavinstall: there is no installation log at ";
   EXPECT_THAT(runThrough({kTavinstall, "log"}, {{"LC_ALL", "C"}, {"LANGUAGE", "de"}}).error,
