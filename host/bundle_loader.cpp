@@ -8,6 +8,7 @@
 
 #include <cstdlib>
 #include <dlfcn.h>
+#include <vector>
 
 namespace tavenhall {
 
@@ -28,16 +29,16 @@ fs::path programFolder() { return programPath().parent_path(); }
 fs::path findBundle(const std::string& product) {
   const std::string ending = product.empty() || product == kDefaultProduct ? "" : "-" + product;
   const fs::path name = "InstallDataPane" + ending + ".bundle";
-  std::string looked;
+  std::vector<std::string> looked;
   for (const char* folder : kBundleFolders) {
     fs::path bundle = (programFolder() / folder / name).lexically_normal();
     std::error_code error;
     if (fs::is_directory(bundle, error)) {
       return bundle;
     }
-    looked += (looked.empty() ? "" : " or ") + bundle.string();
+    looked.push_back(bundle.string());
   }
-  throw UsageError(filled(_("no plug-in at {0}; --bundle names another"), {looked}));
+  throw UsageError(filled(_("no plug-in at {0} or {1}; --bundle names another"), {looked[0], looked[1]}));
 }
 
 fs::path findCatalogs() {

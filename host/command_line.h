@@ -1,11 +1,9 @@
 #pragma once
 
-#include "host/build_facts.h"
 #include "host/exit_status.h"
 
 #include <CLI/CLI.hpp>
 #include <functional>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -20,14 +18,18 @@ struct CommandLine {
 };
 
 // The value is one of the names, which the help shows as the option's own text or not at all.
-[[nodiscard]] inline CLI::Validator oneOf(const std::vector<std::string>& names) {
-  return CLI::IsMember(names).description("");
-}
+[[nodiscard]] CLI::Validator oneOf(const std::vector<std::string>& names);
+
+// The value is a whole number from 0 on that fits an int.
+[[nodiscard]] CLI::Validator wholeNumber();
 
 // The products that the build knows.
-[[nodiscard]] inline std::vector<std::string> productNames() {
-  return {std::begin(kProducts), std::end(kProducts)};
-}
+[[nodiscard]] std::vector<std::string> productNames();
+
+// Why the program's arguments cannot be used, in one line in the user's language. The error came from parsing
+// them just now.
+[[nodiscard]] std::string argumentErrorText(const CLI::App& program, const std::vector<std::string>& arguments,
+                                            const CLI::ParseError& error);
 
 void addRunCommand(CommandLine& commandLine);
 void addRehearseCommand(CommandLine& commandLine);

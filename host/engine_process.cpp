@@ -57,7 +57,9 @@ Engine* theEngine = nullptr;
 // A path that does not fit stops the process on the thread that met it: listeners first hear what came before.
 void flushAtStop(int /*signal*/) { theEngine->flushAtStop(); }
 
-void writeSummary(const RunOptions& options, const EngineLines& lines, const std::string& summary) {
+// `cannotWrite` is the text for that, with places for the file and the reason.
+void writeSummary(const RunOptions& options, const EngineLines& lines, const std::string& summary,
+                  const char* cannotWrite) {
   if (lines.summary >= 0) {
     writeAll(lines.summary, summary);
   }
@@ -66,8 +68,7 @@ void writeSummary(const RunOptions& options, const EngineLines& lines, const std
   }
   const int file = open(options.summary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
   if (file < 0 || !writeAll(file, summary)) {
-    std::fprintf(stderr, "tavinstall: cannot write the summary %s: %s\n", options.summary.c_str(),
-                 std::strerror(errno));
+    showError(UsageError(filled(cannotWrite, {options.summary.string(), std::strerror(errno)})));
   }
 }
 
@@ -87,6 +88,7 @@ void runEngine(const RunOptions& options, const EngineLines& lines) {
   }
   const EngineLines own{setAside(lines.commands), setAside(lines.events), lines.summary, -1};
   shieldStandardStreams();
+  const char* cannotWriteSummary = _("cannot write the summary {0}: {1}");
   speakEnglish();    // the system's error texts go into the log
   survive(SIGPIPE);  // a reader that goes away must not end an install
   addStandInsToPath();
@@ -101,7 +103,7 @@ void runEngine(const RunOptions& options, const EngineLines& lines) {
                 : CommandSource({Command::title, Command::enter, Command::wait}, kAlertFirstButtonReturn);
 
   Engine engine(commands, *events, [&] {
-    writeSummary(options, own, theEngine->summary());
+    writeSummary(options, own, theEngine->summary(), cannotWriteSummary);
     endProcess(ExitStatus::noAnswer);
   });
   theEngine = &engine;
@@ -113,7 +115,7 @@ void runEngine(const RunOptions& options, const EngineLines& lines) {
     commands.add(Command::forward);
     engine.run();
   }
-  writeSummary(options, own, engine.summary());
+  writeSummary(options, own, engine.summary(), cannotWriteSummary);
   // A program that speaks the lines itself judges the install itself.
   const bool isDone = options.face == Face::json || engine.record().isSuccess();
   endProcess(isDone ? ExitStatus::success : ExitStatus::failure);

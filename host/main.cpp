@@ -10,6 +10,7 @@
 #include <clocale>
 #include <cstdio>
 #include <exception>
+#include <filesystem>
 #include <sstream>
 #include <string>
 
@@ -37,7 +38,7 @@ ExitStatus runProgram(int argc, char** argv) {
     std::fputs(text.str().c_str(), stdout);
     return ExitStatus::success;
   } catch (const CLI::ParseError& error) {
-    throw UsageError(error.what());
+    throw UsageError(argumentErrorText(program, {argv + 1, argv + argc}, error));
   }
   return commandLine.chosen();
 }
@@ -49,13 +50,20 @@ ExitStatus runProgram(int argc, char** argv) {
 int main(int argc, char** argv) {
   using tavenhall::ExitStatus;
   tavenhall::fillStandardStreams();
-  // Character types alone: the log's month names are the same on every machine.
-  std::setlocale(LC_CTYPE, "");
+  // Character types alone: the log's month names are the same on every machine. Where the system lacks the
+  // user's locale, as small systems do, the texts still come in UTF-8.
+  if (std::setlocale(LC_CTYPE, "") == nullptr) {
+    std::setlocale(LC_CTYPE, "C.UTF-8");
+  }
   tavenhall::speakUsersLanguage(tavenhall::findCatalogs());
   ExitStatus status = ExitStatus::badUsage;
   try {
     status = tavenhall::runProgram(argc, argv);
     tavenhall::requireOutputWritten();
+  } catch (const std::filesystem::filesystem_error& error) {
+    status = ExitStatus::badUsage;
+    tavenhall::showError(tavenhall::UsageError(tavenhall::filled(
+        tavenhall::_("cannot use {0}: {1}"), {error.path1().string(), error.code().message()})));
   } catch (const std::exception& error) {
     status = ExitStatus::badUsage;
     tavenhall::showError(error);

@@ -1,5 +1,7 @@
 #include "host/other_users.h"
 
+#include "host/text.h"
+
 #include <array>
 #include <grp.h>
 #include <pwd.h>
@@ -58,7 +60,7 @@ std::string changeableByOthers(const fs::path& package) {
   }
   for (const fs::path& path : paths) {
     if (othersCanWrite(path)) {
-      return "other users can change " + path.string() + ", and with it what is installed";
+      return filled(_("other users can change {0}, and with it what is installed"), {path.string()});
     }
   }
   return "";
@@ -69,7 +71,7 @@ std::string writtenByOthers(const fs::path& file) {
   if (lstat(file.c_str(), &found) != 0 || found.st_uid == geteuid() || found.st_uid == 0) {
     return "";
   }
-  return "another user has written " + file.string();
+  return filled(_("another user has written {0}"), {file.string()});
 }
 
 }  // namespace tavenhall

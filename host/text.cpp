@@ -92,6 +92,10 @@ void keepSystemTextsEnglish() {
   bindtextdomain("libc", "/dev/null");  // where no catalog can be
 }
 
+InEnglish::InEnglish() : before_(std::setlocale(LC_MESSAGES, nullptr)) { speakEnglish(); }
+
+InEnglish::~InEnglish() { std::setlocale(LC_MESSAGES, before_.c_str()); }
+
 const char* _(const char* english) { return dgettext(kDomain, english); }
 
 std::string filled(std::string_view pattern, std::initializer_list<std::string_view> values) {

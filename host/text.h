@@ -37,6 +37,19 @@ void speakEnglish();
 // page in it, which writes them into its log. While there is one thread.
 void keepSystemTextsEnglish();
 
+// Texts are in English while this lives: for what programs read, beside what people do. While there is one
+// thread.
+class InEnglish {
+ public:
+  InEnglish();
+  InEnglish(const InEnglish&) = delete;
+  InEnglish& operator=(const InEnglish&) = delete;
+  ~InEnglish();
+
+ private:
+  std::string before_;
+};
+
 // The translation of a text. Lives for the process. Any thread.
 [[nodiscard]] const char* _(const char* english);
 

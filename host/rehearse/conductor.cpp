@@ -3,12 +3,13 @@
 #include "host/json_events.h"
 #include "host/line_reader.h"
 #include "host/plain_printer.h"
+#include "host/text.h"
+#include "host/usage_error.h"
 #include "platform/installer_host.h"
 
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstdio>
 #include <cstring>
 #include <fcntl.h>
 #include <fstream>
@@ -38,12 +39,12 @@ std::array<int, 2> makePipe() {
 
 const char* replyName(DiscTray::Reply reply) {
   switch (reply) {
-    case DiscTray::Reply::inserted: return "inserted";
-    case DiscTray::Reply::notYet: return "late";
-    case DiscTray::Reply::notAccepted: return "not accepted";
+    case DiscTray::Reply::inserted: return N_("inserted");
+    case DiscTray::Reply::notYet: return N_("late");
+    case DiscTray::Reply::notAccepted: return N_("not accepted");
     case DiscTray::Reply::noSuchDisc: break;
   }
-  return "no such disc";
+  return N_("no such disc");
 }
 
 std::string command(const char* name) { return jsonLine({{"do", name}}); }
@@ -75,7 +76,7 @@ void Conductor::start() {
     }
     arguments.push_back(nullptr);
     execvp(arguments[0], arguments.data());
-    std::fprintf(stderr, "tavinstall: cannot run %s: %s\n", arguments[0], std::strerror(errno));
+    showError(UsageError(filled(_("cannot run {0}: {1}"), {arguments[0], std::strerror(errno)})));
     _exit(static_cast<int>(ExitStatus::badUsage));
   }
   close(commands[0]);
@@ -174,9 +175,10 @@ int Conductor::answerFor(const std::string& volume, bool isOptional) {
 void Conductor::giveUpOn(const std::string& volume, bool wasIn) {
   record_.missingDisc = volume;
   record_.missingDiscWasIn = wasIn;
-  std::fprintf(stderr, "tavinstall: %s%s, so the rehearsal ends here\n",
-               wasIn ? "the page finds no data folder on the disc " : "the set has no disc ",
-               printableText(volume).c_str());
+  showError(
+      UsageError(filled(wasIn ? _("the page finds no data folder on the disc {0}, so the rehearsal ends here")
+                              : _("the set has no disc {0}, so the rehearsal ends here"),
+                        {volume})));
   kill(engine_.pid, SIGTERM);
 }
 

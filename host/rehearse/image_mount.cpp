@@ -1,5 +1,6 @@
 #include "host/rehearse/image_mount.h"
 
+#include "host/text.h"
 #include "host/usage_error.h"
 
 #include <chrono>
@@ -37,12 +38,13 @@ dev_t diskOf(const fs::path& folder) {
 }
 
 std::string failureText(const fs::path& image, int status, const std::string& lastWords) {
-  const std::string tool = toolFor(image);
-  const std::string text = "cannot open the disc image " + image.string();
+  const char* pattern = _("cannot open the disc image {0}: {1}");
   if (status == ToolProcess::kNoSuchProgram) {
-    return text + ": " + tool + " is not there; install the package " + tool;
+    pattern = _("cannot open the disc image {0}: {2} is not there; install the package {2}");
+  } else if (lastWords.empty()) {
+    pattern = _("cannot open the disc image {0}: {2} failed");
   }
-  return text + ": " + (lastWords.empty() ? tool + " failed" : lastWords);
+  return filled(pattern, {image.string(), lastWords, toolFor(image)});
 }
 
 }  // namespace

@@ -68,9 +68,10 @@ class Rehearsal {
     const std::int64_t needed = sizes.whole.value_or(0) + sizes.systemFolders;
     const auto free = freeBytesAt(stage_->root().string());
     if (free && *free < needed) {
-      throw UsageError("the install takes " + sizeText(static_cast<double>(needed)) + " and there is " +
-                       sizeText(static_cast<double>(*free)) + " free in " + stage_->root().string() +
-                       "; --keep DIR takes another place");
+      throw UsageError(
+          filled(_("the install takes {0} and there is {1} free in {2}; --keep DIR takes another place"),
+                 {sizeText(static_cast<double>(needed)), sizeText(static_cast<double>(*free)),
+                  stage_->root().string()}));
     }
   }
 
@@ -130,7 +131,7 @@ class Rehearsal {
   [[nodiscard]] TerminalPage terminalPage() const {
     TerminalPage page;
     page.introduction = introduce(checked_.plan, freeBytesAt);
-    page.introduction.what += " It is a rehearsal, in folders of its own.";
+    page.introduction.what += std::string(" ") + _("It is a rehearsal, in folders of its own.");
     page.introduction.destination = insidePath(page.introduction.destination);
     for (std::string& place : page.introduction.to) {
       place = insidePath(place);
@@ -148,7 +149,8 @@ class Rehearsal {
   }
 
   [[nodiscard]] std::string afterStop() const {
-    return kept_ ? "What was installed so far is in " + kept_->path().string() + "." : "Nothing of it is left.";
+    return kept_ ? filled(_("What was installed so far is in {0}."), {kept_->path().string()})
+                 : _("Nothing of it is left.");
   }
 
   ExitStatus report() {
@@ -163,7 +165,7 @@ class Rehearsal {
     std::FILE* out = request_.face == Face::json ? stderr : stdout;
     std::fprintf(out, "\n%s", reportText(findings, verdict).c_str());
     std::fflush(out);
-    return writeReport(findings, verdict) ? verdict.status() : ExitStatus::failure;
+    return writeReport(findings) ? verdict.status() : ExitStatus::failure;
   }
 
   // None where the run did not come to an end of its own.
@@ -173,17 +175,16 @@ class Rehearsal {
     return json.is_object() ? std::optional(RehearsalRecord::fromJson(json)) : std::nullopt;
   }
 
-  [[nodiscard]] bool writeReport(const RehearsalFindings& findings, const Verdict& verdict) const {
+  [[nodiscard]] bool writeReport(const RehearsalFindings& findings) const {
     if (request_.report.empty()) {
       return true;
     }
     speakEnglish();  // the text is out already
     std::ofstream out(request_.report);
-    out << reportJson(findings, verdict).dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace)
-        << "\n";
+    out << reportJson(findings).dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << "\n";
     if (!out.flush()) {
-      std::fprintf(stderr, "tavinstall: cannot write the report %s: %s\n", request_.report.c_str(),
-                   std::strerror(errno));
+      showError(UsageError(
+          filled(_("cannot write the report {0}: {1}"), {request_.report.string(), std::strerror(errno)})));
       return false;
     }
     return true;
@@ -209,7 +210,7 @@ ExitStatus rehearse(const RehearsalRequest& request) {
   try {
     return Rehearsal(request, stop).run();
   } catch (const Stopped&) {
-    std::fputs("tavinstall: the rehearsal was stopped, so there is no report\n", stderr);
+    showError(UsageError(_("the rehearsal was stopped, so there is no report")));
     return ExitStatus::failure;
   }
 }

@@ -13,7 +13,7 @@ namespace tavenhall {
 struct RehearsalRecord {
   struct Prompt {
     std::string volume;
-    std::string reply;  // "inserted", "late", "not accepted", "no such disc"
+    std::string reply;  // "inserted", "late", "not accepted", "no such disc": also texts to be translated
   };
   struct Alert {
     std::string message;

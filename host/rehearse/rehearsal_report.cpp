@@ -2,6 +2,7 @@
 
 #include "host/plain_printer.h"
 #include "host/rehearse/disc_tray.h"
+#include "host/text.h"
 
 #include <algorithm>
 #include <deque>
@@ -13,41 +14,35 @@ namespace tavenhall {
 namespace {
 
 constexpr std::size_t kMostSentences = 20;
-constexpr std::size_t kMostOthersNamed = 3;
+constexpr std::int64_t kMostOthersNamed = 3;
 constexpr std::size_t kLogLines = 12;  // of a failed install's
+constexpr std::size_t kLabelColumns = 13;
 
 std::string sizeOf(std::int64_t bytes) { return sizeText(static_cast<double>(bytes)); }
 
-std::string counted(std::size_t count, const char* thing) {
-  return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
-}
-
-std::size_t countOf(const std::vector<FileFate>& files, Fate fate) {
-  return static_cast<std::size_t>(
-      std::count_if(files.begin(), files.end(), [fate](const FileFate& file) { return file.fate == fate; }));
+std::int64_t countOf(const std::vector<FileFate>& files, Fate fate) {
+  return std::count_if(files.begin(), files.end(), [fate](const FileFate& file) { return file.fate == fate; });
 }
 
 std::string row(const char* label, const std::string& text) {
-  std::string line = "  " + std::string(label);
-  line.resize(std::max<std::size_t>(line.size(), 14), ' ');
-  return line + " " + printableText(text) + "\n";
+  return "  " + padded(label, kLabelColumns) + printableText(text) + "\n";
 }
 
 // ---- What was to be done ----
 
 std::string planRows(const RehearsalFindings& findings) {
   const InstallPlan& plan = findings.plan;
-  std::string text = row("mode", std::to_string(plan.mode) + ": " + modeReason(plan));
-  text += row("edition", editionReason(plan));
+  std::string text = row(_("mode"), std::to_string(plan.mode) + ": " + modeReason(plan));
+  text += row(_("edition"), editionReason(plan));
   for (const PlannedLibrary& library : plan.editions.libraries) {
-    text += row("library", library.folderName + ": " + (library.isLite ? "Lite" : "Full"));
+    text += row(_("library"), library.folderName + ": " + (library.isLite ? "Lite" : "Full"));
   }
   for (const PlannedFolder& folder : plan.systemFolders) {
-    text += row("plan", folder.destination + " from beside the package");
+    text += row(_("plan"), filled(_("{0} from beside the package"), {folder.destination}));
   }
   for (const PlannedPass& pass : plan.passes) {
-    text += row("plan", pass.folderName + " to " + findings.insidePath(pass.destination) + ", " +
-                            counted(static_cast<std::size_t>(pass.volumeCount), "volume"));
+    text += row(_("plan"), counted("{1} to {2}, {0} volume", "{1} to {2}, {0} volumes", pass.volumeCount,
+                                   {pass.folderName, findings.insidePath(pass.destination)}));
   }
   return text;
 }
@@ -57,41 +52,43 @@ std::string planRows(const RehearsalFindings& findings) {
 std::string talkRows(const RehearsalRecord& record) {
   std::string text;
   for (const RehearsalRecord::Prompt& prompt : record.prompts) {
-    text += row("prompt", prompt.volume + ": " + prompt.reply);
+    text += row(_("prompt"), prompt.volume + ": " + _(prompt.reply.c_str()));
   }
   for (const RehearsalRecord::Alert& alert : record.alerts) {
     if (!volumeAskedFor(alert.message, alert.informative)) {  // those are prompts, above
-      text += row("alert", alert.message + ": " + alert.informative);
+      text += row(_("alert"), alert.message + ": " + alert.informative);
     }
   }
   for (const auto& [sheet, times] : record.countedSheets()) {
-    text += row("sheet", sheet + (times > 1 ? " (" + std::to_string(times) + " times)" : ""));
+    text += row(_("sheet"), times > 1 ? counted("{1} ({0} time)", "{1} ({0} times)", times, {sheet}) : sheet);
   }
   return text;
 }
 
-std::string timeText(const std::optional<double>& seconds) {
-  if (!seconds) {
-    return " in unknown time";
+std::string sizeAndTime(const CopiedVolume& copied) {
+  const std::string size = sizeOf(copied.bytes);
+  if (!copied.seconds) {
+    return filled(_("{0} in unknown time"), {size});
   }
-  return *seconds < 1.0 ? " in less than 1 s" : " in " + durationText(*seconds);
+  return *copied.seconds < 1.0 ? filled(_("{0} in less than 1 s"), {size})
+                               : filled(_("{0} in {1}"), {size, durationText(*copied.seconds)});
 }
 
 std::string amountText(const CopiedVolume& copied) {
-  return counted(copied.files, "file") + " in " + counted(copied.folders, "folder");
+  const std::string files = counted("{0} file", "{0} files", copied.files);
+  return counted("{1} in {0} folder", "{1} in {0} folders", copied.folders, {files});
 }
 
 std::string volumeRows(const RehearsalFindings& findings) {
   std::string text;
   for (const CopiedVolume& copied : findings.systemFolders) {
-    text += row("beside", copied.folder + ", " + sizeOf(copied.bytes) + ", " + amountText(copied));
+    text += row(_("beside"), copied.folder + ", " + sizeOf(copied.bytes) + ", " + amountText(copied));
   }
   for (const CopiedVolume& copied : findings.volumes) {
-    text +=
-        row("volume", std::to_string(copied.number + 1) + ": " +
-                          (copied.folder.empty() ? "nothing was copied"
-                                                 : copied.folder + ", " + sizeOf(copied.bytes) +
-                                                       timeText(copied.seconds) + ", " + amountText(copied)));
+    text += row(_("volume"), std::to_string(copied.number + 1) + ": " +
+                                 (copied.folder.empty() ? _("nothing was copied")
+                                                        : copied.folder + ", " + sizeAndTime(copied) + ", " +
+                                                              amountText(copied)));
   }
   return text;
 }
@@ -100,8 +97,8 @@ std::string volumeRows(const RehearsalFindings& findings) {
 
 // Files that nobody expects to be installed; the others are remarks.
 std::string leftRows(const RehearsalFindings& findings) {
-  std::size_t ofFullEdition = 0;
-  std::size_t others = 0;
+  std::int64_t ofFullEdition = 0;
+  std::int64_t others = 0;
   std::string names;
   for (const LeftFile& file : findings.leftFiles) {
     if (file.isOfFullEdition) {
@@ -112,38 +109,42 @@ std::string leftRows(const RehearsalFindings& findings) {
   }
   std::string text;
   if (ofFullEdition > 0) {
-    text += row("left out", counted(ofFullEdition, "file") + " of the Full edition");
+    text += row(_("left out"),
+                counted("{0} file of the Full edition", "{0} files of the Full edition", ofFullEdition));
   }
   if (others > 0) {
-    text += row("not data", counted(others, "file") + " beside the data folders: " + names +
-                                (others > kMostOthersNamed ? ", ..." : ""));
+    names += others > kMostOthersNamed ? ", ..." : "";
+    text += row(_("not data"), counted("{0} file beside the data folders: {1}",
+                                       "{0} files beside the data folders: {1}", others, {names}));
   }
   return text;
 }
 
 std::string sizeRow(const char* label, const AnnouncedComparison& sizes) {
-  return row(label, (sizes.announced > 0 ? sizeOf(sizes.announced) + " announced, " : "not announced, ") +
-                        sizeOf(sizes.real) + " real");
+  return row(label, filled(sizes.announced > 0 ? _("{1} announced, {0} real") : _("not announced, {0} real"),
+                           {sizeOf(sizes.real), sizeOf(sizes.announced)}));
 }
 
 std::string resultRows(const RehearsalFindings& findings, const Verdict& verdict) {
   std::string text =
-      row("files", counted(countOf(findings.files, Fate::same), "file") + " the same, " +
-                       std::to_string(countOf(findings.files, Fate::differs)) + " differ, " +
-                       std::to_string(countOf(findings.files, Fate::missing)) + " missing, " +
-                       std::to_string(countOf(findings.files, Fate::replaced)) + " replaced by a later copy");
+      row(_("files"), counted("{0} file the same, {1} differ, {2} missing, {3} replaced by a later copy",
+                              "{0} files the same, {1} differ, {2} missing, {3} replaced by a later copy",
+                              countOf(findings.files, Fate::same),
+                              {std::to_string(countOf(findings.files, Fate::differs)),
+                               std::to_string(countOf(findings.files, Fate::missing)),
+                               std::to_string(countOf(findings.files, Fate::replaced))}));
   text += leftRows(findings);
   if (verdict.whole.real > 0) {
-    text += sizeRow("size", verdict.whole);
+    text += sizeRow(_("size"), verdict.whole);
   }
   if (verdict.hasFirstComponent) {
-    text += sizeRow("component", verdict.firstComponent);
+    text += sizeRow(_("component"), verdict.firstComponent);
   }
   if (const RehearsalRecord::Bar bar = volumeBar(findings.record); bar.maximum > 0) {
-    text += row("bar",
-                sizeText(bar.highest * 1024.0) + " of " + sizeText(bar.maximum * 1024.0) + " at its highest");
+    text += row(_("bar"), filled(_("{0} of {1} at its highest"),
+                                 {sizeText(bar.highest * 1024.0), sizeText(bar.maximum * 1024.0)}));
   }
-  return text + row("log", findings.log.empty() ? "not kept; --keep DIR keeps it" : findings.log);
+  return text + row(_("log"), findings.log.empty() ? _("not kept; --keep DIR keeps it") : findings.log);
 }
 
 // The end of the log, since nobody may have kept it.
@@ -158,16 +159,19 @@ std::string logEnd(const RehearsalFindings& findings) {
       last.pop_front();
     }
   }
-  return last.empty() ? "" : std::accumulate(last.begin(), last.end(), std::string("\nThe log ends with:\n"));
+  return last.empty()
+             ? ""
+             : std::accumulate(last.begin(), last.end(), std::string("\n") + _("The log ends with:") + "\n");
 }
 
-std::string sentences(const char* label, const std::vector<std::string>& all) {
+std::string sentences(const char* pattern, const std::vector<std::string>& all) {
   std::string text;
   for (std::size_t i = 0; i < std::min(all.size(), kMostSentences); ++i) {
-    text += "  " + std::string(label) + ": " + printableText(all[i]) + "\n";
+    text += "  " + printableText(filled(pattern, {all[i]})) + "\n";
   }
   if (all.size() > kMostSentences) {
-    text += "  " + std::string(label) + ": and " + std::to_string(all.size() - kMostSentences) + " more\n";
+    const std::string more = filled(_("and {0} more"), {std::to_string(all.size() - kMostSentences)});
+    text += "  " + filled(pattern, {more}) + "\n";
   }
   return text;
 }
@@ -175,17 +179,18 @@ std::string sentences(const char* label, const std::vector<std::string>& all) {
 }  // namespace
 
 std::string reportText(const RehearsalFindings& findings, const Verdict& verdict) {
-  std::string text = "Rehearsal of " + printableText(findings.set) + "\n\n";
+  std::string text = printableText(filled(_("Rehearsal of {0}"), {findings.set})) + "\n\n";
   text += planRows(findings) + talkRows(findings.record) + volumeRows(findings) + resultRows(findings, verdict);
   if (verdict.status() == ExitStatus::failure) {
     text += logEnd(findings);
   }
-  text += "\n" + sentences("FAILED", verdict.failures) + sentences("remark", verdict.remarks);
+  text += "\n" + sentences(_("FAILED: {0}"), verdict.failures) + sentences(_("remark: {0}"), verdict.remarks);
   switch (verdict.status()) {
-    case ExitStatus::success: return text + "Everything is installed, and there is nothing to remark.\n";
-    case ExitStatus::remarks: return text + "Everything is installed, with remarks.\n";
-    default: return text + "The install failed.\n";
+    case ExitStatus::success: text += _("Everything is installed, and there is nothing to remark."); break;
+    case ExitStatus::remarks: text += _("Everything is installed, with remarks."); break;
+    default: text += _("The install failed."); break;
   }
+  return text + "\n";
 }
 
 }  // namespace tavenhall

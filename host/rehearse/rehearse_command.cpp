@@ -33,7 +33,7 @@ void addRehearseCommand(CommandLine& commandLine) {
                    _("What the user has: a home, a folder with TANVO and DOVA in it, or what --keep kept"))
       ->type_name("FOLDER");
   command->add_option("--late", request.late, _("How often each disc is asked for in vain first"))
-      ->check(CLI::NonNegativeNumber.description(""))
+      ->check(wholeNumber())
       ->type_name("N");
   command->add_option("--keep", request.keep, _("Keep what was installed, with the log, in this new folder"))
       ->type_name("DIR");

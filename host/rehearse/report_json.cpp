@@ -1,5 +1,7 @@
 #include "host/rehearse/rehearsal_report.h"
 
+#include "host/text.h"
+
 #include <nlohmann/json.hpp>
 
 namespace tavenhall {
@@ -87,7 +89,9 @@ ordered_json sizesJson(const AnnouncedComparison& sizes) {
 
 }  // namespace
 
-ordered_json reportJson(const RehearsalFindings& findings, const Verdict& verdict) {
+ordered_json reportJson(const RehearsalFindings& findings) {
+  const InEnglish english;
+  const Verdict verdict = judge(findings);
   const ordered_json seen = findings.record.toJson();
   const RehearsalRecord::Bar bar = volumeBar(findings.record);
   return {{"set", findings.set},

@@ -1,6 +1,7 @@
 #include "host/rehearse/sandbox.h"
 
 #include "host/rehearse/tool_process.h"
+#include "host/text.h"
 #include "host/usage_error.h"
 
 #include <algorithm>
@@ -59,11 +60,11 @@ void Sandbox::probe() const {
   ToolProcess tool(commandLine({"true"}));
   const int status = tool.wait();
   if (status == ToolProcess::kNoSuchProgram) {
-    throw UsageError("rehearsing needs bubblewrap; install the package bubblewrap");
+    throw UsageError(_("rehearsing needs bubblewrap; install the package bubblewrap"));
   }
   if (status != 0) {
-    throw UsageError("bubblewrap can make no sandbox here, where user namespaces may be off: " +
-                     tool.lastWords());
+    throw UsageError(filled(_("bubblewrap can make no sandbox here, where user namespaces may be off: {0}"),
+                            {tool.lastWords()}));
   }
 }
 

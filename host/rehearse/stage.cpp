@@ -1,6 +1,7 @@
 #include "host/rehearse/stage.h"
 
 #include "host/bundle_loader.h"
+#include "host/text.h"
 #include "host/usage_error.h"
 #include "platform/program_path.h"
 
@@ -36,11 +37,12 @@ void copyFolder(const fs::path& from, const fs::path& to, const StopRequest& sto
       fs::copy_file(entry->path(), place, fs::copy_options::overwrite_existing, error);
     }
     if (error) {
-      throw UsageError("cannot copy what is installed, " + entry->path().string() + ": " + error.message());
+      throw UsageError(
+          filled(_("cannot copy what is installed, {0}: {1}"), {entry->path().string(), error.message()}));
     }
   }
   if (error) {
-    throw UsageError("cannot read what is installed in " + from.string() + ": " + error.message());
+    throw UsageError(filled(_("cannot read what is installed in {0}: {1}"), {from.string(), error.message()}));
   }
 }
 

@@ -1,5 +1,6 @@
 #include "host/rehearse/temporary_folder.h"
 
+#include "host/text.h"
 #include "host/usage_error.h"
 
 #include <cstdlib>
@@ -42,8 +43,8 @@ TemporaryFolder::TemporaryFolder() {
   const fs::path above = wanted != nullptr && *wanted != '\0' ? wanted : "/tmp";
   std::string name = (above / "rehearsal-XXXXXX").string();
   if (mkdtemp(name.data()) == nullptr) {
-    throw UsageError("cannot make a temporary folder in " + above.string() +
-                     "; TMPDIR may name another place for it");
+    throw UsageError(filled(_("cannot make a temporary folder in {0}; TMPDIR may name another place for it"),
+                            {above.string()}));
   }
   path_ = fs::canonical(name);
 }
@@ -53,7 +54,8 @@ TemporaryFolder::~TemporaryFolder() { removeAll(path_); }
 KeptFolder::KeptFolder(const fs::path& path) : path_(fs::absolute(path).lexically_normal()) {
   std::error_code error;
   if (fs::exists(path_, error) && (!fs::is_directory(path_, error) || !fs::is_empty(path_, error))) {
-    throw UsageError("the folder " + path.string() + " is not empty; --keep takes a new or an empty one");
+    throw UsageError(
+        filled(_("the folder {0} is not empty; --keep takes a new or an empty one"), {path.string()}));
   }
   for (fs::path above = path_; !fs::exists(above, error); above = above.parent_path()) {
     highest_ = above;
@@ -62,7 +64,8 @@ KeptFolder::KeptFolder(const fs::path& path) : path_(fs::absolute(path).lexicall
   if (error) {
     const fs::path made = highest_;
     fs::remove(made, error);
-    throw UsageError("cannot make the folder " + path.string() + "; --keep takes one that can be written");
+    throw UsageError(
+        filled(_("cannot make the folder {0}; --keep takes one that can be written"), {path.string()}));
   }
   path_ = fs::canonical(path_);
 }

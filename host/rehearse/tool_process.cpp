@@ -1,5 +1,7 @@
 #include "host/rehearse/tool_process.h"
 
+#include "host/text.h"
+
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -25,7 +27,7 @@ ToolProcess::ToolProcess(const std::vector<std::string>& command) : words_(std::
   std::fflush(nullptr);
   pid_ = words_ ? fork() : -1;
   if (pid_ < 0) {
-    throw std::system_error(errno, std::generic_category(), "starting " + command.front());
+    throw std::system_error(errno, std::generic_category(), filled(_("starting {0}"), {command.front()}));
   }
   if (pid_ == 0) {
     setsid();  // a terminal's Ctrl-C is for this process to act on

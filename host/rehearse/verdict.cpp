@@ -1,6 +1,7 @@
 #include "host/rehearse/verdict.h"
 
 #include "host/plain_printer.h"
+#include "host/text.h"
 
 namespace tavenhall {
 
@@ -16,58 +17,64 @@ AnnouncedComparison compareSizes(std::int64_t announcedMillions, std::int64_t re
   return comparison;
 }
 
-std::string farText(const std::string& what, const AnnouncedComparison& sizes) {
-  if (sizes.announced <= 0) {
-    return "the size of " + what + " is not announced (it is " + sizeOf(sizes.real) + ")";
+// The two patterns are for a size that is not announced, {0} being the real one, and for one that is.
+void remarkIfFar(const char* notAnnounced, const char* announced, const AnnouncedComparison& sizes,
+                 Verdict& verdict) {
+  if (sizes.isFar) {
+    verdict.remarks.push_back(
+        filled(sizes.announced <= 0 ? notAnnounced : announced, {sizeOf(sizes.real), sizeOf(sizes.announced)}));
   }
-  return what + " is announced as " + sizeOf(sizes.announced) + " and is " + sizeOf(sizes.real) +
-         ": the bar will end early or late";
 }
 
 std::string missingDiscText(const RehearsalRecord& record) {
-  return record.missingDiscWasIn
-             ? "the page finds no data folder on the disc and asks for it again: " + record.missingDisc
-             : "the page asks for a disc that the set does not have: " + record.missingDisc;
+  return filled(record.missingDiscWasIn
+                    ? _("the page finds no data folder on the disc and asks for it again: {0}")
+                    : _("the page asks for a disc that the set does not have: {0}"),
+                {record.missingDisc});
+}
+
+std::string sheetText(const std::string& sheet, int times) {
+  return times > 1 ? counted("a sheet said {0} time: {1}", "a sheet said {0} times: {1}", times, {sheet})
+                   : filled(_("a sheet said: {0}"), {sheet});
 }
 
 void judgeRun(const RehearsalFindings& findings, Verdict& verdict) {
   if (!findings.pageWasEntered) {
-    verdict.failures.emplace_back("the page was not entered");
+    verdict.failures.emplace_back(_("the page was not entered"));
     return;
   }
   if (!findings.record.missingDisc.empty()) {
     verdict.failures.push_back(missingDiscText(findings.record));
   } else if (findings.story.outcome == RunEnd::noDataFolder) {
-    verdict.failures.emplace_back("the data folder was not there, so nothing was begun");
+    verdict.failures.emplace_back(_("the data folder was not there, so nothing was begun"));
   } else if (findings.story.outcome != RunEnd::complete) {
-    verdict.failures.emplace_back("the install did not come to its end");
+    verdict.failures.emplace_back(_("the install did not come to its end"));
   } else if (!findings.record.hasLeft) {
-    verdict.failures.emplace_back("the page did not let itself be left forwards");
+    verdict.failures.emplace_back(_("the page did not let itself be left forwards"));
   }
   for (const auto& [sheet, times] : findings.record.countedSheets()) {
-    verdict.failures.push_back("a sheet said" + (times > 1 ? " " + std::to_string(times) + " times" : "") +
-                               ": " + sheet);
+    verdict.failures.push_back(sheetText(sheet, times));
   }
 }
 
 void judgeFiles(const RehearsalFindings& findings, Verdict& verdict) {
   if (findings.files.empty()) {
-    verdict.failures.emplace_back("not one file was copied");
+    verdict.failures.emplace_back(_("not one file was copied"));
   }
   for (const FileFate& file : findings.files) {
     if (file.fate == Fate::differs) {
-      verdict.failures.push_back("content differs: " + file.source);
+      verdict.failures.push_back(filled(_("content differs: {0}"), {file.source}));
     } else if (file.fate == Fate::missing) {
-      verdict.failures.push_back("not installed: " + file.source);
+      verdict.failures.push_back(filled(_("not installed: {0}"), {file.source}));
     }
   }
   for (const LeftFile& file : findings.leftFiles) {
     if (file.isData && !file.isOfFullEdition) {
-      verdict.remarks.push_back("nothing installs " + file.path);
+      verdict.remarks.push_back(filled(_("nothing installs {0}"), {file.path}));
     }
   }
   for (const std::string& disc : findings.unusedDiscs) {
-    verdict.remarks.push_back("the page never asked for " + disc);
+    verdict.remarks.push_back(filled(_("the page never asked for {0}"), {disc}));
   }
 }
 
@@ -78,15 +85,15 @@ void judgeSizes(const RehearsalFindings& findings, Verdict& verdict) {
     return;  // without all of the set, the sizes say nothing
   }
   verdict.whole = compareSizes(announced.totalMillions, *real.whole, real);
-  if (verdict.whole.isFar) {
-    verdict.remarks.push_back(farText("the whole", verdict.whole));
-  }
+  remarkIfFar(_("the size of the whole is not announced (it is {0})"),
+              _("the whole is announced as {1} and is {0}: the bar will end early or late"), verdict.whole,
+              verdict);
   if (findings.plan.editions.isOffered && real.component) {
     verdict.hasFirstComponent = true;
     verdict.firstComponent = compareSizes(announced.componentMillions, *real.component, real);
-    if (verdict.firstComponent.isFar) {
-      verdict.remarks.push_back(farText("the first component", verdict.firstComponent));
-    }
+    remarkIfFar(_("the size of the first component is not announced (it is {0})"),
+                _("the first component is announced as {1} and is {0}: the bar will end early or late"),
+                verdict.firstComponent, verdict);
   }
 }
 

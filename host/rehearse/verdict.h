@@ -15,7 +15,7 @@ struct AnnouncedComparison {
   bool isFar = false;          // more than a twentieth apart, or not announced at all
 };
 
-// What a rehearsal's findings mean.
+// What a rehearsal's findings mean, in the language that texts are in at the moment.
 struct Verdict {
   std::vector<std::string> failures;  // each a sentence: the install failed, or content differs
   std::vector<std::string> remarks;   // likewise: installed, yet worth a word

@@ -8,6 +8,8 @@
 #include <gtest/gtest.h>
 #include <sstream>
 #include <string>
+#include <sys/stat.h>
+#include <utility>
 
 // The program's words in the languages that there are.
 namespace tavenhall::test {
@@ -78,6 +80,14 @@ TEST(Languages, TheSystemNeedNotHaveTheUsersLocale) {
               StartsWith("tavinstall: es gibt noch kein Protokoll unter /Users/tester/Library/"));
 }
 
+TEST(Languages, WithoutTheUsersLocaleTheColumnsAreStillThoseOfLetters) {
+  ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
+  writeFile(kLog, "May 01 2026 10:00:00 studio: \n\n" + std::string(94, '*') +
+                      "\n  Install Data Pane Enter: Version 7.7\n");
+  const Outcome outcome = runThrough({kTavinstall, "log"}, {{"LC_ALL", "ja_XX.UTF-8"}, {"LANGUAGE", ""}});
+  EXPECT_THAT(outcome.output, HasSubstr("\n    設定           属性ファイルなし\n"));
+}
+
 TEST(Languages, WithoutOneOrWithAnUnknownOneItIsEnglish) {
   const std::string english = "tavinstall: there is no installation log at ";
   EXPECT_THAT(runThrough({kTavinstall, "log"}, {{"LC_ALL", "C"}, {"LANGUAGE", "de"}}).error,
@@ -143,6 +153,76 @@ TEST(Languages, TheLogIsTheSameInEveryLanguage) {
   EXPECT_EQ(logMessages(), messages);
   EXPECT_THAT(english.output, EndsWith("The log is " + std::string(kLog) + ".\n"));
   EXPECT_THAT(german.output, EndsWith("Das Protokoll ist " + std::string(kLog) + ".\n"));
+}
+
+// ---- What cannot be used ----
+
+void expectRefusal(const std::vector<std::string>& arguments, const std::string& english,
+                   const std::string& german, const std::string& japanese) {
+  for (const auto& [language, text] : {std::pair("en", english), {"de", german}, {"ja", japanese}}) {
+    const Outcome outcome = inLanguage(language, arguments);
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.error, "tavinstall: " + text + "\n");
+  }
+}
+
+TEST(Languages, ArgumentsThatAreMissingOrTooManyAreNamedInThem) {
+  expectRefusal({}, "A subcommand is required", "ein Befehl fehlt", "コマンドが必要です");
+  expectRefusal({"instal"}, "The following argument was not expected: instal", "unerwartetes Argument: instal",
+                "余分な引数があります: instal");
+  expectRefusal({"log", "a", "b", "--c"}, "The following arguments were not expected: b --c",
+                "unerwartete Argumente: b --c", "余分な引数があります: b --c");
+  expectRefusal({"check"}, "SET is required", "SET fehlt", "SET が必要です");
+}
+
+TEST(Languages, OptionsThatDoNotGoTogetherAreNamedInThem) {
+  expectRefusal({"run", "--bundle", "/x", "--product", "Bassoria"}, "--product excludes --bundle",
+                "--product schließt --bundle aus", "--product と --bundle は同時に指定できません");
+  expectRefusal({"run", "--ui", "plain", "--ui", "json"}, "--ui can be given only once",
+                "--ui kann nur einmal angegeben werden", "--ui は 1 回しか指定できません");
+}
+
+TEST(Languages, ValuesThatAreMissingOrNotAllowedAreNamedInThem) {
+  expectRefusal({"run", "--trusted", "--package"}, "--package needs a value", "--package braucht einen Wert",
+                "--package には値が必要です");
+  expectRefusal({"run", "--package="}, "--package needs a value", "--package braucht einen Wert",
+                "--package には値が必要です");
+  expectRefusal({"run", "--trusted=perhaps"}, "--trusted takes no value", "--trusted nimmt keinen Wert",
+                "--trusted に値は指定できません");
+  expectRefusal({"run", "--ui", "loud"}, "--ui: loud not in {json,plain,quiet,terminal}",
+                "--ui: loud ist nicht in {json,plain,quiet,terminal}",
+                "--ui: loud は {json,plain,quiet,terminal} のどれでもありません");
+  for (const std::string number : {"-1", "often", "1.5", "99999999999"}) {
+    expectRefusal({"rehearse", "/x", "--late", number}, "--late: " + number + " is no whole number from 0 on",
+                  "--late: " + number + " ist keine ganze Zahl ab 0",
+                  "--late: " + number + " は 0 以上の整数ではありません");
+  }
+}
+
+TEST(Languages, WhatOtherUsersCanChangeIsRefusedInThem) {
+  writeFile("/tmp/open/Installer.pkg", "");
+  ASSERT_EQ(chmod("/tmp/open", 0777), 0);
+  expectRefusal(
+      {"run", "--ui", "plain", "--package", "/tmp/open/Installer.pkg"},
+      "other users can change /tmp/open, and with it what is installed; --trusted installs all the same",
+      "andere Benutzer können /tmp/open ändern und damit, was installiert wird; --trusted installiert "
+      "trotzdem",
+      "他のユーザーが /tmp/open を変更でき、インストールされるものも変わります。--trusted を付ければイン"
+      "ストールします");
+}
+
+// The engine speaks English by then.
+TEST(Languages, ASummaryThatCouldNotBeWrittenIsNamedInThem) {
+  writeFile("/tmp/set/Installer.pkg", "");
+  writeFile("/tmp/set/.InstallationAttributes.dat", "Mode = DataUpdater\nRelativePath = Nowhere\n");
+  const std::vector<std::string> run{"run",       "--ui",     "quiet", "--package", "/tmp/set/Installer.pkg",
+                                     "--summary", "/dev/full"};
+  EXPECT_EQ(
+      inLanguage("de", run).error,
+      "tavinstall: die Zusammenfassung /dev/full kann nicht geschrieben werden: No space left on device\n");
+  EXPECT_EQ(inLanguage("ja", run).error,
+            "tavinstall: 要約 /dev/full に書き込めません: No space left on device\n");
 }
 
 TEST(Text, ValuesTakeTheirPlacesInAnyOrder) {

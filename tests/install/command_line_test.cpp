@@ -39,7 +39,7 @@ class BadUsage : public testing::Test {
 
 TEST_F(BadUsage, WithoutACommand) { expectBadUsage({}, "subcommand"); }
 
-TEST_F(BadUsage, AnUnknownCommand) { expectBadUsage({"instal"}, "instal"); }
+TEST_F(BadUsage, AnUnknownCommand) { expectBadUsage({"instal"}, ": instal\n"); }
 
 TEST_F(BadUsage, AnUnknownOption) { expectBadUsage({"run", "--package", package, "--fast"}, "--fast"); }
 
