@@ -14,6 +14,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <thread>
 
 namespace tavenhall {
 
@@ -104,16 +105,21 @@ class Engine final : private InstallerHost {
 
   void flushEvents();
 
-  // Says something, as one of the engine's threads at a time.
+  // Says something, as one of the engine's threads at a time. The main thread comes round soon to write what is
+  // held back; no other does.
   template <typename Say>
   void say(Say what) {
     const std::lock_guard lock(eventsMutex_);
     what(events_);
+    if (std::this_thread::get_id() != mainThread_) {
+      events_.flush();
+    }
   }
 
   CommandSource& commands_;
   EventSink& events_;
   const std::function<void()> onNoAnswer_;
+  const std::thread::id mainThread_ = std::this_thread::get_id();
   mutable std::mutex eventsMutex_;
 
   WakeUp wakeUp_;

@@ -1,4 +1,5 @@
 #include "host/plain_printer.h"
+#include "host/text.h"
 
 #include <algorithm>
 #include <array>
@@ -94,22 +95,6 @@ void PlainPrinter::showProgress(Clock::time_point now) {
     lastProgress_ = now;
     flush();
   }
-}
-
-std::string printableText(std::string_view text) {
-  std::string printable;
-  printable.reserve(text.size());
-  const auto byteAt = [text](std::size_t at) {
-    return at < text.size() ? static_cast<unsigned char>(text[at]) : static_cast<unsigned char>(0);
-  };
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    const unsigned char byte = byteAt(at);
-    const bool isControl = (byte < 0x20 && byte != '\n') || byte == 0x7F;
-    const bool beginsHighControl = byte == 0xC2 && byteAt(at + 1) >= 0x80 && byteAt(at + 1) < 0xA0;  // in UTF-8
-    printable += isControl || beginsHighControl ? '?' : text[at];
-    at += beginsHighControl ? 1 : 0;
-  }
-  return printable;
 }
 
 std::string sizeText(double bytes) {

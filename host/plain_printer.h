@@ -38,10 +38,6 @@ class PlainPrinter {
   std::optional<Clock::time_point> lastProgress_;
 };
 
-// The text with control characters, line breaks excepted, made visible as "?", so that no file can steer
-// the reader's terminal. Those from U+0080 to U+009F are such characters too: terminals obey them.
-[[nodiscard]] std::string printableText(std::string_view text);
-
 // "1.2 GB", in powers of 1000; `bytes` not negative.
 [[nodiscard]] std::string sizeText(double bytes);
 

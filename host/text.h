@@ -73,4 +73,8 @@ class InEnglish {
 // The text with blanks behind it up to so many columns, and always one.
 [[nodiscard]] std::string padded(std::string_view text, std::size_t columns);
 
+// The text with control characters, line breaks excepted, made visible as "?", so that no file can steer
+// the reader's terminal. Those from U+0080 to U+009F are such characters too: terminals obey them.
+[[nodiscard]] std::string printableText(std::string_view text);
+
 }  // namespace tavenhall

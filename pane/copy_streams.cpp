@@ -16,16 +16,6 @@ constexpr mode_t kFileMode = 0666;  // before the umask
 
 std::array<char, 12 * kChunkSize> buffer;
 
-// As read and write, whatever signals arrive.
-template <typename Call>
-ssize_t uninterrupted(Call call) {
-  ssize_t result = 0;
-  do {
-    result = call();
-  } while (result < 0 && errno == EINTR);
-  return result;
-}
-
 bool isSameFile(const struct stat& one, const struct stat& other) {
   return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
 }
@@ -47,8 +37,7 @@ CopySource::CopySource(const char* path) noexcept : descriptor_(open(path, O_RDO
 std::span<const char> CopySource::next() noexcept {
   std::size_t filled = 0;
   while (filled < buffer.size() && !isAtEnd_) {
-    const ssize_t count =
-        uninterrupted([&] { return read(descriptor_, buffer.data() + filled, buffer.size() - filled); });
+    const ssize_t count = read(descriptor_, buffer.data() + filled, buffer.size() - filled);
     if (count < 0) {
       break;
     }
@@ -91,7 +80,7 @@ bool CopyDestination::makeReadyFor(const CopySource& source) noexcept {
 
 void CopyDestination::write(std::span<const char> bytes) noexcept {
   while (!bytes.empty()) {
-    const ssize_t count = uninterrupted([&] { return ::write(descriptor_, bytes.data(), bytes.size()); });
+    const ssize_t count = ::write(descriptor_, bytes.data(), bytes.size());
     if (count <= 0) {
       return;
     }

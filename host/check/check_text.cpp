@@ -8,13 +8,10 @@ namespace tavenhall {
 
 namespace {
 
-// Names come from disks, and a reader's terminal obeys control characters.
+// Names come from disks, and a line break in one would begin a line of its own.
 std::string printable(std::string_view text) {
-  std::string shown;
-  for (const char byte : text) {
-    const auto code = static_cast<unsigned char>(byte);
-    shown += code < 0x20 || code == 0x7F ? '?' : byte;
-  }
+  std::string shown = printableText(text);
+  std::ranges::replace(shown, '\n', '?');
   return shown;
 }
 

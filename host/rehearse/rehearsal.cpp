@@ -131,7 +131,7 @@ class Rehearsal {
   [[nodiscard]] TerminalPage terminalPage() const {
     TerminalPage page;
     page.introduction = introduce(checked_.plan, freeBytesAt);
-    page.introduction.what += std::string(" ") + _("It is a rehearsal, in folders of its own.");
+    page.introduction.what = together(page.introduction.what, _("It is a rehearsal, in folders of its own."));
     page.introduction.destination = insidePath(page.introduction.destination);
     for (std::string& place : page.introduction.to) {
       place = insidePath(place);
@@ -179,7 +179,6 @@ class Rehearsal {
     if (request_.report.empty()) {
       return true;
     }
-    speakEnglish();  // the text is out already
     std::ofstream out(request_.report);
     out << reportJson(findings).dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << "\n";
     if (!out.flush()) {
