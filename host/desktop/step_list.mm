@@ -6,7 +6,7 @@ namespace {
 
 constexpr CGFloat kTop = 22.0;
 constexpr CGFloat kLeft = 18.0;
-constexpr CGFloat kRight = 12.0;
+constexpr CGFloat kRight = 8.0;
 constexpr CGFloat kDot = 9.0;
 constexpr CGFloat kDotGap = 10.0;
 constexpr CGFloat kStepGap = 12.0;

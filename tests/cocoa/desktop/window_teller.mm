@@ -74,7 +74,8 @@ void addView(NSMutableArray* lines, NSView* view) {
 @interface WindowTeller : NSObject {
  @private
   NSArray* told_;
-  BOOL hasClicked_;
+  int looks_;  // since the last click; none yet: below 0
+  BOOL isDone_;
 }
 @end
 
@@ -128,7 +129,8 @@ void addView(NSMutableArray* lines, NSView* view) {
     }
     @autoreleasepool {
       NSString* wanted = [NSString stringWithUTF8String:title.c_str()];
-      for (hasClicked_ = NO; !hasClicked_;) {
+      looks_ = -1;
+      for (isDone_ = NO; !isDone_;) {
         [NSThread sleepForTimeInterval:0.05];
         [self performSelectorOnMainThread:@selector(clickOn:)
                                withObject:wanted
@@ -140,21 +142,25 @@ void addView(NSMutableArray* lines, NSView* view) {
   }
 }
 
-// While an alert is being put up, it would not take a click yet.
+// While an alert is being put up, it would not take a click yet. A click that comes while the one before is
+// still being followed is lost, so it is repeated until the button is another one, or off.
 - (void)clickOn:(NSString*)title {
   NSWindow* asking = [NSApp modalWindow];
   if (asking != nil && ![[[NSRunLoop currentRunLoop] currentMode] isEqualToString:NSModalPanelRunLoopMode]) {
     return;
   }
+  NSButton* wanted = nil;
   for (NSWindow* window in [NSApp windows]) {
     if ([window isVisible] && (asking == nil || window == asking)) {
       NSButton* button = buttonWithTitle([window contentView], title);
-      if ([button isEnabled]) {
-        clickOn(button);
-        hasClicked_ = YES;
-        return;
-      }
+      wanted = [button isEnabled] ? button : wanted;
     }
+  }
+  if (wanted == nil) {
+    isDone_ = looks_ >= 0;
+  } else if (looks_ < 0 || ++looks_ > 10) {
+    clickOn(wanted);
+    looks_ = 0;
   }
 }
 
