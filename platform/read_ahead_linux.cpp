@@ -23,7 +23,7 @@ namespace {
 // Within larger files the system reads ahead by itself; and a disc read at two places far apart is slow.
 constexpr std::int64_t kLargestFile = 262144;  // bytes
 constexpr int kBatch = ReadAhead::kFilesAhead / 2;
-constexpr int kFilesTried = 2;        // when these are in memory already, so is the rest of their batch
+constexpr int kFilesTried = 4;        // when these are in memory already, so is their batch
 constexpr std::size_t kDeepest = 32;  // folders open at a time; the page needs descriptors too
 
 // The files of a tree, one by one, in the order of the page's walk.
@@ -83,15 +83,16 @@ class Walk {
   std::vector<Level> levels_;
 };
 
-// No, too, where the file system cannot tell: reading what is there costs little.
+// No, too, where the file system cannot tell: reading what is there costs little. Asking may itself begin to
+// read, and a fast disk may have read by then, so one answer alone tells nothing.
 bool isInMemory(int descriptor) {
   char first;
   iovec room{&first, 1};
   return preadv2(descriptor, &room, 1, 0, RWF_NOWAIT) >= 0;
 }
 
-// Has a small file read; whether it was in memory before.
-bool wasInMemory(const char* path) {
+// Begins to read the file, if it is a small one; whether anything had to be read.
+bool hadToRead(const char* path) {
   int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_NOATIME | O_CLOEXEC);
   if (descriptor < 0 && errno == EPERM) {
     descriptor = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);  // somebody else's file
@@ -100,14 +101,13 @@ bool wasInMemory(const char* path) {
     return false;
   }
   struct stat found {};
-  const bool isSmall =
-      fstat(descriptor, &found) == 0 && S_ISREG(found.st_mode) && found.st_size <= kLargestFile;
-  const bool wasThere = isSmall && isInMemory(descriptor);
-  if (isSmall && !wasThere) {
+  const bool isWanted = fstat(descriptor, &found) == 0 && S_ISREG(found.st_mode) &&
+                        found.st_size <= kLargestFile && !isInMemory(descriptor);
+  if (isWanted) {
     readahead(descriptor, 0, static_cast<std::size_t>(found.st_size));
   }
   close(descriptor);
-  return wasThere;
+  return isWanted;
 }
 
 }  // namespace
@@ -135,19 +135,19 @@ class ReadAhead::Reader {
  private:
   void run() {
     Walk walk(folder_.c_str());
-    int inMemory = 0;  // files of the batch
+    bool isCold = false;
     for (std::int64_t number = 0; !isStopping_; ++number) {
       const auto file = walk.next();
       if (!file) {
         return;
       }
-      if (number % kBatch == 0) {
+      const int place = static_cast<int>(number % kBatch);
+      if (place == 0) {
         batches_.acquire();
-        inMemory = 0;
+        isCold = false;
       }
-      if (file->isRegular && number >= filesCome_ && inMemory < kFilesTried &&
-          wasInMemory(file->path.c_str())) {
-        ++inMemory;
+      if (file->isRegular && number >= filesCome_ && (isCold || place < kFilesTried)) {
+        isCold = hadToRead(file->path.c_str()) || isCold;
       }
     }
   }
