@@ -75,8 +75,8 @@ std::string sizeAndTime(const CopiedVolume& copied) {
 }
 
 std::string amountText(const CopiedVolume& copied) {
-  const std::string files = counted("{0} file", "{0} files", copied.files);
-  return counted("{1} in {0} folder", "{1} in {0} folders", copied.folders, {files});
+  const std::string files = counted("{0} file", "{0} files", static_cast<std::int64_t>(copied.files));
+  return counted("{1} in {0} folder", "{1} in {0} folders", static_cast<std::int64_t>(copied.folders), {files});
 }
 
 std::string volumeRows(const RehearsalFindings& findings) {
