@@ -55,7 +55,11 @@ void survive(int signal) {
 Engine* theEngine = nullptr;
 
 // A path that does not fit stops the process on the thread that met it: listeners first hear what came before.
-void flushAtStop(int /*signal*/) { theEngine->flushAtStop(); }
+void flushAtStop(int signal) {
+  theEngine->flushAtStop();
+  std::signal(signal, SIG_DFL);
+  std::raise(signal);
+}
 
 // `cannotWrite` is the text for that, with places for the file and the reason.
 void writeSummary(const RunOptions& options, const EngineLines& lines, const std::string& summary,
