@@ -53,8 +53,8 @@ inline constexpr Verdict kShorten{Verdict::Kind::shorten, 0};  // half the bytes
 [[nodiscard]] constexpr Verdict failWith(int error) { return {Verdict::Kind::fail, error}; }
 
 // Asked for every call of the program itself on a path below /tmp, /Users, /Volumes, /Library or
-// /Applications, in the order in which they are made, on the thread of runGated. The project's own folders, and
-// the calls of commands that the program runs, are not shown.
+// /Applications, in the order in which they are made, on the thread of runGated. The project's own folders, a
+// sanitizer's own file, and the calls of commands that the program runs, are not shown.
 using Judge = std::function<Verdict(const FileCall&)>;
 
 struct GatedRun {
