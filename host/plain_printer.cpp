@@ -1,4 +1,5 @@
 #include "host/plain_printer.h"
+
 #include "host/text.h"
 
 #include <algorithm>

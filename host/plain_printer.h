@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <concepts>
 #include <functional>
 #include <nlohmann/json_fwd.hpp>
 #include <optional>
@@ -40,6 +41,7 @@ class PlainPrinter {
 
 // "1.2 GB", in powers of 1000; `bytes` not negative.
 [[nodiscard]] std::string sizeText(double bytes);
+[[nodiscard]] std::string sizeText(std::integral auto bytes) { return sizeText(static_cast<double>(bytes)); }
 
 // "2 h 5 min", "3 min 20 s", "12 s".
 [[nodiscard]] std::string durationText(double seconds);

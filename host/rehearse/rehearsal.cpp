@@ -70,8 +70,7 @@ class Rehearsal {
     if (free && *free < needed) {
       throw UsageError(
           filled(_("the install takes {0} and there is {1} free in {2}; --keep DIR takes another place"),
-                 {sizeText(static_cast<double>(needed)), sizeText(static_cast<double>(*free)),
-                  stage_->root().string()}));
+                 {sizeText(needed), sizeText(*free), stage_->root().string()}));
     }
   }
 

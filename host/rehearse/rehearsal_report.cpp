@@ -18,8 +18,6 @@ constexpr std::int64_t kMostOthersNamed = 3;
 constexpr std::size_t kLogLines = 12;  // of a failed install's
 constexpr std::size_t kLabelColumns = 13;
 
-std::string sizeOf(std::int64_t bytes) { return sizeText(static_cast<double>(bytes)); }
-
 std::int64_t countOf(const std::vector<FileFate>& files, Fate fate) {
   return std::count_if(files.begin(), files.end(), [fate](const FileFate& file) { return file.fate == fate; });
 }
@@ -66,7 +64,7 @@ std::string talkRows(const RehearsalRecord& record) {
 }
 
 std::string sizeAndTime(const CopiedVolume& copied) {
-  const std::string size = sizeOf(copied.bytes);
+  const std::string size = sizeText(copied.bytes);
   if (!copied.seconds) {
     return filled(_("{0} in unknown time"), {size});
   }
@@ -82,7 +80,7 @@ std::string amountText(const CopiedVolume& copied) {
 std::string volumeRows(const RehearsalFindings& findings) {
   std::string text;
   for (const CopiedVolume& copied : findings.systemFolders) {
-    text += row(_("beside"), copied.folder + ", " + sizeOf(copied.bytes) + ", " + amountText(copied));
+    text += row(_("beside"), copied.folder + ", " + sizeText(copied.bytes) + ", " + amountText(copied));
   }
   for (const CopiedVolume& copied : findings.volumes) {
     text += row(_("volume"), std::to_string(copied.number + 1) + ": " +
@@ -122,7 +120,7 @@ std::string leftRows(const RehearsalFindings& findings) {
 
 std::string sizeRow(const char* label, const AnnouncedComparison& sizes) {
   return row(label, filled(sizes.announced > 0 ? _("{1} announced, {0} real") : _("not announced, {0} real"),
-                           {sizeOf(sizes.real), sizeOf(sizes.announced)}));
+                           {sizeText(sizes.real), sizeText(sizes.announced)}));
 }
 
 std::string resultRows(const RehearsalFindings& findings, const Verdict& verdict) {

@@ -7,8 +7,6 @@ namespace tavenhall {
 
 namespace {
 
-std::string sizeOf(std::int64_t bytes) { return sizeText(static_cast<double>(bytes)); }
-
 AnnouncedComparison compareSizes(std::int64_t announcedMillions, std::int64_t real, const RealSizes& sizes) {
   AnnouncedComparison comparison;
   comparison.announced = announcedBytes(announcedMillions);
@@ -21,8 +19,8 @@ AnnouncedComparison compareSizes(std::int64_t announcedMillions, std::int64_t re
 void remarkIfFar(const char* notAnnounced, const char* announced, const AnnouncedComparison& sizes,
                  Verdict& verdict) {
   if (sizes.isFar) {
-    verdict.remarks.push_back(
-        filled(sizes.announced <= 0 ? notAnnounced : announced, {sizeOf(sizes.real), sizeOf(sizes.announced)}));
+    verdict.remarks.push_back(filled(sizes.announced <= 0 ? notAnnounced : announced,
+                                     {sizeText(sizes.real), sizeText(sizes.announced)}));
   }
 }
 

@@ -84,8 +84,6 @@ void appendPlaces(std::vector<Line>& lines, const std::string& label, const std:
   }
 }
 
-std::string sizeOf(std::int64_t bytes) { return sizeText(static_cast<double>(bytes)); }
-
 }  // namespace
 
 std::optional<std::int64_t> freeBytesAt(const std::string& path) {
@@ -130,7 +128,7 @@ Introduction introduce(const InstallPlan& plan, const FreeBytes& freeBytes) {
 
 std::string shortRoomText(const Introduction& introduction) {
   return filled(_("The data takes {0}, and the disk has {1} free."),
-                {sizeOf(*introduction.neededBytes), sizeOf(*introduction.freeBytes)});
+                {sizeText(*introduction.neededBytes), sizeText(*introduction.freeBytes)});
 }
 
 std::vector<Line> introductionLines(const Introduction& introduction, int width) {
@@ -146,12 +144,12 @@ std::vector<Line> introductionLines(const Introduction& introduction, int width)
   lines.emplace_back();
   appendPlaces(lines, to, introduction.to, indent, width);
   lines.emplace_back();
-  append(lines,
-         labelledLines(size, introduction.neededBytes ? sizeOf(*introduction.neededBytes) : _("not announced"),
-                       indent, width));
+  append(lines, labelledLines(
+                    size, introduction.neededBytes ? sizeText(*introduction.neededBytes) : _("not announced"),
+                    indent, width));
   if (introduction.freeBytes) {
-    append(lines, labelledLines(free, filled(_("{0} on that disk"), {sizeOf(*introduction.freeBytes)}), indent,
-                                width, introduction.isRoomShort() ? Style::bad : Style::text));
+    append(lines, labelledLines(free, filled(_("{0} on that disk"), {sizeText(*introduction.freeBytes)}),
+                                indent, width, introduction.isRoomShort() ? Style::bad : Style::text));
   }
   if (introduction.isRoomShort()) {
     lines.emplace_back();

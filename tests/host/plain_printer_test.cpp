@@ -1,4 +1,5 @@
 #include "host/plain_printer.h"
+
 #include "host/text.h"
 
 #include <gtest/gtest.h>
@@ -176,6 +177,12 @@ TEST(PrintableText, ReplacesTheControlCharactersBehindAscii) {
                           "2Jb\xC2\x80\xC2\x9F"),
             "a?2Jb??");
   EXPECT_EQ(printableText("\xC2\xA0\xC3\x9B\xE2\x82\xAC\xC2"), "\xC2\xA0\xC3\x9B\xE2\x82\xAC\xC2");
+}
+
+TEST(PrintableLine, IsOneLineThatSteersNoTerminal) {
+  EXPECT_EQ(printableLine("Größe\n\x1B[2J\xC2\x9B"
+                          "2J"),
+            "Größe??[2J?2J");
 }
 
 TEST(SizeText, CountsInThousands) {
