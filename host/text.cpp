@@ -153,4 +153,10 @@ std::string printableText(std::string_view text) {
   return printable;
 }
 
+std::string printableLine(std::string_view text) {
+  std::string line = printableText(text);
+  std::ranges::replace(line, '\n', '?');
+  return line;
+}
+
 }  // namespace tavenhall

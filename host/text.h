@@ -77,4 +77,7 @@ class InEnglish {
 // the reader's terminal. Those from U+0080 to U+009F are such characters too: terminals obey them.
 [[nodiscard]] std::string printableText(std::string_view text);
 
+// The same in one line: line breaks are made visible too.
+[[nodiscard]] std::string printableLine(std::string_view text);
+
 }  // namespace tavenhall

@@ -8,13 +8,6 @@ namespace tavenhall {
 
 namespace {
 
-// Names come from disks, and a line break in one would begin a line of its own.
-std::string printable(std::string_view text) {
-  std::string shown = printableText(text);
-  std::ranges::replace(shown, '\n', '?');
-  return shown;
-}
-
 // A text of several lines, each after the first below the first.
 std::string indented(std::string_view text, std::size_t columns) {
   std::string shown;
@@ -22,7 +15,8 @@ std::string indented(std::string_view text, std::size_t columns) {
     std::string_view line = text.substr(0, text.find('\n'));
     text.remove_prefix(std::min(line.size() + 1, text.size()));
     line = line.substr(0, line.find_last_not_of(' ') + 1);  // the page puts a blank before a line break
-    shown += (shown.empty() ? "" : "\n" + (line.empty() ? "" : std::string(columns, ' '))) + printable(line);
+    shown +=
+        (shown.empty() ? "" : "\n" + (line.empty() ? "" : std::string(columns, ' '))) + printableLine(line);
   }
   return shown;
 }
@@ -69,13 +63,13 @@ const CheckedVolume* contentsOf(const CheckedSet& checked, const PlannedPass& pa
 }
 
 std::string volumeText(const CheckedSet& checked, const PlannedPass& pass, const PlannedVolume& volume) {
-  std::string place = printable(volume.root);
+  std::string place = printableLine(volume.root);
   const CheckedVolume* contents = contentsOf(checked, pass, volume);
   if (contents == nullptr || !contents->isThere) {
     return filled(volume.isMounted ? _("{0}: not in the set") : _("{0}: not there"), {place});
   }
   if (volume.isMounted) {
-    place = filled(_("{0} ({1})"), {place, printable(contents->shownRoot)});
+    place = filled(_("{0} ({1})"), {place, printableLine(contents->shownRoot)});
   }
   if (!contents->isListed) {
     return filled(_("{0}: cannot be looked into here"), {place});
@@ -101,22 +95,22 @@ std::string planText(const CheckResult& result) {
   const CheckedSet& checked = result.checked;
   const InstallPlan& plan = checked.plan;
   std::string text = std::string(_("What the page would do")) + "\n";
-  text += line(_("Mode"), filled(modePattern(plan.mode), {printable(modeReason(plan))}));
-  text += line(_("Title"), printable(plan.title));
+  text += line(_("Mode"), filled(modePattern(plan.mode), {printableLine(modeReason(plan))}));
+  text += line(_("Title"), printableLine(plan.title));
   text += line(_("Text"), indented(plan.enteringText, kLabelColumns + 2));
-  text += line(_("Edition"), printable(editionReason(plan)));
+  text += line(_("Edition"), printableLine(editionReason(plan)));
   for (const PlannedLibrary& library : plan.editions.libraries) {
     text += line(
         "", filled(library.isDetected ? _("{0}: {1}, detected") : _("{0}: {1}, since nothing says otherwise"),
-                   {printable(library.folderName), library.isLite ? "Lite" : "Full"}));
+                   {printableLine(library.folderName), library.isLite ? "Lite" : "Full"}));
   }
   text += line(_("Size"), sizeText(result));
   for (const PlannedFolder& folder : plan.systemFolders) {
-    text += line(folder.destination, filled(_("from {0}"), {printable(folder.source)}));
+    text += line(folder.destination, filled(_("from {0}"), {printableLine(folder.source)}));
   }
   for (const PlannedPass& pass : plan.passes) {
     text += line(pass.folderName, counted("to {1}, {0} volume", "to {1}, {0} volumes",
-                                          std::max(pass.volumeCount, 0), {printable(pass.destination)}));
+                                          std::max(pass.volumeCount, 0), {printableLine(pass.destination)}));
     for (const PlannedVolume& volume : pass.volumes) {
       text += line("  " + std::to_string(volume.number + 1), volumeText(checked, pass, volume));
     }
@@ -130,11 +124,11 @@ std::string remarksText(const Remarks& remarks) {
   }
   std::string text = std::string(_("Remarks")) + "\n";
   for (const Remark& remark : remarks.all()) {
-    const std::string place =
-        printable(remark.place.file) + (remark.place.line > 0 ? ":" + std::to_string(remark.place.line) : "");
+    const std::string place = printableLine(remark.place.file) +
+                              (remark.place.line > 0 ? ":" + std::to_string(remark.place.line) : "");
     text += "  " +
             filled(_("{0}: {1}: {2} [{3}]"),
-                   {place, _(severityWord(remark.severity)), printable(remark.sentence), remark.name}) +
+                   {place, _(severityWord(remark.severity)), printableLine(remark.sentence), remark.name}) +
             "\n      " + remark.reference() + "\n";
   }
   for (const auto& [name, count] : remarks.more()) {
@@ -151,9 +145,9 @@ std::string remarksText(const Remarks& remarks) {
 
 std::string checkText(const CheckResult& result) {
   const CheckedSet& checked = result.checked;
-  return filled(_("The set {0}"), {printable(checked.set.folder.string())}) + "\n  " +
+  return filled(_("The set {0}"), {printableLine(checked.set.folder.string())}) + "\n  " +
          filled(_("{0} for {1}, whose data folder is {2}"),
-                {printable(checked.set.package.filename().string()), checked.product.pluginName,
+                {printableLine(checked.set.package.filename().string()), checked.product.pluginName,
                  checked.product.folderName}) +
          "\n\n" + planText(result) + "\n" + remarksText(result.remarks);
 }
