@@ -66,7 +66,6 @@ int Engine::runModal(const Alert& alert) noexcept {
       return *answer;
     }
     if (commands_.isClosed()) {
-      flushEvents();
       onNoAnswer_();
     }
     waitForNews(false);

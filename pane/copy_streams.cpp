@@ -58,7 +58,7 @@ CopyDestination::CopyDestination(const char* path, const CopySource& source) noe
     : descriptor_(open(path, O_WRONLY | O_CREAT | O_NONBLOCK | O_CLOEXEC, kFileMode)) {
   if (isOpen() && !makeReadyFor(source)) {
     const int error = errno;
-    ::close(std::exchange(descriptor_, -1));
+    close();
     errno = error;
   }
 }

@@ -6,8 +6,8 @@ namespace tavenhall {
 
 // Reads a tree's small files into the system's memory shortly before they are copied, on a thread of its own,
 // so that the copy need not wait for each. A hint only: it never changes, locks or reports anything, goes at
-// most kFilesAhead files ahead, and reads nothing that the system has in memory. Where no
-// thread can be had, nothing happens.
+// most kFilesAhead files ahead, and reads nothing that the system has in memory. Where no thread can be had,
+// nothing happens.
 //
 // The tree is taken to be walked as the page does: entries as the system lists them, each folder where it
 // comes, hidden names left out.
