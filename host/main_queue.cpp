@@ -11,6 +11,10 @@ namespace {
 // After so many, commands get their turn too.
 constexpr int kBatchesInARow = 100;
 
+// The main thread, on the same processor, needs a turn or two to serve a hand-off. Only then is it worth
+// telling it that somebody waits.
+constexpr int kTurns = 3;
+
 }  // namespace
 
 struct MainQueue::HandOff {
@@ -25,6 +29,12 @@ void MainQueue::dispatchSync(void (*block)(void*), void* context) noexcept {
     std::fputs("tavinstall: a hand-off to the main thread was made from the main thread\n", stderr);
     std::abort();
   }
+  thread_local ProcessorBond callersBond;
+  if (isFollowing_) {
+    callersBond.moveTo(currentProcessor());
+  } else {
+    callersBond.release();
+  }
   HandOff handOff{block, context, currentProcessor()};
   bool isExpected = false;
   {
@@ -34,6 +44,9 @@ void MainQueue::dispatchSync(void (*block)(void*), void* context) noexcept {
   }
   if (!isExpected) {
     wakeUp_.signal();
+  }
+  for (int i = 0; i < kTurns && handOff.isDone.load() == 0; ++i) {
+    std::this_thread::yield();
   }
   handOff.isDone.wait(0);
 }

@@ -25,9 +25,10 @@ class MainQueue {
   // its answer, so it gets one turn, and what it hands over then is run too. Main thread.
   bool serve() noexcept;
 
-  // While it is on, the main thread runs on the processor of whoever has handed something over: two threads
-  // that take turns are several times as fast on one processor as on two. Only the main thread is bound, so
-  // what page threads start is not. Any thread; takes effect when the main thread serves next.
+  // While it is on, whoever hands something over stays on the processor that it runs on, and the main thread
+  // comes there: two threads that take turns are several times as fast on one processor as on two, and the
+  // system would soon put the one on another. Any thread; takes effect with each thread's next hand-off, and
+  // when the main thread serves next.
   void followCallers(bool isOn) noexcept { isFollowing_ = isOn; }
 
  private:

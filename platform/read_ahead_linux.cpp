@@ -1,5 +1,7 @@
 #include "platform/read_ahead.h"
 
+#include "platform/thread_processor.h"
+
 #include <atomic>
 #include <cerrno>
 #include <cstdint>
@@ -143,6 +145,7 @@ class ReadAhead::Reader {
 
  private:
   void run() {
+    const AnyProcessor anyProcessor;  // not the one that a host may keep the copy on
     Walk walk(folder_.c_str());
     bool isCold = false;
     for (std::int64_t number = 0; !isStopping_; ++number) {

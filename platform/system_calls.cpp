@@ -1,5 +1,7 @@
 #include "platform/system.h"
 
+#include "platform/thread_processor.h"
+
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
@@ -19,7 +21,10 @@ bool statFileSystem(const char* path) noexcept {
 // Not by sleep: what it gives as left after a signal is rounded, and may be too little.
 void sleepSeconds(unsigned seconds) noexcept { std::this_thread::sleep_for(std::chrono::seconds(seconds)); }
 
-int runShellCommand(const char* command) noexcept { return std::system(command); }
+int runShellCommand(const char* command) noexcept {
+  const AnyProcessor anyProcessor;  // a host may keep this thread on one, but not the command
+  return std::system(command);
+}
 
 void errorText(int error, char* text, std::size_t room) noexcept {
   const std::string message = std::generic_category().message(error);

@@ -14,8 +14,8 @@ class ProcessorBond {
   ~ProcessorBond() { release(); }
 
   // Moves the calling thread there, and keeps it there until it is released or moved again. Threads and
-  // commands that it starts meanwhile stay there too. Costs next to nothing where it is already; -1 changes
-  // nothing.
+  // commands that it starts meanwhile stay there too, unless AnyProcessor sees to them. Costs next to nothing
+  // where it is already; -1 changes nothing.
   void moveTo(int processor) noexcept;
 
   // Lets the thread run again wherever it could before.
@@ -23,6 +23,19 @@ class ProcessorBond {
 
  private:
   int processor_ = -1;
+};
+
+// While one lives, the thread that made it may run wherever the process could at its start, whoever has bound
+// it, and so may what it starts. Afterwards it is bound as before.
+class AnyProcessor {
+ public:
+  AnyProcessor() noexcept;
+  AnyProcessor(const AnyProcessor&) = delete;
+  AnyProcessor& operator=(const AnyProcessor&) = delete;
+  ~AnyProcessor();
+
+ private:
+  int boundTo_;  // -1 for a thread that was free
 };
 
 }  // namespace tavenhall

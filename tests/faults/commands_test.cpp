@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <thread>
 
 // The page's commands have a required form; here is what a shell makes of them. docs/security.md says what
 // follows from it.
@@ -71,6 +72,24 @@ INSTANTIATE_TEST_SUITE_P(SudoMkdir, ReadByTheShell,
                                          Trick{"LineBreak", "x\ntouch owned"}, Trick{"And", "x && touch owned"},
                                          Trick{"Pipe", "x | touch owned"}, Trick{"Redirection", "x > owned"}),
                          [](const auto& instance) { return instance.param.what; });
+
+// The name of each folder has the shell say how many processors its command may use. The copy of the second
+// comes after a hand-off for the first one's file, by which the host keeps the copy on one processor.
+TEST(SudoMkdir, TheHostsKeepingTheCopyOnAProcessorDoesNotReachTheCommand) {
+  layTree(kSet, {textFile(".InstallationAttributes.dat", "Mode = DataUpdater\nRelativePath = .\n"),
+                 textFile("Installer.pkg", ""), file("TANVO/$(nproc >> owned)/a.db", 100),
+                 file("TANVO/$(nproc  >> owned)/a.db", 100)});
+  makeFolder("/Volumes/Data/TANVO");
+  layTree(kMakersFolder, {link("TANVO", "/Volumes/Data/TANVO")});
+  const auto refuseFolders = [](const FileCall& call) {
+    return call.kind == CallKind::makeFolder && call.path.starts_with("/Volumes/Data/TANVO/$")
+               ? failWith(EACCES)
+               : kPass;
+  };
+  EXPECT_EQ(installWith(refuseFolders).status, 1);
+  const std::string all = std::to_string(std::thread::hardware_concurrency()) + "\n";
+  EXPECT_EQ(readFile("/owned"), all + all);
+}
 
 TEST(SudoMkdir, AQuoteWithoutItsPairLeavesTheCommandUndone) {
   EXPECT_EQ(installFolderThatNeedsSudo("it's").status, 1);

@@ -145,25 +145,32 @@ int processorsOfThisThread() {
   return CPU_COUNT(&own);
 }
 
-TEST_F(Queue, TheMainThreadFollowsItsCallersAndIsFreeAgainAfterwards) {
+TEST_F(Queue, TheMainThreadAndItsCallersKeepToOneProcessorAndAreFreeAgainAfterwards) {
   const int before = processorsOfThisThread();
   queue.followCallers(true);
   std::atomic<int> hasRun = 0;
   int inside = 0;
+  int ofTheMainThread = 0;
   int ofTheCaller = 0;
+  int ofTheFreeCaller = 0;
   std::thread worker([&] {
     handOver(queue, [&] {
-      inside = processorsOfThisThread();
+      inside = sched_getcpu();
+      ofTheMainThread = processorsOfThisThread();
       ++hasRun;
     });
+    EXPECT_EQ(sched_getcpu(), inside);
     ofTheCaller = processorsOfThisThread();
+    queue.followCallers(false);
+    handOver(queue, [&] { ++hasRun; });
+    ofTheFreeCaller = processorsOfThisThread();
   });
-  serve(hasRun, 1);
+  serve(hasRun, 2);
   worker.join();
-  EXPECT_EQ(inside, 1);
-  EXPECT_EQ(ofTheCaller, before);  // what it starts is not bound either
+  EXPECT_EQ(ofTheMainThread, 1);
+  EXPECT_EQ(ofTheCaller, 1);
+  EXPECT_EQ(ofTheFreeCaller, before);
 
-  queue.followCallers(false);
   queue.serve();
   EXPECT_EQ(processorsOfThisThread(), before);
 }

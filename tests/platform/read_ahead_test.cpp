@@ -1,4 +1,6 @@
 #include "platform/read_ahead.h"
+
+#include "platform/thread_processor.h"
 #include "tests/support/files.h"
 
 #include <algorithm>
@@ -10,6 +12,7 @@
 #include <filesystem>
 #include <functional>
 #include <gtest/gtest.h>
+#include <sched.h>
 #include <string>
 #include <sys/inotify.h>
 #include <sys/mman.h>
@@ -53,6 +56,19 @@ bool comesTrue(const std::function<bool()>& condition) {
     std::this_thread::sleep_for(std::chrono::milliseconds(2));
   }
   return true;
+}
+
+// How many processors each other thread of this process may run on.
+std::vector<int> processorsOfOtherThreads() {
+  std::vector<int> counts;
+  for (const auto& thread : fs::directory_iterator("/proc/self/task")) {
+    const int number = std::stoi(thread.path().filename());
+    cpu_set_t processors;
+    if (number != gettid() && sched_getaffinity(number, sizeof processors, &processors) == 0) {
+      counts.push_back(CPU_COUNT(&processors));
+    }
+  }
+  return counts;
 }
 
 std::ptrdiff_t openDescriptors() {
@@ -123,6 +139,18 @@ TEST_F(ReadingAhead, TheFirstFilesComeIntoMemoryBeforeTheCopyComesToThem) {
   }
   const ReadAhead readAhead(folder.c_str());
   EXPECT_TRUE(comesTrue([&] { return inMemory() == 20; })) << inMemory();
+}
+
+TEST_F(ReadingAhead, IsNotKeptOnTheProcessorOfTheCopy) {
+  const auto all = static_cast<int>(std::thread::hardware_concurrency());
+  layFiles("a", ReadAhead::kFilesAhead * 2);  // more than what the reader may begin
+  ProcessorBond bond;
+  bond.moveTo(currentProcessor());
+  const ReadAhead readAhead(folder.c_str());
+  EXPECT_TRUE(comesTrue([&] {
+    const std::vector<int> counts = processorsOfOtherThreads();
+    return !counts.empty() && std::ranges::count(counts, all) == std::ssize(counts);
+  }));
 }
 
 TEST_F(ReadingAhead, GoesOnlySoFarAheadOfTheCopy) {
