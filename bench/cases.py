@@ -113,7 +113,7 @@ class Comparison:
 
 @dataclass(frozen=True)
 class Growth:
-    """The page alone, on more and more."""
+    """The page on more and more, and how a plain tool takes the same."""
 
     name: str
     title: str
@@ -121,21 +121,32 @@ class Growth:
 
     def run(self, arena, options):
         load = _load()
+        page, plain = Page(options.build), CopyTool(*CP)
+        rounds = min(options.pairs, 5)
+        runs = {(tool.name, label): [] for tool in (page, plain) for label, _ in self.sizes}
+        for number in range(rounds):
+            for label, tree in self.sizes:
+                arena.lay_source(tree)
+                for tool in (page, plain) if number % 2 == 0 else (plain, page):
+                    arena.renew()
+                    runs[tool.name, label].append(tool.run(arena))
         rows = []
-        first = None
-        for label, tree in self.sizes:
-            arena.lay_source(tree)
-            runs = []
-            for _ in range(min(options.pairs, 5)):
-                arena.renew()
-                runs.append(Page(options.build).run(arena))
-            seconds = _median(runs, "seconds")
-            first = first or seconds
-            rows.append((label, f"{seconds:.3f}", f"{seconds / first:.1f}", f"{_median(runs, 'peak_megabytes'):.1f}"))
-        note = f"Medians of {len(runs)} runs; load before: {load:.1f}."
-        section = Section(self.title, ("", "seconds", "times the first", "peak MB"), rows, note)
+        for label, _ in self.sizes:
+            own, others = runs[page.name, label], runs[plain.name, label]
+            rows.append((label, f"{_median(own, 'seconds'):.3f}", self._growth(runs, page, label),
+                         f"{_median(own, 'peak_megabytes'):.1f}", f"{_median(others, 'seconds'):.3f}",
+                         self._growth(runs, plain, label)))  # fmt: skip
+        note = f"Medians of {rounds} runs each; load before: {load:.1f}."
+        columns = ("", "seconds", "times the first", "peak MB", f"seconds, {plain.name}", "times the first")
+        section = Section(self.title, columns, rows, note)
         _print_rows(section)
         return section
+
+    def _growth(self, runs, tool, label):
+        """The median of each round's own ratio."""
+        first, _ = self.sizes[0]
+        pairs = zip(runs[tool.name, label], runs[tool.name, first])
+        return f"{statistics.median(run.seconds / least.seconds for run, least in pairs):.1f}"
 
 
 @dataclass(frozen=True)
