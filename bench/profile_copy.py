@@ -17,7 +17,8 @@ _KINDS = (
     ("comparing the sizes", "#b279a2", ("__x64_sys_newfstatat", "__do_sys_newfstatat")),
 )  # fmt: skip
 _REST = ("the rest of the system", "#bab0ac")
-_OWN = ("the page's and the program's own code", "#79706e")
+_OWN = ("the program's own code", "#79706e")
+_LIGHT = ("reading ahead, listing", "making the file", "opening and closing", _REST[0])
 _COLOURS = {name: colour for name, colour, _ in _KINDS} | dict((_REST, _OWN))
 
 
@@ -57,7 +58,10 @@ def picture(bars):
                 f"<title>{escape(kind)}: {share:.0%}</title></rect>"
             )
             if share >= 0.04:
-                parts.append(f'<text x="{x + width / 2:.1f}" y="{top + 42}" text-anchor="middle" fill="#fff">{share:.0%}</text>')
+                ink = "#000" if kind in _LIGHT else "#fff"
+                parts.append(
+                    f'<text x="{x + width / 2:.1f}" y="{top + 42}" text-anchor="middle" fill="{ink}">{share:.0%}</text>'
+                )
             x += width
         top += 20 + gap
     for number, (kind, colour) in enumerate(_COLOURS.items()):
