@@ -22,7 +22,7 @@ class ProcessorBond {
   void release() noexcept;
 
  private:
-  int processor_ = -1;
+  [[maybe_unused]] int processor_ = -1;  // not used where nothing can be bound
 };
 
 // While one lives, the thread that made it may run wherever the process could at its start, whoever has bound
@@ -35,7 +35,7 @@ class AnyProcessor {
   ~AnyProcessor();
 
  private:
-  int boundTo_;  // -1 for a thread that was free
+  [[maybe_unused]] int boundTo_;  // -1 for a thread that was free
 };
 
 }  // namespace tavenhall

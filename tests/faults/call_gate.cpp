@@ -11,6 +11,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <fstream>
+#include <iterator>
 #include <linux/sched.h>
 #include <linux/seccomp.h>
 #include <map>
@@ -122,14 +124,6 @@ class Gate {
     return false;
   }
 
-  void killAll() const {
-    for (const pid_t process : atWork_) {
-      if (programOf(process) == program_) {
-        kill(process, SIGKILL);
-      }
-    }
-  }
-
  private:
   struct Sleeper {
     Clock::time_point end;
@@ -145,6 +139,9 @@ class Gate {
     if (const auto pause = pauseAskedFor(question)) {
       sleepers_.push_back({Clock::now() + *pause / kTimesFaster, question.id});
       return;
+    }
+    if (question.data.nr == SYS_rt_sigaction) {
+      haveCallsRestarted(question);
     }
     const auto call = callOf(question);
     if (!call || ioctl(listener_, SECCOMP_IOCTL_NOTIF_ID_VALID, &question.id) != 0) {
@@ -171,6 +168,21 @@ class Gate {
       return std::nullopt;
     }
     return std::chrono::seconds(pause.tv_sec) + std::chrono::nanoseconds(pause.tv_nsec);
+  }
+
+  // A call that has not been looked at yet can be interrupted, which without the gate no close or open is. A
+  // shell that is told of its command's end just then would keep a pipe open and wait for it for ever.
+  void haveCallsRestarted(const seccomp_notif& question) const {
+    struct {
+      __u64 handler;
+      __u64 flags;
+    } action{};
+    const auto asker = static_cast<pid_t>(question.pid);
+    if (question.data.args[0] == SIGCHLD && programOf(asker) != program_ &&
+        readMemory(asker, question.data.args[1], &action, sizeof action)) {
+      action.flags |= SA_RESTART;
+      writeMemory(asker, question.data.args[1], &action, sizeof action);
+    }
   }
 
   void wakeSleepers() {
@@ -281,11 +293,18 @@ class Gate {
   std::set<pid_t> atWork_;            // the program's processes that have touched a file
 };
 
-// Grandchildren that are left over come to this process, so that each number stays theirs until it is waited
-// for.
-void reapAll() {
-  prctl(PR_SET_CHILD_SUBREAPER, 0, 0, 0, 0);
-  while (waitpid(-1, nullptr, 0) > 0) {
+std::vector<pid_t> children() {
+  std::ifstream file("/proc/thread-self/children");
+  return {std::istream_iterator<pid_t>(file), {}};
+}
+
+// Ends and waits for all that has come of a run. What a process leaves behind comes to this one.
+void endAll() {
+  for (auto left = children(); !left.empty(); left = children()) {
+    for (const pid_t process : left) {
+      kill(process, SIGKILL);
+      waitpid(process, nullptr, 0);
+    }
   }
 }
 
@@ -337,12 +356,12 @@ GatedRun runGated(const std::vector<std::string>& commandLine, std::string_view 
   Gate gate(listener, commandLine.front(), judge);
   run.isHung = !gate.serve(Clock::now() + limit);
   if (run.isHung) {
-    gate.killAll();
     kill(child, SIGKILL);
   }
   int status = 0;
   waitpid(child, &status, 0);
-  reapAll();
+  endAll();
+  prctl(PR_SET_CHILD_SUBREAPER, 0, 0, 0, 0);
   run.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
   run.output = contentsOf(out);
   run.error = contentsOf(error);

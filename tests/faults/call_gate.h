@@ -10,7 +10,7 @@
 // Runs a program so that every system call by which it touches the page's files, or starts a thread or a
 // command, is first shown to the test, which lets it through, answers it with an error, shortens it, or ends
 // the process in the middle of it. The program is the built one, as it is; the kernel asks (seccomp's user
-// notification), so nothing in it knows. Linux.
+// notification), so nothing in it knows. Linux 5.19 or later.
 //
 // Its sleeps pass a thousand times faster, so that the page's waits for discs cost nothing.
 namespace tavenhall::test {

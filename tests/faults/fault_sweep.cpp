@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <fcntl.h>
 #include <functional>
 #include <map>
 #include <memory>
@@ -64,7 +65,7 @@ struct Worker {
 
 Worker startWorker(const std::function<std::string()>& work) {
   std::array<int, 2> ends{};
-  if (pipe(ends.data()) != 0) {
+  if (pipe2(ends.data(), O_CLOEXEC) != 0) {
     throw std::runtime_error("no pipe");
   }
   const pid_t pid = fork();
