@@ -147,10 +147,8 @@ TEST_F(ReadingAhead, IsNotKeptOnTheProcessorOfTheCopy) {
   ProcessorBond bond;
   bond.moveTo(currentProcessor());
   const ReadAhead readAhead(folder.c_str());
-  EXPECT_TRUE(comesTrue([&] {
-    const std::vector<int> counts = processorsOfOtherThreads();
-    return !counts.empty() && std::ranges::count(counts, all) == std::ssize(counts);
-  }));
+  // There is one other thread, and with a sanitizer perhaps one of its own.
+  EXPECT_TRUE(comesTrue([&] { return std::ranges::count(processorsOfOtherThreads(), all) > 0; }));
 }
 
 TEST_F(ReadingAhead, GoesOnlySoFarAheadOfTheCopy) {
