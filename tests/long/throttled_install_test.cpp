@@ -173,9 +173,13 @@ TEST(LongInstall, AThrottledSourceOfAnySizeIsInstalledInTheSameMemory) {
   const std::vector<Figures>& figures = watch.finish();
   installer.send(kForward);
   EXPECT_EQ(installer.finish(), 0) << installer.program().standardError();
+  std::int64_t mostMemory = 0;  // the system's own maximum may lag behind what it shows at a moment
+  for (const Figures& at : figures) {
+    mostMemory = std::max({mostMemory, at.resident, at.peakMemory});
+  }
   std::printf("%s%llu MB in %.1f s; most memory ever resident: %lld kB\n", tableOf(figures, 16).c_str(),
               static_cast<unsigned long long>(megabytes), figures.back().seconds,
-              static_cast<long long>(figures.back().peakMemory));
+              static_cast<long long>(mostMemory));
 
   for (std::size_t disc = 0; disc < kDiscs.size(); ++disc) {
     EXPECT_FALSE(exists(std::string("/Volumes/") + kDiscs[disc] + "/TANVO")) << "a disc was not taken out";
@@ -189,7 +193,7 @@ TEST(LongInstall, AThrottledSourceOfAnySizeIsInstalledInTheSameMemory) {
   EXPECT_EQ(figures.back().descriptors, before.descriptors);
   EXPECT_EQ(figures.back().threads, before.threads + kThreadsOfTheSanitizer);
   if (kMemoryTells) {
-    EXPECT_LE(figures.back().peakMemory, kMostMemory);
+    EXPECT_LE(mostMemory, kMostMemory);
     EXPECT_LE(figures.back().ownMemory - figures[figures.size() / 10].ownMemory, kMostGrowth);
   }
 }
