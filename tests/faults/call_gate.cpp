@@ -3,6 +3,7 @@
 #include "tests/faults/call_filter.h"
 #include "tests/faults/program_memory.h"
 #include "tests/install/child_program.h"
+#include "tests/support/children.h"
 
 #include <algorithm>
 #include <array>
@@ -11,8 +12,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
-#include <fstream>
-#include <iterator>
 #include <linux/sched.h>
 #include <linux/seccomp.h>
 #include <map>
@@ -293,14 +292,9 @@ class Gate {
   std::set<pid_t> atWork_;            // the program's processes that have touched a file
 };
 
-std::vector<pid_t> children() {
-  std::ifstream file("/proc/thread-self/children");
-  return {std::istream_iterator<pid_t>(file), {}};
-}
-
 // Ends and waits for all that has come of a run. What a process leaves behind comes to this one.
 void endAll() {
-  for (auto left = children(); !left.empty(); left = children()) {
+  for (auto left = childrenOf(getpid()); !left.empty(); left = childrenOf(getpid())) {
     for (const pid_t process : left) {
       kill(process, SIGKILL);
       waitpid(process, nullptr, 0);

@@ -6,8 +6,11 @@
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <set>
+#include <string>
 #include <sys/stat.h>
 #include <thread>
+#include <vector>
 
 // The page's commands have a required form; here is what a shell makes of them. docs/security.md says what
 // follows from it.
@@ -26,28 +29,33 @@ mode_t permissionsOf(const std::string& path) {
   return found.st_mode & 07777U;
 }
 
-// An update with this folder name in its data, whose folder the page itself cannot make; into a folder whose
+// An update with folders of these names in its data, which the page itself cannot make; into a folder whose
 // path has no blank of its own.
-GatedRun installFolderThatNeedsSudo(const std::string& name) {
-  layTree(kSet, {textFile(".InstallationAttributes.dat", "Mode = DataUpdater\nRelativePath = .\n"),
-                 textFile("Installer.pkg", ""), file("TANVO/" + name + "/a.db", 100)});
+GatedRun installFoldersThatNeedSudo(const std::vector<std::string>& names) {
+  std::vector<Entry> entries{textFile(".InstallationAttributes.dat", "Mode = DataUpdater\nRelativePath = .\n"),
+                             textFile("Installer.pkg", "")};
+  std::set<std::string> refused;
+  for (const std::string& name : names) {
+    entries.push_back(file("TANVO/" + name + "/a.db", 100));
+    refused.insert("/Volumes/Data/TANVO/" + name);
+  }
+  layTree(kSet, entries);
   makeFolder("/Volumes/Data/TANVO");
   layTree(kMakersFolder, {link("TANVO", "/Volumes/Data/TANVO")});
-  return installWith([&name](const FileCall& call) {
-    const bool isTheFolder = call.kind == CallKind::makeFolder && call.path == "/Volumes/Data/TANVO/" + name;
-    return isTheFolder ? failWith(EACCES) : kPass;
+  return installWith([&refused](const FileCall& call) {
+    return call.kind == CallKind::makeFolder && refused.contains(call.path) ? failWith(EACCES) : kPass;
   });
 }
 
 TEST(SudoMkdir, APlainNameIsMadeAndFilled) {
-  EXPECT_EQ(installFolderThatNeedsSudo("Tessaphon").status, 0);
+  EXPECT_EQ(installFoldersThatNeedSudo({"Tessaphon"}).status, 0);
   EXPECT_THAT(logMessages(), Contains("mkdir -1 13 /Volumes/Data/TANVO/Tessaphon"));
   EXPECT_THAT(logMessages(), Contains(StartsWith("mkdir2 sudo mkdir /Volumes/Data/TANVO/Tessaphon 0 ")));
   EXPECT_TRUE(exists("/Volumes/Data/TANVO/Tessaphon/a.db"));
 }
 
 TEST(SudoMkdir, ABlankMakesTwoNamesOfOneAndTheFilesAreNamedAsMissing) {
-  EXPECT_EQ(installFolderThatNeedsSudo("two words").status, 1);
+  EXPECT_EQ(installFoldersThatNeedSudo({"two words"}).status, 1);
   EXPECT_EQ(treeOf("/Volumes/Data/TANVO"), std::vector<std::string>{"two/"});
   EXPECT_TRUE(isNamedInLog("/Volumes/Data/TANVO/two words/a.db"));
 }
@@ -60,7 +68,7 @@ struct Trick {
 class ReadByTheShell : public testing::TestWithParam<Trick> {};
 
 TEST_P(ReadByTheShell, ANameInAnUnquotedCommandIsCarriedOut) {
-  EXPECT_EQ(installFolderThatNeedsSudo(GetParam().name).status, 1);
+  EXPECT_EQ(installFoldersThatNeedSudo({GetParam().name}).status, 1);
   EXPECT_TRUE(exists("/owned"));
 }
 
@@ -76,29 +84,19 @@ INSTANTIATE_TEST_SUITE_P(SudoMkdir, ReadByTheShell,
 // The name of each folder has the shell say how many processors its command may use. The copy of the second
 // comes after a hand-off for the first one's file, by which the host keeps the copy on one processor.
 TEST(SudoMkdir, TheHostsKeepingTheCopyOnAProcessorDoesNotReachTheCommand) {
-  layTree(kSet, {textFile(".InstallationAttributes.dat", "Mode = DataUpdater\nRelativePath = .\n"),
-                 textFile("Installer.pkg", ""), file("TANVO/$(nproc >> owned)/a.db", 100),
-                 file("TANVO/$(nproc  >> owned)/a.db", 100)});
-  makeFolder("/Volumes/Data/TANVO");
-  layTree(kMakersFolder, {link("TANVO", "/Volumes/Data/TANVO")});
-  const auto refuseFolders = [](const FileCall& call) {
-    return call.kind == CallKind::makeFolder && call.path.starts_with("/Volumes/Data/TANVO/$")
-               ? failWith(EACCES)
-               : kPass;
-  };
-  EXPECT_EQ(installWith(refuseFolders).status, 1);
+  EXPECT_EQ(installFoldersThatNeedSudo({"$(nproc >> owned)", "$(nproc  >> owned)"}).status, 1);
   const std::string all = std::to_string(std::thread::hardware_concurrency()) + "\n";
   EXPECT_EQ(readFile("/owned"), all + all);
 }
 
 TEST(SudoMkdir, AQuoteWithoutItsPairLeavesTheCommandUndone) {
-  EXPECT_EQ(installFolderThatNeedsSudo("it's").status, 1);
+  EXPECT_EQ(installFoldersThatNeedSudo({"it's"}).status, 1);
   EXPECT_EQ(treeOf("/Volumes/Data/TANVO"), std::vector<std::string>{});
   EXPECT_TRUE(isNamedInLog("/Volumes/Data/TANVO/it's/a.db"));
 }
 
 TEST(SudoMkdir, ADashNeverBeginsAnOptionUnlessABlankComesBefore) {
-  EXPECT_EQ(installFolderThatNeedsSudo("--parents").status, 0);
+  EXPECT_EQ(installFoldersThatNeedSudo({"--parents"}).status, 0);
   EXPECT_TRUE(exists("/Volumes/Data/TANVO/--parents/a.db"));
 }
 

@@ -1,5 +1,6 @@
 #include "tests/rehearse/rehearsals.h"
 
+#include "tests/support/children.h"
 #include "tests/support/private_root.h"
 
 #include <algorithm>

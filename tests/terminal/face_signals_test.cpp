@@ -1,5 +1,6 @@
 // What signals and closed pipes do to each face but the terminal page, whose own are in terminal_leaving_test.
 #include "tests/install/child_program.h"
+#include "tests/support/children.h"
 #include "tests/support/files.h"
 #include "tests/terminal/page_in_terminal.h"
 #include "tests/terminal/tmux_terminal.h"

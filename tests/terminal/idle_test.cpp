@@ -1,5 +1,6 @@
 // Who has nothing to do uses no processor: not the face, and not its engine.
 #include "tests/install/child_program.h"
+#include "tests/support/children.h"
 #include "tests/terminal/in_utf8.h"
 #include "tests/terminal/page_in_terminal.h"
 #include "tests/terminal/tmux_terminal.h"

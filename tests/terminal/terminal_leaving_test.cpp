@@ -1,4 +1,5 @@
 // How the page ends before its install does, and what becomes of the terminal and of the engine.
+#include "tests/support/children.h"
 #include "tests/support/files.h"
 #include "tests/terminal/in_utf8.h"
 #include "tests/terminal/kept_screens.h"

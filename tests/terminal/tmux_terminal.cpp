@@ -2,6 +2,7 @@
 
 #include "host/terminal/shown_text.h"
 #include "tests/install/child_program.h"
+#include "tests/support/children.h"
 
 #include <chrono>
 #include <csignal>
@@ -145,16 +146,6 @@ bool comesTrue(const std::function<bool()>& question) {
     std::this_thread::sleep_for(std::chrono::milliseconds(30));
   }
   return true;
-}
-
-std::vector<pid_t> childrenOf(pid_t process) {
-  const std::string id = std::to_string(process);
-  std::ifstream file("/proc/" + id + "/task/" + id + "/children");
-  std::vector<pid_t> children;
-  for (pid_t child = 0; file >> child;) {
-    children.push_back(child);
-  }
-  return children;
 }
 
 namespace {

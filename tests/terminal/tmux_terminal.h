@@ -72,9 +72,6 @@ class TmuxTerminal {
 // Asks again and again until the answer is yes; whether it ever was, within a minute.
 [[nodiscard]] bool comesTrue(const std::function<bool()>& question);
 
-// The processes that a process has started and that still run.
-[[nodiscard]] std::vector<pid_t> childrenOf(pid_t process);
-
 // What a process has had of the processors, all its threads together.
 struct ProcessorUse {
   long ticks = 0;     // of the clock: time
