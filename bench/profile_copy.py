@@ -18,7 +18,6 @@ _KINDS = (
 )  # fmt: skip
 _REST = ("the rest of the system", "#bab0ac")
 _OWN = ("the program's own code", "#79706e")
-_LIGHT = ("reading ahead, listing", "making the file", "opening and closing", _REST[0])
 _COLOURS = {name: colour for name, colour, _ in _KINDS} | dict((_REST, _OWN))
 
 
@@ -43,6 +42,12 @@ def _kind(functions):
     return _REST[0] if "do_syscall_64" in functions or "asm_exc_page_fault" in functions else _OWN[0]
 
 
+def _ink(ground):
+    """Black on light colours, white on dark ones, by how bright they look."""
+    red, green, blue = bytes.fromhex(ground[1:])
+    return "#000" if 0.3 * red + 0.59 * green + 0.11 * blue > 150 else "#fff"
+
+
 def picture(bars):
     """A drawing with a bar for each (title, shares)."""
     left, wide, high, gap = 20, 760, 34, 66
@@ -58,9 +63,9 @@ def picture(bars):
                 f"<title>{escape(kind)}: {share:.0%}</title></rect>"
             )
             if share >= 0.04:
-                ink = "#000" if kind in _LIGHT else "#fff"
                 parts.append(
-                    f'<text x="{x + width / 2:.1f}" y="{top + 42}" text-anchor="middle" fill="{ink}">{share:.0%}</text>'
+                    f'<text x="{x + width / 2:.1f}" y="{top + 42}" text-anchor="middle" fill="{_ink(_COLOURS[kind])}">'
+                    f"{share:.0%}</text>"
                 )
             x += width
         top += 20 + gap
