@@ -81,11 +81,13 @@ int openTerminal(int standardStream) {
   return terminal >= 0 ? terminal : fcntl(standardStream, F_DUPFD_CLOEXEC, 0);
 }
 
-std::optional<Input> mouseInput() {
-  MEVENT event{};
-  if (getmouse(&event) != OK) {
-    return std::nullopt;
-  }
+// No clicks: where they are asked for, curses makes one of a press and its release that come together, in place
+// of both, however short the time that mouseinterval() allows for it.
+constexpr mmask_t kMouseEvents = BUTTON1_PRESSED | BUTTON1_RELEASED | BUTTON2_PRESSED | BUTTON2_RELEASED |
+                                 BUTTON3_PRESSED | BUTTON3_RELEASED | BUTTON4_PRESSED | BUTTON4_RELEASED |
+                                 BUTTON5_PRESSED | BUTTON5_RELEASED;
+
+std::optional<Input> mouseInput(const MEVENT& event) {
   const auto input = [&event](Input::Kind kind) { return Input{kind, 0, event.y, event.x}; };
   if ((event.bstate & BUTTON1_PRESSED) != 0) {
     return input(Input::Kind::click);
@@ -97,6 +99,17 @@ std::optional<Input> mouseInput() {
     return input(Input::Kind::wheelDown);
   }
   return std::nullopt;
+}
+
+// What the mouse did since it was last asked, the oldest first; curses gives the newest first.
+std::vector<Input> mouseInputs() {
+  std::vector<Input> inputs;
+  for (MEVENT event{}; getmouse(&event) == OK;) {
+    if (const auto input = mouseInput(event)) {
+      inputs.insert(inputs.begin(), *input);
+    }
+  }
+  return inputs;
 }
 
 }  // namespace
@@ -169,7 +182,7 @@ Screen::Screen() : state_(std::make_unique<State>()) {
   curs_set(0);
   typeahead(-1);
   set_escdelay(25);
-  mousemask(ALL_MOUSE_EVENTS, nullptr);
+  mousemask(kMouseEvents, nullptr);
   mouseinterval(0);
   state.keys.reset(newpad(1, 1));
   keypad(state.keys.get(), TRUE);
@@ -239,8 +252,9 @@ std::vector<Input> Screen::read() {
       inputs.push_back({Input::Kind::character, static_cast<std::int32_t>(code)});
     } else if (code != KEY_MOUSE) {
       inputs.push_back({Input::Kind::key, static_cast<std::int32_t>(code)});
-    } else if (const auto input = mouseInput()) {
-      inputs.push_back(*input);
+    } else {
+      const std::vector<Input> ofMouse = mouseInputs();
+      inputs.insert(inputs.end(), ofMouse.begin(), ofMouse.end());
     }
   }
   return inputs;

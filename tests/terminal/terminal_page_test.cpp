@@ -109,6 +109,28 @@ TEST_F(TerminalPageTest, ButtonsAreClicked) {
   expectAnswers("1001\n");
 }
 
+TEST_F(TerminalPageTest, AClickCountsAlsoWhereAllOfItComesAtOnce) {
+  TmuxTerminal terminal(80, 24, runScript(std::string(kCopy) + kQuestion + kEnd));
+  terminal.waitFor("Press Continue to begin.");
+  terminal.clickAtOnce({terminal.find("[ Continue ]")});
+  terminal.waitFor("[ Skip ]");
+  terminal.clickAtOnce({terminal.find("[ Skip ]")});
+  terminal.waitUntilGone("[ Skip ]");
+  expectAnswers("1001\n");
+}
+
+TEST_F(TerminalPageTest, SeveralClicksAtOnceCountOneByOne) {
+  TmuxTerminal terminal(80, 24, runScript(std::string(kCopy) + kQuestion + kEnd));
+  terminal.waitFor("Press Continue to begin.");
+  const auto proceed = terminal.find("[ Continue ]");
+  terminal.clickAtOnce({{0, 0}, proceed, {0, 0}, {0, 0}});
+  terminal.waitFor("[ Skip ]");
+  const auto skip = terminal.find("[ Skip ]");
+  terminal.clickAtOnce({skip, skip, skip});
+  terminal.waitUntilGone("[ Skip ]");
+  expectAnswers("1001\n");
+}
+
 TEST_F(TerminalPageTest, EscapeClosesASheet) {
   TmuxTerminal terminal(80, 24, runScript(std::string(kCopy) + "sheet Failed to copy file.\n" + kEnd));
   enter(terminal, "Failed to copy file.");

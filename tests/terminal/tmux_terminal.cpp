@@ -72,6 +72,14 @@ void TmuxTerminal::click(int column, int row) {
   tmux({"send-keys", "-l", mouseReport('#', column, row)});
 }
 
+void TmuxTerminal::clickAtOnce(const std::vector<Place>& places) {
+  std::string reports;
+  for (const auto& [column, row] : places) {
+    reports += mouseReport(' ', column, row) + mouseReport('#', column, row);
+  }
+  tmux({"send-keys", "-l", reports});
+}
+
 void TmuxTerminal::turnWheel(bool down, int column, int row) {
   tmux({"send-keys", "-l", mouseReport(down ? 'a' : '`', column, row)});
 }

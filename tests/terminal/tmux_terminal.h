@@ -26,8 +26,17 @@ class TmuxTerminal {
   // Keys by tmux's names: "Enter", "Tab", "C-c", "c".
   void press(std::initializer_list<const char*> keys);
 
-  // The left button of the mouse, pressed and let go there; from 0.
+  // A cell of the screen; from 0.
+  struct Place {
+    int column = 0;
+    int row = 0;
+  };
+
+  // The left button of the mouse, pressed and then let go there.
   void click(int column, int row);
+
+  // The same at each of the places, all of it in one piece, as over a slow connection.
+  void clickAtOnce(const std::vector<Place>& places);
 
   // The mouse's wheel, by one notch.
   void turnWheel(bool down, int column, int row);
@@ -52,11 +61,7 @@ class TmuxTerminal {
   // Waits until the text is gone.
   void waitUntilGone(const std::string& text);
 
-  // Where the text begins on the screen; from 0. Fails the test when it is not there.
-  struct Place {
-    int column = 0;
-    int row = 0;
-  };
+  // Where the text begins on the screen. Fails the test when it is not there.
   [[nodiscard]] Place find(const std::string& text);
 
   // What tmux knows of the terminal, as "#{alternate_on}".
