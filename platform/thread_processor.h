@@ -29,13 +29,17 @@ class ProcessorBond {
 // it, and so may what it starts. Afterwards it is bound as before.
 class AnyProcessor {
  public:
-  AnyProcessor() noexcept;
+  AnyProcessor() noexcept : boundTo_(unbind()) {}
   AnyProcessor(const AnyProcessor&) = delete;
   AnyProcessor& operator=(const AnyProcessor&) = delete;
-  ~AnyProcessor();
+  ~AnyProcessor() { bindTo(boundTo_); }
 
  private:
-  [[maybe_unused]] int boundTo_;  // -1 for a thread that was free
+  // Frees the calling thread; gives what to bind it to afterwards.
+  static int unbind() noexcept;
+  static void bindTo(int processor) noexcept;
+
+  int boundTo_;  // -1 for a thread that was free
 };
 
 }  // namespace tavenhall

@@ -15,7 +15,7 @@ std::optional<cpu_set_t> ownProcessors() noexcept {
 // Where a thread can run that nobody has bound. Taken when this is loaded, which comes before any binding.
 const std::optional<cpu_set_t> kProcessorsAtStart = ownProcessors();
 
-void bindTo(int processor) noexcept {
+void setBound(int processor) noexcept {
   cpu_set_t only;
   CPU_ZERO(&only);
   CPU_SET(processor, &only);
@@ -27,7 +27,7 @@ bool isBound() noexcept {
   return own && kProcessorsAtStart && CPU_COUNT(&*own) == 1 && CPU_COUNT(&*kProcessorsAtStart) > 1;
 }
 
-void unbind() noexcept { sched_setaffinity(0, sizeof(cpu_set_t), &*kProcessorsAtStart); }
+void setFree() noexcept { sched_setaffinity(0, sizeof(cpu_set_t), &*kProcessorsAtStart); }
 
 }  // namespace
 
@@ -38,25 +38,27 @@ void ProcessorBond::moveTo(int processor) noexcept {
     return;
   }
   processor_ = processor;
-  bindTo(processor);
+  setBound(processor);
 }
 
 void ProcessorBond::release() noexcept {
   if (processor_ >= 0) {
     processor_ = -1;
-    unbind();
+    setFree();
   }
 }
 
-AnyProcessor::AnyProcessor() noexcept : boundTo_(isBound() ? currentProcessor() : -1) {
-  if (boundTo_ >= 0) {
-    unbind();
+int AnyProcessor::unbind() noexcept {
+  const int boundTo = isBound() ? currentProcessor() : -1;
+  if (boundTo >= 0) {
+    setFree();
   }
+  return boundTo;
 }
 
-AnyProcessor::~AnyProcessor() {
-  if (boundTo_ >= 0) {
-    bindTo(boundTo_);
+void AnyProcessor::bindTo(int processor) noexcept {
+  if (processor >= 0) {
+    setBound(processor);
   }
 }
 

@@ -7,7 +7,7 @@ int currentProcessor() noexcept { return -1; }
 void ProcessorBond::moveTo(int /*processor*/) noexcept {}
 void ProcessorBond::release() noexcept {}
 
-AnyProcessor::AnyProcessor() noexcept : boundTo_(-1) {}
-AnyProcessor::~AnyProcessor() = default;
+int AnyProcessor::unbind() noexcept { return -1; }
+void AnyProcessor::bindTo(int /*processor*/) noexcept {}
 
 }  // namespace tavenhall
