@@ -1,5 +1,7 @@
 #include "context/install_rules.h"
 
+#include "context/contains.h"
+
 #include <cmath>
 
 namespace tavenhall {
@@ -52,10 +54,6 @@ constexpr std::array<OptionalDisc, 5> kOptionalDiscs{{
     {"Slow Bloom", "/Volumes/Slow Bloom DOVA Outrider"},
     {"Tin Parade", "/Volumes/Tin Parade DOVA Outrider"},
 }};
-
-bool contains(std::string_view text, std::string_view part) {
-  return text.find(part) != std::string_view::npos;
-}
 
 }  // namespace
 

@@ -14,6 +14,7 @@ namespace tavenhall {
 
 inline constexpr std::size_t kPathSize = 8192;        // the page's own path buffers, bytes
 inline constexpr std::size_t kDisplayNameSize = 256;  // a library's name as the user reads it, bytes
+inline constexpr std::size_t kModeSize = 64;          // a mode as the attributes file names it, bytes
 inline constexpr int kLibrarySlots = 50;              // libraries that one update may carry
 
 // ---- The InstallationAttributes file's keys ----

@@ -14,8 +14,6 @@ namespace tavenhall {
 
 namespace {
 
-constexpr std::size_t kModeSize = 64;  // a mode's value has at most 63 characters
-
 struct KeyedText {
   const char* key;
   const char* foundLine;  // its one "%s" takes the value

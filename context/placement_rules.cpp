@@ -1,5 +1,7 @@
 #include "context/placement_rules.h"
 
+#include "context/contains.h"
+
 namespace tavenhall {
 
 namespace {
@@ -23,10 +25,6 @@ constexpr std::array<KindTest, kPluginKindCount> kKindTests{{
 
 // Required order. ".vst" matches whatever ".vst3" does, so the second never decides; it is left as it is.
 constexpr std::array<const char*, 5> kRemovableSuffixes{".vst", ".vst3", ".aaxplugin", ".component", ".app"};
-
-bool contains(std::string_view text, std::string_view part) {
-  return text.find(part) != std::string_view::npos;
-}
 
 }  // namespace
 

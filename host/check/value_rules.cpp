@@ -11,8 +11,7 @@ namespace tavenhall {
 
 namespace {
 
-constexpr std::size_t kModeSize = 64;      // the page's buffer for a mode
-constexpr std::size_t kFolderSize = 1024;  // its buffer for a folder relative to the package's
+constexpr std::size_t kFolderSize = 1024;  // the page's buffer for a folder relative to the package's
 constexpr std::int64_t kMostMillions = std::numeric_limits<std::int64_t>::max() / 1000000;
 
 // What a mode's value is searched for; whether one is found is the page's own rule.

@@ -17,7 +17,6 @@ namespace {
 
 constexpr const char* kInstallTypeFile = "/tmp/TavInstallType";
 constexpr const char* kNobodysDataRoot = "~/Library/Application Support/Tavenhall";
-constexpr std::size_t kModeSize = 64;  // the page's buffer for a mode
 constexpr std::int32_t kMostVolumesListed = 100;
 constexpr std::int64_t kExpectedBytesWhenUnknown = 100000000;
 
