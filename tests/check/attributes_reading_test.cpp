@@ -12,12 +12,12 @@ namespace tavenhall::test {
 
 namespace {
 
-AttributesReading read() { return AttributesReading::besidePackage(kSet); }
+AttributesReading readSet() { return AttributesReading::besidePackage(kSet); }
 
 // The page's own lookups in the file beside the package, against those of the reading.
 void expectSameAnswers(const std::string& contents) {
   setAttributes(contents);
-  const AttributesReading reading = read();
+  const AttributesReading reading = readSet();
   for (const AttributesKey& key : attributesKeys()) {
     for (const std::size_t size : {kAttributesValueSize, std::size_t{64}}) {
       std::vector<char> buffer(size, '\0');
@@ -82,10 +82,10 @@ TEST(AttributesReading, SearchesNineHundredNinetyNineLines) {
     lines += "Filler = " + std::to_string(line) + "\n";
   }
   expectSameAnswers(lines + "Mode = DataUpdater\n");
-  const AttributesReading within = read();
+  const AttributesReading within = readSet();
   EXPECT_TRUE(within.findText("Mode"));
   expectSameAnswers(lines + "Filler = 999\nMode = DataUpdater\n");
-  const AttributesReading beyond = read();
+  const AttributesReading beyond = readSet();
   EXPECT_FALSE(beyond.findText("Mode"));
 }
 
@@ -112,7 +112,7 @@ TEST(AttributesReading, ALineOfExactly2047BytesIsReadAtOnce) {
 TEST(AttributesReading, FindsTheFileOneFolderAbove) {
   writeFile("/Users/tester/Downloads/.InstallationAttributes.dat", "Mode = DataUpdater\n");
   makeFolder(kSet);
-  const AttributesReading reading = read();
+  const AttributesReading reading = readSet();
   EXPECT_TRUE(reading.isFilePresent());
   EXPECT_EQ(reading.path(), std::string(kSet) + "/../.InstallationAttributes.dat");
 }
@@ -120,13 +120,13 @@ TEST(AttributesReading, FindsTheFileOneFolderAbove) {
 TEST(AttributesReading, PrefersTheFileBesideThePackage) {
   writeFile("/Users/tester/Downloads/.InstallationAttributes.dat", "InstallDataTitle = Above\n");
   setAttributes("InstallDataTitle = Beside\n");
-  EXPECT_EQ(read().textOrFallback("InstallDataTitle"), "Beside");
+  EXPECT_EQ(readSet().textOrFallback("InstallDataTitle"), "Beside");
 }
 
 TEST(AttributesReading, WithoutAFileEveryTextIsTheBuiltInOne) {
   makeFolder(kSet);
   setPackage(std::string(kSet) + "/Installer.pkg");
-  const AttributesReading reading = read();
+  const AttributesReading reading = readSet();
   EXPECT_FALSE(reading.isFilePresent());
   EXPECT_EQ(reading.textOrFallback("InstallDataTitle"), "Installing Data");
   EXPECT_EQ(reading.textOrFallback("RelativePath"), "..");
@@ -136,7 +136,7 @@ TEST(AttributesReading, WithoutAFileEveryTextIsTheBuiltInOne) {
 TEST(AttributesReading, AFolderInTheFilesPlaceHoldsNoLine) {
   makeFolder(std::string(kSet) + "/.InstallationAttributes.dat");
   setPackage(std::string(kSet) + "/Installer.pkg");
-  const AttributesReading reading = read();
+  const AttributesReading reading = readSet();
   EXPECT_TRUE(reading.isFilePresent());
   EXPECT_TRUE(reading.pieces().empty());
   EXPECT_EQ(getInstallationMode(), 2);

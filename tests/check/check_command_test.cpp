@@ -1,32 +1,16 @@
 #include "tests/check/sets.h"
+#include "tests/install/child_program.h"
 
-#include <array>
-#include <cstdio>
 #include <nlohmann/json.hpp>
-#include <sys/wait.h>
 
 // The built program, as people run it.
 namespace tavenhall::test {
 
 namespace {
 
-struct Outcome {
-  std::string output;  // both streams
-  int status = -1;
-};
-
+// What it says on either stream is the outcome's output.
 Outcome runCheck(const std::string& arguments) {
-  const std::string command =
-      std::string(TAVINSTALL_BINARY_DIR) + "/bin/tavinstall check " + arguments + " 2>&1";
-  Outcome outcome;
-  std::FILE* pipe = popen(command.c_str(), "r");
-  std::array<char, 4096> chunk;
-  while (const std::size_t count = std::fread(chunk.data(), 1, chunk.size(), pipe)) {
-    outcome.output.append(chunk.data(), count);
-  }
-  const int status = pclose(pipe);
-  outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  return outcome;
+  return runThrough({"sh", "-c", TAVINSTALL_BINARY_DIR "/bin/tavinstall check " + arguments + " 2>&1"});
 }
 
 }  // namespace

@@ -9,12 +9,10 @@
 namespace tavenhall {
 namespace {
 
+using test::kFoundLine;
 using test::logMessages;
 using test::setAttributes;
 using Messages = std::vector<std::string>;
-
-constexpr const char* kFoundFile =
-    "Found Installation Attribute File at  /Users/tester/Downloads/Set/.InstallationAttributes.dat";
 
 class InstallationMode : public testing::Test {
  protected:
@@ -33,7 +31,7 @@ TEST_F(InstallationMode, OfEachWordIsLogged) {
   EXPECT_EQ(modeFor("TavenhallUpdater"), 4);
   EXPECT_EQ(modeFor("SupportHub"), 4);
   EXPECT_EQ(logMessages(),
-            (Messages{kFoundFile, "Installation mode is 0", "Installation mode is 2", "Installation mode is 3",
+            (Messages{kFoundLine, "Installation mode is 0", "Installation mode is 2", "Installation mode is 3",
                       "Installation mode is 4", "Installation mode is 4"}));
 }
 
@@ -59,7 +57,7 @@ TEST_F(InstallationMode, WithoutAFileSaysSoAtEveryCall) {
 TEST_F(InstallationMode, WithoutAModeKeyIs2) {
   setAttributes("RelativePath = DataUpdater\n");
   EXPECT_EQ(getInstallationMode(), 2);
-  EXPECT_EQ(logMessages(), (Messages{kFoundFile, "Installation mode is 2"}));
+  EXPECT_EQ(logMessages(), (Messages{kFoundLine, "Installation mode is 2"}));
 }
 
 TEST_F(InstallationMode, OfBothUpdatersIsTheDataUpdaters) {

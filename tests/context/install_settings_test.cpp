@@ -12,12 +12,11 @@
 namespace tavenhall {
 namespace {
 
+using test::kFoundLine;
 using test::logMessages;
 using test::setAttributes;
 using Messages = std::vector<std::string>;
 
-constexpr const char* kFoundFile =
-    "Found Installation Attribute File at  /Users/tester/Downloads/Set/.InstallationAttributes.dat";
 constexpr const char* kNoFile = "Did not find Installation Attribute File.";
 
 struct GetterRow {
@@ -79,7 +78,7 @@ class Getter : public testing::TestWithParam<GetterRow> {
 TEST_P(Getter, GivesAndLogsTheValueOfItsKey) {
   setAttributes(std::string("Other = thing\n") + GetParam().key + " = My own  text \nLast = line\n");
   EXPECT_EQ(get(), "My own  text ");
-  EXPECT_EQ(logMessages(), (Messages{kFoundFile, std::string(GetParam().foundStart) + "My own  text  "}));
+  EXPECT_EQ(logMessages(), (Messages{kFoundLine, std::string(GetParam().foundStart) + "My own  text  "}));
 }
 
 TEST_P(Getter, FindsItsKeyInAnyCase) {
@@ -92,7 +91,7 @@ TEST_P(Getter, FindsItsKeyInAnyCase) {
 TEST_P(Getter, HasItsFallbackWithoutItsKey) {
   setAttributes("Other = thing\n");
   EXPECT_EQ(get(), GetParam().fallback != nullptr ? GetParam().fallback : "thing");
-  EXPECT_EQ(logMessages(), (Messages{kFoundFile, GetParam().missingLine}));
+  EXPECT_EQ(logMessages(), (Messages{kFoundLine, GetParam().missingLine}));
 }
 
 TEST_P(Getter, HasItsFallbackWithoutAFile) {
@@ -105,7 +104,7 @@ TEST_P(Getter, LogsAtEveryCall) {
   setAttributes("Other = thing\n");
   get();
   get();
-  EXPECT_EQ(logMessages(), (Messages{kFoundFile, GetParam().missingLine, GetParam().missingLine}));
+  EXPECT_EQ(logMessages(), (Messages{kFoundLine, GetParam().missingLine, GetParam().missingLine}));
 }
 
 INSTANTIATE_TEST_SUITE_P(InstallSettings, Getter, testing::ValuesIn(kGetters),
@@ -154,7 +153,7 @@ TEST_F(InstallSettings, TheSecondRelativePathSaysWhetherItIsThere) {
   setAttributes("RelativePath2 = second\n");
   EXPECT_TRUE(findRelativePath2(text.data()));
   EXPECT_STREQ(text.data(), "second");
-  EXPECT_EQ(logMessages(), (Messages{kFoundFile, "Could not find RelativePath2 string in attributes file ",
+  EXPECT_EQ(logMessages(), (Messages{kFoundLine, "Could not find RelativePath2 string in attributes file ",
                                      "Data from attributes file::  RelativePath2=second "}));
 }
 

@@ -17,7 +17,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
-std::string refusal(const fs::path& bundle) {
+std::string bundleRefusal(const fs::path& bundle) {
   try {
     static_cast<void>(loadBundle(bundle));
     return "loaded";
@@ -62,18 +62,18 @@ TEST(LoadBundle, APageForAnotherHostIsNotMade) {
 
 TEST(LoadBundle, AFolderWithoutAProgramIsRefused) {
   makeFolder("/tmp/Empty.bundle/Contents");
-  EXPECT_EQ(refusal("/tmp/Empty.bundle"),
+  EXPECT_EQ(bundleRefusal("/tmp/Empty.bundle"),
             "cannot load /tmp/Empty.bundle: it has no Contents/MacOS/InstallDataPane; --bundle takes a "
             "plug-in's folder");
 }
 
 TEST(LoadBundle, AMissingFolderIsRefused) {
-  EXPECT_THAT(refusal("/tmp/Gone.bundle"), HasSubstr("cannot load /tmp/Gone.bundle: "));
+  EXPECT_THAT(bundleRefusal("/tmp/Gone.bundle"), HasSubstr("cannot load /tmp/Gone.bundle: "));
 }
 
 TEST(LoadBundle, AProgramThatIsNoneIsRefusedWithTheSystemsReasonInOneLine) {
   writeFile("/tmp/Text.bundle/Contents/MacOS/InstallDataPane", "text\n");
-  EXPECT_THAT(refusal("/tmp/Text.bundle"),
+  EXPECT_THAT(bundleRefusal("/tmp/Text.bundle"),
               AllOf(testing::StartsWith("cannot load /tmp/Text.bundle: "), Not(HasSubstr("\n"))));
 }
 
@@ -84,7 +84,7 @@ TEST(LoadBundle, AProgramThatMakesNoPageIsRefused) {
   ASSERT_NE(dladdr(dlsym(library, "cbrt"), &found), 0);
   makeFolder("/tmp/Other.bundle/Contents/MacOS");
   fs::create_symlink(fs::canonical(found.dli_fname), "/tmp/Other.bundle/Contents/MacOS/InstallDataPane");
-  EXPECT_EQ(refusal("/tmp/Other.bundle"),
+  EXPECT_EQ(bundleRefusal("/tmp/Other.bundle"),
             "cannot load /tmp/Other.bundle: it makes no page (createInstallDataPane is missing)");
 }
 

@@ -41,13 +41,13 @@ Pipe makePipe() {
   return {ends[0], ends[1]};
 }
 
-bool exists(const char* path) { return access(path, F_OK) == 0; }
+bool isThere(const char* path) { return access(path, F_OK) == 0; }
 
 }  // namespace
 
 std::string usualPath() {
   const std::string path = "/usr/local/bin:/usr/bin:/bin:/usr/sbin:/sbin";
-  const bool hasSudo = exists("/usr/bin/sudo") || exists("/usr/local/bin/sudo") || exists("/bin/sudo");
+  const bool hasSudo = isThere("/usr/bin/sudo") || isThere("/usr/local/bin/sudo") || isThere("/bin/sudo");
   return hasSudo ? std::string(kStandIns) + ":" + path : path;
 }
 

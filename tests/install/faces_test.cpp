@@ -120,7 +120,7 @@ TEST(PlainFace, WithoutTheCentralFolderThePageIsNotLeft) {
   EXPECT_THAT(readFile("/tmp/summary.json"), HasSubstr(R"("left":false)"));
 }
 
-void layEditions() {
+void layTwoEditions() {
   layTree(kSet, {textFile(".InstallationAttributes.dat",
                           "Mode = SupportHub\nInstalledData = Done.\nInstallingData = Going on.\n"
                           "RelativePath = .\nRelativePath2 = Full\n"),
@@ -130,7 +130,7 @@ void layEditions() {
 }
 
 TEST(PlainFace, AnswersMayBeTypedAhead) {
-  layEditions();
+  layTwoEditions();
 
   const Outcome outcome = run("plain", "\n1\n");
 
@@ -150,7 +150,7 @@ TEST(PlainFace, AnswersMayBeTypedAhead) {
 }
 
 TEST(PlainFace, InputThatIsClosedAtAQuestionEndsWithStatusThree) {
-  layEditions();
+  layTwoEditions();
 
   const Outcome outcome = run("plain", "1\n");
 
@@ -215,7 +215,7 @@ TEST(PlainFace, AnInterruptStopsTheInstallAndSaysSo) {
 }
 
 TEST(QuietFace, SaysNothingAndAnswersEveryAlertWithItsFirstButton) {
-  layEditions();
+  layTwoEditions();
 
   const Outcome outcome = run("quiet");
 

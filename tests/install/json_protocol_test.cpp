@@ -21,7 +21,7 @@ using testing::StartsWith;
 constexpr const char* kAllowed = R"({"event":"exit","direction":0,"allowed":true})";
 constexpr const char* kTitleEvent = R"({"event":"title","text":"Tessaphon Update"})";
 
-void layUpdate() {
+void layDataUpdate() {
   layTree(kSet, {textFile(".InstallationAttributes.dat",
                           "Mode = DataUpdater\nInstallDataTitle = Tessaphon Update\nRelativePath = .\n"
                           "TotalSizeMillionsBytes = 1\n"),
@@ -42,7 +42,7 @@ void layUpdateWithAlerts() {
 void layMissingDisc() { layPackage("Mode = InstallFromVolumes\n"); }
 
 TEST(JsonProtocol, NothingHappensByItself) {
-  layUpdate();
+  layDataUpdate();
 
   JsonInstaller installer({"--package", kPackage});
 
@@ -54,7 +54,7 @@ TEST(JsonProtocol, NothingHappensByItself) {
 }
 
 TEST(JsonProtocol, ClosedInputLetsTheLinesFinishThatCameBefore) {
-  layUpdate();
+  layDataUpdate();
 
   JsonInstaller installer({"--package", kPackage});
   installer.send({kEnter, kWait, kForward});
@@ -65,7 +65,7 @@ TEST(JsonProtocol, ClosedInputLetsTheLinesFinishThatCameBefore) {
 }
 
 TEST(JsonProtocol, ALastLineWithoutANewlineCounts) {
-  layUpdate();
+  layDataUpdate();
   const Outcome outcome =
       runThrough({kTavinstall, "run", "--ui", "json", "--package", kPackage}, {}, R"({"do":"title"})");
 
@@ -143,7 +143,7 @@ TEST(JsonProtocol, QuitEndsAnInstallThatStillRuns) {
 }
 
 TEST(JsonProtocol, EnteringAgainWaitsUntilTheInstallHasEnded) {
-  layUpdate();
+  layDataUpdate();
 
   JsonInstaller installer({"--package", kPackage});
   installer.send({kEnter, kEnter, kWait});
@@ -167,7 +167,7 @@ void PrintTo(const BadLine& line, std::ostream* out) { *out << line.name; }
 class BadLines : public testing::TestWithParam<BadLine> {};
 
 TEST_P(BadLines, GetAnErrorAndAreSkipped) {
-  layUpdate();
+  layDataUpdate();
 
   JsonInstaller installer({"--package", kPackage});
   installer.send(GetParam().line);
@@ -192,7 +192,7 @@ INSTANTIATE_TEST_SUITE_P(JsonProtocol, BadLines,
                          [](const auto& tested) { return std::string(tested.param.name); });
 
 TEST(JsonProtocol, ALineEndingInACarriageReturnIsUnderstood) {
-  layUpdate();
+  layDataUpdate();
 
   JsonInstaller installer({"--package", kPackage});
   installer.send(std::string(kTitle) + "\r");
@@ -218,7 +218,7 @@ TEST(JsonProtocol, CommandsThatThePageRunsHaveNeitherTheInputNorTheOutput) {
 }
 
 TEST(JsonProtocol, AReaderThatGoesAwayDoesNotEndTheInstall) {
-  layUpdate();
+  layDataUpdate();
   const std::string commands = R"('{"do":"enter"}\n{"do":"wait"}\n{"do":"forward"}\n')";
   const Outcome outcome = runThrough({"sh", "-c",
                                       "printf " + commands + " | " + kTavinstall + " run --ui json --package " +

@@ -27,8 +27,8 @@ constexpr int kFilesPerFolder = 60;
 constexpr std::uint64_t kSecondsUntilADiscIsPutIn = 900;
 constexpr std::uint64_t kSecondsBetweenFigures = 300;
 constexpr std::uint64_t kThreeHours = 3 * 3600;
-constexpr std::array<const char*, 4> kDiscs{"Tavenhall Tessaphon A", "Tessaphon B", "Tessaphon C",
-                                            "Tessaphon D"};
+constexpr std::array<const char*, 4> kVirtualDiscs{"Tavenhall Tessaphon A", "Tessaphon B", "Tessaphon C",
+                                                   "Tessaphon D"};
 const std::string kDestination = "/Users/tester/Library/Application Support/Tavenhall/TANVO";
 
 std::string fileName(std::size_t disc, int folder, int file) {
@@ -43,10 +43,10 @@ std::string contentsOf(std::size_t disc, int folder, int file) {
 }
 
 void layDiscs() {
-  for (std::size_t disc = 0; disc < kDiscs.size(); ++disc) {
+  for (std::size_t disc = 0; disc < kVirtualDiscs.size(); ++disc) {
     for (int folder = 0; folder < kFolders; ++folder) {
       for (int file = 0; file < kFilesPerFolder; ++file) {
-        writeFile(std::string("/tmp/") + kDiscs[disc] + "/TANVO/" + fileName(disc, folder, file),
+        writeFile(std::string("/tmp/") + kVirtualDiscs[disc] + "/TANVO/" + fileName(disc, folder, file),
                   contentsOf(disc, folder, file));
       }
     }
@@ -57,7 +57,7 @@ void layDiscs() {
 class Tray {
  public:
   void asked() {
-    const std::string disc = kDiscs[next_];
+    const std::string disc = kVirtualDiscs[next_];
     const auto first = firstAsked_.try_emplace(disc, platform().now()).first->second;
     if (platform().now() - first >= kSecondsUntilADiscIsPutIn) {
       fs::rename("/tmp/" + disc, "/Volumes/" + disc);
@@ -65,7 +65,7 @@ class Tray {
   }
 
   void eject() {
-    fs::remove_all(std::string("/Volumes/") + kDiscs[next_]);
+    fs::remove_all(std::string("/Volumes/") + kVirtualDiscs[next_]);
     ++next_;
   }
 
@@ -97,7 +97,7 @@ class Ledger {
 };
 
 void expectAllInstalled() {
-  for (std::size_t disc = 0; disc < kDiscs.size(); ++disc) {
+  for (std::size_t disc = 0; disc < kVirtualDiscs.size(); ++disc) {
     for (int folder = 0; folder < kFolders; ++folder) {
       for (int file = 0; file < kFilesPerFolder; ++file) {
         const std::string path = kDestination + "/" + fileName(disc, folder, file);

@@ -37,17 +37,6 @@ void expectMissing(const std::string& path) {
   EXPECT_THAT(logMessages(), ElementsAre("After resolve 1 " + path));
 }
 
-// An absolute path of `length` bytes, in components that every file system takes.
-std::string pathOfLength(std::size_t length) {
-  std::string path = "/Volumes";
-  while (path.size() < length) {
-    const std::size_t rest = length - path.size();
-    const std::size_t component = rest > 202 ? 200 : rest - 1;
-    path += "/" + std::string(component, 'd');
-  }
-  return path;
-}
-
 // ---- The name ----
 
 TEST_F(CentralFolder, AnEmptyNameTakesTheLocalisedFolderName) {
@@ -235,7 +224,7 @@ TEST_F(CentralFolder, AnAliasThatLeadsToALinkIsNotFollowedFurther) {
 }
 
 TEST_F(CentralFolder, AnAliasTargetOf1023BytesIsTaken) {
-  const std::string target = pathOfLength(1023);
+  const std::string target = pathOfLength(1023, "/Volumes");
   makeFolder(target);
   writeFile(kExpected, "alias");
   platform().aliases[kExpected] = target;
@@ -243,7 +232,7 @@ TEST_F(CentralFolder, AnAliasTargetOf1023BytesIsTaken) {
 }
 
 TEST_F(CentralFolder, AnAliasTargetOf1024BytesKeepsThePathThatWasThere) {
-  const std::string target = pathOfLength(1024);
+  const std::string target = pathOfLength(1024, "/Volumes");
   makeFolder(target);
   writeFile(kExpected, "alias");
   platform().aliases[kExpected] = target;
@@ -253,7 +242,7 @@ TEST_F(CentralFolder, AnAliasTargetOf1024BytesKeepsThePathThatWasThere) {
 // ---- Limits ----
 
 TEST_F(CentralFolder, ALinkTargetOf1023BytesIsTaken) {
-  const std::string target = pathOfLength(1023);
+  const std::string target = pathOfLength(1023, "/Volumes");
   ASSERT_EQ(target.size(), 1023U);
   makeFolder(target);
   linkTo(target);
@@ -261,7 +250,7 @@ TEST_F(CentralFolder, ALinkTargetOf1023BytesIsTaken) {
 }
 
 TEST_F(CentralFolder, ALinkTargetOf1024BytesEndsTheProcess) {
-  linkTo(pathOfLength(1024));
+  linkTo(pathOfLength(1024, "/Volumes"));
   EXPECT_DEATH(static_cast<void>(InstallDataPane::findCentralFolder("")),
                "does not fit its buffer of 1024 bytes");
 }
@@ -269,7 +258,7 @@ TEST_F(CentralFolder, ALinkTargetOf1024BytesEndsTheProcess) {
 // The expected path, "/../" and the target.
 std::string relativeTargetForJoinedLength(std::size_t length) {
   const std::size_t rest = length - kExpected.size() - 4;
-  return pathOfLength(rest + 1).substr(1);
+  return pathOfLength(rest + 1, "").substr(1);
 }
 
 TEST_F(CentralFolder, AJoinedPathOf1023BytesIsTaken) {
@@ -285,7 +274,7 @@ TEST_F(CentralFolder, AJoinedPathOf1024BytesEndsTheProcess) {
 }
 
 TEST_F(CentralFolder, ACanonicalPathOf1024BytesEndsTheProcess) {
-  const std::string target = pathOfLength(1024);
+  const std::string target = pathOfLength(1024, "/Volumes");
   makeFolder(target);
   makeFolder(kMaker);
   ASSERT_EQ(symlink(target.c_str(), (kMaker + "/Store").c_str()), 0);
@@ -295,7 +284,7 @@ TEST_F(CentralFolder, ACanonicalPathOf1024BytesEndsTheProcess) {
 }
 
 TEST_F(CentralFolder, TheExpectedPathItselfMayBeLonger) {
-  const std::string support = pathOfLength(1500);
+  const std::string support = pathOfLength(1500, "/Volumes");
   platform().applicationSupport = support;
   makeFolder(support + "/Tavenhall/TANVO");
   expectFound(support + "/Tavenhall/TANVO");

@@ -1,4 +1,4 @@
-#include "pane/install_data_pane.h"
+#include "tests/pane/copying_page.h"
 #include "tests/pane/event_trace.h"
 #include "tests/pane/execution_fixtures.h"
 
@@ -30,19 +30,6 @@ constexpr const char* kSizesSheet =
     "sheet OK|Failed to copy file.  Perhaps out of disk space on destination drive?   Contact customer "
     "support.";
 
-struct Page {
-  RecordingHost host;
-  InstallDataPane pane{host};
-
-  std::int32_t copyFile(const std::string& source, const std::string& dest) {
-    return pane.copyDirectoryOrFile(source.c_str(), dest.c_str(), "", false);
-  }
-  std::int32_t copyFolder(const std::string& source, const std::string& dest) {
-    return pane.copyDirectoryOrFile(source.c_str(), dest.c_str(), "TANVO", true);
-  }
-  [[nodiscard]] std::vector<std::string> sheets() const { return host.linesThatBegin("sheet "); }
-};
-
 void mountOver(const std::string& folder, const char* options) {
   makeFolder(folder);
   ASSERT_EQ(mount("tmpfs", folder.c_str(), "tmpfs", 0, options), 0) << std::strerror(errno);
@@ -61,7 +48,7 @@ void makeReadOnly(const std::string& folder) {
 // ---- The source ----
 
 TEST_F(CopyEngine, AMissingSourceFileFailsAndLeavesAnEmptyDestination) {
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile("/tmp/none.dat", "/tmp/to.dat"), 0);
   EXPECT_THAT(logMessages(), ElementsAre("Source error /tmp/none.dat /tmp/to.dat\n"));
   EXPECT_THAT(page.sheets(), ElementsAre(kInputSheet));
@@ -70,20 +57,20 @@ TEST_F(CopyEngine, AMissingSourceFileFailsAndLeavesAnEmptyDestination) {
 
 TEST_F(CopyEngine, AMissingSourceFileEmptiesAnEarlierDestination) {
   writeFile("/tmp/to.dat", "installed before");
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile("/tmp/none.dat", "/tmp/to.dat"), 0);
   EXPECT_EQ(readFile("/tmp/to.dat"), "");
 }
 
 TEST_F(CopyEngine, AMissingSourceComesBeforeADestinationThatCannotBeOpened) {
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile("/tmp/none.dat", "/tmp/nowhere/to.dat"), 0);
   EXPECT_THAT(logMessages(), ElementsAre("Source error /tmp/none.dat /tmp/nowhere/to.dat\n"));
   EXPECT_THAT(page.sheets(), ElementsAre(kInputSheet));
 }
 
 TEST_F(CopyEngine, AFailureIsLoggedThenShownThenTheProgressIsUpdated) {
-  Page page;
+  CopyingPage page;
   EventTrace trace(page.host);
   EXPECT_EQ(page.copyFile("/tmp/none.dat", "/tmp/to.dat"), 0);
   EXPECT_THAT(trace.events(),
@@ -95,7 +82,7 @@ TEST_F(CopyEngine, AFailureIsLoggedThenShownThenTheProgressIsUpdated) {
 
 TEST_F(CopyEngine, ASheetsButtonIsTheLocalisedText) {
   platform().strings["OK_BUTTON"] = "Weiter";
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile("/tmp/none.dat", "/tmp/to.dat"), 0);
   EXPECT_THAT(page.sheets(), ElementsAre("sheet Weiter|Failed to open input file."));
 }
@@ -105,7 +92,7 @@ TEST_F(CopyEngine, ASheetsButtonIsTheLocalisedText) {
 TEST_F(CopyEngine, AReadOnlyDestinationFailsWithTheErrnosText) {
   writeFile("/tmp/one.dat", "one");
   makeReadOnly("/tmp/to");
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile("/tmp/one.dat", "/tmp/to/one.dat"), 0);
   EXPECT_THAT(logMessages(), ElementsAre("Target error /tmp/one.dat /tmp/to/one.dat Read-only file system\n"));
   EXPECT_THAT(page.sheets(), ElementsAre(kOutputSheet));
@@ -115,7 +102,7 @@ TEST_F(CopyEngine, AReadOnlyDestinationFailsWithTheErrnosText) {
 TEST_F(CopyEngine, ADestinationThatIsAFolderCannotBeOpened) {
   writeFile("/tmp/from/one", "one");
   makeFolder("/tmp/to/one");
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFolder("/tmp/from", "/tmp/to"), 0);
   EXPECT_EQ(lastLogMessage(), "Target error /tmp/from/one /tmp/to/one Is a directory\n");
   EXPECT_THAT(page.sheets(), ElementsAre(kOutputSheet));
@@ -124,7 +111,7 @@ TEST_F(CopyEngine, ADestinationThatIsAFolderCannotBeOpened) {
 TEST_F(CopyEngine, AReadOnlyPluginFolderShowsThePluginSheet) {
   writeFile("/tmp/one.dat", "one");
   makeReadOnly("/Library/Audio/Plug-Ins/VST");
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile("/tmp/one.dat", "/Library/Audio/Plug-Ins/VST/one.dat"), 0);
   EXPECT_THAT(logMessages(), ElementsAre("Target error /tmp/one.dat /Library/Audio/Plug-Ins/VST/one.dat "
                                          "Read-only file system\n"));
@@ -134,7 +121,7 @@ TEST_F(CopyEngine, AReadOnlyPluginFolderShowsThePluginSheet) {
 TEST_F(CopyEngine, ThePluginSheetIsShownInEveryModeAndForEveryPathWithAudioPlugIns) {
   writeFile("/tmp/one.dat", "one");
   for (const std::int32_t mode : {0, 2, 3, 4}) {
-    Page page;
+    CopyingPage page;
     page.pane.gInstallMode = mode;
     EXPECT_EQ(page.copyFile("/tmp/one.dat", "/tmp/Audio/Plug-Ins-old/one.dat"), 0);
     EXPECT_THAT(page.sheets(), ElementsAre(kPluginSheet)) << mode;
@@ -143,13 +130,13 @@ TEST_F(CopyEngine, ThePluginSheetIsShownInEveryModeAndForEveryPathWithAudioPlugI
 
 TEST_F(CopyEngine, APluginPathOfTheSourceAloneShowsTheOrdinarySheet) {
   writeFile("/tmp/Audio/Plug-Ins/one.dat", "one");
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile("/tmp/Audio/Plug-Ins/one.dat", "/tmp/nowhere/one.dat"), 0);
   EXPECT_THAT(page.sheets(), ElementsAre(kOutputSheet));
 }
 
 TEST_F(CopyEngine, AMissingSourceBelowThePluginFoldersShowsTheInputSheet) {
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile("/tmp/none.dat", "/Library/Audio/Plug-Ins/VST/one.dat"), 0);
   EXPECT_THAT(page.sheets(), ElementsAre(kInputSheet));
 }
@@ -159,7 +146,7 @@ TEST_F(CopyEngine, AMissingSourceBelowThePluginFoldersShowsTheInputSheet) {
 TEST_F(CopyEngine, AFullDestinationIsReportedBySizeAndStillCountsAsCopied) {
   writeFile("/tmp/one.dat", someBytes(20000));
   mountOver("/tmp/to", "size=8k");
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile("/tmp/one.dat", "/tmp/to/one.dat"), 1);
   EXPECT_THAT(logMessages(), ElementsAre("File copy failure: sizes differ: /tmp/one.dat (size is 20000) "
                                          "/tmp/to/one.dat  (size is 8192)  \n"));
@@ -170,7 +157,7 @@ TEST_F(CopyEngine, AFullDestinationIsReportedBySizeAndStillCountsAsCopied) {
 TEST_F(CopyEngine, BytesThatDidNotFitAreCountedAllTheSame) {
   writeFile("/tmp/one.dat", someBytes(300 * 1024));
   mountOver("/tmp/to", "size=8k");
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile("/tmp/one.dat", "/tmp/to/one.dat"), 1);
   EXPECT_EQ(page.pane.kBytesCopied, 300);
 }
@@ -178,7 +165,7 @@ TEST_F(CopyEngine, BytesThatDidNotFitAreCountedAllTheSame) {
 TEST_F(CopyEngine, ADifferenceOfSizesIsShownBeforeTheProgressIsUpdated) {
   writeFile("/tmp/one.dat", someBytes(20000));
   mountOver("/tmp/to", "size=8k");
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile("/tmp/one.dat", "/tmp/to/one.dat"), 1);
   EXPECT_THAT(page.host.lines(),
               ElementsAre(std::string("main: ") + kSizesSheet, "main: animation.begin",
@@ -189,7 +176,7 @@ TEST_F(CopyEngine, ADifferenceOfSizesIsShownBeforeTheProgressIsUpdated) {
 TEST_F(CopyEngine, EqualSizesAreNotMentioned) {
   writeFile("/tmp/one.dat", someBytes(8192));
   mountOver("/tmp/to", "size=8k");
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile("/tmp/one.dat", "/tmp/to/one.dat"), 1);
   EXPECT_THAT(logMessages(), IsEmpty());
   EXPECT_THAT(page.sheets(), IsEmpty());
@@ -202,7 +189,7 @@ TEST_F(CopyEngine, OneFileThatFailsDeepInTheTreeFailsTheWholeWhileAllOthersAreCo
     writeFile(std::string("/tmp/from/") + path, path);
   }
   std::filesystem::create_symlink("/tmp/nowhere", "/tmp/from/Samples/Deep/d.dat");
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFolder("/tmp/from", "/tmp/to"), 0);
   EXPECT_THAT(treeOf("/tmp/to"),
               ElementsAre("Samples/", "Samples/Deep/", "Samples/Deep/c.dat", "Samples/Deep/d.dat",
@@ -215,14 +202,14 @@ TEST_F(CopyEngine, EveryFailureShowsASheetOfItsOwn) {
   for (const char* name : {"/tmp/from/a", "/tmp/from/b", "/tmp/from/c"}) {
     std::filesystem::create_symlink("/tmp/nowhere", name);
   }
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFolder("/tmp/from", "/tmp/to"), 0);
   EXPECT_THAT(page.sheets(), ElementsAre(kInputSheet, kInputSheet, kInputSheet));
 }
 
 TEST_F(CopyEngine, ACopyAfterAFailureStartsAfresh) {
   writeFile("/tmp/one.dat", "one");
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile("/tmp/none.dat", "/tmp/to.dat"), 0);
   EXPECT_EQ(page.copyFile("/tmp/one.dat", "/tmp/nowhere/to.dat"), 0);
   EXPECT_EQ(page.copyFile("/tmp/one.dat", "/tmp/to.dat"), 1);
@@ -231,20 +218,17 @@ TEST_F(CopyEngine, ACopyAfterAFailureStartsAfresh) {
 
 TEST_F(CopyEngine, FailuresLeaveNoDescriptorOpen) {
   writeFile("/tmp/one.dat", "one");
-  const auto descriptors = [] {
-    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
-  };
-  Page page;
-  const auto before = descriptors();
+  CopyingPage page;
+  const auto before = openDescriptors();
   EXPECT_EQ(page.copyFile("/tmp/none.dat", "/tmp/to.dat"), 0);
   EXPECT_EQ(page.copyFile("/tmp/one.dat", "/tmp/nowhere/to.dat"), 0);
   EXPECT_EQ(page.copyFile("/tmp/none.dat", "/tmp/nowhere/to.dat"), 0);
   EXPECT_EQ(page.copyFile("/tmp", "/tmp/to.dat"), 1);
-  EXPECT_EQ(descriptors(), before);
+  EXPECT_EQ(openDescriptors(), before);
 }
 
 TEST_F(CopyEngine, FailuresOfACopyOnAPageThreadAreShownByTheMainThread) {
-  Page page;
+  CopyingPage page;
   std::int32_t result = -1;
   page.host.serve([&] { result = page.copyFile("/tmp/none.dat", "/tmp/to.dat"); });
   EXPECT_EQ(result, 0);

@@ -1,5 +1,5 @@
-#include "pane/install_data_pane.h"
 #include "pane/process_wide.h"
+#include "tests/pane/copying_page.h"
 #include "tests/pane/event_trace.h"
 #include "tests/pane/execution_fixtures.h"
 
@@ -19,18 +19,6 @@ using testing::IsEmpty;
 constexpr const char* kSignature =
     "/tmp/from/Lumaweave.aaxplugin/Contents/Resources/__Pace_Eden/Signatures/codesign.dsig";
 
-struct Page {
-  RecordingHost host;
-  InstallDataPane pane{host};
-
-  std::int32_t copyFile(const std::string& source, const std::string& dest) {
-    return pane.copyDirectoryOrFile(source.c_str(), dest.c_str(), "", false);
-  }
-  std::int32_t copyFolder(const std::string& source, const std::string& dest) {
-    return pane.copyDirectoryOrFile(source.c_str(), dest.c_str(), "TANVO", true);
-  }
-};
-
 long long sizeOf(const std::string& path) {
   struct stat found {};
   EXPECT_EQ(stat(path.c_str(), &found), 0) << path;
@@ -44,7 +32,7 @@ TEST_F(CopyEngine, AFolderThatIsReachedFromBothSidesKeepsItsFiles) {
   const std::string bytes = someBytes(300000);
   writeFile("/tmp/from/TANVO/one.dat", bytes);
   std::filesystem::create_directory_symlink("/tmp/from/TANVO", "/tmp/to");
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFolder("/tmp/from/TANVO", "/tmp/to"), 1);
   EXPECT_TRUE(readFile("/tmp/from/TANVO/one.dat") == bytes);
   EXPECT_EQ(page.pane.kBytesCopied, 292);
@@ -56,7 +44,7 @@ TEST_F(CopyEngine, ALinkThatLeadsBackToTheSourceKeepsItsBytes) {
   makeFolder("/tmp/to");
   std::filesystem::create_symlink("/tmp/from/one.dat", "/tmp/to/symbolic.dat");
   std::filesystem::create_hard_link("/tmp/from/one.dat", "/tmp/to/hard.dat");
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile("/tmp/from/one.dat", "/tmp/to/symbolic.dat"), 1);
   EXPECT_EQ(page.copyFile("/tmp/from/one.dat", "/tmp/to/hard.dat"), 1);
   EXPECT_EQ(readFile("/tmp/from/one.dat"), "one");
@@ -65,7 +53,7 @@ TEST_F(CopyEngine, ALinkThatLeadsBackToTheSourceKeepsItsBytes) {
 TEST_F(CopyEngine, AnotherFileIsEmptiedEvenWhereTheSourceIsMissing) {
   writeFile("/tmp/to", "a longer one");
   writeFile("/tmp/from", "one");
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile("/tmp/from", "/tmp/to"), 1);
   EXPECT_EQ(readFile("/tmp/to"), "one");
   EXPECT_EQ(page.copyFile("/tmp/nowhere", "/tmp/to"), 0);
@@ -76,7 +64,7 @@ TEST_F(CopyEngine, AnotherFileIsEmptiedEvenWhereTheSourceIsMissing) {
 
 TEST_F(CopyEngine, TheAttributesFileMetAsAFileIsSkippedWithALine) {
   writeFile("/tmp/from/.InstallationAttributes.dat", "Mode = DataUpdater");
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile("/tmp/from/.InstallationAttributes.dat", "/tmp/to"), 1);
   EXPECT_THAT(logMessages(), ElementsAre("copyDirectoryOrFile: skipping copy of Inst. Attrib file"));
   EXPECT_FALSE(exists("/tmp/to"));
@@ -85,14 +73,14 @@ TEST_F(CopyEngine, TheAttributesFileMetAsAFileIsSkippedWithALine) {
 }
 
 TEST_F(CopyEngine, AMissingAttributesFileIsSkippedToo) {
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile("/tmp/from/.InstallationAttributes.dat", "/tmp/to"), 1);
   EXPECT_THAT(logMessages(), ElementsAre("copyDirectoryOrFile: skipping copy of Inst. Attrib file"));
 }
 
 TEST_F(CopyEngine, FilesBelowAFolderOfTheAttributesFilesNameAreSkippedToo) {
   writeFile("/tmp/old.InstallationAttributes.dat/TANVO/one.dat", "one");
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFolder("/tmp/old.InstallationAttributes.dat/TANVO", "/tmp/to"), 1);
   EXPECT_THAT(logMessages(),
               ElementsAre("Copying folder /tmp/old.InstallationAttributes.dat/TANVO /tmp/to\n",
@@ -103,7 +91,7 @@ TEST_F(CopyEngine, FilesBelowAFolderOfTheAttributesFilesNameAreSkippedToo) {
 
 TEST_F(CopyEngine, TheAttributesFilesNameInTheDestinationAloneMattersNot) {
   writeFile("/tmp/one.dat", "one");
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile("/tmp/one.dat", "/tmp/.InstallationAttributes.dat"), 1);
   EXPECT_EQ(readFile("/tmp/.InstallationAttributes.dat"), "one");
 }
@@ -112,7 +100,7 @@ TEST_F(CopyEngine, TheAttributesFilesNameInTheDestinationAloneMattersNot) {
 
 TEST_F(CopyEngine, TheAaxSignatureIsCopiedByALoggedShellCommand) {
   writeFile(kSignature, "signature");
-  Page page;
+  CopyingPage page;
   EventTrace trace(page.host);
   EXPECT_EQ(page.copyFile(kSignature, "/tmp/to here/codesign.dsig"), 1);
   const std::string command =
@@ -124,7 +112,7 @@ TEST_F(CopyEngine, TheAaxSignatureIsCopiedByALoggedShellCommand) {
 
 TEST_F(CopyEngine, TheAaxSignatureIsNeverCopiedByTheByteCopy) {
   writeFile(kSignature, someBytes(20480));
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile(kSignature, "/tmp/codesign.dsig"), 1);
   EXPECT_FALSE(exists("/tmp/codesign.dsig"));
   EXPECT_EQ(page.pane.kBytesCopied, 0);
@@ -134,7 +122,7 @@ TEST_F(CopyEngine, TheAaxSignatureIsNeverCopiedByTheByteCopy) {
 
 TEST_F(CopyEngine, AFailingSignatureCommandCountsAsCopied) {
   platform().shell = [](const std::string&) { return 256; };
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile(kSignature, "/tmp/codesign.dsig"), 1);
   EXPECT_THAT(page.host.lines(), IsEmpty());
   EXPECT_EQ(logMessages().size(), 1U);
@@ -144,7 +132,7 @@ TEST_F(CopyEngine, TheAaxSignatureIsFoundOnTheWayThroughAFolderInEveryMode) {
   for (const std::int32_t mode : {0, 2, 3, 4}) {
     const std::string source = "/tmp/from" + std::to_string(mode) + "/Resources/__Pace_Eden/Signatures";
     writeFile(source + "/codesign.dsig", "signature");
-    Page page;
+    CopyingPage page;
     page.pane.gInstallMode = mode;
     EXPECT_EQ(page.copyFolder(source, "/tmp/to" + std::to_string(mode)), 1);
   }
@@ -161,14 +149,14 @@ TEST_F(CopyEngine, TheAaxSignatureIsFoundOnTheWayThroughAFolderInEveryMode) {
 
 TEST_F(CopyEngine, ASignatureOfAnotherFolderIsCopiedAsAnyFile) {
   writeFile("/tmp/from/Resources/Signatures/codesign.dsig", "signature");
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile("/tmp/from/Resources/Signatures/codesign.dsig", "/tmp/codesign.dsig"), 1);
   EXPECT_EQ(readFile("/tmp/codesign.dsig"), "signature");
   EXPECT_THAT(platform().calls(), IsEmpty());
 }
 
 TEST_F(CopyEngine, TheAttributesFilesNameComesBeforeTheSignatures) {
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile("/tmp/.InstallationAttributes.dat/Resources/__Pace_Eden/Signatures/codesign.dsig",
                           "/tmp/codesign.dsig"),
             1);
@@ -182,7 +170,7 @@ TEST_F(CopyEngine, ALinkToAFileIsFollowed) {
   writeFile("/tmp/elsewhere.dat", "linked");
   makeFolder("/tmp/from");
   std::filesystem::create_symlink("/tmp/elsewhere.dat", "/tmp/from/link.dat");
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFolder("/tmp/from", "/tmp/to"), 1);
   EXPECT_THAT(treeOf("/tmp/to"), ElementsAre("link.dat"));
   EXPECT_EQ(readFile("/tmp/to/link.dat"), "linked");
@@ -194,7 +182,7 @@ TEST_F(CopyEngine, ALinkToAFolderGivesAnEmptyFileTheSizesLineAndTheSheetAndCount
   std::filesystem::create_symlink("/tmp/elsewhere", "/tmp/from/link");
   const long long size = sizeOf("/tmp/elsewhere");
   ASSERT_GT(size, 0);
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFolder("/tmp/from", "/tmp/to"), 1);
   EXPECT_THAT(treeOf("/tmp/to"), ElementsAre("link"));
   EXPECT_EQ(readFile("/tmp/to/link"), "");
@@ -208,7 +196,7 @@ TEST_F(CopyEngine, ALinkToAFolderGivesAnEmptyFileTheSizesLineAndTheSheetAndCount
 TEST_F(CopyEngine, ADanglingLinkIsASourceThatCannotBeOpened) {
   makeFolder("/tmp/from");
   std::filesystem::create_symlink("/tmp/nowhere", "/tmp/from/link");
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFolder("/tmp/from", "/tmp/to"), 0);
   EXPECT_EQ(lastLogMessage(), "Source error /tmp/from/link /tmp/to/link\n");
   EXPECT_EQ(readFile("/tmp/to/link"), "");
@@ -219,7 +207,7 @@ TEST_F(CopyEngine, ALinkAtTheDestinationIsWrittenThrough) {
   writeFile("/tmp/elsewhere.dat", "old contents");
   makeFolder("/tmp/to");
   std::filesystem::create_symlink("/tmp/elsewhere.dat", "/tmp/to/one.dat");
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFolder("/tmp/from", "/tmp/to"), 1);
   EXPECT_EQ(readFile("/tmp/elsewhere.dat"), "new");
   EXPECT_THAT(treeOf("/tmp/to"), ElementsAre("one.dat -> /tmp/elsewhere.dat"));
@@ -231,7 +219,7 @@ TEST_F(CopyEngine, ANamedPipeInTheSourceDoesNotHangAndCannotBeOpened) {
   makeFolder("/tmp/from");
   ASSERT_EQ(mkfifo("/tmp/from/pipe", 0666), 0);
   writeFile("/tmp/from/one.dat", "one");
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFolder("/tmp/from", "/tmp/to"), 0);
   EXPECT_THAT(thoseThatBegin(logMessages(), "Source error"),
               ElementsAre("Source error /tmp/from/pipe /tmp/to/pipe\n"));
@@ -243,7 +231,7 @@ TEST_F(CopyEngine, ANamedPipeInTheSourceDoesNotHangAndCannotBeOpened) {
 TEST_F(CopyEngine, AnEndlessDeviceInTheSourceDoesNotHangAndCannotBeOpened) {
   writeFile("/tmp/from/zero", "");
   ASSERT_EQ(mount("/dev/zero", "/tmp/from/zero", nullptr, MS_BIND, nullptr), 0);
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFolder("/tmp/from", "/tmp/to"), 0);
   EXPECT_EQ(lastLogMessage(), "Source error /tmp/from/zero /tmp/to/zero\n");
   EXPECT_EQ(readFile("/tmp/to/zero"), "");
@@ -253,7 +241,7 @@ TEST_F(CopyEngine, ALinkToAPipeDoesNotHang) {
   makeFolder("/tmp/from");
   ASSERT_EQ(mkfifo("/tmp/pipe", 0666), 0);
   std::filesystem::create_symlink("/tmp/pipe", "/tmp/from/link");
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFolder("/tmp/from", "/tmp/to"), 0);
   EXPECT_EQ(lastLogMessage(), "Source error /tmp/from/link /tmp/to/link\n");
 }
@@ -262,7 +250,7 @@ TEST_F(CopyEngine, APipeAtTheDestinationThatNobodyReadsDoesNotHangAndCannotBeOpe
   writeFile("/tmp/from/one.dat", "one");
   makeFolder("/tmp/to");
   ASSERT_EQ(mkfifo("/tmp/to/one.dat", 0666), 0);
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFolder("/tmp/from", "/tmp/to"), 0);
   EXPECT_EQ(lastLogMessage(), "Target error /tmp/from/one.dat /tmp/to/one.dat No such device or address\n");
   EXPECT_THAT(page.host.linesThatBegin("sheet "), ElementsAre("sheet OK|Failed to open output file."));

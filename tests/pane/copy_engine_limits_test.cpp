@@ -9,18 +9,7 @@ namespace tavenhall::test {
 
 namespace {
 
-constexpr const char* kSignature = "/tmp/Resources/__Pace_Eden/Signatures/codesign.dsig";
-
-// A path of just that many bytes below /tmp, of names that every file system takes.
-std::string pathOfLength(std::size_t length) {
-  std::string path = "/tmp";
-  while (length - path.size() > 203) {
-    path += "/" + std::string(200, 'd');
-  }
-  path += "/" + std::string(length - path.size() - 1, 'd');
-  EXPECT_EQ(path.size(), length);
-  return path;
-}
+constexpr const char* kLooseSignature = "/tmp/Resources/__Pace_Eden/Signatures/codesign.dsig";
 
 std::int32_t copy(const std::string& source, const std::string& dest, const std::string& tailName,
                   bool isADir) {
@@ -75,14 +64,14 @@ TEST_F(CopyEngine, APrivilegedCommandOf2048BytesEndsTheProcess) {
 }
 
 TEST_F(CopyEngine, ASignatureCommandOf2047BytesIsRun) {
-  const std::string dest = pathOfLength(2047 - 13 - std::string(kSignature).size());
-  EXPECT_EQ(copy(kSignature, dest, "", false), 1);
+  const std::string dest = pathOfLength(2047 - 13 - std::string(kLooseSignature).size());
+  EXPECT_EQ(copy(kLooseSignature, dest, "", false), 1);
   EXPECT_THAT(platform().calls(),
-              testing::ElementsAre("system cp  -a  \"" + std::string(kSignature) + "\" \"" + dest + "\""));
+              testing::ElementsAre("system cp  -a  \"" + std::string(kLooseSignature) + "\" \"" + dest + "\""));
 }
 
 TEST_F(CopyEngine, ASignatureCommandOf2048BytesEndsTheProcess) {
-  EXPECT_DEATH(copy(kSignature, pathOfLength(2048 - 13 - std::string(kSignature).size()), "", false),
+  EXPECT_DEATH(copy(kLooseSignature, pathOfLength(2048 - 13 - std::string(kLooseSignature).size()), "", false),
                "does not fit its buffer of 2048 bytes");
 }
 

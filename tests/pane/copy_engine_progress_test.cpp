@@ -1,5 +1,5 @@
-#include "pane/install_data_pane.h"
 #include "pane/process_wide.h"
+#include "tests/pane/copying_page.h"
 #include "tests/pane/event_trace.h"
 #include "tests/pane/execution_fixtures.h"
 
@@ -14,15 +14,6 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-struct Page {
-  RecordingHost host;
-  InstallDataPane pane{host};
-
-  std::int32_t copyFile(const std::string& source = "/tmp/one.dat") {
-    return pane.copyDirectoryOrFile(source.c_str(), "/tmp/to.dat", "", false);
-  }
-};
-
 // A file that takes no room.
 void writeHoles(const std::string& path, std::uintmax_t size) {
   writeFile(path, "");
@@ -31,7 +22,7 @@ void writeHoles(const std::string& path, std::uintmax_t size) {
 
 std::int64_t kBytesCopiedFor(std::size_t size) {
   writeFile("/tmp/one.dat", someBytes(size));
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile(), 1);
   EXPECT_EQ(readFile("/tmp/to.dat"), someBytes(size)) << size;
   return page.pane.kBytesCopied;
@@ -59,14 +50,14 @@ TEST_F(CopyEngine, ManySmallFilesAddNothing) {
   for (int i = 0; i < 20; ++i) {
     writeFile("/tmp/from/" + std::to_string(i), someBytes(1000));
   }
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.pane.copyDirectoryOrFile("/tmp/from", "/tmp/to", "", true), 1);
   EXPECT_EQ(page.pane.kBytesCopied, 0);
 }
 
 TEST_F(CopyEngine, TheCountGrowsFromWhatItWas) {
   writeFile("/tmp/one.dat", someBytes(20480));
-  Page page;
+  CopyingPage page;
   page.pane.kBytesCopied = 5000000000;
   EXPECT_EQ(page.copyFile(), 1);
   EXPECT_EQ(page.copyFile(), 1);
@@ -77,7 +68,7 @@ TEST_F(CopyEngine, TheCountGrowsFromWhatItWas) {
 
 TEST_F(CopyEngine, AFileOfOneChunkUpdatesTheProgressOnce) {
   writeFile("/tmp/one.dat", someBytes(5000));
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile(), 1);
   EXPECT_THAT(page.host.linesThatBegin("progress."), ElementsAre("progress.value 4", "progress.display"));
   EXPECT_EQ(sAsteriskAnimationCounter, 1);
@@ -85,21 +76,21 @@ TEST_F(CopyEngine, AFileOfOneChunkUpdatesTheProgressOnce) {
 
 TEST_F(CopyEngine, AnEmptyFileUpdatesTheProgressOnce) {
   writeFile("/tmp/one.dat", "");
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile(), 1);
   EXPECT_EQ(sAsteriskAnimationCounter, 1);
 }
 
 TEST_F(CopyEngine, AFileOf99ChunksUpdatesTheProgressOnce) {
   writeFile("/tmp/one.dat", someBytes(99 * 10240));
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile(), 1);
   EXPECT_THAT(page.host.linesThatBegin("progress.value"), ElementsAre("progress.value 990"));
 }
 
 TEST_F(CopyEngine, AFileOf100ChunksUpdatesTheProgressTwice) {
   writeFile("/tmp/one.dat", someBytes(1024000));
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile(), 1);
   EXPECT_THAT(page.host.linesThatBegin("progress.value"),
               ElementsAre("progress.value 1000", "progress.value 1000"));
@@ -108,7 +99,7 @@ TEST_F(CopyEngine, AFileOf100ChunksUpdatesTheProgressTwice) {
 
 TEST_F(CopyEngine, EveryHundredthChunkAndTheEndUpdateTheProgress) {
   writeFile("/tmp/one.dat", someBytes(250 * 10240));
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile(), 1);
   EXPECT_THAT(page.host.linesThatBegin("progress.value"),
               ElementsAre("progress.value 1000", "progress.value 2000", "progress.value 2500"));
@@ -117,7 +108,7 @@ TEST_F(CopyEngine, EveryHundredthChunkAndTheEndUpdateTheProgress) {
 TEST_F(CopyEngine, ChunksAreNumberedAnewInEveryFile) {
   writeFile("/tmp/from/one.dat", someBytes(60 * 10240));
   writeFile("/tmp/from/two.dat", someBytes(60 * 10240));
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.pane.copyDirectoryOrFile("/tmp/from", "/tmp/to", "", true), 1);
   EXPECT_THAT(page.host.linesThatBegin("progress.value"),
               ElementsAre("progress.value 600", "progress.value 1200"));
@@ -125,14 +116,14 @@ TEST_F(CopyEngine, ChunksAreNumberedAnewInEveryFile) {
 
 TEST_F(CopyEngine, AFolderAloneUpdatesNothing) {
   makeFolder("/tmp/from/Samples");
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.pane.copyDirectoryOrFile("/tmp/from", "/tmp/to", "", true), 1);
   EXPECT_THAT(page.host.lines(), IsEmpty());
 }
 
 TEST_F(CopyEngine, TheUpdatesStandInTheOrderOfTheCopy) {
   writeFile("/tmp/from/Samples/one.dat", someBytes(3000));
-  Page page;
+  CopyingPage page;
   EventTrace trace(page.host);
   EXPECT_EQ(page.pane.copyDirectoryOrFile("/tmp/from", "/tmp/to", "TANVO", true), 1);
   EXPECT_THAT(trace.events(), ElementsAre("log Copying folder /tmp/from /tmp/to\n", "log mkdir 0 2 /tmp/to",
@@ -147,7 +138,7 @@ TEST_F(CopyEngine, TheUpdatesStandInTheOrderOfTheCopy) {
 
 TEST_F(CopyEngine, ExactlyAHundredMillionBytesWriteNoProgressLine) {
   writeHoles("/tmp/one.dat", 100000000);
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile(), 1);
   EXPECT_THAT(progressMessages(), IsEmpty());
   EXPECT_EQ(progressSizeForLoggingUnitBytes, 100000000.0F);
@@ -157,7 +148,7 @@ TEST_F(CopyEngine, ExactlyAHundredMillionBytesWriteNoProgressLine) {
 
 TEST_F(CopyEngine, TheChunkThatLiftsTheCountAboveAHundredMillionBytesWritesALine) {
   writeHoles("/tmp/one.dat", 210000000);
-  Page page;
+  CopyingPage page;
   EXPECT_EQ(page.copyFile(), 1);
   EXPECT_THAT(progressMessages(),
               ElementsAre("Data copy progress 0 (x 100MB)", "Data copy progress 1 (x 100MB)"));
@@ -167,7 +158,7 @@ TEST_F(CopyEngine, TheChunkThatLiftsTheCountAboveAHundredMillionBytesWritesALine
 
 TEST_F(CopyEngine, BytesBeyondTheThresholdAreNotCarriedOver) {
   writeFile("/tmp/one.dat", someBytes(10240));
-  Page page;
+  CopyingPage page;
   progressSizeForLoggingUnitBytes = 99999000.0F;
   EXPECT_EQ(page.copyFile(), 1);
   EXPECT_THAT(progressMessages(), ElementsAre("Data copy progress 0 (x 100MB)"));
@@ -176,7 +167,7 @@ TEST_F(CopyEngine, BytesBeyondTheThresholdAreNotCarriedOver) {
 
 TEST_F(CopyEngine, TheLineTellsTheNumberOfLinesBeforeIt) {
   writeFile("/tmp/one.dat", someBytes(10240));
-  Page page;
+  CopyingPage page;
   progressCounterForLogging = 41;
   progressSizeForLoggingUnitBytes = 99999999.0F;
   EXPECT_EQ(page.copyFile(), 1);
@@ -188,7 +179,7 @@ TEST_F(CopyEngine, TheCountRunsOnThroughSeveralFiles) {
   writeFile("/tmp/from/one.dat", someBytes(500));
   writeFile("/tmp/from/two.dat", someBytes(500));
   writeFile("/tmp/from/three.dat", someBytes(500));
-  Page page;
+  CopyingPage page;
   progressSizeForLoggingUnitBytes = 99999000.0F;
   EXPECT_EQ(page.pane.copyDirectoryOrFile("/tmp/from", "/tmp/to", "", true), 1);
   EXPECT_THAT(progressMessages(), ElementsAre("Data copy progress 0 (x 100MB)"));
@@ -198,7 +189,7 @@ TEST_F(CopyEngine, TheCountRunsOnThroughSeveralFiles) {
 // A 32-bit float holds only every eighth number there, so four bytes more are not seen.
 TEST_F(CopyEngine, FourBytesAboveAHundredMillionAreLostInTheFloat) {
   writeFile("/tmp/one.dat", someBytes(10004));
-  Page page;
+  CopyingPage page;
   progressSizeForLoggingUnitBytes = 99990000.0F;
   EXPECT_EQ(page.copyFile(), 1);
   EXPECT_THAT(progressMessages(), IsEmpty());
@@ -207,7 +198,7 @@ TEST_F(CopyEngine, FourBytesAboveAHundredMillionAreLostInTheFloat) {
 
 TEST_F(CopyEngine, FiveBytesAboveAHundredMillionWriteALine) {
   writeFile("/tmp/one.dat", someBytes(10005));
-  Page page;
+  CopyingPage page;
   progressSizeForLoggingUnitBytes = 99990000.0F;
   EXPECT_EQ(page.copyFile(), 1);
   EXPECT_THAT(progressMessages(), ElementsAre("Data copy progress 0 (x 100MB)"));
@@ -217,7 +208,7 @@ TEST_F(CopyEngine, SmallFilesAddNothingToALargeFloat) {
   for (int i = 0; i < 20; ++i) {
     writeFile("/tmp/from/" + std::to_string(i), "abc");
   }
-  Page page;
+  CopyingPage page;
   progressSizeForLoggingUnitBytes = 100000000.0F;
   EXPECT_EQ(page.pane.copyDirectoryOrFile("/tmp/from", "/tmp/to", "", true), 1);
   EXPECT_THAT(progressMessages(), IsEmpty());
@@ -226,7 +217,7 @@ TEST_F(CopyEngine, SmallFilesAddNothingToALargeFloat) {
 
 TEST_F(CopyEngine, TheLineStandsBeforeTheUpdateOfTheSameChunk) {
   writeFile("/tmp/one.dat", someBytes(1024000));
-  Page page;
+  CopyingPage page;
   EventTrace trace(page.host);
   progressSizeForLoggingUnitBytes = 98980000.0F;  // the hundredth chunk lifts it above
   EXPECT_EQ(page.copyFile(), 1);

@@ -16,12 +16,6 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-mode_t modeOf(const std::string& path) {
-  struct stat found {};
-  EXPECT_EQ(stat(path.c_str(), &found), 0) << path;
-  return found.st_mode & 07777;
-}
-
 std::int32_t copyFolder(const std::string& source, const std::string& dest) {
   RecordingHost host;
   InstallDataPane pane(host);

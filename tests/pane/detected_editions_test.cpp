@@ -18,8 +18,6 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
-constexpr const char* kCentral = "/Users/tester/Library/Application Support/Tavenhall/TANVO";
-
 struct Library {
   std::string folder;
   std::int32_t isLite;

@@ -17,7 +17,6 @@ namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr const char* kCentral = "/Users/tester/Library/Application Support/Tavenhall/TANVO";
 const std::string kGlassophone =
     "/Users/tester/Library/Application Support/Tavenhall/TANVO/Tessaphon/Soundsources/Factory/Tessaphon "
     "Library/"

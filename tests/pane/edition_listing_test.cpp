@@ -19,8 +19,6 @@ const std::string kUpdate = "/Users/tester/Downloads/Set/Update/TANVO";
 constexpr const char* kPacks = "/Users/tester/Downloads/Set/Update/TANVO/Mirel Packs";
 
 constexpr const char* kAttributes = "Mode = TavenhallUpdater\nRelativePath2 = Update\n";
-constexpr const char* kFoundLine =
-    "Found Installation Attribute File at  /Users/tester/Downloads/Set/.InstallationAttributes.dat";
 constexpr const char* kRelativePathLine = "Data from attributes file::  RelativePath2=Update ";
 constexpr const char* kSearchLine =
     "Searching for Mirel Packs update data: /Users/tester/Downloads/Set/Update/TANVO/Mirel Packs \n";

@@ -19,7 +19,7 @@ using testing::Not;
 constexpr const char* kChoiceFile = "/tmp/TavInstallType";
 constexpr const char* kTwoVolumes = "Mode = DataUpdater\nNumberOfVolumes = 2\n";
 
-constexpr std::int32_t kUntouched = 7;
+constexpr std::int32_t kUntouchedChoice = 7;
 
 class InstallChoiceFile : public testing::Test {
  protected:
@@ -45,7 +45,7 @@ TEST_P(InstallChoice, IsLiteOnlyForTheExactWordOnceTheLastCharacterIsGone) {
   writeFile(kChoiceFile, row.contents);
   RecordingHost host;
   InstallDataPane pane(host);
-  pane.gTwoComponentInstallChoicesAreLite[0] = kUntouched;
+  pane.gTwoComponentInstallChoicesAreLite[0] = kUntouchedChoice;
 
   pane.readEditionChoiceFile();
 
@@ -77,9 +77,9 @@ INSTANTIATE_TEST_SUITE_P(LongLines, InstallChoice,
 TEST_F(InstallChoiceFile, AMissingFileLeavesTheChoiceAndSaysSo) {
   RecordingHost host;
   InstallDataPane pane(host);
-  pane.gTwoComponentInstallChoicesAreLite[0] = kUntouched;
+  pane.gTwoComponentInstallChoicesAreLite[0] = kUntouchedChoice;
   pane.readEditionChoiceFile();
-  EXPECT_EQ(pane.gTwoComponentInstallChoicesAreLite[0], kUntouched);
+  EXPECT_EQ(pane.gTwoComponentInstallChoicesAreLite[0], kUntouchedChoice);
   EXPECT_THAT(logMessages(), ElementsAre("Could not open install type file  /tmp/TavInstallType"));
 }
 

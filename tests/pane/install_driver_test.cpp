@@ -15,15 +15,8 @@ using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 
-const std::string kTo = VolumePass::kCentral;
-
 constexpr const char* kComplete =
     "Installation complete\n*********************************************************\n";
-
-void setTexts(const std::string& more) {
-  setAttributes("InstallingData = Copying to %s\nInstalledData = Done in %s\nTotalSizeMillionsBytes = 1\n" +
-                more);
-}
 
 // An install thread at work while the main thread serves.
 struct Install : VolumePass {

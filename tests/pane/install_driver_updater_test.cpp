@@ -19,9 +19,6 @@ const std::string kData = kPackage + "/Data";
 const std::string kTanvo = "/Users/tester/Library/Application Support/Tavenhall/TANVO";
 const std::string kDova = "/Users/tester/Library/Application Support/Tavenhall/DOVA";
 
-constexpr const char* kFound =
-    "log Found Installation Attribute File at  /Users/tester/Downloads/Set/.InstallationAttributes.dat";
-
 // An update whose data lies in the folder Data beside the package.
 struct Update : VolumePass {
   explicit Update(const std::string& more = "") : VolumePass(4, kData) {

@@ -17,9 +17,6 @@ using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::Not;
 
-constexpr const char* kCentral = "/Users/tester/Library/Application Support/Tavenhall/TANVO";
-constexpr const char* kFoundLine =
-    "Found Installation Attribute File at  /Users/tester/Downloads/Set/.InstallationAttributes.dat";
 constexpr const char* kRelativeKindLine =
     "Install kind:  Relative path (Either Data updater or single-step fully-downloaded).";
 constexpr const char* kDisplayHold = "assertion NoDisplaySleepAssertion 255 Tavenhall installation in progress";

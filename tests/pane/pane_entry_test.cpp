@@ -16,8 +16,6 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr const char* kCentral = "/Users/tester/Library/Application Support/Tavenhall/TANVO";
-
 constexpr const char* kBanner =
     "log \n\n"
     "**********************************************************************************************\n"

@@ -15,8 +15,6 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr const char* kCentral = "/Users/tester/Library/Application Support/Tavenhall/TANVO";
-
 class PaneLifecycle : public testing::Test {
  protected:
   PaneLifecycle() { makeFolder("/Users/tester/Library/Caches"); }  // where the log goes

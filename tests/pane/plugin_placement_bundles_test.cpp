@@ -16,12 +16,12 @@ using testing::ElementsAreArray;
 using testing::IsEmpty;
 
 // An update's page that copies whole bundles.
-struct Page {
+struct BundlePage {
   RecordingHost host;
   InstallDataPane pane{host};
   EventTrace trace{host};
 
-  explicit Page(std::int32_t mode = 4) {
+  explicit BundlePage(std::int32_t mode = 4) {
     pane.gInstallMode = mode;
     platform().removal = [this](const std::string& path) {
       trace.takeRecords();
@@ -51,7 +51,7 @@ TEST_F(PluginPlacement, AComponentReplacesTheOldOneAndItsInnerItemsLogNothingOfI
   const std::string to = "/Library//Audio/Plug-Ins/Components/Lumaweave.component";
   writeFile(from + "/Contents/MacOS/Lumaweave", "new");
   writeFile(to + "/Contents/Resources/old.nib", "old");
-  Page page;
+  BundlePage page;
   EXPECT_EQ(page.copyFolder(from, to), 1);
   EXPECT_THAT(page.trace.eventsButProgress(),
               ElementsAre("log Configuring VST and Comp", "system sudo chmod 777 /Library/Audio/Plug-Ins/VST",
@@ -80,7 +80,7 @@ TEST_F(PluginPlacement, AllKindsOfOneProductAreRemovedInOneCopyOfTheLibrary) {
     writeFile(std::string("/tmp/Set/Library/") + bundle + "/Contents/new", "new");
     writeFile(std::string("/Library/") + bundle + "/Contents/old", "old");
   }
-  Page page;
+  BundlePage page;
   EXPECT_EQ(page.copyFolder("/tmp/Set/Library", "/Library/"), 1);
   EXPECT_THAT(platform().callsThatBegin("remove "),
               testing::UnorderedElementsAre(
@@ -94,7 +94,7 @@ TEST_F(PluginPlacement, AllKindsOfOneProductAreRemovedInOneCopyOfTheLibrary) {
 TEST_F(PluginPlacement, APluginOfNoListedProductIsCopiedOverWhatIsThere) {
   writeFile("/tmp/Set/Library/Audio/Plug-Ins/VST/Foreign.vst/Contents/new", "new");
   writeFile("/Library/Audio/Plug-Ins/VST/Foreign.vst/Contents/old", "old");
-  Page page;
+  BundlePage page;
   EXPECT_EQ(page.copyFolder("/tmp/Set/Library", "/Library/"), 1);
   EXPECT_THAT(treeOf("/Library/Audio/Plug-Ins/VST/Foreign.vst"),
               ElementsAre("Contents/", "Contents/new", "Contents/old"));
@@ -102,7 +102,7 @@ TEST_F(PluginPlacement, APluginOfNoListedProductIsCopiedOverWhatIsThere) {
 }
 
 TEST_F(PluginPlacement, ASecondItemOfTheSameProductAndKindIsCopiedOverWhatIsThere) {
-  Page page;
+  BundlePage page;
   for (const char* bundle : {"Lumaweave.vst", "Lumaweave Legacy.vst"}) {
     writeFile(std::string("/tmp/Set/") + bundle + "/new", "new");
     writeFile(std::string("/Library/Audio/Plug-Ins/VST/") + bundle + "/old", "old");
@@ -118,7 +118,7 @@ TEST_F(PluginPlacement, ASecondItemOfTheSameProductAndKindIsCopiedOverWhatIsTher
 TEST_F(PluginPlacement, AFailedRemovalDoesNotKeepThePluginFromBeingCopied) {
   writeFile("/tmp/Set/Lumaweave.vst/new", "new");
   writeFile("/Library/Audio/Plug-Ins/VST/Lumaweave.vst/old", "old");
-  Page page;
+  BundlePage page;
   platform().removal = [](const std::string&) { return RemovalError{true, "busy", "in use"}; };
   EXPECT_EQ(page.copyFolder("/tmp/Set/Lumaweave.vst", "/Library/Audio/Plug-Ins/VST/Lumaweave.vst"), 1);
   EXPECT_THAT(treeOf("/Library/Audio/Plug-Ins/VST/Lumaweave.vst"), ElementsAre("new", "old"));
@@ -127,7 +127,7 @@ TEST_F(PluginPlacement, AFailedRemovalDoesNotKeepThePluginFromBeingCopied) {
 TEST_F(PluginPlacement, APluginThatIsASingleFileIsReplacedToo) {
   writeFile("/tmp/Set/Lumaweave.vst3", "new");
   writeFile("/Library/Audio/Plug-Ins/VST3/Lumaweave.vst3/Contents/old", "old");
-  Page page;
+  BundlePage page;
   EXPECT_EQ(page.copyFile("/tmp/Set/Lumaweave.vst3", "/Library/Audio/Plug-Ins/VST3/Lumaweave.vst3"), 1);
   EXPECT_EQ(readFile("/Library/Audio/Plug-Ins/VST3/Lumaweave.vst3"), "new");
 }
@@ -137,7 +137,7 @@ TEST_F(PluginPlacement, PluginsOfOtherModesAreCopiedLikeAnyData) {
     const std::string vst = "/Library/Audio/Plug-Ins/VST/Lumaweave.vst";
     writeFile("/tmp/Set/Lumaweave.vst/new", "new");
     writeFile(vst + "/old", "old");
-    Page page(mode);
+    BundlePage page(mode);
     EXPECT_EQ(page.copyFolder("/tmp/Set/Lumaweave.vst", vst), 1);
     EXPECT_THAT(page.trace.eventsButProgress(),
                 ElementsAre("log Copying folder /tmp/Set/Lumaweave.vst " + vst + "\n"));
@@ -152,7 +152,7 @@ TEST_F(PluginPlacement, AnApplicationIsRemovedOnceCopiedAndOpenedUpFromTheInside
   const std::string to = "/Applications//Tessaphon.app";
   writeFile(from + "/Contents/MacOS/Tessaphon", "new");
   writeFile(to + "/Contents/old", "old");
-  Page page;
+  BundlePage page;
   EXPECT_EQ(page.copyFolder(from, to), 1);
   EXPECT_THAT(
       page.trace.eventsButProgress(),
@@ -177,7 +177,7 @@ TEST_F(PluginPlacement, AnApplicationIsRemovedOnceCopiedAndOpenedUpFromTheInside
 TEST_F(PluginPlacement, EveryItemOfAnApplicationGetsRights777OfItsOwn) {
   writeFile("/tmp/Set/Tessaphon.app/Contents/MacOS/Tessaphon", "new");
   const mode_t before = umask(0077);
-  Page page;
+  BundlePage page;
   EXPECT_EQ(page.copyFolder("/tmp/Set/Tessaphon.app", "/Applications/Tessaphon.app"), 1);
   umask(before);
   EXPECT_THAT(platform().callsThatBegin("permissions "),
@@ -195,7 +195,7 @@ TEST_F(PluginPlacement, EveryItemOfAnApplicationGetsRights777OfItsOwn) {
 TEST_F(PluginPlacement, AnApplicationOfNoListedProductIsNotRemovedButOpenedUp) {
   writeFile("/tmp/Set/Foreign.app/new", "new");
   writeFile("/Applications/Foreign.app/old", "old");
-  Page page;
+  BundlePage page;
   EXPECT_EQ(page.copyFolder("/tmp/Set/Foreign.app", "/Applications/Foreign.app"), 1);
   EXPECT_THAT(platform().callsThatBegin("remove "), IsEmpty());
   EXPECT_THAT(chmods(), ElementsAre("system sudo chmod -R 777 /Applications/Foreign.app/new",
@@ -205,7 +205,7 @@ TEST_F(PluginPlacement, AnApplicationOfNoListedProductIsNotRemovedButOpenedUp) {
 
 TEST_F(PluginPlacement, WhatLiesBesideTheApplicationsIsNotOpenedUp) {
   writeFile("/tmp/Set/Applications/Tavenhall/Read Me.txt", "text");
-  Page page;
+  BundlePage page;
   EXPECT_EQ(page.copyFolder("/tmp/Set/Applications", "/Applications/"), 1);
   EXPECT_THAT(platform().calls(), IsEmpty());
 }
@@ -213,7 +213,7 @@ TEST_F(PluginPlacement, WhatLiesBesideTheApplicationsIsNotOpenedUp) {
 TEST_F(PluginPlacement, AnApplicationsPermissionsFollowEveryOutcome) {
   makeFolder("/Applications/Foreign.app/folder");
   writeFile("/tmp/file", "x");
-  Page page;
+  BundlePage page;
   EXPECT_EQ(page.copyFile("/tmp/none", "/Applications/Foreign.app/missing"), 0);
   EXPECT_EQ(page.copyFile("/tmp/file", "/Applications/Foreign.app/folder"), 0);
   EXPECT_EQ(page.copyFile("/tmp/.InstallationAttributes.dat", "/Applications/Foreign.app/skipped"), 1);
@@ -232,7 +232,7 @@ TEST_F(PluginPlacement, ApplicationsOfOtherModesAreNeitherRemovedNorOpenedUp) {
   for (const std::int32_t mode : {0, 2, 3}) {
     writeFile("/tmp/Set/Tessaphon.app/new", "new");
     writeFile("/Applications/Tessaphon.app/old", "old");
-    Page page(mode);
+    BundlePage page(mode);
     EXPECT_EQ(page.copyFolder("/tmp/Set/Tessaphon.app", "/Applications/Tessaphon.app"), 1);
   }
   EXPECT_THAT(platform().calls(), IsEmpty());
@@ -244,7 +244,7 @@ TEST_F(PluginPlacement, TheSignatureInsideAWrapperIsCopiedByTheShellAmongItsOthe
   const std::string to = "/Library//Application Support/Avid/Audio/Plug-Ins/Lumaweave.aaxplugin";
   writeFile(from + "/Contents/Resources/__Pace_Eden/Signatures/codesign.dsig", "signature");
   makeFolder("/Library/Application Support/Avid/Audio/Plug-Ins");
-  Page page;
+  BundlePage page;
   EXPECT_EQ(page.copyFolder(from, to), 1);
   const std::string tail = "/Contents/Resources/__Pace_Eden/Signatures/codesign.dsig\"";
   const std::string command = "cp  -a  \"" + from + tail + " \"" + to + tail;

@@ -36,11 +36,11 @@ const std::vector<std::string>& products() {
   return names;
 }
 
-struct Page {
+struct RemovingPage {
   RecordingHost host;
   InstallDataPane pane{host};
 
-  explicit Page(std::int32_t mode = 4) { pane.gInstallMode = mode; }
+  explicit RemovingPage(std::int32_t mode = 4) { pane.gInstallMode = mode; }
 
   // Every destination that a placement removed since the test began.
   std::vector<std::string> removals(const std::string& source, const std::string& dest) {
@@ -67,7 +67,7 @@ INSTANTIATE_TEST_SUITE_P(PluginPlacement, PluginKinds,
 TEST_P(PluginKinds, IsRemovedOnceWithAllItsLines) {
   const std::string dest = kind.folder + product + kind.suffix;
   writeFile(dest + "/Contents/old", "old");
-  Page page;
+  RemovingPage page;
   page.pane.placePlugin(("/tmp/Set/" + product + kind.suffix).c_str(), dest.c_str());
   EXPECT_FALSE(exists(dest));
 
@@ -89,7 +89,7 @@ TEST_P(PluginKinds, IsRemovedOnceWithAllItsLines) {
 TEST_P(PluginKinds, IsNotRemovedASecondTime) {
   const std::string dest = kind.folder + product + kind.suffix;
   writeFile(dest + "/Contents/old", "old");
-  Page page;
+  RemovingPage page;
   page.pane.placePlugin(("/tmp/Set/" + product + kind.suffix).c_str(), dest.c_str());
   const auto messages = logMessages();
   writeFile(dest + "/Contents/new", "new");
@@ -104,7 +104,7 @@ TEST_P(PluginKinds, IsLeftAloneInOtherModes) {
   const std::string dest = kind.folder + product + kind.suffix;
   writeFile(dest + "/Contents/old", "old");
   for (const std::int32_t mode : {0, 2, 3}) {
-    Page page(mode);
+    RemovingPage page(mode);
     page.pane.placePlugin(("/tmp/Set/" + product + kind.suffix).c_str(), dest.c_str());
     page.pane.openApplicationPermissions(dest.c_str());
   }
@@ -112,7 +112,7 @@ TEST_P(PluginKinds, IsLeftAloneInOtherModes) {
   EXPECT_THAT(logMessages(), IsEmpty());
   EXPECT_THAT(platform().calls(), IsEmpty());
   // Nor has any of them been taken for done.
-  EXPECT_EQ(Page().removals("/tmp/Set/" + product, dest).size(), 1U);
+  EXPECT_EQ(RemovingPage().removals("/tmp/Set/" + product, dest).size(), 1U);
 }
 
 TEST_F(PluginPlacement, EveryKindOfEveryProductIsRemovedOnceInOneRun) {
@@ -121,7 +121,7 @@ TEST_F(PluginPlacement, EveryKindOfEveryProductIsRemovedOnceInOneRun) {
     for (const std::string& product : products()) {
       for (const Kind& kind : kinds()) {
         const std::string dest = kind.folder + product + kind.suffix;
-        Page page;  // the flags are the process's, not the page's
+        RemovingPage page;  // the flags are the process's, not the page's
         page.pane.placePlugin(("/tmp/Set/" + product).c_str(), dest.c_str());
         if (round == 0) {
           expected.push_back("remove " + dest);
@@ -136,7 +136,7 @@ TEST_F(PluginPlacement, EveryKindOfEveryProductIsRemovedOnceInOneRun) {
 
 // Is the kind of `dest`, for a product met for the first time, that of the folder and suffix of `other`?
 bool isOfTheKindOf(const std::string& dest, const std::string& other) {
-  Page page;
+  RemovingPage page;
   const auto before = page.removals("/tmp/Set/Lumaweave", dest).size();
   return before == 1 && page.removals("/tmp/Set/Lumaweave", other).size() == before;
 }
@@ -152,7 +152,7 @@ TEST_F(PluginPlacement, AVst3SuffixInTheVstFolderIsAVst) {
 }
 
 TEST_F(PluginPlacement, AVst3IsNotAVst) {
-  Page page;
+  RemovingPage page;
   EXPECT_EQ(page.removals("/tmp/Set/Lumaweave", "/Library//Audio/Plug-Ins/VST3/Lumaweave.vst3").size(), 1U);
   EXPECT_EQ(page.removals("/tmp/Set/Lumaweave", "/Library//Audio/Plug-Ins/VST/Lumaweave.vst").size(), 2U);
 }
@@ -179,7 +179,7 @@ TEST_F(PluginPlacement, APluginInsideAnApplicationIsAnApplication) {
 }
 
 TEST_F(PluginPlacement, WhatLiesInsideAnApplicationThatIsDoneIsNotTriedAsAnotherKind) {
-  Page page;
+  RemovingPage page;
   EXPECT_EQ(page.removals("/tmp/Set/Lumaweave", "/Applications//Lumaweave.app").size(), 1U);
   EXPECT_EQ(
       page.removals("/tmp/Set/Lumaweave", "/Applications//Lumaweave.app/Plug-Ins/VST/Lumaweave.vst").size(),
@@ -194,14 +194,14 @@ TEST_F(PluginPlacement, DestinationsOfNoKindAreLeftAlone) {
         "/Library//Application Support/Avid/Audio/Plug-Ins/Lumaweave.APP",
         "/Library//Application Support/Tavenhall/TANVO/Lumaweave.vst", "/Applications//Lumaweave",
         "/Applications", "/tmp/Applications.app/Lumaweave", "/Library//Audio/Plug-Ins/VST"}) {
-    EXPECT_THAT(Page().removals("/tmp/Set/Lumaweave", dest), IsEmpty()) << dest;
+    EXPECT_THAT(RemovingPage().removals("/tmp/Set/Lumaweave", dest), IsEmpty()) << dest;
   }
   EXPECT_THAT(logMessages(), IsEmpty());
   EXPECT_THAT(platform().calls(), IsEmpty());
 }
 
 TEST_F(PluginPlacement, AKindsWordsMayStandAnywhereInThePath) {
-  EXPECT_THAT(Page().removals("/tmp/Set/Lumaweave", "/tmp/a.vst/Plug-Ins/VST-old/Lumaweave"),
+  EXPECT_THAT(RemovingPage().removals("/tmp/Set/Lumaweave", "/tmp/a.vst/Plug-Ins/VST-old/Lumaweave"),
               ElementsAre("remove /tmp/a.vst/Plug-Ins/VST-old/Lumaweave"));
 }
 
@@ -210,20 +210,22 @@ TEST_F(PluginPlacement, AKindsWordsMayStandAnywhereInThePath) {
 TEST_F(PluginPlacement, APluginOfNoListedProductIsLeftAlone) {
   writeFile("/Library/Audio/Plug-Ins/VST/Foreign.vst/old", "old");
   for (const char* source : {"/tmp/Set/Foreign.vst", "/tmp/Set/lumaweave.vst", "/tmp/Set/Tempora QX.vst", ""}) {
-    EXPECT_THAT(Page().removals(source, "/Library//Audio/Plug-Ins/VST/Foreign.vst"), IsEmpty()) << source;
+    EXPECT_THAT(RemovingPage().removals(source, "/Library//Audio/Plug-Ins/VST/Foreign.vst"), IsEmpty())
+        << source;
   }
   EXPECT_THAT(logMessages(), IsEmpty());
   EXPECT_TRUE(exists("/Library/Audio/Plug-Ins/VST/Foreign.vst/old"));
 }
 
 TEST_F(PluginPlacement, TheDestinationsNameMattersNot) {
-  EXPECT_THAT(Page().removals("/tmp/Set/Foreign.vst", "/Library//Audio/Plug-Ins/VST/Lumaweave.vst"), IsEmpty());
-  EXPECT_THAT(Page().removals("/tmp/Set/Lumaweave.vst", "/Library//Audio/Plug-Ins/VST/Foreign.vst"),
+  EXPECT_THAT(RemovingPage().removals("/tmp/Set/Foreign.vst", "/Library//Audio/Plug-Ins/VST/Lumaweave.vst"),
+              IsEmpty());
+  EXPECT_THAT(RemovingPage().removals("/tmp/Set/Lumaweave.vst", "/Library//Audio/Plug-Ins/VST/Foreign.vst"),
               ElementsAre("remove /Library//Audio/Plug-Ins/VST/Foreign.vst"));
 }
 
 TEST_F(PluginPlacement, OfTwoNamesInThePathTheEarlierInTheTableCounts) {
-  Page page;
+  RemovingPage page;
   const std::string folder = "/Library//Audio/Plug-Ins/VST/";
   EXPECT_EQ(page.removals("/tmp/Bassoria/Tessaphon.vst", folder + "a.vst").size(), 1U);   // Tessaphon
   EXPECT_EQ(page.removals("/tmp/Set/Tessaphon.vst", folder + "b.vst").size(), 1U);        // done already
@@ -234,7 +236,7 @@ TEST_F(PluginPlacement, OfTwoNamesInThePathTheEarlierInTheTableCounts) {
 }
 
 TEST_F(PluginPlacement, ANameInThePackagesOwnPathMakesEveryPluginThatProduct) {
-  Page page;
+  RemovingPage page;
   const std::string folder = "/Library//Audio/Plug-Ins/VST/";
   EXPECT_EQ(page.removals("/tmp/Lumaweave Set/Tessaphon.vst", folder + "Tessaphon.vst").size(), 1U);
   EXPECT_EQ(page.removals("/tmp/Lumaweave Set/Bassoria.vst", folder + "Bassoria.vst").size(), 1U);
@@ -247,7 +249,7 @@ TEST_F(PluginPlacement, ADestinationOf30BytesIsNoPluginAndSetsItsFlagSilently) {
   const std::string dest = "/tmp/Plug-Ins/VST/abcdefgh.vst";
   ASSERT_EQ(dest.size(), 30U);
   writeFile(dest + "/old", "old");
-  Page page;
+  RemovingPage page;
   EXPECT_THAT(page.removals("/tmp/Set/Lumaweave.vst", dest), IsEmpty());
   EXPECT_TRUE(exists(dest + "/old"));
   EXPECT_THAT(logMessages(), IsEmpty());
@@ -259,23 +261,23 @@ TEST_F(PluginPlacement, ADestinationOf30BytesIsNoPluginAndSetsItsFlagSilently) {
 TEST_F(PluginPlacement, ADestinationOf31BytesIsAPlugin) {
   const std::string dest = "/tmp/Plug-Ins/VST/abcdefghi.vst";
   ASSERT_EQ(dest.size(), 31U);
-  EXPECT_THAT(Page().removals("/tmp/Set/Lumaweave.vst", dest), ElementsAre("remove " + dest));
+  EXPECT_THAT(RemovingPage().removals("/tmp/Set/Lumaweave.vst", dest), ElementsAre("remove " + dest));
 }
 
 TEST_F(PluginPlacement, AShortApplicationDestinationIsAnApplicationAllTheSame) {
-  EXPECT_THAT(Page().removals("/tmp/Set/Lumaweave.app", "/Applications/L.app"),
+  EXPECT_THAT(RemovingPage().removals("/tmp/Set/Lumaweave.app", "/Applications/L.app"),
               ElementsAre("remove /Applications/L.app"));
 }
 
 TEST_F(PluginPlacement, AnApplicationThatIsNoPluginDestinationConfiguresNoPluginFolders) {
-  Page page;
+  RemovingPage page;
   EXPECT_EQ(page.removals("/tmp/Set/Lumaweave.app", "/Applications//Lumaweave.app").size(), 1U);
   EXPECT_THAT(thoseThatBegin(logMessages(), "Configuring"), IsEmpty());
   EXPECT_THAT(platform().callsThatBegin("system "), IsEmpty());
 }
 
 TEST_F(PluginPlacement, AnApplicationInAPluginFolderConfiguresThePluginFolders) {
-  Page page;
+  RemovingPage page;
   EXPECT_EQ(page.removals("/tmp/Set/Lumaweave.app", "/tmp/Plug-Ins/Applications/Lumaweave.app").size(), 1U);
   EXPECT_THAT(thoseThatBegin(logMessages(), "Configuring"), ElementsAre("Configuring VST and Comp"));
 }

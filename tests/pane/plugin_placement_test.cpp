@@ -18,20 +18,14 @@ using testing::IsEmpty;
 
 constexpr const char* kVst = "/Library//Audio/Plug-Ins/VST/Lumaweave.vst";
 
-struct Page {
+struct PlacingPage {
   RecordingHost host;
   InstallDataPane pane{host};
 
-  explicit Page(std::int32_t mode = 4) { pane.gInstallMode = mode; }
+  explicit PlacingPage(std::int32_t mode = 4) { pane.gInstallMode = mode; }
 
   void placeVst() const { pane.placePlugin("/tmp/Set/Lumaweave.vst", kVst); }
 };
-
-mode_t modeOf(const std::string& path) {
-  struct stat found {};
-  EXPECT_EQ(stat(path.c_str(), &found), 0) << path;
-  return found.st_mode & 07777;
-}
 
 std::vector<std::string> linesFrom(const std::string& start) {
   const auto messages = logMessages();
@@ -43,7 +37,7 @@ std::vector<std::string> linesFrom(const std::string& start) {
 // ---- The steps of a placement ----
 
 TEST_F(PluginPlacement, FoldersAreOpenedTheItemIsRemovedAndThePlaceIsProbedInThisOrder) {
-  Page page;
+  PlacingPage page;
   EventTrace trace(page.host);
   platform().removal = [&](const std::string&) {
     trace.takeRecords();
@@ -75,7 +69,7 @@ TEST_F(PluginPlacement, ThePluginFoldersThemselvesAreOpenedOneByOne) {
   chmod("/Library/Audio/Plug-Ins/VST", 0755);
   chmod("/Library/Audio/Plug-Ins/VST/inside", 0755);
   chmod("/Library/Audio/Plug-Ins/Components", 0700);
-  Page().placeVst();
+  PlacingPage().placeVst();
   EXPECT_THAT(
       platform().callsThatBegin("permissions "),
       ElementsAre("permissions 777 /Library/Audio/Plug-Ins/VST", "permissions 777 /Library/Audio/Plug-Ins/VST3",
@@ -88,12 +82,12 @@ TEST_F(PluginPlacement, ThePluginFoldersThemselvesAreOpenedOneByOne) {
 
 TEST_F(PluginPlacement, AWholeTreeIsRemoved) {
   writeFile("/Library/Audio/Plug-Ins/VST/Lumaweave.vst/Contents/MacOS/Lumaweave", "old");
-  Page().placeVst();
+  PlacingPage().placeVst();
   EXPECT_THAT(treeOf("/Library/Audio/Plug-Ins/VST"), IsEmpty());
 }
 
 TEST_F(PluginPlacement, ADestinationThatIsNotThereGivesTheUnableLine) {
-  Page().placeVst();
+  PlacingPage().placeVst();
   EXPECT_THAT(
       linesFrom("Deleting"),
       ElementsAre(std::string("Deleting pre-existing plugin/wrapper/application at ") + kVst,
@@ -106,7 +100,7 @@ TEST_F(PluginPlacement, ARemovalsErrorIsLoggedWithBothItsTexts) {
     EXPECT_EQ(path, kVst);
     return RemovalError{true, "\"Lumaweave.vst\" couldn't be removed. 100% %s", "You don't have permission."};
   };
-  Page().placeVst();
+  PlacingPage().placeVst();
   const auto lines = linesFrom("Unable to delete");
   ASSERT_GE(lines.size(), 2U);
   EXPECT_EQ(lines[0], std::string("Unable to delete existing p/w/a at ") + kVst);
@@ -115,7 +109,7 @@ TEST_F(PluginPlacement, ARemovalsErrorIsLoggedWithBothItsTexts) {
 
 TEST_F(PluginPlacement, AnErrorWithoutTextsIsAnErrorAllTheSame) {
   platform().removal = [](const std::string&) { return RemovalError{true, "", ""}; };
-  Page().placeVst();
+  PlacingPage().placeVst();
   const auto lines = linesFrom("Unable to delete");
   ASSERT_GE(lines.size(), 2U);
   EXPECT_EQ(lines[1], " ...   ");
@@ -123,7 +117,7 @@ TEST_F(PluginPlacement, AnErrorWithoutTextsIsAnErrorAllTheSame) {
 
 TEST_F(PluginPlacement, AReasonWithoutADescriptionKeepsBothBlanks) {
   platform().removal = [](const std::string&) { return RemovalError{true, "", "the reason"}; };
-  Page().placeVst();
+  PlacingPage().placeVst();
   const auto lines = linesFrom("Unable to delete");
   ASSERT_GE(lines.size(), 2U);
   EXPECT_EQ(lines[1], " ...   the reason");
@@ -132,7 +126,7 @@ TEST_F(PluginPlacement, AReasonWithoutADescriptionKeepsBothBlanks) {
 TEST_F(PluginPlacement, AProbeThatWritesLeavesNothingBehind) {
   writeFile("/Library/Audio/Plug-Ins/VST/Lumaweave.vst/old", "old");
   platform().removal = [](const std::string&) { return RemovalError{true, "busy", ""}; };
-  Page().placeVst();
+  PlacingPage().placeVst();
   EXPECT_THAT(linesFrom(" ...  statfs"), ElementsAre(" ...  statfs call on p/w/a  successful.",
                                                      " ... successfully wrote dummy file into p/w/a folder."));
   EXPECT_THAT(treeOf("/Library/Audio/Plug-Ins/VST/Lumaweave.vst"), ElementsAre("old"));
@@ -145,22 +139,22 @@ TEST_F(PluginPlacement, AFailedStatfsDoesNotKeepTheProbeFromWriting) {
     EXPECT_EQ(path, kVst);
     return false;
   };
-  Page().placeVst();
+  PlacingPage().placeVst();
   EXPECT_THAT(linesFrom(" ...  statfs"), ElementsAre(" ...  statfs call on p/w/a failed.",
                                                      " ... successfully wrote dummy file into p/w/a folder."));
 }
 
 TEST_F(PluginPlacement, AProbePathOf1023BytesIsProbed) {
   const std::string folder = "/Library//Audio/Plug-Ins/VST/";
-  Page().pane.placePlugin("/tmp/Lumaweave.vst",
-                          (folder + std::string(1010 - folder.size() - 4, 'p') + ".vst").c_str());
+  PlacingPage().pane.placePlugin("/tmp/Lumaweave.vst",
+                                 (folder + std::string(1010 - folder.size() - 4, 'p') + ".vst").c_str());
   EXPECT_EQ(lastLogMessage(), " ... failed to write dummy file into p/w/a folder.");
 }
 
 TEST_F(PluginPlacement, AProbePathOf1024BytesEndsTheProcess) {
   const std::string folder = "/Library//Audio/Plug-Ins/VST/";
   const std::string dest = folder + std::string(1011 - folder.size() - 4, 'p') + ".vst";
-  EXPECT_DEATH(Page().pane.placePlugin("/tmp/Lumaweave.vst", dest.c_str()),
+  EXPECT_DEATH(PlacingPage().pane.placePlugin("/tmp/Lumaweave.vst", dest.c_str()),
                "does not fit its buffer of 1024 bytes");
 }
 

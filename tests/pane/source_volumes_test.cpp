@@ -14,9 +14,6 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr const char* kFoundLine =
-    "Found Installation Attribute File at  /Users/tester/Downloads/Set/.InstallationAttributes.dat";
-
 class SourceVolumes : public testing::Test {
  protected:
   SourceVolumes() { makeFolder("/Users/tester/Library/Caches"); }  // where the log goes

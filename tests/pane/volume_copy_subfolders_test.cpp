@@ -15,24 +15,25 @@ using testing::IsEmpty;
 
 constexpr const char* kSecond = "/tmp/Second/TANVO";
 
-struct Library {
+struct ChosenLibrary {
   const char* name;
   std::int32_t isLite;
 };
 
 // An update that is at its second component, whose three libraries have a file each.
-struct Update {
+struct SecondVolume {
   RecordingHost host;
   InstallDataPane pane{host};
 
-  explicit Update(const std::vector<Library>& libraries = {{"Aria", 0}, {"Borealis", 1}, {"Cinder", 0}}) {
+  explicit SecondVolume(const std::vector<ChosenLibrary>& libraries = {
+                            {"Aria", 0}, {"Borealis", 1}, {"Cinder", 0}}) {
     pane.gInstallMode = 4;
     pane.gCurrentVolumeNumber = 1;
     pane.copySrcPath = kSecond;
     pane.copyDstPath = "/tmp/to";
     pane.gTANVOorDOVAnameOnly.assign("TANVO");
     pane.copySingleVolumeRunning = 1;
-    for (const Library& library : libraries) {
+    for (const ChosenLibrary& library : libraries) {
       const auto i = static_cast<std::size_t>(pane.gNumTwoComponentInstallFolders++);
       pane.gTwoComponentInstallFolderNames[i].assign(library.name);
       pane.gTwoComponentInstallChoicesAreLite[i] = library.isLite;
@@ -51,7 +52,7 @@ struct Update {
 std::vector<std::string> begins() { return thoseThatBegin(logMessages(), "Begin copySingleVolume"); }
 
 TEST_F(VolumeCopy, TheSecondVolumeOfAnUpdateCopiesOnlyTheLibrariesChosenInFull) {
-  Update update;
+  SecondVolume update;
   update.pane.copySingleVolume();
   EXPECT_THAT(treeOf("/tmp/to"), ElementsAre("Aria/", "Aria/full.dat", "Cinder/", "Cinder/full.dat"));
   EXPECT_EQ(update.pane.readyToProceed, 1);
@@ -59,7 +60,7 @@ TEST_F(VolumeCopy, TheSecondVolumeOfAnUpdateCopiesOnlyTheLibrariesChosenInFull) 
 }
 
 TEST_F(VolumeCopy, EverySubFolderCopyIsLoggedBeforeTheEnginesLines) {
-  Update update;
+  SecondVolume update;
   EventTrace trace(update.host);
   update.pane.copySingleVolume();
   EXPECT_THAT(
@@ -73,29 +74,29 @@ TEST_F(VolumeCopy, EverySubFolderCopyIsLoggedBeforeTheEnginesLines) {
 }
 
 TEST_F(VolumeCopy, TheLastSubFoldersFailureCounts) {
-  Update update;
-  Update::breakLibrary("Cinder");
+  SecondVolume update;
+  SecondVolume::breakLibrary("Cinder");
   update.pane.copySingleVolume();
   EXPECT_EQ(update.pane.readyToProceed, 0);
 }
 
 TEST_F(VolumeCopy, AnEarlierSubFoldersFailureIsForgotten) {
-  Update update;
-  Update::breakLibrary("Aria");
+  SecondVolume update;
+  SecondVolume::breakLibrary("Aria");
   update.pane.copySingleVolume();
   EXPECT_EQ(update.pane.readyToProceed, 1);
   EXPECT_EQ(begins().size(), 2U);
 }
 
 TEST_F(VolumeCopy, EveryValueButZeroMeansLite) {
-  Update update({{"Aria", -1}, {"Borealis", 0}, {"Cinder", 2}});
+  SecondVolume update({{"Aria", -1}, {"Borealis", 0}, {"Cinder", 2}});
   update.pane.copySingleVolume();
   EXPECT_THAT(treeOf("/tmp/to"), ElementsAre("Borealis/", "Borealis/full.dat"));
 }
 
 TEST_F(VolumeCopy, WithoutLibrariesNothingIsCopiedAndReadyToProceedStays) {
   for (const std::int32_t count : {0, -1}) {
-    Update update(std::vector<Library>{});
+    SecondVolume update(std::vector<ChosenLibrary>{});
     update.pane.gNumTwoComponentInstallFolders = count;
     update.pane.readyToProceed = 7;
     update.pane.copySingleVolume();
@@ -109,7 +110,7 @@ TEST_F(VolumeCopy, WithoutLibrariesNothingIsCopiedAndReadyToProceedStays) {
 }
 
 TEST_F(VolumeCopy, WithLiteLibrariesOnlyNothingIsCopiedAndReadyToProceedStays) {
-  Update update({{"Aria", 1}, {"Borealis", 1}});
+  SecondVolume update({{"Aria", 1}, {"Borealis", 1}});
   update.pane.readyToProceed = 1;
   update.pane.copySingleVolume();
   EXPECT_THAT(treeOf("/tmp/to"), IsEmpty());
@@ -117,14 +118,14 @@ TEST_F(VolumeCopy, WithLiteLibrariesOnlyNothingIsCopiedAndReadyToProceedStays) {
 }
 
 TEST_F(VolumeCopy, TheNumberOfLibrariesIsReadAnewAfterEachCopy) {
-  Update update({{"Aria", 0}, {"Borealis", 0}, {"Cinder", 0}});
+  SecondVolume update({{"Aria", 0}, {"Borealis", 0}, {"Cinder", 0}});
   update.host.onLine = [&](const std::string&) { update.pane.gNumTwoComponentInstallFolders = 1; };
   update.pane.copySingleVolume();
   EXPECT_THAT(treeOf("/tmp/to"), ElementsAre("Aria/", "Aria/full.dat"));
 }
 
 TEST_F(VolumeCopy, ALibraryThatTheVolumeDoesNotHaveIsMadeEmptyAndCountsAsCopied) {
-  Update update({{"Aria", 0}});
+  SecondVolume update({{"Aria", 0}});
   update.pane.gTwoComponentInstallFolderNames[0].assign("Missing");
   update.pane.copySingleVolume();
   EXPECT_THAT(treeOf("/tmp/to"), ElementsAre("Missing/"));
@@ -132,20 +133,20 @@ TEST_F(VolumeCopy, ALibraryThatTheVolumeDoesNotHaveIsMadeEmptyAndCountsAsCopied)
 }
 
 TEST_F(VolumeCopy, APackInASubFolderIsCopiedBelowItsGroup) {
-  Update update({{"Mirel Packs/Dusk", 0}});
+  SecondVolume update({{"Mirel Packs/Dusk", 0}});
   makeFolder("/tmp/to/Mirel Packs");
   update.pane.copySingleVolume();
   EXPECT_THAT(treeOf("/tmp/to"), ElementsAre("Mirel Packs/", "Mirel Packs/Dusk/", "Mirel Packs/Dusk/full.dat"));
 }
 
 TEST_F(VolumeCopy, TheDataFoldersNameIsTheTailNameOfASubFolderToo) {
-  Update update({{"Aria", 0}});
+  SecondVolume update({{"Aria", 0}});
   update.pane.copySingleVolume();
   EXPECT_EQ(update.pane.gItemCurrentlyBeingInstalled.view(), "TANVO");
 }
 
 TEST_F(VolumeCopy, TheFirstVolumeOfAnUpdateIsCopiedWhole) {
-  Update update;
+  SecondVolume update;
   update.pane.gCurrentVolumeNumber = 0;
   update.pane.copySingleVolume();
   EXPECT_THAT(begins(), ElementsAre("Begin copySingleVolume: copySrcPath /tmp/Second/TANVO\n"));
@@ -153,7 +154,7 @@ TEST_F(VolumeCopy, TheFirstVolumeOfAnUpdateIsCopiedWhole) {
 }
 
 TEST_F(VolumeCopy, TheThirdVolumeOfAnUpdateIsCopiedWhole) {
-  Update update;
+  SecondVolume update;
   update.pane.gCurrentVolumeNumber = 2;
   update.pane.copySingleVolume();
   EXPECT_THAT(begins(), ElementsAre("Begin copySingleVolume: copySrcPath /tmp/Second/TANVO\n"));
@@ -161,7 +162,7 @@ TEST_F(VolumeCopy, TheThirdVolumeOfAnUpdateIsCopiedWhole) {
 
 TEST_F(VolumeCopy, TheSecondVolumeOfOtherModesIsCopiedWhole) {
   for (const std::int32_t mode : {0, 2, 3}) {
-    Update update;
+    SecondVolume update;
     update.pane.gInstallMode = mode;
     update.pane.copySingleVolume();
   }
@@ -171,7 +172,7 @@ TEST_F(VolumeCopy, TheSecondVolumeOfOtherModesIsCopiedWhole) {
 }
 
 TEST_F(VolumeCopy, NoDestinationIsNoneForTheSubFoldersEither) {
-  Update update;
+  SecondVolume update;
   update.pane.copyDstPath = nullptr;
   update.pane.readyToProceed = 1;
   update.pane.copySingleVolume();
@@ -186,19 +187,10 @@ TEST_F(VolumeCopy, NoDestinationIsNoneForTheSubFoldersEither) {
 
 // ---- Limits ----
 
-// A path of just that many bytes below /tmp, of names that every file system takes.
-std::string pathOfLength(std::size_t length, char filling) {
-  std::string path = "/tmp";
-  while (length - path.size() > 203) {
-    path += "/" + std::string(200, filling);
-  }
-  return path + "/" + std::string(length - path.size() - 1, filling);
-}
-
 TEST_F(VolumeCopy, SubFolderPathsOf2047BytesAreUsedWhole) {
-  Update update({{"Aria", 0}});
-  const std::string source = pathOfLength(2042, 's');
-  const std::string dest = pathOfLength(2042, 'd');
+  SecondVolume update({{"Aria", 0}});
+  const std::string source = pathOfLength(2042, "/tmp", 's');
+  const std::string dest = pathOfLength(2042, "/tmp", 'd');
   makeFolder(dest + "/Aria");
   update.pane.copySrcPath = source.c_str();
   update.pane.copyDstPath = dest.c_str();
@@ -208,15 +200,15 @@ TEST_F(VolumeCopy, SubFolderPathsOf2047BytesAreUsedWhole) {
 }
 
 TEST_F(VolumeCopy, ASubFoldersSourcePathOf2048BytesEndsTheProcess) {
-  Update update({{"Aria", 0}});
-  const std::string source = pathOfLength(2043, 's');
+  SecondVolume update({{"Aria", 0}});
+  const std::string source = pathOfLength(2043, "/tmp", 's');
   update.pane.copySrcPath = source.c_str();
   EXPECT_DEATH(update.pane.copySingleVolume(), "does not fit its buffer of 2048 bytes");
 }
 
 TEST_F(VolumeCopy, ASubFoldersDestinationPathOf2048BytesEndsTheProcess) {
-  Update update({{"Aria", 0}});
-  const std::string dest = pathOfLength(2043, 'd');
+  SecondVolume update({{"Aria", 0}});
+  const std::string dest = pathOfLength(2043, "/tmp", 'd');
   makeFolder(dest + "/Aria");
   update.pane.copyDstPath = dest.c_str();
   EXPECT_DEATH(update.pane.copySingleVolume(), "does not fit its buffer of 2048 bytes");

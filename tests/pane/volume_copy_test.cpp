@@ -18,11 +18,11 @@ using testing::IsEmpty;
 
 constexpr const char* kDisc = "/Volumes/Disc/TANVO";
 
-struct Page {
+struct VolumePage {
   RecordingHost host;
   InstallDataPane pane{host};
 
-  explicit Page(std::int32_t mode, const char* source = kDisc, const char* dest = "/tmp/to") {
+  explicit VolumePage(std::int32_t mode, const char* source = kDisc, const char* dest = "/tmp/to") {
     pane.gInstallMode = mode;
     pane.copySrcPath = source;
     pane.copyDstPath = dest;
@@ -38,7 +38,7 @@ std::vector<std::string> attempts() { return thoseThatBegin(logMessages(), "copy
 TEST_F(VolumeCopy, ADiscOfHiddenFilesOnlyIsTriedThreeTimesIn15SecondsAndThenCopied) {
   writeFile("/Volumes/Disc/TANVO/.hidden", "x");
   writeFile("/Volumes/Disc/TANVO/.Trashes/one.dat", "x");
-  Page page(2);
+  VolumePage page(2);
   EventTrace trace(page.host);
   page.pane.copySingleVolume();
   EXPECT_THAT(trace.events(),
@@ -57,7 +57,7 @@ TEST_F(VolumeCopy, ADiscOfHiddenFilesOnlyIsTriedThreeTimesIn15SecondsAndThenCopi
 }
 
 TEST_F(VolumeCopy, AFolderThatCannotBeOpenedIsTriedThreeTimesIn15SecondsAndThenCopied) {
-  Page page(2);
+  VolumePage page(2);
   EventTrace trace(page.host);
   page.pane.copySingleVolume();
   EXPECT_THAT(trace.events(),
@@ -76,7 +76,7 @@ TEST_F(VolumeCopy, AFolderThatCannotBeOpenedIsTriedThreeTimesIn15SecondsAndThenC
 
 TEST_F(VolumeCopy, AReadableDiscIsCopiedAtOnce) {
   writeFile("/Volumes/Disc/TANVO/one.dat", "one");
-  Page page(2);
+  VolumePage page(2);
   page.pane.copySingleVolume();
   EXPECT_THAT(attempts(), IsEmpty());
   EXPECT_THAT(platform().callsThatBegin("sleep"), IsEmpty());
@@ -85,13 +85,13 @@ TEST_F(VolumeCopy, AReadableDiscIsCopiedAtOnce) {
 
 TEST_F(VolumeCopy, AnEmptyFolderOnTheDiscIsAnItem) {
   makeFolder("/Volumes/Disc/TANVO/Samples");
-  Page page(2);
+  VolumePage page(2);
   page.pane.copySingleVolume();
   EXPECT_THAT(attempts(), IsEmpty());
 }
 
 TEST_F(VolumeCopy, ADiscThatBecomesReadableEndsTheAttempts) {
-  Page page(2);
+  VolumePage page(2);
   int sleeps = 0;
   platform().onSleep = [&](unsigned) {
     ++sleeps;
@@ -111,7 +111,7 @@ TEST_F(VolumeCopy, ADiscThatBecomesReadableEndsTheAttempts) {
 }
 
 TEST_F(VolumeCopy, ADiscThatComesDuringTheLastSleepIsCopied) {
-  Page page(2);
+  VolumePage page(2);
   int sleeps = 0;
   platform().onSleep = [&](unsigned) {
     if (++sleeps == 3) {
@@ -125,7 +125,7 @@ TEST_F(VolumeCopy, ADiscThatComesDuringTheLastSleepIsCopied) {
 
 TEST_F(VolumeCopy, OtherModesNeverWaitForTheSource) {
   for (const std::int32_t mode : {0, 3, 4}) {
-    Page page(mode);
+    VolumePage page(mode);
     page.pane.copySingleVolume();
     EXPECT_EQ(page.pane.readyToProceed, 1) << mode;
   }
@@ -137,7 +137,7 @@ TEST_F(VolumeCopy, OtherModesNeverWaitForTheSource) {
 
 TEST_F(VolumeCopy, AWholeCopyIsLoggedAroundTheEnginesLinesAndClearsTheStatus) {
   writeFile("/Volumes/Disc/TANVO/one.dat", "one");
-  Page page(0);
+  VolumePage page(0);
   EventTrace trace(page.host);
   page.pane.copySingleVolume();
   EXPECT_THAT(trace.events(),
@@ -152,7 +152,7 @@ TEST_F(VolumeCopy, AWholeCopyIsLoggedAroundTheEnginesLinesAndClearsTheStatus) {
 TEST_F(VolumeCopy, TheEnginesResultBecomesReadyToProceed) {
   makeFolder(kDisc);
   std::filesystem::create_symlink("/tmp/nowhere", std::string(kDisc) + "/broken");
-  Page page(0);
+  VolumePage page(0);
   page.pane.readyToProceed = 1;
   page.pane.copySingleVolume();
   EXPECT_EQ(page.pane.readyToProceed, 0);
@@ -163,7 +163,7 @@ TEST_F(VolumeCopy, TheEnginesResultBecomesReadyToProceed) {
 
 TEST_F(VolumeCopy, TheTailNameIsTheDataFoldersName) {
   makeFolder(kDisc);
-  Page page(0);
+  VolumePage page(0);
   page.pane.gTANVOorDOVAnameOnly.assign("DOVA");
   page.pane.copySingleVolume();
   EXPECT_EQ(page.pane.gItemCurrentlyBeingInstalled.view(), "DOVA");
@@ -171,7 +171,7 @@ TEST_F(VolumeCopy, TheTailNameIsTheDataFoldersName) {
 
 TEST_F(VolumeCopy, TheProgressLoggingCountersStartFromZeroForEveryVolume) {
   makeFolder(kDisc);
-  Page page(0);
+  VolumePage page(0);
   progressSizeForLoggingUnitBytes = 99999999.0F;
   progressCounterForLogging = 7;
   page.pane.copySingleVolume();
@@ -181,7 +181,7 @@ TEST_F(VolumeCopy, TheProgressLoggingCountersStartFromZeroForEveryVolume) {
 
 TEST_F(VolumeCopy, TheCountersAreSetBackBeforeTheCopyNotAfterIt) {
   writeFile("/Volumes/Disc/TANVO/one.dat", someBytes(2000));
-  Page page(0);
+  VolumePage page(0);
   progressSizeForLoggingUnitBytes = 99999999.0F;
   page.pane.copySingleVolume();
   EXPECT_EQ(progressSizeForLoggingUnitBytes, 2000.0F);
@@ -190,7 +190,7 @@ TEST_F(VolumeCopy, TheCountersAreSetBackBeforeTheCopyNotAfterIt) {
 
 TEST_F(VolumeCopy, NoDestinationIsLoggedByTheEngineAndFails) {
   writeFile("/Volumes/Disc/TANVO/one.dat", "one");
-  Page page(4, kDisc, nullptr);
+  VolumePage page(4, kDisc, nullptr);
   page.pane.readyToProceed = 1;
   page.pane.copySingleVolume();
   EXPECT_THAT(logMessages(), ElementsAre("Begin copySingleVolume: copySrcPath /Volumes/Disc/TANVO\n",
@@ -205,7 +205,7 @@ TEST_F(VolumeCopy, NoDestinationIsLoggedByTheEngineAndFails) {
 
 TEST_F(VolumeCopy, TheFlagIsClearedWhateverTheEngineReturned) {
   makeFolder(kDisc);
-  Page page(0);
+  VolumePage page(0);
   page.pane.copySingleVolume();
   EXPECT_EQ(page.pane.copySingleVolumeRunning, 0);
 
@@ -218,7 +218,7 @@ TEST_F(VolumeCopy, TheFlagIsClearedWhateverTheEngineReturned) {
 
 TEST_F(VolumeCopy, TheFlagIsStillSetWhenTheStatusIsCleared) {
   makeFolder(kDisc);
-  Page page(0);
+  VolumePage page(0);
   std::vector<int> flags;
   page.host.onLine = [&](const std::string&) { flags.push_back(page.pane.copySingleVolumeRunning); };
   page.pane.copySingleVolume();
@@ -227,7 +227,7 @@ TEST_F(VolumeCopy, TheFlagIsStillSetWhenTheStatusIsCleared) {
 
 TEST_F(VolumeCopy, WhoeverSeesTheFlagClearedSeesTheResultAndTheLastLogLine) {
   writeFile("/Volumes/Disc/TANVO/one.dat", someBytes(50000));
-  Page page(0);
+  VolumePage page(0);
   std::atomic<std::int32_t> result = -1;
   std::string last;
   std::thread watcher([&] {

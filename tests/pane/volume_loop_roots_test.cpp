@@ -26,7 +26,7 @@ struct RootRow {
 };
 
 constexpr const char* kStart = "/tmp/Start";
-constexpr const char* kSecond = "/Users/tester/Downloads/Set/Second";
+constexpr const char* kSecondRoot = "/Users/tester/Downloads/Set/Second";
 constexpr const char* kB = "/Volumes/Tessaphon B";
 constexpr const char* kBLine = "Volume 1 path should be: /Volumes/Tessaphon B";
 
@@ -46,7 +46,7 @@ TEST_F(VolumeLoop, TheRootOfEveryVolumeFollowsFromOptionAndMode) {
   }
   for (const std::int32_t mode : {0, 3, 4}) {
     rows.push_back({1, 1, 1, mode, kStart, ""});
-    rows.push_back({1, 1, 0, mode, kSecond, kRelativeLine});
+    rows.push_back({1, 1, 0, mode, kSecondRoot, kRelativeLine});
   }
   rows.push_back({1, 1, 1, 2, kB, kBLine});
   rows.push_back({1, 1, 0, 2, kB, kBLine});
@@ -92,7 +92,7 @@ TEST_F(VolumeLoop, TheSecondComponentIsInstalledFromItsOwnFolder) {
   VolumePass pass(3);
   pass.pane.gInstallationHasLiteVsFullOption = 1;
   pass.run();
-  EXPECT_THAT(treeOf(VolumePass::kCentral), ElementsAre("one.dat", "two.dat"));
+  EXPECT_THAT(treeOf(kCentral), ElementsAre("one.dat", "two.dat"));
   EXPECT_THAT(pass.messages("Volume "), ElementsAre("Volume 0 /tmp/Start/TANVO\n", "Volume count: 2",
                                                     "Volume 1 /Users/tester/Downloads/Set/Second/TANVO\n"));
 }
@@ -105,7 +105,7 @@ TEST_F(VolumeLoop, ALiteChoiceInstallsTheFirstComponentOnly) {
   pass.pane.gInstallationHasLiteVsFullOption = 1;
   pass.pane.gTwoComponentInstallChoicesAreLite[0] = 1;
   pass.run();
-  EXPECT_THAT(treeOf(VolumePass::kCentral), ElementsAre("one.dat"));
+  EXPECT_THAT(treeOf(kCentral), ElementsAre("one.dat"));
 }
 
 TEST_F(VolumeLoop, TheStatusIsBlankedForEveryVolume) {
@@ -277,7 +277,7 @@ TEST_F(VolumeLoop, ASetOfSevenDiscsIsInstalledWithSkipsAndALateDisc) {
                   usingPrimary("/Volumes/Slow Bloom DOVA Outrider"), kThread, kEject,
                   "log Volume 6 /Volumes/Tin Parade DOVA Outrider/TANVO\n", insert("Tin Parade"),
                   "log Optional disc button choice 1001\n", kSkipping));
-  EXPECT_THAT(treeOf(VolumePass::kCentral), ElementsAre("1.dat", "2.dat", "5.dat", "6.dat"));
+  EXPECT_THAT(treeOf(kCentral), ElementsAre("1.dat", "2.dat", "5.dat", "6.dat"));
   EXPECT_EQ(pass.pane.gCurrentVolumeNumber, 7);
 }
 

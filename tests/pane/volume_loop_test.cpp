@@ -18,16 +18,6 @@ using testing::ElementsAre;
 using testing::Ge;
 using testing::IsEmpty;
 
-constexpr const char* kFound =
-    "log Found Installation Attribute File at  /Users/tester/Downloads/Set/.InstallationAttributes.dat";
-
-const std::string kTo = VolumePass::kCentral;
-
-void setTexts(const std::string& more) {
-  setAttributes("InstallingData = Copying to %s\nInstalledData = Done in %s\nTotalSizeMillionsBytes = 1\n" +
-                more);
-}
-
 // ---- Whole passes ----
 
 TEST_F(VolumeLoop, AFolderBesideThePackageIsInstalledInThisOrder) {

@@ -7,10 +7,17 @@
 
 namespace tavenhall::test {
 
+inline const std::string kTo = kCentral;
+inline const std::string kFound = std::string("log ") + kFoundLine;
+
+// The attributes file of a set whose pass tells where it copies, and of a size of one million bytes.
+inline void setTexts(const std::string& more) {
+  setAttributes("InstallingData = Copying to %s\nInstalledData = Done in %s\nTotalSizeMillionsBytes = 1\n" +
+                more);
+}
+
 // A page that is about to run one pass for the folder TANVO, with its trace.
 struct VolumePass {
-  static constexpr const char* kCentral = "/Users/tester/Library/Application Support/Tavenhall/TANVO";
-
   RecordingHost host;
   InstallDataPane pane{host};
   EventTrace trace{host};

@@ -71,10 +71,6 @@ std::vector<int> processorsOfOtherThreads() {
   return counts;
 }
 
-std::ptrdiff_t openDescriptors() {
-  return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
-}
-
 // The private folders of the tests are in memory always, so the files lie in the build folder.
 class ReadingAhead : public testing::Test {
  protected:

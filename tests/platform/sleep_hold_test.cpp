@@ -42,10 +42,6 @@ Clock::duration timeOf(Action action) {
   return Clock::now() - start;
 }
 
-std::ptrdiff_t openDescriptors() {
-  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
-}
-
 // How many descriptors a command of the page is born with.
 int descriptorsOfACommand() {
   EXPECT_EQ(runShellCommand("ls /proc/self/fd | wc -l > /tmp/count"), 0);

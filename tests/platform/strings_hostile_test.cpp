@@ -20,7 +20,7 @@ using namespace std::string_literals;
 using Entries = std::map<std::string, std::string, std::less<>>;
 
 // Parses a copy that ends where its memory ends, so that a checker of memory sees a step too far.
-Entries entriesOf(std::string_view bytes) {
+Entries entriesOfCopy(std::string_view bytes) {
   const std::vector<char> exact(bytes.begin(), bytes.end());
   return StringTable::parse({exact.data(), exact.size()}).entries();
 }
@@ -38,84 +38,84 @@ std::string repeated(const std::string& text, std::size_t size) {
 // ---- One bad line costs one text ----
 
 TEST(HostileStringsFile, AnEntryWithoutAnEqualsSignIsPassedOver) {
-  EXPECT_EQ(entriesOf("\"a\" \"1\"; \"b\" = \"2\";"), (Entries{{"b", "2"}}));
+  EXPECT_EQ(entriesOfCopy("\"a\" \"1\"; \"b\" = \"2\";"), (Entries{{"b", "2"}}));
 }
 
 TEST(HostileStringsFile, AnEntryWithoutATextIsPassedOver) {
-  EXPECT_EQ(entriesOf("\"a\" = ; \"b\" = \"2\";"), (Entries{{"b", "2"}}));
+  EXPECT_EQ(entriesOfCopy("\"a\" = ; \"b\" = \"2\";"), (Entries{{"b", "2"}}));
 }
 
 TEST(HostileStringsFile, AnEntryWithTwoTextsIsPassedOver) {
-  EXPECT_EQ(entriesOf("\"a\" = \"1\" \"x\"; \"b\" = \"2\";"), (Entries{{"b", "2"}}));
+  EXPECT_EQ(entriesOfCopy("\"a\" = \"1\" \"x\"; \"b\" = \"2\";"), (Entries{{"b", "2"}}));
 }
 
 TEST(HostileStringsFile, AnEntryWithoutAKeyIsPassedOver) {
-  EXPECT_EQ(entriesOf("= \"1\"; \"b\" = \"2\";"), (Entries{{"b", "2"}}));
+  EXPECT_EQ(entriesOfCopy("= \"1\"; \"b\" = \"2\";"), (Entries{{"b", "2"}}));
 }
 
 TEST(HostileStringsFile, SemicolonsAloneAreNoEntries) {
-  EXPECT_EQ(entriesOf(";;; \"b\" = \"2\";;;"), (Entries{{"b", "2"}}));
+  EXPECT_EQ(entriesOfCopy(";;; \"b\" = \"2\";;;"), (Entries{{"b", "2"}}));
 }
 
 TEST(HostileStringsFile, AMissingSemicolonCostsTheTwoEntriesBesideIt) {
-  EXPECT_EQ(entriesOf("\"a\" = \"1\"\n\"b\" = \"2\";\n\"c\" = \"3\";"), (Entries{{"c", "3"}}));
+  EXPECT_EQ(entriesOfCopy("\"a\" = \"1\"\n\"b\" = \"2\";\n\"c\" = \"3\";"), (Entries{{"c", "3"}}));
 }
 
 TEST(HostileStringsFile, TextOfAnotherKindIsPassedOver) {
-  EXPECT_EQ(entriesOf("<plist>&\xFF</plist>; \"b\" = \"2\";"), (Entries{{"b", "2"}}));
+  EXPECT_EQ(entriesOfCopy("<plist>&\xFF</plist>; \"b\" = \"2\";"), (Entries{{"b", "2"}}));
 }
 
 // ---- What nobody closes ----
 
 TEST(HostileStringsFile, AQuoteThatNobodyClosesCostsItsEntry) {
-  EXPECT_EQ(entriesOf("\"a\" = \"1;\nb = 2;"), (Entries{{"b", "2"}}));
-  EXPECT_EQ(entriesOf("\"a = 1;\nb = 2;"), (Entries{{"b", "2"}}));
+  EXPECT_EQ(entriesOfCopy("\"a\" = \"1;\nb = 2;"), (Entries{{"b", "2"}}));
+  EXPECT_EQ(entriesOfCopy("\"a = 1;\nb = 2;"), (Entries{{"b", "2"}}));
 }
 
 TEST(HostileStringsFile, ABackslashAtTheEndIsNoText) {
-  EXPECT_EQ(entriesOf("\"b\" = \"2\"; \"a\" = \"1\\"), (Entries{{"b", "2"}}));
+  EXPECT_EQ(entriesOfCopy("\"b\" = \"2\"; \"a\" = \"1\\"), (Entries{{"b", "2"}}));
 }
 
 TEST(HostileStringsFile, AnEscapeThatTheEndCutsIsNoText) {
   for (const std::string escape : {"\\U", "\\u12", "\\UD83C\\", "\\UD83C\\U", "\\UD83C\\UDF", "\\1"}) {
-    EXPECT_EQ(entriesOf("\"b\" = \"2\"; \"a\" = \"" + escape), (Entries{{"b", "2"}})) << escape;
+    EXPECT_EQ(entriesOfCopy("\"b\" = \"2\"; \"a\" = \"" + escape), (Entries{{"b", "2"}})) << escape;
   }
 }
 
 TEST(HostileStringsFile, ACommentThatNobodyClosesReachesToTheEnd) {
-  EXPECT_EQ(entriesOf("\"a\" = \"1\"; /* \"b\" = \"2\";"), (Entries{{"a", "1"}}));
-  EXPECT_EQ(entriesOf("\"a\" = \"1\"; /*/ \"b\" = \"2\";"), (Entries{{"a", "1"}}));
-  EXPECT_EQ(entriesOf("\"a\" = \"1\"; /*"), (Entries{{"a", "1"}}));
+  EXPECT_EQ(entriesOfCopy("\"a\" = \"1\"; /* \"b\" = \"2\";"), (Entries{{"a", "1"}}));
+  EXPECT_EQ(entriesOfCopy("\"a\" = \"1\"; /*/ \"b\" = \"2\";"), (Entries{{"a", "1"}}));
+  EXPECT_EQ(entriesOfCopy("\"a\" = \"1\"; /*"), (Entries{{"a", "1"}}));
 }
 
 TEST(HostileStringsFile, ASlashAtTheEndIsNoComment) {
-  EXPECT_EQ(entriesOf("\"a\" = \"1\"; /"), (Entries{{"a", "1"}}));
+  EXPECT_EQ(entriesOfCopy("\"a\" = \"1\"; /"), (Entries{{"a", "1"}}));
 }
 
 // ---- Bytes ----
 
 TEST(HostileStringsFile, ANulInsideATextIsKept) {
-  EXPECT_EQ(entriesOf("\"a\" = \"1\0002\";"s), (Entries{{"a", "1\0002"s}}));
+  EXPECT_EQ(entriesOfCopy("\"a\" = \"1\0002\";"s), (Entries{{"a", "1\0002"s}}));
 }
 
 TEST(HostileStringsFile, ANulBetweenTokensCostsTheEntry) {
-  EXPECT_EQ(entriesOf("\"a\" \0= \"1\"; \"b\" = \"2\";"s), (Entries{{"b", "2"}}));
+  EXPECT_EQ(entriesOfCopy("\"a\" \0= \"1\"; \"b\" = \"2\";"s), (Entries{{"b", "2"}}));
 }
 
 TEST(HostileStringsFile, AByteOrderMarkAloneIsAnEmptyFile) {
   for (const std::string mark : {"\xEF\xBB\xBF", "\xFE\xFF", "\xFF\xFE", "\xFE\xFFx", "\xFF\xFEx"}) {
-    EXPECT_EQ(entriesOf(mark), Entries{});
+    EXPECT_EQ(entriesOfCopy(mark), Entries{});
   }
 }
 
 TEST(HostileStringsFile, Utf16MayEndInHalfASurrogatePair) {
-  EXPECT_EQ(entriesOf("\xFF\xFE;\0\x3C\xD8"s), Entries{});
-  EXPECT_EQ(entriesOf("\xFE\xFF\0;\xD8\x3C\xDF"s), Entries{});
+  EXPECT_EQ(entriesOfCopy("\xFF\xFE;\0\x3C\xD8"s), Entries{});
+  EXPECT_EQ(entriesOfCopy("\xFE\xFF\0;\xD8\x3C\xDF"s), Entries{});
 }
 
 TEST(HostileStringsFile, PartOfAByteOrderMarkIsNoKey) {
   for (const std::string mark : {"\xEF", "\xEF\xBB", "\xFE", "\xFF"}) {
-    EXPECT_EQ(entriesOf(mark), Entries{});
+    EXPECT_EQ(entriesOfCopy(mark), Entries{});
   }
 }
 
@@ -128,7 +128,7 @@ TEST(HostileStringsFile, ACutFileGivesNoOtherTexts) {
   const StringTable all = StringTable::parse(whole);
   ASSERT_EQ(all.entries().size(), 3U);
   for (std::size_t length = 0; length < whole.size(); ++length) {
-    for (const auto& [key, text] : entriesOf(whole.substr(0, length))) {
+    for (const auto& [key, text] : entriesOfCopy(whole.substr(0, length))) {
       EXPECT_TRUE(all.entries().contains(key)) << length;
       EXPECT_TRUE(text == all.text(key) || text == key) << length;
     }
@@ -144,7 +144,7 @@ TEST(HostileStringsFile, RandomBytesGiveAtMostAnEntryForEachSemicolonAndOneMore)
     for (std::size_t length = random() % 120; length > 0; --length) {
       bytes.push_back(random() % 8 == 0 ? static_cast<char>(random()) : likely[random() % likely.size()]);
     }
-    const Entries entries = entriesOf(bytes);
+    const Entries entries = entriesOfCopy(bytes);
     entriesInAll += entries.size();
     ASSERT_LE(entries.size(), static_cast<std::size_t>(std::ranges::count(bytes, ';')) + 1)
         << "round " << round;
@@ -157,7 +157,7 @@ TEST(HostileStringsFile, AMegabyteOfAnythingIsReadInAMoment) {
   const std::clock_t start = std::clock();  // the processor's time, since the machine may have other work
   for (const std::string piece : {"\"", "\\", ";", "/", "/*", "/*;", "\"a\"=/*;", "\"a\"=\"b;", "\"\\\";", "a;",
                                   "a ", "\"a\"", "\\U", "//", "//\r", "\"a\" \"b\" ;", "\0"}) {
-    const Entries entries = entriesOf(repeated(piece.empty() ? "\0"s : piece, 1U << 20U));
+    const Entries entries = entriesOfCopy(repeated(piece.empty() ? "\0"s : piece, 1U << 20U));
     EXPECT_LE(entries.size(), 2U) << piece;
   }
   EXPECT_LT((std::clock() - start) / CLOCKS_PER_SEC, 30);

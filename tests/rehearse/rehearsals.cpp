@@ -41,6 +41,16 @@ Outcome rehearse(const std::vector<std::string>& arguments) {
 
 json report() { return json::parse(readFile(kReport)); }
 
+json steadyFields(json told) {
+  told.erase("seconds");
+  told.erase("log");
+  for (json& volume : told["volumes"]) {
+    EXPECT_EQ(volume["seconds"].is_number(), volume["bytes"] != 0);
+    volume.erase("seconds");
+  }
+  return told;
+}
+
 std::string withoutTimes(const std::string& text) {
   return std::regex_replace(text, std::regex("in less than 1 s|in [0-9]+ (s|min)"), "in TIME");
 }

@@ -22,6 +22,9 @@ inline constexpr const char* kReport = "/tmp/report.json";
 
 [[nodiscard]] nlohmann::json report();
 
+// A report without what differs from run to run.
+[[nodiscard]] nlohmann::json steadyFields(nlohmann::json told);
+
 // The text of a report, with TIME for how long things took.
 [[nodiscard]] std::string withoutTimes(const std::string& text);
 

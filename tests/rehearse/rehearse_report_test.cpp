@@ -10,17 +10,6 @@ using nlohmann::json;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-// Drops what differs from run to run.
-json steadyFields(json told) {
-  told.erase("seconds");
-  told.erase("log");
-  for (json& volume : told["volumes"]) {
-    EXPECT_EQ(volume["seconds"].is_number(), volume["bytes"] != 0);
-    volume.erase("seconds");
-  }
-  return told;
-}
-
 TEST(RehearseReport, OfDiscsSaysEverythingInLines) {
   makeDiscSet();
   writeFile(inSet("discs/1 Tavenhall Lumaweave/DOVA/Factory/more.db"), someBytes(990'000));

@@ -63,12 +63,12 @@ std::string reportIn(const char* language) {
 }
 
 // Without why the mode and the edition are what they are.
-std::string withoutReasons(const std::string& text) {
+std::string withoutPlanReasons(const std::string& text) {
   return std::regex_replace(text, std::regex("(\n  (Modus|Ausgabe|モード|エディション) +)[^\n]*"), "$1...");
 }
 
 TEST(RehearsalReportText, IsGermanForGermans) {
-  EXPECT_EQ(withoutReasons(reportIn("de")), R"(Probelauf von /sets/Update
+  EXPECT_EQ(withoutPlanReasons(reportIn("de")), R"(Probelauf von /sets/Update
 
   Modus        ...
   Ausgabe      ...
@@ -113,7 +113,7 @@ Die Installation schlug fehl.
 }
 
 TEST(RehearsalReportText, IsJapaneseForTheJapanese) {
-  EXPECT_EQ(withoutReasons(reportIn("ja")), R"(/sets/Update のリハーサル
+  EXPECT_EQ(withoutPlanReasons(reportIn("ja")), R"(/sets/Update のリハーサル
 
   モード       ...
   エディション ...

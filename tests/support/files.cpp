@@ -8,6 +8,7 @@
 #include <iterator>
 #include <regex>
 #include <sstream>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -64,12 +65,32 @@ void makeFolder(const std::string& path) {
   EXPECT_FALSE(error) << "could not make " << path << ": " << error.message();
 }
 
+std::string pathOfLength(std::size_t length, const std::string& folder, char filling) {
+  std::string path = folder;
+  while (path.size() < length) {
+    const std::size_t rest = length - path.size();
+    path += "/" + std::string(rest > 203 ? 200 : rest - 1, filling);
+  }
+  EXPECT_EQ(path.size(), length);
+  return path;
+}
+
+std::ptrdiff_t openDescriptors() {
+  return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
+}
+
 std::string readFile(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   EXPECT_TRUE(file.is_open()) << "could not open " << path;
   std::ostringstream contents;
   contents << file.rdbuf();
   return contents.str();
+}
+
+mode_t modeOf(const std::string& path) {
+  struct stat found {};
+  EXPECT_EQ(stat(path.c_str(), &found), 0) << path;
+  return found.st_mode & 07777;
 }
 
 bool exists(const std::string& path) {

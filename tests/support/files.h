@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <sys/types.h>
 #include <vector>
 
 // Short names for the files that tests make and look at. A failure fails the test.
@@ -16,6 +18,15 @@ void makeFolder(const std::string& path);
 
 [[nodiscard]] std::string readFile(const std::string& path);
 [[nodiscard]] bool exists(const std::string& path);
+[[nodiscard]] mode_t modeOf(const std::string& path);  // the permission bits, those beyond 0777 with them
+
+// A path of just `length` bytes below `folder`, its names made of `filling` and short enough for any file
+// system.
+[[nodiscard]] std::string pathOfLength(std::size_t length, const std::string& folder = "/tmp",
+                                       char filling = 'd');
+
+// How many descriptors this process has open.
+[[nodiscard]] std::ptrdiff_t openDescriptors();
 
 // `size` bytes that differ from place to place and from `seed` to `seed`, the same in every run.
 [[nodiscard]] std::string someBytes(std::size_t size, unsigned seed = 1);
@@ -33,6 +44,13 @@ void setPackage(const std::string& packagePath);
 // with the given text.
 inline constexpr const char* kSet = "/Users/tester/Downloads/Set";
 void setAttributes(std::string_view text);
+
+// What the page logs of that file.
+inline constexpr const char* kFoundLine =
+    "Found Installation Attribute File at  /Users/tester/Downloads/Set/.InstallationAttributes.dat";
+
+// The user's data folder.
+inline constexpr const char* kCentral = "/Users/tester/Library/Application Support/Tavenhall/TANVO";
 
 // The installation log of the private root's home, and its messages: each record without its time and host
 // name ("<message>"), in order. A message may hold newlines.

@@ -18,11 +18,11 @@ namespace {
 using testing::HasSubstr;
 
 // A copy that ends when it may, and says so by a file.
-constexpr const char* kLongCopy =
+constexpr const char* kLoggedCopy =
     "thread\ninstructions Now installing.\nmax 1953125\nvalue 840000\nlog The copy runs.\nwait /tmp/go\n"
     "ready 1\nnext 1\nrun touch /tmp/finished\n";
 
-std::vector<std::string> copyIn(const char* face, const std::string& script = kLongCopy) {
+std::vector<std::string> copyIn(const char* face, const std::string& script = kLoggedCopy) {
   std::vector<std::string> command = runScript(script);
   command.insert(command.end(), {"--ui", face, "--summary", "/tmp/summary.json"});
   return command;

@@ -23,7 +23,7 @@ class Idle : public InUtf8 {
 };
 
 constexpr int kSeconds = 3;
-constexpr const char* kQuestion = "thread\nmax 1953125\nvalue 840000\nalert Next disc|Please insert B|OK\n";
+constexpr const char* kDiscQuestion = "thread\nmax 1953125\nvalue 840000\nalert Next disc|Please insert B|OK\n";
 
 void expectIdle(pid_t face) {
   const std::vector<pid_t> engine = childrenOf(face);
@@ -31,13 +31,13 @@ void expectIdle(pid_t face) {
 }
 
 TEST_F(Idle, OnTheFirstPage) {
-  TmuxTerminal terminal(80, 24, runScript(kQuestion));
+  TmuxTerminal terminal(80, 24, runScript(kDiscQuestion));
   terminal.waitFor("Press Continue to begin.");
   expectIdle(terminal.program());
 }
 
 TEST_F(Idle, WhileAQuestionWaits) {
-  TmuxTerminal terminal(80, 24, runScript(kQuestion));
+  TmuxTerminal terminal(80, 24, runScript(kDiscQuestion));
   terminal.waitFor("Press Continue to begin.");
   terminal.press({"Enter"});
   terminal.waitFor("Please insert B");
@@ -56,7 +56,7 @@ TEST_F(Idle, WhileTheInstallHasEndedAndThePageIsRead) {
 }
 
 TEST_F(Idle, WhileAQuestionOfThePlainLinesWaits) {
-  std::vector<std::string> command = runScript(kQuestion);
+  std::vector<std::string> command = runScript(kDiscQuestion);
   command.insert(command.end(), {"--ui", "plain"});
   ChildProgram program(command);
   for (auto line = program.readLine(); line && line != "  1) OK"; line = program.readLine()) {

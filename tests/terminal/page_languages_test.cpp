@@ -19,12 +19,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr Size kUsual{24, 80};
-
-std::vector<std::string> rowsOf(PageDriver& driver, Size size) {
-  return rendered(layOut(driver.page, driver.now(), size, unicodeSigns()), size);
-}
-
 Introduction shortOfRoom() {
   Introduction introduction = PageDriver::plainIntroduction();
   introduction.freeBytes = 300000000;
@@ -157,7 +151,7 @@ TEST_P(PageInEveryLanguage, HowToLeaveIsToldInTheSmallestWindow) {
   copyForAnHour(driver);
   driver.act(Action::leave);
   const auto wide = layOut(driver.page, driver.now(), {24, 200}, plainSigns());
-  const auto narrow = rendered(layOut(driver.page, driver.now(), kSmallestPage, plainSigns()), kSmallestPage);
+  const auto narrow = rowsOf(driver, kSmallestPage, plainSigns());
   const std::string leaving = wide.front().runs.back().text;
   const std::string last = leaving.substr(leaving.rfind("   ") + 3);
   EXPECT_THAT(narrow.back(), testing::EndsWith(last));

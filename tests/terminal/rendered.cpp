@@ -16,7 +16,7 @@ using Cells = std::vector<std::vector<std::string>>;  // the second cell of a wi
 using Places = std::set<std::pair<int, int>>;         // rows and columns
 
 // `taken`: where texts of the layer are. A hot key is written over its own label.
-void write(Cells& cells, const Layer& layer, const Run& run, Places& taken) {
+void drawRun(Cells& cells, const Layer& layer, const Run& run, Places& taken) {
   const int row = layer.place.row + run.row;
   int column = layer.place.column + run.column;
   EXPECT_GE(run.column, 0) << run.text;
@@ -70,7 +70,7 @@ std::vector<std::string> rendered(const std::vector<Layer>& layers, Size size) {
     }
     Places taken;
     for (const Run& run : layer.runs) {
-      write(cells, layer, run, taken);
+      drawRun(cells, layer, run, taken);
     }
   }
   std::vector<std::string> rows;
@@ -91,6 +91,10 @@ std::string renderedText(const std::vector<Layer>& layers, Size size) {
     text += row + "\n";
   }
   return text;
+}
+
+std::vector<std::string> rowsOf(PageDriver& driver, Size size, const Signs& signs) {
+  return rendered(layOut(driver.page, driver.now(), size, signs), size);
 }
 
 }  // namespace tavenhall::test

@@ -2,6 +2,7 @@
 
 #include "host/terminal/page_layout.h"
 #include "host/terminal/styled_text.h"
+#include "tests/terminal/page_driver.h"
 
 #include <string>
 #include <vector>
@@ -17,5 +18,11 @@ namespace tavenhall::test {
 
 // The whole of it as one text, a newline after each row.
 [[nodiscard]] std::string renderedText(const std::vector<Layer>& layers, Size size);
+
+inline constexpr Size kUsual{24, 80};
+
+// What a terminal of that size shows of the page, a text a row without the blanks at its end.
+[[nodiscard]] std::vector<std::string> rowsOf(PageDriver& driver, Size size = kUsual,
+                                              const Signs& signs = unicodeSigns());
 
 }  // namespace tavenhall::test

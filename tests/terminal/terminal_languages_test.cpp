@@ -68,12 +68,12 @@ TEST_P(TerminalSpeaks, ItsLanguageFromTheFirstPageToTheLast) {
   expectScreen(terminal, screenOf("not-complete"));
 }
 
-constexpr const char* kCopy =
+constexpr const char* kShortCopy =
     "thread\ninstructions Now installing.\nmax 1953125\nvalue 840000\nstatus Installing... Keyboards\n"
     "wait /tmp/go\nready 1\nnext 1\n";
 
 TEST_P(TerminalSpeaks, ItsLanguageWhileItCopiesAndWhenItIsLeft) {
-  TmuxTerminal terminal(60, 20, runScript(kCopy), language());
+  TmuxTerminal terminal(60, 20, runScript(kShortCopy), language());
   terminal.waitFor(GetParam().button);
   terminal.press({"Enter"});
   terminal.waitFor("43 %");
@@ -118,7 +118,7 @@ using TerminalLanguage = InUtf8;
 
 TEST_F(TerminalLanguage, IsEnglishWhereTheEnvironmentNamesNone) {
   std::vector<std::string> command{"/usr/bin/env", "-u", "LANGUAGE"};
-  const std::vector<std::string> run = runScript(kCopy);
+  const std::vector<std::string> run = runScript(kShortCopy);
   command.insert(command.end(), run.begin(), run.end());
   TmuxTerminal terminal(80, 24, command);
   terminal.waitFor("Press Continue to begin.");
@@ -129,7 +129,7 @@ TEST_F(TerminalLanguage, IsEnglishWhereTheEnvironmentNamesNone) {
 }
 
 TEST_F(TerminalLanguage, IsAHotKeysToo) {
-  TmuxTerminal terminal(80, 24, runScript(kCopy), {{"LANGUAGE", "ja"}});
+  TmuxTerminal terminal(80, 24, runScript(kShortCopy), {{"LANGUAGE", "ja"}});
   terminal.waitFor("[ 続ける(C) ]");
   terminal.press({"c"});
   terminal.waitFor("43 %");
