@@ -2,6 +2,7 @@
 
 #include "tests/cocoa/window/virtual_display.h"
 #include "tests/install/child_program.h"
+#include "tests/support/files.h"
 
 #include <memory>
 #include <string>
@@ -11,7 +12,6 @@ namespace tavenhall::test {
 
 // The package that the window is asked to install, and the user's folder for its data.
 inline constexpr const char* kPackage = "/Users/tester/Downloads/Set/Installer.pkg";
-inline constexpr const char* kCentral = "/Users/tester/Library/Application Support/Tavenhall/TANVO";
 
 // The built program on a display of the test's own, asked what its windows show, with clicks on its buttons by
 // their titles. See window_teller.mm.

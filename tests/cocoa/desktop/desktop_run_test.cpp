@@ -18,7 +18,6 @@ using testing::HasSubstr;
 using testing::StartsWith;
 
 constexpr const char* kPackageArgument = "--package=/Users/tester/Downloads/Set/Installer.pkg";
-constexpr const char* kCentral = "/Users/tester/Library/Application Support/Tavenhall/TANVO";
 
 std::optional<ExitStatus> readArguments(DesktopRun& run, std::vector<std::string> arguments) {
   arguments.insert(arguments.begin(), "tavinstall-desktop");
