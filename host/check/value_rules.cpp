@@ -1,3 +1,4 @@
+#include "context/contains.h"
 #include "context/install_rules.h"
 #include "host/check/rules.h"
 #include "host/check/words.h"
@@ -47,9 +48,8 @@ class ValueRules {
       add("value-cut", *mode.key,
           _("The page reads 63 bytes of a Mode, so the end of this one does not count."));
     }
-    const auto words =
-        std::count_if(std::begin(kModeWords), std::end(kModeWords),
-                      [&mode](std::string_view word) { return mode.value.find(word) != std::string::npos; });
+    const auto words = std::count_if(std::begin(kModeWords), std::end(kModeWords),
+                                     [&mode](std::string_view word) { return contains(mode.value, word); });
     if (words > 1) {
       add("mode-several", *mode.key,
           filled(_("The Mode names more than one kind of installer, and the page takes the first that it tests "

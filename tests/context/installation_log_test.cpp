@@ -20,6 +20,7 @@ namespace {
 using test::kLog;
 using test::logMessages;
 using test::makeFolder;
+using test::modeOf;
 using test::readFile;
 
 constexpr const char* kCaches = "/Users/tester/Library/Caches";
@@ -43,12 +44,6 @@ std::smatch onlyRecord(const std::string& log) {
   std::smatch parts;
   EXPECT_TRUE(std::regex_match(log, parts, kForm)) << log;
   return parts;
-}
-
-int modeOf(const char* path) {
-  struct stat found {};
-  EXPECT_EQ(stat(path, &found), 0) << path;
-  return static_cast<int>(found.st_mode & 07777U);
 }
 
 // A Caches folder whose path has that many bytes.
@@ -146,14 +141,14 @@ TEST_F(InstallationLog, WhatTheFileHoldsAlreadyStays) {
 TEST_F(InstallationLog, TheMakersFolderIsMadeForTheUserAlone) {
   umask(0);
   addEventToInstallationLog("x");
-  EXPECT_EQ(modeOf("/Users/tester/Library/Caches/Tavenhall"), 0700);
+  EXPECT_EQ(modeOf("/Users/tester/Library/Caches/Tavenhall"), 0700U);
 }
 
 TEST_F(InstallationLog, AnExistingMakersFolderKeepsItsMode) {
   makeFolder("/Users/tester/Library/Caches/Tavenhall");
   chmod("/Users/tester/Library/Caches/Tavenhall", 0755);
   addEventToInstallationLog("x");
-  EXPECT_EQ(modeOf("/Users/tester/Library/Caches/Tavenhall"), 0755);
+  EXPECT_EQ(modeOf("/Users/tester/Library/Caches/Tavenhall"), 0755U);
   EXPECT_EQ(logMessages(), std::vector<std::string>{"x"});
 }
 

@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 #include <set>
 #include <string>
-#include <sys/stat.h>
 #include <thread>
 #include <vector>
 
@@ -22,12 +21,6 @@ using testing::Contains;
 using testing::StartsWith;
 
 constexpr const char* kSignature = "Contents/Resources/__Pace_Eden/Signatures/codesign.dsig";
-
-mode_t permissionsOf(const std::string& path) {
-  struct stat found {};
-  EXPECT_EQ(stat(path.c_str(), &found), 0) << path;
-  return found.st_mode & 07777U;
-}
 
 // An update with folders of these names in its data, which the page itself cannot make; into a folder whose
 // path has no blank of its own.
@@ -112,7 +105,7 @@ TEST(SudoChmod, APlainApplicationIsOpenedToAll) {
   EXPECT_EQ(installApplication("Tessaphon.app").status, 0);
   EXPECT_THAT(logMessages(),
               Contains("sudo chmod -R 777 /Applications//Tessaphon.app/Contents/program   ... result = 0\n"));
-  EXPECT_EQ(permissionsOf("/Applications/Tessaphon.app/Contents/program"), 0777U);
+  EXPECT_EQ(modeOf("/Applications/Tessaphon.app/Contents/program"), 0777U);
 }
 
 // Each item has its own permissions set besides, without a shell.
@@ -120,14 +113,14 @@ TEST(SudoChmod, ABlankMakesTwoNamesOfOneAndTheItemIsOpenedAllTheSame) {
   EXPECT_EQ(installApplication("Tessaphon Player.app").status, 0);
   EXPECT_THAT(logMessages(),
               Contains("sudo chmod -R 777 /Applications//Tessaphon Player.app   ... result = 256\n"));
-  EXPECT_EQ(permissionsOf("/Applications/Tessaphon Player.app"), 0777U);
+  EXPECT_EQ(modeOf("/Applications/Tessaphon Player.app"), 0777U);
 }
 
 TEST(SudoChmod, AStarOpensTheApplicationsOfOthersToo) {
   writeFile("/Applications/Other.app/Contents/program", "");
-  ASSERT_EQ(permissionsOf("/Applications/Other.app/Contents/program"), 0644U);
+  ASSERT_EQ(modeOf("/Applications/Other.app/Contents/program"), 0644U);
   EXPECT_EQ(installApplication("*.app").status, 0);
-  EXPECT_EQ(permissionsOf("/Applications/Other.app/Contents/program"), 0777U);
+  EXPECT_EQ(modeOf("/Applications/Other.app/Contents/program"), 0777U);
 }
 
 TEST(SudoChmod, ASubstitutionInAnApplicationsNameIsCarriedOut) {

@@ -168,7 +168,7 @@ TEST(PreInstallStep, TheFilesAreTheUsersOwnWhoeverHadThemBefore) {
   struct stat found {};
   ASSERT_EQ(stat("/tmp/TavInstallLoc", &found), 0);
   EXPECT_EQ(found.st_uid, geteuid());
-  EXPECT_EQ(found.st_mode & 07777U, 0644U);
+  EXPECT_EQ(modeOf("/tmp/TavInstallLoc"), 0644U);
 }
 
 TEST(PreInstallStep, WhatCannotBeReplacedSinceItIsAnotherUsersIsRefused) {

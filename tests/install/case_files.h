@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tests/install/json_installer.h"
+#include "tests/support/files.h"
 
 #include <string>
 #include <utility>
@@ -11,7 +12,6 @@ namespace tavenhall::test {
 // The fixed places of the tests' user.
 inline constexpr const char* kPackage = "/Users/tester/Downloads/Set/Installer.pkg";
 inline constexpr const char* kMakersFolder = "/Users/tester/Library/Application Support/Tavenhall";
-inline constexpr const char* kTanvo = "/Users/tester/Library/Application Support/Tavenhall/TANVO";
 inline constexpr const char* kDova = "/Users/tester/Library/Application Support/Tavenhall/DOVA";
 inline constexpr const char* kDiscA = "/Volumes/Tavenhall Tessaphon A";
 inline constexpr const char* kDiscB = "/Volumes/Tessaphon B";

@@ -29,7 +29,7 @@ constexpr std::uint64_t kSecondsBetweenFigures = 300;
 constexpr std::uint64_t kThreeHours = 3 * 3600;
 constexpr std::array<const char*, 4> kVirtualDiscs{"Tavenhall Tessaphon A", "Tessaphon B", "Tessaphon C",
                                                    "Tessaphon D"};
-const std::string kDestination = "/Users/tester/Library/Application Support/Tavenhall/TANVO";
+const std::string kDestination = kTanvo;
 
 std::string fileName(std::size_t disc, int folder, int file) {
   return "folder " + std::to_string(folder) + "/disc " + std::to_string(disc) + " file " +

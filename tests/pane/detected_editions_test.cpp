@@ -193,7 +193,7 @@ TEST_F(DetectedEditions, WithoutTheOptionNothingIsAnnounced) {
 TEST_F(DetectedEditions, AnUpdateAnnouncesWhatTheUserHasInListingOrder) {
   const std::string update = std::string(kSet) + "/Update/TANVO";
   const std::string installed =
-      std::string(kCentral) + "/Mirel Packs/Velmora/Soundsources/Factory/Velmora Library";
+      std::string(kTanvo) + "/Mirel Packs/Velmora/Soundsources/Factory/Velmora Library";
   setAttributes("Mode = TavenhallUpdater\nRelativePath2 = Update\n");
   makeFolder(update + "/Tessaphon");
   makeFolder(update + "/Mirel Packs/Velmora");
@@ -221,7 +221,7 @@ TEST_F(DetectedEditions, TheAlertsComeBeforeTheInstallThreadStarts) {
   setAttributes("Mode = TavenhallUpdater\nRelativePath2 = Update\n");
   makeFolder(update + "/Tessaphon");
   makeFolder(update + "/Lumaweave");
-  makeFolder(kCentral);
+  makeFolder(kTanvo);
   std::size_t threadsAtAlerts = 0;
   host.onAlert = [&](const std::string&) { threadsAtAlerts += platform().callsThatBegin("thread ").size(); };
 
@@ -236,7 +236,7 @@ TEST_F(DetectedEditions, TheAlertsComeBeforeTheInstallThreadStarts) {
 TEST_F(DetectedEditions, AnUpdateWithoutLibrariesShowsNoAlertAndSetsNoOption) {
   setAttributes("Mode = TavenhallUpdater\nRelativePath2 = Update\nNumberOfVolumes = 3\n");
   makeFolder(std::string(kSet) + "/Update/TANVO/Mirel Packs");
-  makeFolder(kCentral);
+  makeFolder(kTanvo);
   platform().canStartThreads = false;
 
   pane.didEnterPane(0);

@@ -43,7 +43,7 @@ class EditionDetection : public testing::Test {
  protected:
   EditionDetection() {
     makeFolder("/Users/tester/Library/Caches");  // where the log goes
-    pane.gTANVOorDOVA_destinationPath = kCentral;
+    pane.gTANVOorDOVA_destinationPath = kTanvo;
   }
 
   // The flag that one library gets, which is kUntouched before.
@@ -85,7 +85,7 @@ TEST_F(EditionDetection, OnlyTheExactNameIsTessaphon) {
 // ---- Other names ----
 
 TEST_F(EditionDetection, AnyOtherLibraryIsLeftAsItIs) {
-  makeSparseFile(std::string(kCentral) + "/Lumaweave/Soundsources/Factory/Lumaweave Library/Sub/x.db", 10);
+  makeSparseFile(std::string(kTanvo) + "/Lumaweave/Soundsources/Factory/Lumaweave Library/Sub/x.db", 10);
   EXPECT_EQ(detect("Lumaweave"), kUntouched);
   EXPECT_THAT(logMessages(), IsEmpty());
 }

@@ -16,7 +16,6 @@ using testing::IsEmpty;
 
 const std::string kPackage = "/Users/tester/Downloads/Set";
 const std::string kData = kPackage + "/Data";
-const std::string kTanvo = "/Users/tester/Library/Application Support/Tavenhall/TANVO";
 const std::string kDova = "/Users/tester/Library/Application Support/Tavenhall/DOVA";
 
 // An update whose data lies in the folder Data beside the package.
@@ -86,10 +85,10 @@ TEST_F(InstallDriver, AnUpdateCopiesTheOutsideFoldersThenTanvoThenDova) {
                                        "log Copying folder " + kPackage + "/Library/Empty /Library//Empty\n",
                                        "log mkdir 0 2 /Library//Empty",
                                        "log Copying folder " + kPackage + "/Applications /Applications/\n",
-                                       "log After resolve 1 " + kTanvo,
+                                       "log After resolve 1 " + kTo,
                                        "log File exists",
                                        kFound};
-  append(expected, passOf("TANVO", kTanvo));
+  append(expected, passOf("TANVO", kTo));
   append(expected, {"log Data from attributes file::    RelativePath=Data ", "log After resolve 1 " + kDova,
                     "log File exists"});
   append(expected, passOf("DOVA", kDova));
@@ -102,7 +101,7 @@ TEST_F(InstallDriver, EachPassFillsItsOwnFolder) {
   writeFile(kData + "/DOVA/two.dat", "two");
   makeFolder(kDova);
   update.run();
-  EXPECT_THAT(treeOf(kTanvo), ElementsAre("one.dat"));
+  EXPECT_THAT(treeOf(kTo), ElementsAre("one.dat"));
   EXPECT_THAT(treeOf(kDova), ElementsAre("two.dat"));
   EXPECT_EQ(update.host.linesThatBegin("instructions ").back(), "instructions Done in " + kDova);
   EXPECT_EQ(update.pane.gTANVOorDOVAnameOnly.view(), "DOVA");
@@ -130,7 +129,7 @@ TEST_F(InstallDriver, TheDovaPassTakesTheRelativePathThoughTheTanvoPassReadFromV
                   "Volume 1 path should be: /Volumes/Tessaphon B", "Volume 1 /Volumes/Tessaphon B/TANVO\n",
                   "Volume 0 " + kData + "/DOVA\n", "Volume count: 2",
                   "Volume 1 path should be: /Volumes/Tessaphon B", "Volume 1 /Volumes/Tessaphon B/DOVA\n"));
-  EXPECT_THAT(treeOf(kTanvo), ElementsAre("a.dat"));
+  EXPECT_THAT(treeOf(kTo), ElementsAre("a.dat"));
   EXPECT_THAT(treeOf(kDova), ElementsAre("two.dat"));
 }
 
@@ -160,12 +159,12 @@ TEST_F(InstallDriver, APartThatTheUpdateDoesNotCarryIsPassedOver) {
 
 TEST_F(InstallDriver, ACentralFolderThatIsNotThereReachesTheCopyAsNoDestination) {
   Update update;
-  std::filesystem::remove(kTanvo);
+  std::filesystem::remove(kTo);
   makeFolder(kData + "/TANVO");
   makeFolder(kData + "/DOVA");
   update.run();
   std::vector<std::string> expected = {"main: progress.value 0", "main: progress.display",
-                                       "log After resolve 1 " + kTanvo, kFound};
+                                       "log After resolve 1 " + kTo, kFound};
   append(expected, passOf("TANVO", "(null)"));
   append(expected, {"log Data from attributes file::    RelativePath=Data ", "log After resolve 1 " + kDova});
   append(expected, passOf("DOVA", "(null)"));
@@ -175,7 +174,7 @@ TEST_F(InstallDriver, ACentralFolderThatIsNotThereReachesTheCopyAsNoDestination)
 
 TEST_F(InstallDriver, WithoutCentralFoldersNothingIsTouched) {
   Update update;
-  std::filesystem::remove(kTanvo);
+  std::filesystem::remove(kTo);
   writeFile(kData + "/TANVO/one.dat", "one");
   writeFile(kData + "/DOVA/two.dat", "two");
   const auto before = treeOf("/Users/tester/Library/Application Support");
@@ -190,12 +189,12 @@ TEST_F(InstallDriver, WithoutCentralFoldersNothingIsTouched) {
 
 TEST_F(InstallDriver, ADestinationMissingForTanvoAloneLeavesDovaItsOwn) {
   Update update;
-  std::filesystem::remove(kTanvo);
+  std::filesystem::remove(kTo);
   writeFile(kData + "/TANVO/one.dat", "one");
   writeFile(kData + "/DOVA/two.dat", "two");
   makeFolder(kDova);
   update.run();
-  EXPECT_FALSE(exists(kTanvo));
+  EXPECT_FALSE(exists(kTo));
   EXPECT_THAT(treeOf(kDova), ElementsAre("two.dat"));
   EXPECT_EQ(update.pane.readyToProceed, 1);
 }

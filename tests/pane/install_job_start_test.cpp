@@ -27,7 +27,7 @@ class InstallJobStart : public testing::Test {
  protected:
   InstallJobStart() {
     makeFolder("/Users/tester/Library/Caches");  // where the log goes
-    pane.gTANVOorDOVA_destinationPath = kCentral;
+    pane.gTANVOorDOVA_destinationPath = kTanvo;
   }
 
   // The log of a job start after which nothing happens, since no thread can be had.
@@ -106,7 +106,7 @@ TEST_F(InstallJobStart, Mode3AsksForVolumesAndRelativePathInOrder) {
 
 TEST_F(InstallJobStart, Mode4ListsDetectsAndAnnouncesInOrder) {
   const std::string installed =
-      std::string(kCentral) + "/Mirel Packs/Velmora/Soundsources/Factory/Velmora Library";
+      std::string(kTanvo) + "/Mirel Packs/Velmora/Soundsources/Factory/Velmora Library";
   setAttributes("Mode = TavenhallUpdater\nRelativePath = Data\nRelativePath2 = Update\nNumberOfVolumes = 9\n");
   writeFile("/tmp/TavInstallType", "Lite\n");
   makeFolder(std::string(kSet) + "/Update/TANVO/Mirel Packs/Velmora");
@@ -223,7 +223,7 @@ TEST_F(InstallJobStart, WhatBelongsToOthersIsLeftAlone) {
   EXPECT_EQ(pane.gAltSrcFolder.view(), "/alternate");
   EXPECT_EQ(pane.totalNumBytesExpectedAcrossAllVolumes, 77);
   EXPECT_EQ(pane.gTANVOorDOVAnameOnly.view(), "NAME");
-  EXPECT_EQ(pane.gTANVOorDOVA_destinationPath, kCentral);
+  EXPECT_EQ(pane.gTANVOorDOVA_destinationPath, kTanvo);
 }
 
 // ---- The plug-in's name and the folder's ----
@@ -340,7 +340,7 @@ TEST_F(InstallJobStart, AThreadThatCannotStartGivesTheHoldsBackLogsAndShowsInsta
 TEST_F(InstallJobStart, AfterAThreadThatCouldNotStartThePageCanBeEnteredAgain) {
   setAttributes("Mode = DataUpdater\nRelativePath = Data\n");
   writeFile(std::string(kSet) + "/Data/TANVO/one.dat", "one");
-  makeFolder(kCentral);
+  makeFolder(kTanvo);
   platform().canStartThreads = false;
   pane.didEnterPane(0);
   EXPECT_FALSE(pane.shouldExitPane(0));

@@ -46,7 +46,7 @@ std::string textShownOnEntry(const std::string& value) {
 
 TEST_F(PaneEntry, WithACentralFolderEverythingUpToTheInstallThreadIsInOrder) {
   makeUpdater();
-  makeFolder(kCentral);
+  makeFolder(kTanvo);
   RecordingHost host;
   InstallDataPane pane(host);
   EventTrace trace(host);
@@ -122,7 +122,7 @@ TEST_F(PaneEntry, WithoutACentralFolderNothingIsStarted) {
 TEST_F(PaneEntry, ADanglingCentralFolderIsAMissingOne) {
   makeUpdater();
   makeFolder("/Users/tester/Library/Application Support/Tavenhall");
-  ASSERT_EQ(symlink("/Volumes/Gone/TANVO", kCentral), 0);
+  ASSERT_EQ(symlink("/Volumes/Gone/TANVO", kTanvo), 0);
   RecordingHost host;
   InstallDataPane pane(host);
 
@@ -157,7 +157,7 @@ TEST_F(PaneEntry, TheTextsLineBreaksAreABlankAndANewline) {
 
 TEST_F(PaneEntry, AMissingTextIsTheBuiltInOne) {
   setAttributes("Mode = DataUpdater\nRelativePath = Nowhere\n");
-  makeFolder(kCentral);
+  makeFolder(kTanvo);
   platform().canStartThreads = false;
   RecordingHost host;
   InstallDataPane pane(host);
@@ -294,7 +294,7 @@ TEST_F(PaneEntry, TheStateIsResetBeforeTheButtonsAreUpdated) {
 
 TEST_F(PaneEntry, EnteringTwiceRunsTwoJobs) {
   makeUpdater();
-  makeFolder(kCentral);
+  makeFolder(kTanvo);
   RecordingHost host;
   InstallDataPane pane(host);
 
@@ -314,7 +314,7 @@ TEST_F(PaneEntry, EnteringTwiceRunsTwoJobs) {
 TEST_F(PaneEntry, EnteringAgainStartsFromNothingCopied) {
   makeUpdater();
   writeFile(std::string(kSet) + "/Data/TANVO/two.dat", someBytes(300 * 1024));
-  makeFolder(kCentral);
+  makeFolder(kTanvo);
   RecordingHost host;
   InstallDataPane pane(host);
   pane.didEnterPane(0);
@@ -335,13 +335,13 @@ TEST_F(PaneEntry, ASecondEntryFindsACentralFolderThatHasCome) {
   InstallDataPane pane(host);
   pane.didEnterPane(0);
   ASSERT_EQ(host.linesThatBegin("sheet ").size(), 1U);
-  makeFolder(kCentral);
+  makeFolder(kTanvo);
 
   pane.didEnterPane(0);
   host.serve();
 
   EXPECT_EQ(host.linesThatBegin("sheet ").size(), 1U);
-  EXPECT_EQ(readFile(std::string(kCentral) + "/one.dat"), "one");
+  EXPECT_EQ(readFile(std::string(kTanvo) + "/one.dat"), "one");
 }
 
 }  // namespace

@@ -191,7 +191,7 @@ TEST_F(PaneLifecycle, TheTitleMayBeAskedForWhileAnInstallRuns) {
   setAttributes(
       "Mode = DataUpdater\nInstallDataTitle = Page\nRelativePath = Data\nTotalSizeMillionsBytes = 1\n");
   writeFile(std::string(kSet) + "/Data/TANVO/one.dat", someBytes(500000));
-  makeFolder(kCentral);
+  makeFolder(kTanvo);
   RecordingHost host;
   InstallDataPane pane(host);
 

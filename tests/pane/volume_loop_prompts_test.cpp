@@ -150,7 +150,7 @@ TEST_F(VolumeLoop, ARootWithoutADataFolderKeepsPromptingAndNeverReachesTheSheet)
   EXPECT_EQ(pass.messages("Disc not ready: 1 0 0").size(), 25U);
   EXPECT_EQ(platform().callsThatBegin("sleep 10").size(), 25U);
   EXPECT_THAT(pass.host.linesThatBegin("sheet "), IsEmpty());
-  EXPECT_EQ(readFile(std::string(kCentral) + "/a.dat"), "a");
+  EXPECT_EQ(readFile(std::string(kTanvo) + "/a.dat"), "a");
 }
 
 TEST_F(VolumeLoop, OtherModesNeverCheckAndNeverAsk) {
@@ -187,7 +187,7 @@ TEST_F(VolumeLoop, SeveralLateDiscsAreWaitedForEachInItsTurn) {
                           "alert Ready for next volume|Please insert Tessaphon C|OK|1",
                           "alert Ready for next volume|Please insert Tessaphon C|OK|1"));
   EXPECT_EQ(platform().callsThatBegin("sleep 10").size(), 6U);
-  EXPECT_THAT(treeOf(kCentral), ElementsAre("0.dat", "1.dat", "2.dat"));
+  EXPECT_THAT(treeOf(kTanvo), ElementsAre("0.dat", "1.dat", "2.dat"));
   EXPECT_EQ(platform().callsThatBegin("system drutil -drive 1 eject").size(), 3U);
 }
 

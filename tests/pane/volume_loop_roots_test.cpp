@@ -92,7 +92,7 @@ TEST_F(VolumeLoop, TheSecondComponentIsInstalledFromItsOwnFolder) {
   VolumePass pass(3);
   pass.pane.gInstallationHasLiteVsFullOption = 1;
   pass.run();
-  EXPECT_THAT(treeOf(kCentral), ElementsAre("one.dat", "two.dat"));
+  EXPECT_THAT(treeOf(kTanvo), ElementsAre("one.dat", "two.dat"));
   EXPECT_THAT(pass.messages("Volume "), ElementsAre("Volume 0 /tmp/Start/TANVO\n", "Volume count: 2",
                                                     "Volume 1 /Users/tester/Downloads/Set/Second/TANVO\n"));
 }
@@ -105,7 +105,7 @@ TEST_F(VolumeLoop, ALiteChoiceInstallsTheFirstComponentOnly) {
   pass.pane.gInstallationHasLiteVsFullOption = 1;
   pass.pane.gTwoComponentInstallChoicesAreLite[0] = 1;
   pass.run();
-  EXPECT_THAT(treeOf(kCentral), ElementsAre("one.dat"));
+  EXPECT_THAT(treeOf(kTanvo), ElementsAre("one.dat"));
 }
 
 TEST_F(VolumeLoop, TheStatusIsBlankedForEveryVolume) {
@@ -277,7 +277,7 @@ TEST_F(VolumeLoop, ASetOfSevenDiscsIsInstalledWithSkipsAndALateDisc) {
                   usingPrimary("/Volumes/Slow Bloom DOVA Outrider"), kThread, kEject,
                   "log Volume 6 /Volumes/Tin Parade DOVA Outrider/TANVO\n", insert("Tin Parade"),
                   "log Optional disc button choice 1001\n", kSkipping));
-  EXPECT_THAT(treeOf(kCentral), ElementsAre("1.dat", "2.dat", "5.dat", "6.dat"));
+  EXPECT_THAT(treeOf(kTanvo), ElementsAre("1.dat", "2.dat", "5.dat", "6.dat"));
   EXPECT_EQ(pass.pane.gCurrentVolumeNumber, 7);
 }
 

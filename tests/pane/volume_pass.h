@@ -7,7 +7,7 @@
 
 namespace tavenhall::test {
 
-inline const std::string kTo = kCentral;
+inline const std::string kTo = kTanvo;
 inline const std::string kFound = std::string("log ") + kFoundLine;
 
 // The attributes file of a set whose pass tells where it copies, and of a size of one million bytes.
@@ -28,8 +28,8 @@ struct VolumePass {
     pane.gPathOfSourceDataExcludingTANVOtail.assign(root);
     pane.gPluginNameChar.assign(pluginName);
     pane.gTANVOorDOVAnameOnly.assign("TANVO");
-    pane.gTANVOorDOVA_destinationPath = kCentral;
-    makeFolder(kCentral);
+    pane.gTANVOorDOVA_destinationPath = kTanvo;
+    makeFolder(kTanvo);
   }
 
   // On the test's own thread, with copy threads beside it.

@@ -3,8 +3,6 @@
 
 #include <chrono>
 #include <cstdint>
-#include <filesystem>
-#include <iterator>
 #include <sstream>
 #include <string>
 #include <sys/socket.h>

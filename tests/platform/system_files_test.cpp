@@ -32,12 +32,6 @@ void expectError(const RemovalError& error, const std::string& description) {
   EXPECT_EQ(error.localizedFailureReason, "");
 }
 
-unsigned permissionsOf(const std::string& path) {
-  struct stat found {};
-  EXPECT_EQ(lstat(path.c_str(), &found), 0) << path;
-  return found.st_mode & 07777U;
-}
-
 }  // namespace
 
 // ---- Removal ----
@@ -116,14 +110,14 @@ TEST(SetPosixPermissions, SetsThoseOfAFile) {
   writeFile("/tmp/file", "text");
   ASSERT_EQ(chmod("/tmp/file", 0640), 0);
   setPosixPermissions("/tmp/file", 0777);
-  EXPECT_EQ(permissionsOf("/tmp/file"), 0777U);
+  EXPECT_EQ(modeOf("/tmp/file"), 0777U);
 }
 
 TEST(SetPosixPermissions, AreNotCutByTheMask) {
   writeFile("/tmp/file", "text");
   umask(0077);
   setPosixPermissions("/tmp/file", 0777);
-  EXPECT_EQ(permissionsOf("/tmp/file"), 0777U);
+  EXPECT_EQ(modeOf("/tmp/file"), 0777U);
 }
 
 TEST(SetPosixPermissions, LeaveWhatIsInAFolderAsItIs) {
@@ -131,8 +125,8 @@ TEST(SetPosixPermissions, LeaveWhatIsInAFolderAsItIs) {
   ASSERT_EQ(chmod("/tmp/folder", 0700), 0);
   ASSERT_EQ(chmod("/tmp/folder/file", 0600), 0);
   setPosixPermissions("/tmp/folder", 0777);
-  EXPECT_EQ(permissionsOf("/tmp/folder"), 0777U);
-  EXPECT_EQ(permissionsOf("/tmp/folder/file"), 0600U);
+  EXPECT_EQ(modeOf("/tmp/folder"), 0777U);
+  EXPECT_EQ(modeOf("/tmp/folder/file"), 0600U);
 }
 
 TEST(SetPosixPermissions, GoThroughALink) {
@@ -140,7 +134,7 @@ TEST(SetPosixPermissions, GoThroughALink) {
   ASSERT_EQ(chmod("/tmp/file", 0600), 0);
   fs::create_symlink("file", "/tmp/link");
   setPosixPermissions("/tmp/link", 0777);
-  EXPECT_EQ(permissionsOf("/tmp/file"), 0777U);
+  EXPECT_EQ(modeOf("/tmp/file"), 0777U);
 }
 
 TEST(SetPosixPermissions, MakeNothingWhereNothingIs) {

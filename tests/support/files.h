@@ -49,8 +49,8 @@ void setAttributes(std::string_view text);
 inline constexpr const char* kFoundLine =
     "Found Installation Attribute File at  /Users/tester/Downloads/Set/.InstallationAttributes.dat";
 
-// The user's data folder.
-inline constexpr const char* kCentral = "/Users/tester/Library/Application Support/Tavenhall/TANVO";
+// The folder of that name for the user's data.
+inline constexpr const char* kTanvo = "/Users/tester/Library/Application Support/Tavenhall/TANVO";
 
 // The installation log of the private root's home, and its messages: each record without its time and host
 // name ("<message>"), in order. A message may hold newlines.

@@ -16,7 +16,6 @@ using testing::HasSubstr;
 using testing::Not;
 
 constexpr const char* kDataRoot = "/Users/tester/Library/Application Support/Tavenhall";
-constexpr const char* kTanvo = "/Users/tester/Library/Application Support/Tavenhall/TANVO";
 
 class IntroductionPage : public InUtf8 {
  protected:

@@ -28,7 +28,7 @@ void layTwoDiscSet() {
       "NumberOfVolumes = 2\n"
       "TotalSizeMillionsBytes = 3\n");
   writeFile(kPackageFile, "");
-  makeFolder(kDataFolder);
+  makeFolder(kTanvo);
   layDisc(kFirstDisc, "Keyboards", 10);
   layDisc("/Volumes/.discs/Tessaphon B", "Voices", 20);
 }
@@ -45,7 +45,7 @@ std::vector<std::string> runScript(std::string_view script) {
       "InstallDataTitle = Scripted Page\n"
       "TotalSizeMillionsBytes = 2000\n");
   writeFile(kPackageFile, "");
-  makeFolder(kDataFolder);
+  makeFolder(kTanvo);
   writeFile("/tmp/page-script", script);
   return runCommand({"--bundle", TAVINSTALL_BINARY_DIR "/tests/ScriptedPage.bundle"});
 }

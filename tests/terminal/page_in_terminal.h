@@ -11,7 +11,6 @@
 namespace tavenhall::test {
 
 inline constexpr const char* kPackageFile = "/Users/tester/Downloads/Set/Installer.pkg";
-inline constexpr const char* kDataFolder = "/Users/tester/Library/Application Support/Tavenhall/TANVO";
 inline constexpr const char* kFirstDisc = "/Volumes/Tavenhall Tessaphon A";
 inline constexpr const char* kSecondDisc = "/Volumes/Tessaphon B";
 

@@ -45,11 +45,11 @@ TEST_F(TerminalInstall, TwoDiscsAreInstalledWithASwapBetweenThem) {
   EXPECT_THAT(terminal.waitFor("[ended with"), HasSubstr("Installed 3.0 MB in "));
   EXPECT_THAT(terminal.screen(), HasSubstr("[ended with 0]"));
   EXPECT_EQ(terminal.ask("#{alternate_on} #{cursor_flag} #{mouse_any_flag}"), "0 1 0");
-  EXPECT_THAT(treeOf(kDataFolder),
+  EXPECT_THAT(treeOf(kTanvo),
               ElementsAre("Tessaphon/", "Tessaphon/Keyboards/", "Tessaphon/Keyboards/001.db",
                           "Tessaphon/Keyboards/002.db", "Tessaphon/Keyboards/003.db", "Tessaphon/Voices/",
                           "Tessaphon/Voices/001.db", "Tessaphon/Voices/002.db", "Tessaphon/Voices/003.db"));
-  EXPECT_EQ(readFile(std::string(kDataFolder) + "/Tessaphon/Voices/002.db"),
+  EXPECT_EQ(readFile(std::string(kTanvo) + "/Tessaphon/Voices/002.db"),
             readFile(std::string(kSecondDisc) + "/TANVO/Tessaphon/Voices/002.db"));
 }
 
@@ -62,7 +62,7 @@ void layOneDiscSet() {
 
 TEST_F(TerminalInstall, AFailureIsASheetAndIsNamedOnTheLastPage) {
   layOneDiscSet();
-  makeFolder(std::string(kDataFolder) + "/Tessaphon/Keyboards/002.db");
+  makeFolder(std::string(kTanvo) + "/Tessaphon/Keyboards/002.db");
   TmuxTerminal terminal(80, 24, runCommand());
   terminal.waitFor("Press Continue to begin.");
   terminal.press({"Enter"});
@@ -83,7 +83,7 @@ TEST_F(TerminalInstall, AFailureIsASheetAndIsNamedOnTheLastPage) {
 
 TEST_F(TerminalInstall, WithoutItsDataFolderThePageLeadsToALastPageThatSaysSo) {
   layOneDiscSet();
-  std::filesystem::remove_all(kDataFolder);
+  std::filesystem::remove_all(kTanvo);
   TmuxTerminal terminal(80, 24, runCommand());
   terminal.waitFor("Press Continue to begin.");
   expectScreen(terminal, "introduction-without-folder");
@@ -105,12 +105,12 @@ TEST_F(TerminalInstall, TooLittleRoomIsAWarningWithAChoice) {
   terminal.press({"Enter"});
   terminal.waitUntilGone("[ Install Anyway ]");
   terminal.waitFor("Welcome to the Tessaphon installer");
-  EXPECT_FALSE(exists(std::string(kDataFolder) + "/Tessaphon"));
+  EXPECT_FALSE(exists(std::string(kTanvo) + "/Tessaphon"));
   terminal.press({"Enter"});
   terminal.waitFor("[ Install Anyway ]");
   terminal.press({"Right", "Enter"});
   terminal.waitFor("100 %");
-  EXPECT_TRUE(exists(std::string(kDataFolder) + "/Tessaphon/Keyboards/003.db"));
+  EXPECT_TRUE(exists(std::string(kTanvo) + "/Tessaphon/Keyboards/003.db"));
 }
 
 }  // namespace

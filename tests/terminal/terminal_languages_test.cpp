@@ -53,7 +53,7 @@ TEST_P(TerminalSpeaks, ItsLanguageFromTheFirstPageToTheLast) {
   layTwoDiscSet();
   setAttributes(
       "Mode = InstallFromVolumes\nInstallDataTitle = Installing Tessaphon Data\nTotalSizeMillionsBytes = 2\n");
-  makeFolder(std::string(kDataFolder) + "/Tessaphon/Keyboards/002.db");  // in a file's way
+  makeFolder(std::string(kTanvo) + "/Tessaphon/Keyboards/002.db");  // in a file's way
   TmuxTerminal terminal(80, 24, runCommand(), language());
   terminal.waitFor(GetParam().introduction);
   expectScreen(terminal, screenOf("introduction"));
@@ -103,7 +103,7 @@ TEST_P(TerminalSpeaks, ItsLanguageWhenAllIsInstalled) {
 // What the page says and what the program says of it come in one language.
 TEST_P(TerminalSpeaks, TheLanguageOfThePage) {
   layTwoDiscSet();
-  std::filesystem::remove_all(kDataFolder);
+  std::filesystem::remove_all(kTanvo);
   TmuxTerminal terminal(80, 24, runCommand(), language());
   terminal.waitFor(GetParam().introduction);
   terminal.press({"Enter"});

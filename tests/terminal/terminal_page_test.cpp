@@ -5,6 +5,7 @@
 #include "tests/terminal/page_in_terminal.h"
 #include "tests/terminal/tmux_terminal.h"
 
+#include <functional>
 #include <gmock/gmock.h>
 #include <string>
 
@@ -97,38 +98,30 @@ TEST_F(TerminalPageTest, AnAlertIsAnsweredByItsHotKeyAndByArrows) {
   expectAnswers("1001\n1000\n");
 }
 
-TEST_F(TerminalPageTest, ButtonsAreClicked) {
+// Begins the install and answers its question, each by a button.
+void expectSkippedByClicks(const std::function<void(TmuxTerminal&, TmuxTerminal::Place)>& click) {
   TmuxTerminal terminal(80, 24, runScript(std::string(kCopy) + kQuestion + kEnd));
   terminal.waitFor("Press Continue to begin.");
-  const auto proceed = terminal.find("[ Continue ]");
-  terminal.click(proceed.column + 3, proceed.row);
+  click(terminal, terminal.find("[ Continue ]"));
   terminal.waitFor("[ Skip ]");
-  const auto skip = terminal.find("[ Skip ]");
-  terminal.click(skip.column, skip.row);
+  click(terminal, terminal.find("[ Skip ]"));
   terminal.waitUntilGone("[ Skip ]");
   expectAnswers("1001\n");
+}
+
+TEST_F(TerminalPageTest, ButtonsAreClicked) {
+  expectSkippedByClicks(
+      [](TmuxTerminal& terminal, auto button) { terminal.click(button.column + 3, button.row); });
 }
 
 TEST_F(TerminalPageTest, AClickCountsAlsoWhereAllOfItComesAtOnce) {
-  TmuxTerminal terminal(80, 24, runScript(std::string(kCopy) + kQuestion + kEnd));
-  terminal.waitFor("Press Continue to begin.");
-  terminal.clickAtOnce({terminal.find("[ Continue ]")});
-  terminal.waitFor("[ Skip ]");
-  terminal.clickAtOnce({terminal.find("[ Skip ]")});
-  terminal.waitUntilGone("[ Skip ]");
-  expectAnswers("1001\n");
+  expectSkippedByClicks([](TmuxTerminal& terminal, auto button) { terminal.clickAtOnce({button}); });
 }
 
 TEST_F(TerminalPageTest, SeveralClicksAtOnceCountOneByOne) {
-  TmuxTerminal terminal(80, 24, runScript(std::string(kCopy) + kQuestion + kEnd));
-  terminal.waitFor("Press Continue to begin.");
-  const auto proceed = terminal.find("[ Continue ]");
-  terminal.clickAtOnce({{0, 0}, proceed, {0, 0}, {0, 0}});
-  terminal.waitFor("[ Skip ]");
-  const auto skip = terminal.find("[ Skip ]");
-  terminal.clickAtOnce({skip, skip, skip});
-  terminal.waitUntilGone("[ Skip ]");
-  expectAnswers("1001\n");
+  expectSkippedByClicks([](TmuxTerminal& terminal, auto button) {
+    terminal.clickAtOnce({{0, 0}, button, button, {0, 0}});
+  });
 }
 
 TEST_F(TerminalPageTest, EscapeClosesASheet) {

@@ -52,14 +52,14 @@ void goThrough(DesktopProgram& program, const std::string& goOn) {
 }
 
 Install installIn(const char* language, const char* goOn, const char* close) {
-  std::filesystem::remove_all(kCentral);
+  std::filesystem::remove_all(kTanvo);
   std::filesystem::remove(kLog);
-  makeFolder(kCentral);
+  makeFolder(kTanvo);
   DesktopProgram program({{"LANGUAGE", language}});
   goThrough(program, goOn);
   program.clickOn(close);
   EXPECT_EQ(program.waitForEnd(), 0) << program.standardError();
-  return {program.lines(), logMessages(), describeTree({kCentral})};
+  return {program.lines(), logMessages(), describeTree({kTanvo})};
 }
 
 TEST(DesktopLanguage, AnInstallInGermanIsTheSameButForItsWords) {
@@ -89,9 +89,9 @@ TEST(DesktopLanguage, AnInstallInGermanIsTheSameButForItsWords) {
 
 // The system's own words for what failed are in the log.
 std::vector<std::string> logOfAFailureIn(const char* language, const char* goOn, const char* notFinished) {
-  std::filesystem::remove_all(kCentral);
+  std::filesystem::remove_all(kTanvo);
   std::filesystem::remove(kLog);
-  makeFolder(std::string(kCentral) + "/Tessaphon/a.db");  // in the file's way
+  makeFolder(std::string(kTanvo) + "/Tessaphon/a.db");  // in the file's way
   DesktopProgram program({{"LANGUAGE", language}});
   program.clickOn(goOn);
   program.await("text: Failed to open output file.");
@@ -129,7 +129,7 @@ TEST(DesktopLanguage, TheHelpIsInGermanAndNamesTheVariables) {
 
 TEST(DesktopLanguage, ARefusalIsSaidInJapanese) {
   laySet();
-  makeFolder(kCentral);
+  makeFolder(kTanvo);
   const int other = open("/Users/tester/Library/Application Support", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   ASSERT_EQ(flock(other, LOCK_EX | LOCK_NB), 0);  // as another installation does
 
@@ -209,7 +209,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_P(EveryDesktopLanguage, HasRoomOnTheFirstPage) {
   laySet();
-  makeFolder(kCentral);
+  makeFolder(kTanvo);
 
   DesktopProgram program({{"LANGUAGE", GetParam().name}});
   program.await(GetParam().lines.back());

@@ -47,7 +47,7 @@ class DesktopRuns : public testing::Test {
         "NumberOfVolumes = 2\n"
         "TotalSizeMillionsBytes = 100\n");
     writeFile(std::string(kSet) + "/Installer.pkg", "");
-    makeFolder(kCentral);
+    makeFolder(kTanvo);
     std::filesystem::remove("/tmp/TavInstallLoc");
     // A test program lies where the bundles are looked for, so the usual one is found.
     ASSERT_EQ(
@@ -65,7 +65,7 @@ TEST_F(DesktopRuns, TheIntroductionSaysWhatWillBeInstalledFromWhereAndToWhere) {
   EXPECT_EQ(lines.front(), "This installs the sample data of Tessaphon.");
   EXPECT_THAT(lines, Contains("From    Disc Tavenhall Tessaphon A"));
   EXPECT_THAT(lines, Contains("        Disc Tessaphon B"));
-  EXPECT_THAT(lines, Contains("To      " + std::string(kCentral)));
+  EXPECT_THAT(lines, Contains("To      " + std::string(kTanvo)));
   EXPECT_THAT(lines, Contains("Size    100.0 MB"));
   EXPECT_FALSE(exists("/tmp/TavInstallLoc"));
 }
@@ -109,7 +109,7 @@ TEST_F(DesktopRuns, TheSummarySaysWhatTheBarCounted) {
   run_.end();
   EXPECT_EQ(run_.summary().heading.text, "The installation was successful.");
   EXPECT_THAT(textOf(run_.summary()),
-              ElementsAre(StartsWith("Installed  51.2 MB in "), "In         " + std::string(kCentral),
+              ElementsAre(StartsWith("Installed  51.2 MB in "), "In         " + std::string(kTanvo),
                           "Log        /Users/tester/Library/Caches/Tavenhall/installationLog.txt"));
   EXPECT_EQ(run_.exitStatus(), ExitStatus::success);
 }

@@ -98,7 +98,7 @@ TEST_F(DesktopWindow, AWholeInstallFromTheIntroductionToTheSummary) {
                           "Mode = DataUpdater\nRelativePath = .\nTotalSizeMillionsBytes = 3\n"),
                  textFile("Installer.pkg", ""), file("TANVO/Tessaphon/a.db", 1000000),
                  file("TANVO/Tessaphon/b.db", 2000)});
-  makeFolder(kCentral);
+  makeFolder(kTanvo);
 
   start();
   pressContinue();
@@ -112,12 +112,11 @@ TEST_F(DesktopWindow, AWholeInstallFromTheIntroductionToTheSummary) {
 
   EXPECT_EQ(program_->waitForEnd(), 0) << program_->standardError();
   EXPECT_EQ(readFile("/tmp/TavInstallLoc"), std::string(kPackage) + "\n");
-  EXPECT_EQ(
-      describeTree({kCentral}),
-      (std::vector<std::string>{
-          "drwxr-xr-x " + std::string(kCentral) + "/Tessaphon",
-          "-rw-r--r-- " + std::string(kCentral) + "/Tessaphon/a.db = " + kSet + "/TANVO/Tessaphon/a.db",
-          "-rw-r--r-- " + std::string(kCentral) + "/Tessaphon/b.db = " + kSet + "/TANVO/Tessaphon/b.db"}));
+  EXPECT_EQ(describeTree({kTanvo}),
+            (std::vector<std::string>{
+                "drwxr-xr-x " + std::string(kTanvo) + "/Tessaphon",
+                "-rw-r--r-- " + std::string(kTanvo) + "/Tessaphon/a.db = " + kSet + "/TANVO/Tessaphon/a.db",
+                "-rw-r--r-- " + std::string(kTanvo) + "/Tessaphon/b.db = " + kSet + "/TANVO/Tessaphon/b.db"}));
 }
 
 TEST_F(DesktopWindow, ClosedAtTheIntroductionItHasTouchedNothing) {
