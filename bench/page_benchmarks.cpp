@@ -2,9 +2,9 @@
 #include "context/attributes_line.h"
 #include "context/installation_log.h"
 #include "context/internal_lookups.h"
-#include "host/json_events.h"
-#include "host/main_queue.h"
-#include "platform/wake_up.h"
+#include "host/engine/main_queue.h"
+#include "host/protocol/json_events.h"
+#include "platform/host_system.h"
 #include "tests/support/private_root.h"
 
 #include <array>

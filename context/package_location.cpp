@@ -1,6 +1,7 @@
 #include "context/first_line.h"
 #include "context/installation_log.h"
 #include "context/internal_lookups.h"
+#include "platform/installer_pane.h"
 
 #include <mutex>
 
@@ -9,8 +10,6 @@ namespace tavenhall {
 constinit thread_local BoundedText<kPackageFolderSize> sOutputPathWithCallersSubfolder;
 
 namespace {
-
-constexpr const char* kLocationFile = "/tmp/TavInstallLoc";
 
 // Tried once a process, before the first open, so that a failed open is never repeated. A second thread
 // that comes in meanwhile waits for the first one's reading.

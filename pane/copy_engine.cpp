@@ -4,7 +4,7 @@
 #include "pane/folder_listing.h"
 #include "pane/install_data_pane.h"
 #include "pane/process_wide.h"
-#include "platform/read_ahead.h"
+#include "platform/copy_hints.h"
 #include "platform/system.h"
 
 #include <algorithm>

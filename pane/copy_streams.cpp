@@ -1,6 +1,6 @@
 #include "pane/copy_streams.h"
 
-#include "platform/file_hints.h"
+#include "platform/copy_hints.h"
 
 #include <array>
 #include <cerrno>

@@ -14,8 +14,6 @@ namespace tavenhall {
 
 namespace {
 
-constexpr const char* kInstallTypeFile = "/tmp/TavInstallType";
-
 bool readVolumesOfferEditions() {
   const std::int64_t number = getLongLongFromAttributesFile("NumberOfVolumes");
   addEventToInstallationLog("Data from attributes file::   num Vol=%lld ", static_cast<long long>(number));

@@ -7,6 +7,11 @@ namespace tavenhall {
 
 class InstallerHost;
 
+// The files by which the installer's pre-install step tells the page where the package is, and which edition
+// ("Lite" or "Full") the user chose. Each holds one line.
+inline constexpr const char* kLocationFile = "/tmp/TavInstallLoc";
+inline constexpr const char* kInstallTypeFile = "/tmp/TavInstallType";
+
 inline constexpr std::int64_t kDirectionForward = 0;
 inline constexpr std::int64_t kDirectionBackward = 1;
 

@@ -1,7 +1,8 @@
+#include "host/base/text.h"
+#include "host/base/unicode.h"
 #include "host/check/key_effects.h"
 #include "host/check/rules.h"
-#include "host/check/words.h"
-#include "host/text.h"
+#include "host/check/spelling.h"
 
 namespace tavenhall {
 
@@ -42,7 +43,7 @@ void checkByteOrderMark(const CheckedSet& checked, const AttributesPiece& first,
   }
   if (const AttributesKey* key = knownKey(first.parts.key.substr(kByteOrderMark.size()))) {
     remarks.add("byte-order-mark", checked.attributesPlace(&first),
-                filled(_("The byte-order mark before {0} is part of the key for the page, which does not know "
+                format(_("The byte-order mark before {0} is part of the key for the page, which does not know "
                          "it then, so {1}."),
                        {key->name, missingKeyEffect(key->name)}));
   }
@@ -65,14 +66,14 @@ void checkBytes(const CheckedSet& checked, const AttributesPiece& piece, Remarks
       value.find_last_not_of(" \t\r") != std::string_view::npos) {
     remarks.add(
         "carriage-return", checked.attributesPlace(&piece),
-        filled(_("A carriage return ends the value, so the page shows {0} and nothing of what follows."),
-               {inQuotes(value.substr(0, carriageReturn))}));
+        format(_("A carriage return ends the value, so the page shows {0} and nothing of what follows."),
+               {quotedText(value.substr(0, carriageReturn))}));
   }
   const AttributesKey* key = knownKey(piece.parts.key);
-  if (key != nullptr && key->kind == KeyKind::text && !piece.isCut && !isUtf8(value)) {
+  if (key != nullptr && key->kind == KeyKind::text && !piece.isCut && !isValidUtf8(value)) {
     remarks.add(
         "text-not-utf8", checked.attributesPlace(&piece),
-        filled(_("The value of {0} is not UTF-8, so the page shows wrong letters or nothing in its place."),
+        format(_("The value of {0} is not UTF-8, so the page shows wrong letters or nothing in its place."),
                {key->name}));
   }
 }

@@ -1,7 +1,7 @@
 #include "context/placement_rules.h"
+#include "host/base/text.h"
 #include "host/check/bundles.h"
 #include "host/check/rules.h"
-#include "host/text.h"
 
 #include <algorithm>
 #include <array>
@@ -85,7 +85,7 @@ class BundleRules {
             "the old files inside."));
     } else if (product != own) {
       remarks_.add("product-in-path", {shown(item.path)},
-                   filled(_("The package's own folder has the name {0} in its path, so the page takes this for "
+                   format(_("The package's own folder has the name {0} in its path, so the page takes this for "
                             "{0}'s, and removes an earlier one only of the first plug-in of its kind."),
                           {pluginNames[*product]}));
     }
@@ -120,11 +120,11 @@ class BundleRules {
     const auto programs = std::count_if(item.inside.begin(), item.inside.end(), isProgram);
     if (programs > 0 && !isOpenedLater) {
       remarks_.add("bundle-permissions", {shown(item.path)},
-                   counted("{0} program file in the bundle will not be marked as a program once installed, "
-                           "since the copy keeps no permissions.",
-                           "{0} program files in the bundle will not be marked as a program once installed, "
-                           "since the copy keeps no permissions.",
-                           programs));
+                   plural("{0} program file in the bundle will not be marked as a program once installed, "
+                          "since the copy keeps no permissions.",
+                          "{0} program files in the bundle will not be marked as a program once installed, "
+                          "since the copy keeps no permissions.",
+                          programs));
     }
   }
 
@@ -134,11 +134,11 @@ class BundleRules {
     });
     if (links > 0) {
       remarks_.add("bundle-link", {shown(item.path)},
-                   counted("{0} link in the bundle will be copies of what they lead to, so the bundle is "
-                           "larger and its signature no longer holds.",
-                           "{0} links in the bundle will be copies of what they lead to, so the bundle is "
-                           "larger and its signature no longer holds.",
-                           links));
+                   plural("{0} link in the bundle will be copies of what they lead to, so the bundle is "
+                          "larger and its signature no longer holds.",
+                          "{0} links in the bundle will be copies of what they lead to, so the bundle is "
+                          "larger and its signature no longer holds.",
+                          links));
     }
   }
 

@@ -1,6 +1,8 @@
+#include "host/base/display_text.h"
+#include "host/base/text.h"
+#include "host/base/units.h"
 #include "host/check/check.h"
-#include "host/check/words.h"
-#include "host/text.h"
+#include "host/check/spelling.h"
 
 #include <algorithm>
 
@@ -34,22 +36,22 @@ const char* modePattern(std::int32_t mode) {
 constexpr std::size_t kLabelColumns = 15;
 
 std::string line(std::string_view label, const std::string& text) {
-  return "  " + padded(label, kLabelColumns) + text + "\n";
+  return "  " + padRight(label, kLabelColumns) + text + "\n";
 }
 
 std::string sizeText(const CheckResult& result) {
   const AnnouncedSize& announced = result.checked.plan.announced;
   const RealSizes real = result.checked.realSizes();
-  const std::string said =
-      announced.isKnown ? filled(_("{0} announced by {1}"), {megabytes(announced.bytes), announced.countedKey})
-                        : filled(_("nothing announced by {0}"), {announced.countedKey});
-  const std::string whole = real.whole ? megabytes(*real.whole + real.systemFolders) : "";
+  const std::string said = announced.isKnown ? format(_("{0} announced by {1}"),
+                                                      {megabytesText(announced.bytes), announced.countedKey})
+                                             : format(_("nothing announced by {0}"), {announced.countedKey});
+  const std::string whole = real.whole ? megabytesText(*real.whole + real.systemFolders) : "";
   if (result.checked.whole.editions.isOffered && real.component) {
-    return filled(real.whole ? _("{0}; there are {1}, {2} of them in the first component")
+    return format(real.whole ? _("{0}; there are {1}, {2} of them in the first component")
                              : _("{0}, {2} of them in the first component"),
-                  {said, whole, megabytes(*real.component)});
+                  {said, whole, megabytesText(*real.component)});
   }
-  return real.whole ? filled(_("{0}; there are {1}"), {said, whole}) : said;
+  return real.whole ? format(_("{0}; there are {1}"), {said, whole}) : said;
 }
 
 const CheckedVolume* contentsOf(const CheckedSet& checked, const PlannedPass& pass,
@@ -66,16 +68,16 @@ std::string volumeText(const CheckedSet& checked, const PlannedPass& pass, const
   std::string place = printableLine(volume.root);
   const CheckedVolume* contents = contentsOf(checked, pass, volume);
   if (contents == nullptr || !contents->isThere) {
-    return filled(volume.isMounted ? _("{0}: not in the set") : _("{0}: not there"), {place});
+    return format(volume.isMounted ? _("{0}: not in the set") : _("{0}: not there"), {place});
   }
   if (volume.isMounted) {
-    place = filled(_("{0} ({1})"), {place, printableLine(contents->shownRoot)});
+    place = format(_("{0} ({1})"), {place, printableLine(contents->shownRoot)});
   }
   if (!contents->isListed) {
-    return filled(_("{0}: cannot be looked into here"), {place});
+    return format(_("{0}: cannot be looked into here"), {place});
   }
   if (contents->chosen.empty()) {
-    return filled(_("{0}: no data folder"), {place});
+    return format(_("{0}: no data folder"), {place});
   }
   std::int64_t files = 0;
   std::int64_t bytes = 0;
@@ -84,33 +86,33 @@ std::string volumeText(const CheckedSet& checked, const PlannedPass& pass, const
     files += isFile ? 1 : 0;
     bytes += isFile ? entry.size : 0;
   }
-  return volume.librariesOnly ? counted("{1}: {2}, {0} file, {3}, the libraries that are not Lite",
-                                        "{1}: {2}, {0} files, {3}, the libraries that are not Lite", files,
-                                        {place, contents->chosen, megabytes(bytes)})
-                              : counted("{1}: {2}, {0} file, {3}", "{1}: {2}, {0} files, {3}", files,
-                                        {place, contents->chosen, megabytes(bytes)});
+  return volume.librariesOnly ? plural("{1}: {2}, {0} file, {3}, the libraries that are not Lite",
+                                       "{1}: {2}, {0} files, {3}, the libraries that are not Lite", files,
+                                       {place, contents->chosen, megabytesText(bytes)})
+                              : plural("{1}: {2}, {0} file, {3}", "{1}: {2}, {0} files, {3}", files,
+                                       {place, contents->chosen, megabytesText(bytes)});
 }
 
 std::string planText(const CheckResult& result) {
   const CheckedSet& checked = result.checked;
   const InstallPlan& plan = checked.plan;
   std::string text = std::string(_("What the page would do")) + "\n";
-  text += line(_("Mode"), filled(modePattern(plan.mode), {printableLine(modeReason(plan))}));
+  text += line(_("Mode"), format(modePattern(plan.mode), {printableLine(modeReason(plan))}));
   text += line(_("Title"), printableLine(plan.title));
   text += line(_("Text"), indented(plan.enteringText, kLabelColumns + 2));
   text += line(_("Edition"), printableLine(editionReason(plan)));
   for (const PlannedLibrary& library : plan.editions.libraries) {
     text += line(
-        "", filled(library.isDetected ? _("{0}: {1}, detected") : _("{0}: {1}, since nothing says otherwise"),
+        "", format(library.isDetected ? _("{0}: {1}, detected") : _("{0}: {1}, since nothing says otherwise"),
                    {printableLine(library.folderName), library.isLite ? "Lite" : "Full"}));
   }
   text += line(_("Size"), sizeText(result));
   for (const PlannedFolder& folder : plan.systemFolders) {
-    text += line(folder.destination, filled(_("from {0}"), {printableLine(folder.source)}));
+    text += line(folder.destination, format(_("from {0}"), {printableLine(folder.source)}));
   }
   for (const PlannedPass& pass : plan.passes) {
-    text += line(pass.folderName, counted("to {1}, {0} volume", "to {1}, {0} volumes",
-                                          std::max(pass.volumeCount, 0), {printableLine(pass.destination)}));
+    text += line(pass.folderName, plural("to {1}, {0} volume", "to {1}, {0} volumes",
+                                         std::max(pass.volumeCount, 0), {printableLine(pass.destination)}));
     for (const PlannedVolume& volume : pass.volumes) {
       text += line("  " + std::to_string(volume.number + 1), volumeText(checked, pass, volume));
     }
@@ -127,17 +129,17 @@ std::string remarksText(const Remarks& remarks) {
     const std::string place = printableLine(remark.place.file) +
                               (remark.place.line > 0 ? ":" + std::to_string(remark.place.line) : "");
     text += "  " +
-            filled(_("{0}: {1}: {2} [{3}]"),
+            format(_("{0}: {1}: {2} [{3}]"),
                    {place, _(severityWord(remark.severity)), printableLine(remark.sentence), remark.name}) +
             "\n      " + remark.reference() + "\n";
   }
   for (const auto& [name, count] : remarks.more()) {
-    text += "  " + filled(_("and {0} more of {1}"), {std::to_string(count), name}) + "\n";
+    text += "  " + format(_("and {0} more of {1}"), {std::to_string(count), name}) + "\n";
   }
   return text + "\n" +
-         filled(_("{0}, {1}, {2}"), {counted("{0} error", "{0} errors", remarks.count(Severity::error)),
-                                     counted("{0} warning", "{0} warnings", remarks.count(Severity::warning)),
-                                     counted("{0} note", "{0} notes", remarks.count(Severity::note))}) +
+         format(_("{0}, {1}, {2}"), {plural("{0} error", "{0} errors", remarks.count(Severity::error)),
+                                     plural("{0} warning", "{0} warnings", remarks.count(Severity::warning)),
+                                     plural("{0} note", "{0} notes", remarks.count(Severity::note))}) +
          "\n";
 }
 
@@ -145,8 +147,8 @@ std::string remarksText(const Remarks& remarks) {
 
 std::string checkText(const CheckResult& result) {
   const CheckedSet& checked = result.checked;
-  return filled(_("The set {0}"), {printableLine(checked.set.folder.string())}) + "\n  " +
-         filled(_("{0} for {1}, whose data folder is {2}"),
+  return format(_("The set {0}"), {printableLine(checked.set.folder.string())}) + "\n  " +
+         format(_("{0} for {1}, whose data folder is {2}"),
                 {printableLine(checked.set.package.filename().string()), checked.product.pluginName,
                  checked.product.folderName}) +
          "\n\n" + planText(result) + "\n" + remarksText(result.remarks);

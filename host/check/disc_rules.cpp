@@ -1,6 +1,6 @@
+#include "host/base/text.h"
 #include "host/check/rules.h"
-#include "host/check/words.h"
-#include "host/text.h"
+#include "host/check/spelling.h"
 
 #include <algorithm>
 
@@ -45,23 +45,23 @@ void checkDisc(const CheckedSet& checked, const Disc& disc, Remarks& remarks) {
   if (isOptionalName(disc.volumeName) && !areOptionalDiscsReached(checked.whole)) {
     remarks.add(
         "optional-disc-unreachable", place,
-        filled(
+        format(
             isExpected
                 ? _("The page never asks for the optional disc {0} with this product; it asks for {1} instead.")
                 : _("The page never asks for the optional disc {0} with this product; its data is not "
                     "installed."),
-            {inQuotes(disc.volumeName), inQuotes(expected)}));
+            {quotedText(disc.volumeName), quotedText(expected)}));
   } else if (isExpected) {
     remarks.add("disc-name", place,
-                filled(_("The page asks for {0} here and does not take a disc that is called {1}, so it asks "
+                format(_("The page asks for {0} here and does not take a disc that is called {1}, so it asks "
                          "again without end."),
-                       {inQuotes(expected), inQuotes(disc.volumeName)}));
+                       {quotedText(expected), quotedText(disc.volumeName)}));
   } else if (disc.number > pass.volumeCount) {
     remarks.add(
         "disc-surplus", place,
-        counted("The page installs {0} volume and never asks for this disc, so its data is not installed.",
-                "The page installs {0} volumes and never asks for this disc, so its data is not installed.",
-                std::max(pass.volumeCount, 0)));
+        plural("The page installs {0} volume and never asks for this disc, so its data is not installed.",
+               "The page installs {0} volumes and never asks for this disc, so its data is not installed.",
+               std::max(pass.volumeCount, 0)));
   }
 }
 
@@ -70,8 +70,8 @@ void checkVolumeOfDisc(const CheckedVolume& volume, Remarks& remarks) {
     if (!volume.volume.isOptional) {
       remarks.add(
           "disc-missing", {"discs"},
-          filled(_("There is no disc {0}, so the page asks for {1} until somebody has one."),
-                 {std::to_string(volume.volume.number + 1), inQuotes(nameOfMount(volume.volume.root))}));
+          format(_("There is no disc {0}, so the page asks for {1} until somebody has one."),
+                 {std::to_string(volume.volume.number + 1), quotedText(nameOfMount(volume.volume.root))}));
     }
     return;
   }
@@ -81,7 +81,7 @@ void checkVolumeOfDisc(const CheckedVolume& volume, Remarks& remarks) {
   } else if (volume.chosen.empty()) {
     remarks.add(
         "data-folder-missing", {volume.shownRoot},
-        filled(
+        format(
             _("The disc has neither a folder {0} nor Mac OSX/{0}, so the page asks for it again without end."),
             {volume.folderName}));
   }
@@ -94,7 +94,7 @@ void checkFolderOfVolume(const CheckedVolume& volume, Remarks& remarks) {
   if (volume.hasPrimary && volume.hasAlternate) {
     const std::string start = volume.shownRoot == "." ? "" : volume.shownRoot + "/";
     remarks.add("both-folders", {start + "Mac OSX/" + volume.folderName},
-                filled(_("The page takes the folder {0} at the root, so nothing of this one is installed."),
+                format(_("The page takes the folder {0} at the root, so nothing of this one is installed."),
                        {volume.folderName}));
   }
   const auto& entries = volume.tree.entries();
@@ -144,9 +144,9 @@ void checkDataFolders(const CheckedSet& checked, Remarks& remarks) {
       checkVolumeOfDisc(volume, remarks);
     } else if (volume.chosen.empty() && !volume.volume.isMounted && !isUpdate) {
       remarks.add("data-folder-missing", {checked.shown(volume.volume.primary)},
-                  filled(_("There is neither this folder nor {0} beside it, so the page says \"Files to be "
+                  format(_("There is neither this folder nor {0} beside it, so the page says \"Files to be "
                            "installed not found.\" and ends."),
-                         {inQuotes("Mac OSX/" + volume.folderName)}));
+                         {quotedText("Mac OSX/" + volume.folderName)}));
     }
     checkFolderOfVolume(volume, remarks);
   }

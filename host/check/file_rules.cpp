@@ -1,9 +1,10 @@
 #include "context/install_rules.h"
 #include "context/placement_rules.h"
+#include "host/base/text.h"
+#include "host/base/unicode.h"
 #include "host/check/bundles.h"
 #include "host/check/rules.h"
-#include "host/check/words.h"
-#include "host/text.h"
+#include "host/check/spelling.h"
 
 #include <algorithm>
 #include <array>
@@ -57,13 +58,13 @@ void checkHidden(const CopiedTree& copied, Remarks& remarks) {
   }
   if (files > 0) {
     remarks.add("hidden-file", {copied.shown(first)},
-                filled(_("Files and folders whose names begin with a full stop are never installed: the user "
+                format(_("Files and folders whose names begin with a full stop are never installed: the user "
                          "does not get {0} of them here, of which this is the first."),
                        {std::to_string(files)}));
   }
   if (litter > 0) {
     remarks.add("hidden-litter", {copied.shown(firstLitter)},
-                filled(_("The system's own hidden files stay behind, as they should; there are {0} here that "
+                format(_("The system's own hidden files stay behind, as they should; there are {0} here that "
                          "only take up room."),
                        {std::to_string(litter)}));
   }
@@ -126,7 +127,7 @@ void checkLength(const CopiedTree& copied, const TreeEntry& entry, Remarks& rema
   if (longer + below >= kChildPathSize && longer + parent < kChildPathSize) {
     remarks.add(
         "path-too-long", {copied.shown(entry.path)},
-        filled(_("With this name a path gets {0} bytes, of which 1023 fit, and the installer ends at once."),
+        format(_("With this name a path gets {0} bytes, of which 1023 fit, and the installer ends at once."),
                {std::to_string(longer + below)}));
   }
 }
@@ -157,13 +158,13 @@ class CaseClashes {
   void check(const CopiedTree& copied, const TreeEntry& entry, Remarks& remarks) {
     const std::string path = copied.destination + "/" + entry.path;
     const auto [first, isNew] =
-        first_.try_emplace(caseFolded(path), First{path, entry.kind == EntryKind::folder});
+        first_.try_emplace(foldCase(path), First{path, entry.kind == EntryKind::folder});
     const bool bothFolders = first->second.isFolder && entry.kind == EntryKind::folder;
     if (!isNew && first->second.path != path && !bothFolders) {
       remarks.add("case-clash", {copied.shown(entry.path)},
-                  filled(_("Only the case of letters tells this from {0}, so on a usual disk the user gets one "
+                  format(_("Only the case of letters tells this from {0}, so on a usual disk the user gets one "
                            "file of the two."),
-                         {inQuotes(lastPart(first->second.path))}));
+                         {quotedText(lastPart(first->second.path))}));
     }
   }
 

@@ -1,8 +1,8 @@
 #include "host/check/key_effects.h"
 
 #include "context/attributes_line.h"
-#include "host/check/words.h"
-#include "host/text.h"
+#include "host/base/text.h"
+#include "host/check/spelling.h"
 
 namespace tavenhall {
 
@@ -45,7 +45,7 @@ std::string missingKeyEffect(std::string_view key) {
     }
   }
   const char* fallback = fallbackText(key);
-  return filled(_("the installer shows its built-in {0}"), {inQuotes(fallback != nullptr ? fallback : "")});
+  return format(_("the installer shows its built-in {0}"), {quotedText(fallback != nullptr ? fallback : "")});
 }
 
 }  // namespace tavenhall

@@ -1,7 +1,8 @@
+#include "host/base/text.h"
+#include "host/base/unicode.h"
 #include "host/check/key_effects.h"
 #include "host/check/rules.h"
-#include "host/check/words.h"
-#include "host/text.h"
+#include "host/check/spelling.h"
 
 #include <algorithm>
 #include <cctype>
@@ -55,9 +56,9 @@ class KeyRules {
       addTwice(piece, key, *counting);
     } else if (hasLetterOrDigit(piece.parts.separator)) {
       add("separator-missing", piece,
-          filled(_("The word after a key is skipped, so the page does not see {0} as part of {1}; write \"{1} "
+          format(_("The word after a key is skipped, so the page does not see {0} as part of {1}; write \"{1} "
                    "= ...\", with blanks."),
-                 {inQuotes(piece.parts.separator), key.name}));
+                 {quotedText(piece.parts.separator), key.name}));
     } else if (piece.parts.value.empty()) {
       checkEmpty(piece, key);
     }
@@ -65,7 +66,7 @@ class KeyRules {
 
   void addTwice(const AttributesPiece& piece, const AttributesKey& key, const AttributesPiece& counting) {
     add("key-twice", piece,
-        filled(_("{0} stands in line {1} already, and that one counts: nobody sees this one."),
+        format(_("{0} stands in line {1} already, and that one counts: nobody sees this one."),
                {key.name, std::to_string(counting.line)}));
   }
 
@@ -73,9 +74,9 @@ class KeyRules {
     const AttributesPiece* source = key.kind == KeyKind::text ? attributes_.findText(key.name).source
                                                               : attributes_.findNumber(key.name).source;
     add("value-missing", piece,
-        source == nullptr ? filled(_("{0} has no value, so it is empty or 0 for the page."), {key.name})
-                          : filled(_("{0} has no value, so the page takes what line {1} says, {2}."),
-                                   {key.name, std::to_string(source->line), inQuotes(source->parts.value)}));
+        source == nullptr ? format(_("{0} has no value, so it is empty or 0 for the page."), {key.name})
+                          : format(_("{0} has no value, so the page takes what line {1} says, {2}."),
+                                   {key.name, std::to_string(source->line), quotedText(source->parts.value)}));
   }
 
   void checkLate(const AttributesPiece& piece, const AttributesKey& key) {
@@ -83,7 +84,7 @@ class KeyRules {
       addTwice(piece, key, *counting);
     } else {
       add("key-too-late", piece,
-          filled(_("The page searches the first 999 lines only and does not find {0} here, so {1}."),
+          format(_("The page searches the first 999 lines only and does not find {0} here, so {1}."),
                  {key.name, missingKeyEffect(key.name)}));
     }
   }
@@ -96,9 +97,9 @@ class KeyRules {
       return false;
     }
     for (const AttributesKey& key : attributesKeys()) {
-      if (isSameInAnyCase(start, key.name)) {
+      if (equalsIgnoringCase(start, key.name)) {
         add("key-joined", piece,
-            filled(_("Without a blank behind {0} the page does not know the key, so {1}."),
+            format(_("Without a blank behind {0} the page does not know the key, so {1}."),
                    {key.name, missingKeyEffect(key.name)}));
         return true;
       }
@@ -108,9 +109,9 @@ class KeyRules {
 
   bool checkNumberCase(const AttributesPiece& piece) {
     for (const AttributesKey& key : attributesKeys()) {
-      if (isSameInAnyCase(piece.parts.key, key.name) && !isFound(key)) {
+      if (equalsIgnoringCase(piece.parts.key, key.name) && !isFound(key)) {
         add("key-case", piece,
-            filled(_("The page finds a number by its exact key only, {0}, so {1}."),
+            format(_("The page finds a number by its exact key only, {0}, so {1}."),
                    {key.name, missingKeyEffect(key.name)}));
         return true;
       }
@@ -119,22 +120,22 @@ class KeyRules {
   }
 
   void checkUnknown(const AttributesPiece& piece) {
-    const std::string word = inQuotes(piece.parts.key);
+    const std::string word = quotedText(piece.parts.key);
     const AttributesKey* nearest = nullptr;
     for (const AttributesKey& key : attributesKeys()) {
-      if (isMisspeltFor(piece.parts.key, key.name) && !isFound(key) &&
+      if (isMisspellingOf(piece.parts.key, key.name) && !isFound(key) &&
           (nearest == nullptr ||
-           lettersApart(piece.parts.key, key.name) < lettersApart(piece.parts.key, nearest->name))) {
+           editDistance(piece.parts.key, key.name) < editDistance(piece.parts.key, nearest->name))) {
         nearest = &key;
       }
     }
     if (nearest != nullptr) {
       add("key-misspelt", piece,
-          filled(_("{0} is probably meant to be {1}, which is missing, so {2}."),
+          format(_("{0} is probably meant to be {1}, which is missing, so {2}."),
                  {word, nearest->name, missingKeyEffect(nearest->name)}));
     } else {
       add("key-unknown", piece,
-          filled(_("No part of the installer knows the key {0}, so nobody sees this line."), {word}));
+          format(_("No part of the installer knows the key {0}, so nobody sees this line."), {word}));
     }
   }
 

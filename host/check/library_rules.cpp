@@ -1,7 +1,7 @@
+#include "host/base/text.h"
 #include "host/check/rules.h"
-#include "host/check/words.h"
+#include "host/check/spelling.h"
 #include "host/set/installed_editions.h"
-#include "host/text.h"
 
 #include <algorithm>
 #include <limits>
@@ -44,9 +44,9 @@ class LibraryRules {
           continue;  // the count has been remarked
         }
         remarks_.add("folder-left-out", {volume.shown(name)},
-                     filled(_("Of the second component the page copies the listed libraries only, and none is "
+                     format(_("Of the second component the page copies the listed libraries only, and none is "
                               "called {0}, so nobody gets it."),
-                            {inQuotes(name)}));
+                            {quotedText(name)}));
       }
       if (volume.folderName == "TANVO" && !volume.chosen.empty()) {
         volume.volume.number == 0 ? checkFirstComponent(volume) : checkPacks(volume);
@@ -65,7 +65,7 @@ class LibraryRules {
   void checkCount() {
     if (libraries_.size() > kLibrarySlots) {
       remarks_.add("too-many-libraries", {checked_.shown(folder_)},
-                   filled(_("The update carries {0} libraries, of which the page sees {1}, so the rest do not "
+                   format(_("The update carries {0} libraries, of which the page sees {1}, so the rest do not "
                             "get their second component."),
                           {std::to_string(libraries_.size()), std::to_string(kLibrarySlots)}));
     }
@@ -76,12 +76,12 @@ class LibraryRules {
     const fs::path path = folder_ / library.folderName;
     if (!fs::is_directory(path, error)) {
       remarks_.add("library-not-a-folder", {checked_.shown(path)},
-                   filled(_("The page takes this file for a library, so the user reads \"Full installation "
+                   format(_("The page takes this file for a library, so the user reads \"Full installation "
                             "detected for {0}\" and it is not installed."),
                           {libraryDisplayName(library.folderName).view()}));
     }
     if (library.folderName != kMirelPacks && library.folderName.find('/') == std::string::npos &&
-        isMisspeltFor(library.folderName, kMirelPacks)) {
+        isMisspellingOf(library.folderName, kMirelPacks)) {
       remarks_.add(
           "mirel-pack-unseen", {checked_.shown(path)},
           _("Only a folder that is called exactly \"Mirel Packs\" holds packs for the page, so these count as "
@@ -97,9 +97,9 @@ class LibraryRules {
                               (entry.path.starts_with("Mirel Packs/") && depthOf(entry.path) == 1));
       if (isLibrary && !isListed(entry.path)) {
         remarks_.add("library-not-listed", {volume.shown(entry.path)},
-                     filled(_("The folder of RelativePath2 has no {0}, so the page does not look which edition "
+                     format(_("The folder of RelativePath2 has no {0}, so the page does not look which edition "
                               "the user has, and says nothing of it."),
-                            {inQuotes(entry.path)}));
+                            {quotedText(entry.path)}));
       }
     }
     checkPacks(volume);
@@ -127,9 +127,9 @@ class LibraryRules {
         })) {
       remarks_.add(
           "mirel-pack-unseen", {volume.shown(factory)},
-          filled(
+          format(
               _("The pack has no folder {0} here, so the page cannot see its edition and takes it for Full."),
-              {inQuotes(pack + " Library")}));
+              {quotedText(pack + " Library")}));
       return;
     }
     const bool bringsDatabases = isAnywhere([&library](const TreeEntry& entry) {

@@ -1,6 +1,6 @@
 #include "host/check/remarks.h"
 
-#include "host/text.h"
+#include "host/base/text.h"
 
 #include <algorithm>
 #include <stdexcept>

@@ -1,7 +1,7 @@
 #include "host/check/source_tree.h"
 
 #include "context/install_rules.h"
-#include "host/check/tool_output.h"
+#include "host/base/child_process.h"
 
 #include <algorithm>
 #include <charconv>

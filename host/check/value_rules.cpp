@@ -1,8 +1,8 @@
 #include "context/contains.h"
 #include "context/install_rules.h"
+#include "host/base/text.h"
 #include "host/check/rules.h"
-#include "host/check/words.h"
-#include "host/text.h"
+#include "host/check/spelling.h"
 
 #include <algorithm>
 #include <limits>
@@ -52,7 +52,7 @@ class ValueRules {
                                      [&mode](std::string_view word) { return contains(mode.value, word); });
     if (words > 1) {
       add("mode-several", *mode.key,
-          filled(_("The Mode names more than one kind of installer, and the page takes the first that it tests "
+          format(_("The Mode names more than one kind of installer, and the page takes the first that it tests "
                    "for, mode {0}."),
                  {std::to_string(installModeForValue(mode.value))}));
     } else if (words == 0) {
@@ -69,9 +69,9 @@ class ValueRules {
     if (found.source != found.key) {
       add("number-invalid", *found.key,
           found.source == nullptr
-              ? filled(_("{0} is {1}, which is no number, so the page takes 0."), {key.name, inQuotes(value)})
-              : filled(_("{0} is {1}, which is no number, so the page takes {2}, the number of line {3}."),
-                       {key.name, inQuotes(value), std::to_string(found.number),
+              ? format(_("{0} is {1}, which is no number, so the page takes 0."), {key.name, quotedText(value)})
+              : format(_("{0} is {1}, which is no number, so the page takes {2}, the number of line {3}."),
+                       {key.name, quotedText(value), std::to_string(found.number),
                         std::to_string(found.source->line)}));
       return;
     }
@@ -79,7 +79,7 @@ class ValueRules {
     const std::size_t end = std::min(value.find_first_not_of("0123456789", sign), value.size());
     if (value.find_first_not_of(" \t\r", end) != std::string_view::npos) {
       add("number-trailing-text", *found.key,
-          filled(_("The page reads {0} up to the first character that is no digit, so it is {1}."),
+          format(_("The page reads {0} up to the first character that is no digit, so it is {1}."),
                  {key.name, std::to_string(found.number)}));
     }
     checkRange(key, found, value.substr(0, end));
@@ -91,7 +91,7 @@ class ValueRules {
       return;
     }
     const std::string_view trimmed = withoutBlanksAtEnd(prompt.value);
-    const bool isYes = isSameInAnyCase(trimmed, "Yes");
+    const bool isYes = equalsIgnoringCase(trimmed, "Yes");
     if (isYes && trimmed.size() < prompt.value.size()) {
       add("trailing-blank", *prompt.key,
           _("A blank follows the Yes of LiteVsFullPrompt, which then does not count, so the user gets no "
@@ -99,10 +99,10 @@ class ValueRules {
             "between Lite and Full."));
       return;
     }
-    if (!isYes && !isSameInAnyCase(trimmed, "No")) {
+    if (!isYes && !equalsIgnoringCase(trimmed, "No")) {
       add("prompt-value", *prompt.key,
-          filled(_("LiteVsFullPrompt is {0}, and the page takes everything but Yes for No."),
-                 {inQuotes(trimmed)}));
+          format(_("LiteVsFullPrompt is {0}, and the page takes everything but Yes for No."),
+                 {quotedText(trimmed)}));
       return;
     }
     checkPromptEffect(*prompt.key, isYes);
@@ -122,10 +122,10 @@ class ValueRules {
     }
     if (places == 0) {
       add("placeholder-missing", *text.key,
-          filled(_("{0} has no \"%s\", so the user is not told where the data goes."), {key}));
+          format(_("{0} has no \"%s\", so the user is not told where the data goes."), {key}));
     } else if (places > 1) {
       add("placeholder-repeated", *text.key,
-          filled(_("The destination takes the place of the first \"%s\" of {0}, and the user reads the others "
+          format(_("The destination takes the place of the first \"%s\" of {0}, and the user reads the others "
                    "as they stand."),
                  {key}));
     }
@@ -139,17 +139,17 @@ class ValueRules {
     const std::string_view written = untilCarriageReturn(path.key->parts.value);
     if (written.find('\\') != std::string_view::npos) {
       add("path-backslash", *path.key,
-          filled(_("{0} holds a backslash, which parts no folders and makes a line break before n or r, so the "
+          format(_("{0} holds a backslash, which parts no folders and makes a line break before n or r, so the "
                    "page looks for a folder that is not there."),
                  {key}));
     } else if (withoutBlanksAtEnd(written).size() < written.size() && !isFolderThere(path.value)) {
       add("trailing-blank", *path.key,
-          filled(_("A blank at its end is part of {0}, so the page looks for a folder that is not there."),
+          format(_("A blank at its end is part of {0}, so the page looks for a folder that is not there."),
                  {key}));
     }
     if (checked_.plan.packageFolder.size() + 1 + path.value.size() >= kFolderSize) {
       add("path-too-long", *path.key,
-          filled(_("The package's folder and {0} make more than 1023 bytes together, and the installer ends at "
+          format(_("The package's folder and {0} make more than 1023 bytes together, and the installer ends at "
                    "once."),
                  {key}));
     }
@@ -162,11 +162,11 @@ class ValueRules {
 
   void checkModeSpelling(const FoundText& mode) {
     for (const std::string_view word : kModeWords) {
-      if (isMisspeltFor(withoutBlanksAtEnd(mode.value), word)) {
+      if (isMisspellingOf(withoutBlanksAtEnd(mode.value), word)) {
         add("mode-misspelt", *mode.key,
-            filled(_("The Mode {0} is probably meant to be {1}, and the page takes it for an installer that "
+            format(_("The Mode {0} is probably meant to be {1}, and the page takes it for an installer that "
                      "has its data beside the package."),
-                   {inQuotes(mode.value), word}));
+                   {quotedText(mode.value), word}));
         return;
       }
     }
@@ -184,10 +184,10 @@ class ValueRules {
     }
     digits = digits.substr(0, 24);
     add("number-out-of-range", *found.key,
-        isVolumes ? counted("{1} cannot be {2}, of which the page makes what it can: it installs {0} volume.",
-                            "{1} cannot be {2}, of which the page makes what it can: it installs {0} volumes.",
-                            std::max(volumeCountForNumber(found.number), 0), {key.name, digits})
-                  : filled(_("{0} cannot be {1}, of which the page makes what it can: it expects {2} bytes."),
+        isVolumes ? plural("{1} cannot be {2}, of which the page makes what it can: it installs {0} volume.",
+                           "{1} cannot be {2}, of which the page makes what it can: it installs {0} volumes.",
+                           std::max(volumeCountForNumber(found.number), 0), {key.name, digits})
+                  : format(_("{0} cannot be {1}, of which the page makes what it can: it expects {2} bytes."),
                            {key.name, digits, std::to_string(announcedBytes(found.number))}));
   }
 

@@ -1,7 +1,9 @@
+#include "host/base/text.h"
+#include "host/base/units.h"
 #include "host/check/key_effects.h"
 #include "host/check/rules.h"
-#include "host/check/words.h"
-#include "host/text.h"
+#include "host/check/spelling.h"
+#include "platform/installer_pane.h"
 
 #include <cstdlib>
 
@@ -36,14 +38,14 @@ void checkSize(const CheckedSet& checked, std::string_view remark, const char* k
           : _("{0} announces {1} and there are {2}, so the bar is full when {3} % of the data is copied.");
   const std::int64_t percent = announced > *real ? *real * 100 / announced : announced * 100 / *real;
   remarks.add(remark, placeOfKey(checked, key),
-              filled(sentence, {key, megabytes(announced), megabytes(*real), std::to_string(percent)}));
+              format(sentence, {key, megabytesText(announced), megabytesText(*real), std::to_string(percent)}));
 }
 
 void checkSizeIsGiven(const CheckedSet& checked, const char* key, std::int64_t millions, Remarks& remarks) {
   const FoundNumber found = checked.plan.attributes.findNumber(key);
   if (millions == 0 && (!found || found.source == found.key)) {
     remarks.add("size-missing", checked.attributesPlace(found.key),
-                filled(_("Nothing announces a size as {0}, so {1}."), {key, missingKeyEffect(key)}));
+                format(_("Nothing announces a size as {0}, so {1}."), {key, missingKeyEffect(key)}));
   }
 }
 
@@ -64,7 +66,7 @@ void checkSettings(const CheckedSet& checked, Remarks& remarks) {
   }
   if (checked.isProductAssumed) {
     remarks.add("product-assumed", {checked.shown(package)},
-                filled(_("Nobody said which product this is for, so it was checked for {0}; name it with "
+                format(_("Nobody said which product this is for, so it was checked for {0}; name it with "
                          "--product or in rehearsal.json."),
                        {checked.product.pluginName}));
   }
@@ -72,23 +74,23 @@ void checkSettings(const CheckedSet& checked, Remarks& remarks) {
   const FoundText secondPath = whole.attributes.findText("RelativePath2");
   if (whole.editions.isOffered && whole.mode != kModeVolumes && !secondPath) {
     remarks.add("second-path-missing", placeOfKey(checked, "NumberOfVolumes"),
-                filled(secondPath.value.empty()
+                format(secondPath.value.empty()
                            ? _("There is a second component and no RelativePath2, so the page looks for it in "
                                "the folder {0} beside the package.")
                            : _("There is a second component and no RelativePath2, so the page looks for it in "
                                "the folder {0} beside the package, which is another line's value."),
-                       {inQuotes(secondPath.value)}));
+                       {quotedText(secondPath.value)}));
   }
 
   for (const CheckedVolume& volume : checked.volumes) {
     if (volume.volume.isMounted && whole.mode != kModeVolumes) {
       remarks.add("volumes-without-prompt", placeOfKey(checked, "NumberOfVolumes"),
-                  filled(whole.mode == kModeProductUpdater
+                  format(whole.mode == kModeProductUpdater
                              ? _("In this mode the page takes volume {0} from {1} and asks nobody to put it "
                                  "in, so it is passed over without a word.")
                              : _("In this mode the page takes volume {0} from {1} and asks nobody to put it "
                                  "in, so it is not found and the install ends there."),
-                         {std::to_string(volume.volume.number + 1), inQuotes(volume.volume.root)}));
+                         {std::to_string(volume.volume.number + 1), quotedText(volume.volume.root)}));
       break;
     }
   }
@@ -114,10 +116,10 @@ void checkSizes(const CheckedSet& checked, Remarks& remarks) {
 void checkMachine(const CheckedSet& checked, Remarks& remarks) {
   const EditionPlan& editions = checked.plan.editions;
   if (editions.source == EditionSource::choiceFile) {
-    remarks.add("choice-file-stale", {"/tmp/TavInstallType"},
-                filled(_("This file lies here from an earlier install and says {0}, so an install whose "
+    remarks.add("choice-file-stale", {kInstallTypeFile},
+                format(_("This file lies here from an earlier install and says {0}, so an install whose "
                          "package writes none installs the {1} edition on this machine."),
-                       {inQuotes(editions.choice), editions.allAreLite ? "Lite" : "Full"}));
+                       {quotedText(editions.choice), editions.allAreLite ? "Lite" : "Full"}));
   }
   if (!checked.isInstalledKnown) {
     return;
@@ -127,7 +129,7 @@ void checkMachine(const CheckedSet& checked, Remarks& remarks) {
   if (!fs::exists(central, error)) {
     remarks.add(
         "central-folder-missing", {checked.shown(central)},
-        filled(_("The user has no folder {0}, so the page says that it was not found and installs nothing."),
+        format(_("The user has no folder {0}, so the page says that it was not found and installs nothing."),
                {checked.product.folderName}));
     return;
   }
@@ -136,7 +138,7 @@ void checkMachine(const CheckedSet& checked, Remarks& remarks) {
     if (!volume.chosen.empty() && volume.volume.number == 0 && !fs::exists(destination, error)) {
       remarks.add(
           "central-folder-missing", {checked.shown(destination)},
-          filled(
+          format(
               _("The user has no folder {0}, so the page copies nothing of it and tells nobody but the log."),
               {volume.folderName}));
     }

@@ -1,13 +1,13 @@
 #include "host/desktop/desktop_run.h"
 
-#include "host/build_facts.h"
-#include "host/bundle_loader.h"
-#include "host/command_line.h"
-#include "host/help_text.h"
-#include "host/plain_printer.h"
-#include "host/pre_install.h"
-#include "host/text.h"
-#include "host/usage_error.h"
+#include "host/base/build_facts.h"
+#include "host/base/errors.h"
+#include "host/base/text.h"
+#include "host/base/units.h"
+#include "host/cli/command_line.h"
+#include "host/cli/help_text.h"
+#include "host/engine/bundle_loader.h"
+#include "host/engine/pre_install.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -66,7 +66,7 @@ RunOptions readOptions(CLI::App& program, int argumentCount, char** arguments) {
       ->envname("TAVINSTALL_INSTALL_TYPE");
   CLI::Option* productOption = program
                                    .add_option("--product", product,
-                                               filled(_("The product whose plug-in shows the page: {0}"),
+                                               format(_("The product whose plug-in shows the page: {0}"),
                                                       {CLI::detail::join(productNames(), ", ")}))
                                    ->check(oneOf(productNames()))
                                    ->type_name("NAME")
@@ -112,7 +112,7 @@ std::optional<ExitStatus> DesktopRun::read(int argumentCount, char** arguments) 
 
 DesktopText DesktopRun::introduction() const noexcept {
   return orElse(DesktopText{}, [this] {
-    return DesktopText{{filled(_("Welcome to the {0} installer"), {productName()}), Style::heading},
+    return DesktopText{{format(_("Welcome to the {0} installer"), {productName()}), Style::heading},
                        introductionLines(page_.introduction, kUnwrapped)};
   });
 }

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "host/exit_status.h"
-#include "host/install_lock.h"
-#include "host/run_options.h"
-#include "host/terminal/progress_meter.h"
-#include "host/terminal/run_outcome.h"
-#include "host/terminal/styled_text.h"
-#include "host/terminal/terminal_page.h"
+#include "host/base/exit_status.h"
+#include "host/cli/terminal_page.h"
+#include "host/engine/install_lock.h"
+#include "host/engine/run_options.h"
+#include "host/ui/progress_meter.h"
+#include "host/ui/run_outcome.h"
+#include "host/ui/styled_text.h"
 
 #include <memory>
 #include <mutex>

@@ -1,11 +1,11 @@
 #import "host/desktop/installer.h"
 
+#include "host/base/text.h"
 #include "host/desktop/desktop_run.h"
 #import "host/desktop/installer_window.h"
 #import "host/desktop/ns_string.h"
 #import "host/desktop/palette.h"
 #import "host/desktop/text_page.h"
-#include "host/text.h"
 
 #include <cstdio>
 #include <unistd.h>
@@ -65,7 +65,7 @@ BOOL isFirstButton(const char* message, const std::string& text, const char* fir
   if (section_ == nil) {
     endProcess(ExitStatus::badUsage);  // why is logged
   }
-  const std::string title = tavenhall::filled(_("Install {0}"), {run_->productName()});
+  const std::string title = tavenhall::format(_("Install {0}"), {run_->productName()});
   window_ = [[InstallerWindow alloc] initWithTitle:nsString(title) target:self];
   [window_ setDelegate:(id)self];
   [self showIntroduction];

@@ -1,9 +1,9 @@
 #import "host/desktop/installer_window.h"
 
+#include "host/base/text.h"
 #import "host/desktop/ns_string.h"
 #import "host/desktop/palette.h"
 #import "host/desktop/step_list.h"
-#include "host/text.h"
 
 #include <algorithm>
 #include <cmath>

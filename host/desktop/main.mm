@@ -1,4 +1,4 @@
-#include "host/build_facts.h"
+#include "host/base/build_facts.h"
 #include "host/desktop/desktop_run.h"
 #import "host/desktop/installer.h"
 #import "host/desktop/look.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/terminal/styled_text.h"
+#include "host/ui/styled_text.h"
 
 #import <AppKit/AppKit.h>
 

@@ -1,9 +1,10 @@
 #include "host/log/log_report.h"
 
 #include "context/install_rules.h"
+#include "host/base/display_text.h"
+#include "host/base/text.h"
+#include "host/base/units.h"
 #include "host/log/failure_text.h"
-#include "host/plain_printer.h"
-#include "host/text.h"
 
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -54,12 +55,12 @@ std::string outcomeText(const RunStory& story, bool mayStillRun) {
     case RunEnd::complete:
       return story.failureCount == 0
                  ? _("ended, nothing failed")
-                 : counted("ended, with {0} failure", "ended, with {0} failures", story.failureCount);
+                 : plural("ended, with {0} failure", "ended, with {0} failures", story.failureCount);
     case RunEnd::noDataFolder: return _("not begun: the data folder was not there");
     case RunEnd::never: break;
   }
   const std::string lastWord = story.lastMessage.substr(story.lastMessage.rfind('\n') + 1);
-  return filled(mayStillRun ? _("not ended, and it may still run; its latest word: {0}")
+  return format(mayStillRun ? _("not ended, and it may still run; its latest word: {0}")
                             : _("it never ended; its last word: {0}"),
                 {lastWord});
 }
@@ -67,17 +68,17 @@ std::string outcomeText(const RunStory& story, bool mayStillRun) {
 constexpr std::size_t kLabelColumns = 15;
 
 std::string row(const char* label, const std::string& text) {
-  return "    " + padded(label, kLabelColumns) + printableText(text) + "\n";
+  return "    " + padRight(label, kLabelColumns) + printableText(text) + "\n";
 }
 
 std::string promptText(const RunPrompt& prompt) {
   std::string text = prompt.volume + (prompt.isOptional ? _(" (optional)") : "") + ", " +
-                     counted("asked for {0} time", "asked for {0} times", prompt.times) + ", ";
+                     plural("asked for {0} time", "asked for {0} times", prompt.times) + ", ";
   if (prompt.isSkipped) {
     return text + _("skipped");
   }
   return text + (prompt.found.empty() ? _("never found")
-                                      : filled(_("found after {0}"), {lasted(prompt.time, prompt.found)}));
+                                      : format(_("found after {0}"), {lasted(prompt.time, prompt.found)}));
 }
 
 std::string timeOfDay(const std::string& time) { return time.substr(time.rfind(' ') + 1); }
@@ -91,27 +92,27 @@ std::string volumeText(const RunVolume& volume) {
   }
   std::string text = number + volume.folder + ", ";
   if (volume.end.empty()) {
-    return text + filled(_("begun at {0}, never ended"), {timeOfDay(volume.begin)});
+    return text + format(_("begun at {0}, never ended"), {timeOfDay(volume.begin)});
   }
   text += lasted(volume.begin, volume.end);
   if (volume.hundredsOfMegabytes > 0) {
     const double bytes = volume.hundredsOfMegabytes * kProgressUnit;
-    text += ", " + filled(_("over {0}"), {sizeText(bytes)});
+    text += ", " + format(_("over {0}"), {sizeText(bytes)});
     const auto seconds = secondsBetween(volume.begin, volume.end);
     if (seconds && *seconds > 0) {
-      text += " " + filled(_("at {0} a second"), {sizeText(bytes / *seconds)});
+      text += " " + format(_("at {0} a second"), {sizeText(bytes / *seconds)});
     }
   }
-  text += ", " + counted("{0} folder", "{0} folders", volume.folders);
+  text += ", " + plural("{0} folder", "{0} folders", volume.folders);
   if (volume.timesEmpty > 0) {
-    text += ", " + counted("found empty {0} time", "found empty {0} times", volume.timesEmpty);
+    text += ", " + plural("found empty {0} time", "found empty {0} times", volume.timesEmpty);
   }
   return text;
 }
 
 std::string reportText(const RunStory& story, int number, bool mayStillRun) {
   std::string text =
-      printableText(filled(_("Run {0}, {1}, on {2}: {3}"), {std::to_string(number), story.begin, story.host,
+      printableText(format(_("Run {0}, {1}, on {2}: {3}"), {std::to_string(number), story.begin, story.host,
                                                             outcomeText(story, mayStillRun)})) +
       "\n";
   text += row(_("lasted"), lasted(story.begin, story.end));
@@ -145,11 +146,11 @@ std::string reportText(const RunStory& story, int number, bool mayStillRun) {
   }
   const auto untold = story.failureCount - static_cast<std::int64_t>(story.failures.size());
   if (untold > 0) {
-    text += row(_("FAILED"), filled(_("and {0} more"), {std::to_string(untold)}));
+    text += row(_("FAILED"), format(_("and {0} more"), {std::to_string(untold)}));
   }
   if (story.refusals > 0) {
-    text += row(_("refused"), counted("to go on before the data was installed, {0} time",
-                                      "to go on before the data was installed, {0} times", story.refusals));
+    text += row(_("refused"), plural("to go on before the data was installed, {0} time",
+                                     "to go on before the data was installed, {0} times", story.refusals));
   }
   return text;
 }

@@ -1,7 +1,7 @@
 #include "host/rehearse/image_mount.h"
 
-#include "host/text.h"
-#include "host/usage_error.h"
+#include "host/base/errors.h"
+#include "host/base/text.h"
 
 #include <chrono>
 #include <string>
@@ -39,12 +39,12 @@ dev_t diskOf(const fs::path& folder) {
 
 std::string failureText(const fs::path& image, int status, const std::string& lastWords) {
   const char* pattern = _("cannot open the disc image {0}: {1}");
-  if (status == ToolProcess::kNoSuchProgram) {
+  if (status == kCannotRun) {
     pattern = _("cannot open the disc image {0}: {2} is not there; install the package {2}");
   } else if (lastWords.empty()) {
     pattern = _("cannot open the disc image {0}: {2} failed");
   }
-  return filled(pattern, {image.string(), lastWords, toolFor(image)});
+  return format(pattern, {image.string(), lastWords, toolFor(image)});
 }
 
 }  // namespace
@@ -54,7 +54,7 @@ ImageMount::ImageMount(const fs::path& image, fs::path folder, const StopRequest
   while (!isServed()) {
     stop.throwIfCome();
     if (server_.hasEnded()) {
-      throw UsageError(failureText(image, server_.wait(), server_.lastWords()));
+      throw UsageError(failureText(image, server_.wait(), server_.lastLine()));
     }
     std::this_thread::sleep_for(kBetweenLooks);
   }

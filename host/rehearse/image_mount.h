@@ -1,7 +1,7 @@
 #pragma once
 
+#include "host/base/child_process.h"
 #include "host/rehearse/stop_request.h"
-#include "host/rehearse/tool_process.h"
 
 #include <filesystem>
 

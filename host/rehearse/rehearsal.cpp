@@ -1,16 +1,15 @@
 #include "host/rehearse/rehearsal.h"
 
-#include "host/file_checks.h"
-#include "host/json_events.h"
-#include "host/plain_face.h"
-#include "host/plain_printer.h"
-#include "host/rehearse/conductor.h"
+#include "host/base/errors.h"
+#include "host/base/text.h"
+#include "host/base/units.h"
+#include "host/plain/plain_frontend.h"
+#include "host/protocol/json_events.h"
+#include "host/rehearse/driver.h"
 #include "host/rehearse/findings.h"
 #include "host/rehearse/rehearsal_report.h"
 #include "host/rehearse/temporary_folder.h"
-#include "host/terminal/terminal_face.h"
-#include "host/text.h"
-#include "host/usage_error.h"
+#include "host/terminal/terminal_frontend.h"
 
 #include <cerrno>
 #include <csignal>
@@ -69,7 +68,7 @@ class Rehearsal {
     const auto free = freeBytesAt(stage_->root().string());
     if (free && *free < needed) {
       throw UsageError(
-          filled(_("the install takes {0} and there is {1} free in {2}; --keep DIR takes another place"),
+          format(_("the install takes {0} and there is {1} free in {2}; --keep DIR takes another place"),
                  {sizeText(needed), sizeText(*free), stage_->root().string()}));
     }
   }
@@ -130,7 +129,7 @@ class Rehearsal {
   [[nodiscard]] TerminalPage terminalPage() const {
     TerminalPage page;
     page.introduction = introduce(checked_.plan, freeBytesAt);
-    page.introduction.what = together(page.introduction.what, _("It is a rehearsal, in folders of its own."));
+    page.introduction.what = join(page.introduction.what, _("It is a rehearsal, in folders of its own."));
     page.introduction.destination = insidePath(page.introduction.destination);
     for (std::string& place : page.introduction.to) {
       place = insidePath(place);
@@ -148,7 +147,7 @@ class Rehearsal {
   }
 
   [[nodiscard]] std::string afterStop() const {
-    return kept_ ? filled(_("What was installed so far is in {0}."), {kept_->path().string()})
+    return kept_ ? format(_("What was installed so far is in {0}."), {kept_->path().string()})
                  : _("Nothing of it is left.");
   }
 
@@ -182,7 +181,7 @@ class Rehearsal {
     out << reportJson(findings).dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << "\n";
     if (!out.flush()) {
       showError(UsageError(
-          filled(_("cannot write the report {0}: {1}"), {request_.report.string(), std::strerror(errno)})));
+          format(_("cannot write the report {0}: {1}"), {request_.report.string(), std::strerror(errno)})));
       return false;
     }
     return true;

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/exit_status.h"
-#include "host/run_options.h"
+#include "host/base/exit_status.h"
+#include "host/engine/run_options.h"
 
 #include <filesystem>
 #include <string>

@@ -1,8 +1,9 @@
 #include "host/rehearse/rehearsal_report.h"
 
-#include "host/plain_printer.h"
+#include "host/base/display_text.h"
+#include "host/base/text.h"
+#include "host/base/units.h"
 #include "host/rehearse/disc_tray.h"
-#include "host/text.h"
 
 #include <algorithm>
 #include <deque>
@@ -23,7 +24,7 @@ std::int64_t countOf(const std::vector<FileFate>& files, Fate fate) {
 }
 
 std::string row(const char* label, const std::string& text) {
-  return "  " + padded(label, kLabelColumns) + printableText(text) + "\n";
+  return "  " + padRight(label, kLabelColumns) + printableText(text) + "\n";
 }
 
 // ---- What was to be done ----
@@ -36,11 +37,11 @@ std::string planRows(const RehearsalFindings& findings) {
     text += row(_("library"), library.folderName + ": " + (library.isLite ? "Lite" : "Full"));
   }
   for (const PlannedFolder& folder : plan.systemFolders) {
-    text += row(_("plan"), filled(_("{0} from beside the package"), {folder.destination}));
+    text += row(_("plan"), format(_("{0} from beside the package"), {folder.destination}));
   }
   for (const PlannedPass& pass : plan.passes) {
-    text += row(_("plan"), counted("{1} to {2}, {0} volume", "{1} to {2}, {0} volumes", pass.volumeCount,
-                                   {pass.folderName, findings.insidePath(pass.destination)}));
+    text += row(_("plan"), plural("{1} to {2}, {0} volume", "{1} to {2}, {0} volumes", pass.volumeCount,
+                                  {pass.folderName, findings.insidePath(pass.destination)}));
   }
   return text;
 }
@@ -58,7 +59,7 @@ std::string talkRows(const RehearsalRecord& record) {
     }
   }
   for (const auto& [sheet, times] : record.countedSheets()) {
-    text += row(_("sheet"), times > 1 ? counted("{1} ({0} time)", "{1} ({0} times)", times, {sheet}) : sheet);
+    text += row(_("sheet"), times > 1 ? plural("{1} ({0} time)", "{1} ({0} times)", times, {sheet}) : sheet);
   }
   return text;
 }
@@ -66,15 +67,15 @@ std::string talkRows(const RehearsalRecord& record) {
 std::string sizeAndTime(const CopiedVolume& copied) {
   const std::string size = sizeText(copied.bytes);
   if (!copied.seconds) {
-    return filled(_("{0} in unknown time"), {size});
+    return format(_("{0} in unknown time"), {size});
   }
-  return *copied.seconds < 1.0 ? filled(_("{0} in less than 1 s"), {size})
-                               : filled(_("{0} in {1}"), {size, durationText(*copied.seconds)});
+  return *copied.seconds < 1.0 ? format(_("{0} in less than 1 s"), {size})
+                               : format(_("{0} in {1}"), {size, durationText(*copied.seconds)});
 }
 
 std::string amountText(const CopiedVolume& copied) {
-  const std::string files = counted("{0} file", "{0} files", static_cast<std::int64_t>(copied.files));
-  return counted("{1} in {0} folder", "{1} in {0} folders", static_cast<std::int64_t>(copied.folders), {files});
+  const std::string files = plural("{0} file", "{0} files", static_cast<std::int64_t>(copied.files));
+  return plural("{1} in {0} folder", "{1} in {0} folders", static_cast<std::int64_t>(copied.folders), {files});
 }
 
 std::string volumeRows(const RehearsalFindings& findings) {
@@ -108,29 +109,29 @@ std::string leftRows(const RehearsalFindings& findings) {
   std::string text;
   if (ofFullEdition > 0) {
     text += row(_("left out"),
-                counted("{0} file of the Full edition", "{0} files of the Full edition", ofFullEdition));
+                plural("{0} file of the Full edition", "{0} files of the Full edition", ofFullEdition));
   }
   if (others > 0) {
     names += others > kMostOthersNamed ? ", ..." : "";
-    text += row(_("not data"), counted("{0} file beside the data folders: {1}",
-                                       "{0} files beside the data folders: {1}", others, {names}));
+    text += row(_("not data"), plural("{0} file beside the data folders: {1}",
+                                      "{0} files beside the data folders: {1}", others, {names}));
   }
   return text;
 }
 
 std::string sizeRow(const char* label, const AnnouncedComparison& sizes) {
-  return row(label, filled(sizes.announced > 0 ? _("{1} announced, {0} real") : _("not announced, {0} real"),
+  return row(label, format(sizes.announced > 0 ? _("{1} announced, {0} real") : _("not announced, {0} real"),
                            {sizeText(sizes.real), sizeText(sizes.announced)}));
 }
 
 std::string resultRows(const RehearsalFindings& findings, const Verdict& verdict) {
   std::string text =
-      row(_("files"), counted("{0} file the same, {1} differ, {2} missing, {3} replaced by a later copy",
-                              "{0} files the same, {1} differ, {2} missing, {3} replaced by a later copy",
-                              countOf(findings.files, Fate::same),
-                              {std::to_string(countOf(findings.files, Fate::differs)),
-                               std::to_string(countOf(findings.files, Fate::missing)),
-                               std::to_string(countOf(findings.files, Fate::replaced))}));
+      row(_("files"), plural("{0} file the same, {1} differ, {2} missing, {3} replaced by a later copy",
+                             "{0} files the same, {1} differ, {2} missing, {3} replaced by a later copy",
+                             countOf(findings.files, Fate::same),
+                             {std::to_string(countOf(findings.files, Fate::differs)),
+                              std::to_string(countOf(findings.files, Fate::missing)),
+                              std::to_string(countOf(findings.files, Fate::replaced))}));
   text += leftRows(findings);
   if (verdict.whole.real > 0) {
     text += sizeRow(_("size"), verdict.whole);
@@ -139,7 +140,7 @@ std::string resultRows(const RehearsalFindings& findings, const Verdict& verdict
     text += sizeRow(_("component"), verdict.firstComponent);
   }
   if (const RehearsalRecord::Bar bar = volumeBar(findings.record); bar.maximum > 0) {
-    text += row(_("bar"), filled(_("{0} of {1} at its highest"),
+    text += row(_("bar"), format(_("{0} of {1} at its highest"),
                                  {sizeText(bar.highest * 1024.0), sizeText(bar.maximum * 1024.0)}));
   }
   return text + row(_("log"), findings.log.empty() ? _("not kept; --keep DIR keeps it") : findings.log);
@@ -165,11 +166,11 @@ std::string logEnd(const RehearsalFindings& findings) {
 std::string sentences(const char* pattern, const std::vector<std::string>& all) {
   std::string text;
   for (std::size_t i = 0; i < std::min(all.size(), kMostSentences); ++i) {
-    text += "  " + printableText(filled(pattern, {all[i]})) + "\n";
+    text += "  " + printableText(format(pattern, {all[i]})) + "\n";
   }
   if (all.size() > kMostSentences) {
-    const std::string more = filled(_("and {0} more"), {std::to_string(all.size() - kMostSentences)});
-    text += "  " + filled(pattern, {more}) + "\n";
+    const std::string more = format(_("and {0} more"), {std::to_string(all.size() - kMostSentences)});
+    text += "  " + format(pattern, {more}) + "\n";
   }
   return text;
 }
@@ -177,7 +178,7 @@ std::string sentences(const char* pattern, const std::vector<std::string>& all) 
 }  // namespace
 
 std::string reportText(const RehearsalFindings& findings, const Verdict& verdict) {
-  std::string text = printableText(filled(_("Rehearsal of {0}"), {findings.set})) + "\n\n";
+  std::string text = printableText(format(_("Rehearsal of {0}"), {findings.set})) + "\n\n";
   text += planRows(findings) + talkRows(findings.record) + volumeRows(findings) + resultRows(findings, verdict);
   if (verdict.status() == ExitStatus::failure) {
     text += logEnd(findings);

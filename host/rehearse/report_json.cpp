@@ -1,6 +1,6 @@
 #include "host/rehearse/rehearsal_report.h"
 
-#include "host/text.h"
+#include "host/base/text.h"
 
 #include <nlohmann/json.hpp>
 

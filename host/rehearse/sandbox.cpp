@@ -1,8 +1,8 @@
 #include "host/rehearse/sandbox.h"
 
-#include "host/rehearse/tool_process.h"
-#include "host/text.h"
-#include "host/usage_error.h"
+#include "host/base/child_process.h"
+#include "host/base/errors.h"
+#include "host/base/text.h"
 
 #include <algorithm>
 #include <array>
@@ -59,12 +59,12 @@ Sandbox::Sandbox(fs::path root) : root_(std::move(root)) {
 void Sandbox::probe() const {
   ToolProcess tool(commandLine({"true"}));
   const int status = tool.wait();
-  if (status == ToolProcess::kNoSuchProgram) {
+  if (status == kCannotRun) {
     throw UsageError(_("rehearsing needs bubblewrap; install the package bubblewrap"));
   }
   if (status != 0) {
-    throw UsageError(filled(_("bubblewrap can make no sandbox here, where user namespaces may be off: {0}"),
-                            {tool.lastWords()}));
+    throw UsageError(format(_("bubblewrap can make no sandbox here, where user namespaces may be off: {0}"),
+                            {tool.lastLine()}));
   }
 }
 

@@ -1,9 +1,9 @@
 #include "host/rehearse/stage.h"
 
-#include "host/bundle_loader.h"
-#include "host/text.h"
-#include "host/usage_error.h"
-#include "platform/program_path.h"
+#include "host/base/errors.h"
+#include "host/base/text.h"
+#include "host/engine/bundle_loader.h"
+#include "platform/host_system.h"
 
 #include <system_error>
 
@@ -38,11 +38,11 @@ void copyFolder(const fs::path& from, const fs::path& to, const StopRequest& sto
     }
     if (error) {
       throw UsageError(
-          filled(_("cannot copy what is installed, {0}: {1}"), {entry->path().string(), error.message()}));
+          format(_("cannot copy what is installed, {0}: {1}"), {entry->path().string(), error.message()}));
     }
   }
   if (error) {
-    throw UsageError(filled(_("cannot read what is installed in {0}: {1}"), {from.string(), error.message()}));
+    throw UsageError(format(_("cannot read what is installed in {0}: {1}"), {from.string(), error.message()}));
   }
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/wake_up.h"
+#include "platform/host_system.h"
 
 #include <csignal>
 #include <exception>

@@ -1,7 +1,7 @@
 #include "host/rehearse/verdict.h"
 
-#include "host/plain_printer.h"
-#include "host/text.h"
+#include "host/base/text.h"
+#include "host/base/units.h"
 
 namespace tavenhall {
 
@@ -19,21 +19,21 @@ AnnouncedComparison compareSizes(std::int64_t announcedMillions, std::int64_t re
 void remarkIfFar(const char* notAnnounced, const char* announced, const AnnouncedComparison& sizes,
                  Verdict& verdict) {
   if (sizes.isFar) {
-    verdict.remarks.push_back(filled(sizes.announced <= 0 ? notAnnounced : announced,
+    verdict.remarks.push_back(format(sizes.announced <= 0 ? notAnnounced : announced,
                                      {sizeText(sizes.real), sizeText(sizes.announced)}));
   }
 }
 
 std::string missingDiscText(const RehearsalRecord& record) {
-  return filled(record.missingDiscWasIn
+  return format(record.missingDiscWasIn
                     ? _("the page finds no data folder on the disc and asks for it again: {0}")
                     : _("the page asks for a disc that the set does not have: {0}"),
                 {record.missingDisc});
 }
 
 std::string sheetText(const std::string& sheet, int times) {
-  return times > 1 ? counted("a sheet said {0} time: {1}", "a sheet said {0} times: {1}", times, {sheet})
-                   : filled(_("a sheet said: {0}"), {sheet});
+  return times > 1 ? plural("a sheet said {0} time: {1}", "a sheet said {0} times: {1}", times, {sheet})
+                   : format(_("a sheet said: {0}"), {sheet});
 }
 
 void judgeRun(const RehearsalFindings& findings, Verdict& verdict) {
@@ -61,18 +61,18 @@ void judgeFiles(const RehearsalFindings& findings, Verdict& verdict) {
   }
   for (const FileFate& file : findings.files) {
     if (file.fate == Fate::differs) {
-      verdict.failures.push_back(filled(_("content differs: {0}"), {file.source}));
+      verdict.failures.push_back(format(_("content differs: {0}"), {file.source}));
     } else if (file.fate == Fate::missing) {
-      verdict.failures.push_back(filled(_("not installed: {0}"), {file.source}));
+      verdict.failures.push_back(format(_("not installed: {0}"), {file.source}));
     }
   }
   for (const LeftFile& file : findings.leftFiles) {
     if (file.isData && !file.isOfFullEdition) {
-      verdict.remarks.push_back(filled(_("nothing installs {0}"), {file.path}));
+      verdict.remarks.push_back(format(_("nothing installs {0}"), {file.path}));
     }
   }
   for (const std::string& disc : findings.unusedDiscs) {
-    verdict.remarks.push_back(filled(_("the page never asked for {0}"), {disc}));
+    verdict.remarks.push_back(format(_("the page never asked for {0}"), {disc}));
   }
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/exit_status.h"
+#include "host/base/exit_status.h"
 #include "host/rehearse/findings.h"
 
 #include <cstdint>

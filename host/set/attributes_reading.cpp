@@ -3,7 +3,7 @@
 #include "context/bounded_text.h"
 #include "context/install_rules.h"
 #include "context/open_file.h"
-#include "host/file_checks.h"
+#include "host/base/errors.h"
 
 #include <array>
 #include <cstdio>

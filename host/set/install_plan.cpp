@@ -2,10 +2,11 @@
 
 #include "context/first_line.h"
 #include "context/text_expansion.h"
+#include "host/base/errors.h"
+#include "host/base/text.h"
 #include "host/set/installed_editions.h"
 #include "host/set/product_table.h"
-#include "host/text.h"
-#include "host/usage_error.h"
+#include "platform/installer_pane.h"
 
 #include <algorithm>
 #include <strings.h>
@@ -15,7 +16,6 @@ namespace tavenhall {
 
 namespace {
 
-constexpr const char* kInstallTypeFile = "/tmp/TavInstallType";
 constexpr const char* kNobodysDataRoot = "~/Library/Application Support/Tavenhall";
 constexpr std::int32_t kMostVolumesListed = 100;
 constexpr std::int64_t kExpectedBytesWhenUnknown = 100000000;
@@ -171,7 +171,7 @@ Product productNamed(const std::string& name) {
     }
     known += (known.empty() ? "" : ", ") + std::string(row.pluginName);
   }
-  throw UsageError(filled(_("no product is called {0}; there are {1}"), {name, known}));
+  throw UsageError(format(_("no product is called {0}; there are {1}"), {name, known}));
 }
 
 std::string packageFolderOf(const std::string& package) {
@@ -209,7 +209,7 @@ std::string modeReason(const InstallPlan& plan) {
   if (!plan.modeFound) {
     return _("No line has the key Mode, so the page installs from discs.");
   }
-  return filled(_("The Mode in line {0} of {1} reads \"{2}\"."),
+  return format(_("The Mode in line {0} of {1} reads \"{2}\"."),
                 {std::to_string(plan.modeFound.key->line), plan.attributes.path().filename().string(),
                  plan.modeFound.value});
 }
@@ -218,9 +218,9 @@ std::string editionReason(const InstallPlan& plan) {
   const EditionPlan& editions = plan.editions;
   if (plan.mode == kModeProductUpdater) {
     return editions.isOffered
-               ? counted("The update carries {0} library, each installed in the edition that the user has.",
-                         "The update carries {0} libraries, each installed in the edition that the user has.",
-                         static_cast<std::int64_t>(editions.libraries.size()))
+               ? plural("The update carries {0} library, each installed in the edition that the user has.",
+                        "The update carries {0} libraries, each installed in the edition that the user has.",
+                        static_cast<std::int64_t>(editions.libraries.size()))
                : _("The update lists no libraries, so it is installed as a whole.");
   }
   if (!editions.isOffered) {
@@ -232,10 +232,10 @@ std::string editionReason(const InstallPlan& plan) {
           : _("NumberOfVolumes is 2, so there is a Lite and a Full edition.");
   const char* edition = editions.allAreLite ? "Lite" : "Full";
   switch (editions.source) {
-    case EditionSource::request: return filled(_("{0} {1} is asked for."), {offer, edition});
+    case EditionSource::request: return format(_("{0} {1} is asked for."), {offer, edition});
     case EditionSource::choiceFile:
-      return filled(_("{0} {1} says \"{2}\": {3}."), {offer, kInstallTypeFile, editions.choice, edition});
-    default: return filled(_("{0} No {1} says which, so it is Full."), {offer, kInstallTypeFile});
+      return format(_("{0} {1} says \"{2}\": {3}."), {offer, kInstallTypeFile, editions.choice, edition});
+    default: return format(_("{0} No {1} says which, so it is Full."), {offer, kInstallTypeFile});
   }
 }
 

@@ -1,9 +1,8 @@
 #include "host/set/installer_set.h"
 
 #include "context/install_rules.h"
-#include "host/file_checks.h"
-#include "host/text.h"
-#include "host/usage_error.h"
+#include "host/base/errors.h"
+#include "host/base/text.h"
 
 #include <algorithm>
 #include <charconv>
@@ -59,9 +58,9 @@ fs::path onlyPackage(const fs::path& folder) {
   }
   if (packages.empty()) {
     throw UsageError(
-        filled(_("no installer package in {0}; put one there, its name ending in .pkg"), {folder.string()}));
+        format(_("no installer package in {0}; put one there, its name ending in .pkg"), {folder.string()}));
   }
-  throw UsageError(filled(
+  throw UsageError(format(
       _("more than one installer package in {0} ({1}, {2}); name one in {3}, as \"package\""),
       {folder.string(), packages[0].filename().string(), packages[1].filename().string(), kRehearsalFile}));
 }
@@ -72,7 +71,7 @@ std::string textIn(const nlohmann::json& json, const char* key, const fs::path& 
     return {};
   }
   if (!found->is_string()) {
-    throw UsageError(filled(_("{0}: \"{1}\" is not a text; put it in quotes"), {file.string(), key}));
+    throw UsageError(format(_("{0}: \"{1}\" is not a text; put it in quotes"), {file.string(), key}));
   }
   return found->get<std::string>();
 }
@@ -93,23 +92,23 @@ void readRehearsalFile(InstallerSet& set) {
       stream.is_open() ? nlohmann::json::parse(stream, nullptr, false) : nlohmann::json();
   if (!json.is_object()) {
     throw UsageError(
-        filled(_("{0} is not a JSON object; write it as {1}"), {file.string(), R"({"product": "NAME"})"}));
+        format(_("{0} is not a JSON object; write it as {1}"), {file.string(), R"({"product": "NAME"})"}));
   }
   for (const auto& [key, value] : json.items()) {
     if (key != "product" && key != "package" && key != "installType") {
       throw UsageError(
-          filled(_("{0}: \"{1}\" is none of product, package and installType"), {file.string(), key}));
+          format(_("{0}: \"{1}\" is none of product, package and installType"), {file.string(), key}));
     }
   }
   set.product = textIn(json, "product", file);
   set.installType = textIn(json, "installType", file);
   if (!set.installType.empty() && set.installType != "Lite" && set.installType != "Full") {
-    throw UsageError(filled(_("{0}: the installType is neither Lite nor Full"), {file.string()}));
+    throw UsageError(format(_("{0}: the installType is neither Lite nor Full"), {file.string()}));
   }
   if (const std::string package = textIn(json, "package", file); !package.empty()) {
     set.package = (set.folder / package).lexically_normal();
     if (!fs::exists(set.package, error)) {
-      throw UsageError(filled(_("{0}: there is no package {1}"), {file.string(), set.package.string()}));
+      throw UsageError(format(_("{0}: there is no package {1}"), {file.string(), set.package.string()}));
     }
   }
 }
@@ -156,12 +155,12 @@ std::optional<Disc> discFromName(const fs::path& path, bool isFolder) {
 InstallerSet openInstallerSet(const fs::path& folder) {
   std::error_code error;
   if (!fs::is_directory(folder, error)) {
-    throw UsageError(filled(_("no set at {0}; it is a folder with an installer package"), {folder.string()}));
+    throw UsageError(format(_("no set at {0}; it is a folder with an installer package"), {folder.string()}));
   }
   InstallerSet set;
   set.folder = fs::canonical(folder, error);
   if (error || fs::directory_iterator(set.folder, error) == fs::directory_iterator()) {
-    throw UsageError(filled(_("nothing can be read in {0}; a set is a folder with an installer package"),
+    throw UsageError(format(_("nothing can be read in {0}; a set is a folder with an installer package"),
                             {folder.string()}));
   }
   readRehearsalFile(set);
@@ -176,7 +175,7 @@ std::string dataRootIn(const fs::path& installed) {
   std::error_code error;
   if (!fs::is_directory(installed, error)) {
     throw UsageError(
-        filled(_("no folder at {0}; --installed takes one that holds the data folders as the user has them"),
+        format(_("no folder at {0}; --installed takes one that holds the data folders as the user has them"),
                {installed.string()}));
   }
   for (const char* home : {"", "Users/rehearsal"}) {

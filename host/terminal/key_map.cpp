@@ -1,8 +1,8 @@
 #include "host/terminal/key_map.h"
 
-#include "host/secret.h"
+#include "host/base/unicode.h"
+#include "host/protocol/secret.h"
 #include "host/terminal/curses_includes.h"
-#include "host/terminal/wide_text.h"
 
 namespace tavenhall {
 
@@ -76,8 +76,8 @@ bool typesInto(PageModel& model, const Input& input) {
   } else if (isCharacter && input.code == kControlU) {
     model.clearTyped();
   } else if (isCharacter && input.code >= ' ') {
-    const auto character = static_cast<wchar_t>(input.code);
-    std::string text = narrowText({&character, 1});
+    const auto character = static_cast<char32_t>(input.code);
+    std::string text = encodeUtf8({&character, 1});
     model.type(text);
     wipe(text.data(), text.size());
   } else {

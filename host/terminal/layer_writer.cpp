@@ -1,5 +1,5 @@
+#include "host/base/display_text.h"
 #include "host/terminal/page_layout.h"
-#include "host/terminal/shown_text.h"
 
 #include <algorithm>
 
@@ -50,7 +50,7 @@ void LayerWriter::put(int row, int column, std::string text, Style style) {
 void LayerWriter::putLine(int row, int column, const Line& line) {
   for (const Span& span : line) {
     put(row, column, span.text, span.style);
-    column += widthOf(span.text);
+    column += displayWidth(span.text);
   }
 }
 
@@ -95,7 +95,7 @@ void LayerWriter::putHotKey(const PageButton& button, int row, int column, Style
     const char key =
         character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
     if (key == button.hotKey) {
-      const int before = widthOf(std::string_view(button.label).substr(0, i));
+      const int before = displayWidth(std::string_view(button.label).substr(0, i));
       layer_.runs.push_back({row, column + before, std::string(1, character), style, true});
       return;
     }
@@ -107,14 +107,15 @@ void LayerWriter::putButtons(const std::vector<PageButton>& buttons, std::option
   int column = end;
   for (std::size_t i = buttons.size(); i-- > 0;) {
     const std::string text = buttonText(buttons[i]);
-    column -= widthOf(text);
+    column -= displayWidth(text);
     const Style style = !buttons[i].isEnabled ? Style::buttonOff
                         : focus == i          ? Style::buttonFocused
                                               : Style::button;
-    put(row, column, shownText(text), style);
+    put(row, column, displayText(text), style);
     if (buttons[i].isEnabled) {
       putHotKey(buttons[i], row, column + 2, style);
-      layer_.buttons.push_back({{layer_.place.row + row, layer_.place.column + column, 1, widthOf(text)}, i});
+      layer_.buttons.push_back(
+          {{layer_.place.row + row, layer_.place.column + column, 1, displayWidth(text)}, i});
     }
     column -= 2;
   }

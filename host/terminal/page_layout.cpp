@@ -1,8 +1,8 @@
 #include "host/terminal/page_layout.h"
 
-#include "host/plain_printer.h"
-#include "host/terminal/shown_text.h"
-#include "host/text.h"
+#include "host/base/display_text.h"
+#include "host/base/text.h"
+#include "host/base/units.h"
 
 #include <algorithm>
 #include <cmath>
@@ -89,20 +89,20 @@ void putBar(LayerWriter& page, const Frame& frame, int row, const ProgressMeter&
   page.put(row, frame.textColumn + done, empty, Style::barAhead);
   if (const auto percent = meter.percent()) {
     const std::string text = std::to_string(*percent) + " %";
-    page.put(row, frame.textColumn + frame.textColumns - widthOf(text), text, Style::strong);
+    page.put(row, frame.textColumn + frame.textColumns - displayWidth(text), text, Style::strong);
   }
 }
 
 // A text at each end of a row; the left one in the first of its forms that leaves room for the right one.
 void putBothEnds(LayerWriter& page, const Frame& frame, int row, const std::vector<std::string>& leftForms,
                  const std::string& right) {
-  const int room = frame.textColumns - (right.empty() ? 0 : widthOf(right) + 1);
+  const int room = frame.textColumns - (right.empty() ? 0 : displayWidth(right) + 1);
   const auto left =
-      std::ranges::find_if(leftForms, [room](const std::string& form) { return widthOf(form) <= room; });
+      std::ranges::find_if(leftForms, [room](const std::string& form) { return displayWidth(form) <= room; });
   if (left != leftForms.end()) {
     page.put(row, frame.textColumn, *left, Style::dim);
   }
-  page.put(row, frame.textColumn + frame.textColumns - widthOf(right), right, Style::dim);
+  page.put(row, frame.textColumn + frame.textColumns - displayWidth(right), right, Style::dim);
 }
 
 void putProgress(LayerWriter& page, const Frame& frame, PageModel& model, PageModel::Time now) {
@@ -110,19 +110,19 @@ void putProgress(LayerWriter& page, const Frame& frame, PageModel& model, PageMo
   const int row = frame.bottomRow() - kProgressRows + 1;
   putBar(page, frame, row, meter);
   const Span status = model.statusLine();
-  page.put(row + 1, frame.textColumn, cutAtEnd(status.text, frame.textColumns), status.style);
+  page.put(row + 1, frame.textColumn, truncateEnd(status.text, frame.textColumns), status.style);
 
   std::vector<std::string> copied;
   if (meter.copied().value_or(0.0) > 0.0) {
     const std::string amount = amountText(meter);
-    copied = {filled(_("{0} copied"), {amount}), amount};
+    copied = {format(_("{0} copied"), {amount}), amount};
   }
   const auto rate = meter.rate(now);
   putBothEnds(page, frame, row + 3, copied, rate ? sizeText(*rate) + "/s" : "");
 
   const std::string passed = durationText(std::floor(meter.passed(now).count()));
   const auto minutes = meter.minutesLeft(now);
-  putBothEnds(page, frame, row + 4, {filled(_("{0} passed"), {passed}), passed},
+  putBothEnds(page, frame, row + 4, {format(_("{0} passed"), {passed}), passed},
               minutes ? timeLeftText(*minutes) : "");
 }
 
@@ -130,7 +130,7 @@ void putProgress(LayerWriter& page, const Frame& frame, PageModel& model, PageMo
 std::string keysText(const Layer& front, bool isLastPage, int columns, const Signs& signs) {
   std::vector<std::string> keys{isLastPage ? _("Escape close") : _("Ctrl-C leave")};
   if (front.extent.maximum > 0) {
-    keys.push_back(filled(_("{0} scroll"), {signs.arrows}));
+    keys.push_back(format(_("{0} scroll"), {signs.arrows}));
   }
   if (!front.buttons.empty()) {
     keys.emplace_back(_("Enter press"));
@@ -140,7 +140,7 @@ std::string keysText(const Layer& front, bool isLastPage, int columns, const Sig
   }
   std::string text = keys[0];
   for (std::size_t i = 1; i < keys.size(); ++i) {
-    if (std::string more = keys[i] + "   " + text; widthOf(more) <= columns) {
+    if (std::string more = keys[i] + "   " + text; displayWidth(more) <= columns) {
       text = std::move(more);
     }
   }
@@ -151,7 +151,7 @@ std::string keysText(const Layer& front, bool isLastPage, int columns, const Sig
 int columnsOfButtons(const std::vector<PageButton>& buttons) {
   int columns = -2;
   for (const PageButton& button : buttons) {
-    columns += widthOf(button.label) + kButtonColumns;
+    columns += displayWidth(button.label) + kButtonColumns;
   }
   return columns;
 }
@@ -162,7 +162,7 @@ Layer layOutPage(PageModel& model, PageModel::Time now, Size size, const Signs& 
   LayerWriter page({0, 0, size.rows, size.columns}, signs);
   const int ruleColumns = size.columns - 2 * kMargin;
 
-  page.put(0, kMargin, cutAtEnd(filled(_("Install {0}"), {model.introduction().productName}), ruleColumns),
+  page.put(0, kMargin, truncateEnd(format(_("Install {0}"), {model.introduction().productName}), ruleColumns),
            Style::strong);
   page.putRule(1, kMargin, ruleColumns);
   putSteps(page, frame, steps);
@@ -188,7 +188,7 @@ Layer layOutPage(PageModel& model, PageModel::Time now, Size size, const Signs& 
   page.putButtons(buttons, model.focus(), bottom + 1, size.columns - kMargin);
   if (const std::string notice = model.notice(); !notice.empty() && hasProgress) {
     const int room = ruleColumns - columnsOfButtons(buttons) - 3;
-    page.put(bottom + 1, kMargin, cutAtEnd(notice, room), Style::warning);
+    page.put(bottom + 1, kMargin, truncateEnd(notice, room), Style::warning);
   }
   return page.take();
 }
@@ -198,7 +198,7 @@ std::vector<PageButton> fittingButtons(std::vector<PageButton> buttons, int colu
   const int share = buttons.empty() ? 0 : (columns + 2) / static_cast<int>(buttons.size()) - kButtonColumns;
   const int needed = columnsOfButtons(buttons);
   for (PageButton& button : buttons) {
-    button.label = needed > columns ? cutAtEnd(button.label, std::max(share, 1)) : button.label;
+    button.label = needed > columns ? truncateEnd(button.label, std::max(share, 1)) : button.label;
   }
   return buttons;
 }
@@ -207,7 +207,7 @@ Layer layOutTooSmall(const PageModel& model, Size size, const Signs& signs) {
   LayerWriter page({0, 0, size.rows, size.columns}, signs);
   const char* why = model.isWaitingForUser() ? _("A question waits: please make this window larger (60x20).")
                                              : _("Please make this window larger (60x20).");
-  page.put(0, 0, cutAtEnd(why, size.columns), Style::text);
+  page.put(0, 0, truncateEnd(why, size.columns), Style::text);
   return page.take();
 }
 
@@ -218,10 +218,10 @@ namespace {
 // How wide a window's text is to be: no wider than what is in it, so that the page behind it can be seen.
 int windowTextColumns(const PageWindow& window, int most) {
   constexpr int kLeast = 40;
-  int columns = widthOf(window.heading);
+  int columns = displayWidth(window.heading);
   for (const Span& paragraph : window.paragraphs) {
     for (const std::string& line : wrapText(paragraph.text, most)) {
-      columns = std::max(columns, widthOf(line));
+      columns = std::max(columns, displayWidth(line));
     }
   }
   return std::clamp(std::max(columns, columnsOfButtons(window.buttons)), std::min(kLeast, most), most);

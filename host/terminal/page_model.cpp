@@ -1,6 +1,6 @@
 #include "host/terminal/page_model.h"
 
-#include "host/text.h"
+#include "host/base/text.h"
 #include "platform/installer_host.h"
 #include "platform/installer_pane.h"
 
@@ -332,9 +332,9 @@ std::string PageModel::leaveText() const {
     const char* stays = alert_
                             ? _("{0} is copied and stays in {1}.")
                             : _("{0} is copied and stays in {1}; the file that is being copied is cut short.");
-    text = together(text, filled(stays, {amount, introduction_.destination}));
+    text = join(text, format(stays, {amount, introduction_.destination}));
   }
-  return together(text, _("To complete it, run the installer again: it copies everything anew."));
+  return join(text, _("To complete it, run the installer again: it copies everything anew."));
 }
 
 }  // namespace tavenhall

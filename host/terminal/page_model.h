@@ -1,11 +1,11 @@
 #pragma once
 
-#include "host/secret.h"
-#include "host/terminal/introduction.h"
+#include "host/protocol/secret.h"
 #include "host/terminal/page_window.h"
-#include "host/terminal/progress_meter.h"
-#include "host/terminal/run_outcome.h"
-#include "host/terminal/styled_text.h"
+#include "host/ui/introduction.h"
+#include "host/ui/progress_meter.h"
+#include "host/ui/run_outcome.h"
+#include "host/ui/styled_text.h"
 
 #include <cstddef>
 #include <deque>

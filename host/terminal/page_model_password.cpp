@@ -1,6 +1,6 @@
 #include "host/terminal/page_model.h"
 
-#include "host/text.h"
+#include "host/base/text.h"
 
 #include <algorithm>
 #include <chrono>

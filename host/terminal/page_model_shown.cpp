@@ -1,6 +1,6 @@
 #include "host/terminal/page_model.h"
 
-#include "host/text.h"
+#include "host/base/text.h"
 
 #include <algorithm>
 #include <utility>
@@ -24,7 +24,7 @@ std::vector<Step> PageModel::steps() const {
 Span PageModel::heading() const {
   switch (stage_) {
     case Stage::introduction:
-      return {filled(_("Welcome to the {0} installer"), {introduction_.productName}), Style::heading};
+      return {format(_("Welcome to the {0} installer"), {introduction_.productName}), Style::heading};
     case Stage::page: return {title_, Style::heading};
     case Stage::summary: break;
   }

@@ -1,6 +1,7 @@
 #include "host/terminal/page_window.h"
 
-#include "host/text.h"
+#include "host/base/text.h"
+#include "host/base/units.h"
 
 #include <algorithm>
 
@@ -49,16 +50,6 @@ std::vector<PageButton> ownButtons(const std::vector<std::string>& english) {
   return buttonsWithKeys(labels);
 }
 
-std::string groupedNumber(std::int64_t number) {
-  std::string text = std::to_string(number);
-  const std::size_t first = number < 0 ? 1 : 0;
-  for (std::size_t at = text.size(); at > first + 3;) {
-    at -= 3;
-    text.insert(at, " ");
-  }
-  return text;
-}
-
 void SheetList::add(const std::string& message, const std::string& button) {
   ++count_;
   button_ = button;
@@ -76,7 +67,7 @@ void SheetList::add(const std::string& message, const std::string& button) {
 PageWindow SheetList::window(bool installGoesOn) const {
   PageWindow window;
   window.heading =
-      count_ == 1 ? _("A problem") : counted("{1} problem", "{1} problems", count_, {groupedNumber(count_)});
+      count_ == 1 ? _("A problem") : plural("{1} problem", "{1} problems", count_, {groupedNumber(count_)});
   window.headingStyle = Style::warning;
   for (const Entry& entry : entries_) {
     if (!window.paragraphs.empty()) {
@@ -85,12 +76,12 @@ PageWindow SheetList::window(bool installGoesOn) const {
     window.paragraphs.push_back({entry.message, Style::text});
     if (entry.count > 1) {
       window.paragraphs.push_back(
-          {counted("({1} time)", "({1} times)", entry.count, {groupedNumber(entry.count)}), Style::strong});
+          {plural("({1} time)", "({1} times)", entry.count, {groupedNumber(entry.count)}), Style::strong});
     }
   }
   if (countBeyond_ > 0) {
     window.paragraphs.emplace_back();
-    window.paragraphs.push_back({filled(_("and {0} more"), {groupedNumber(countBeyond_)}), Style::strong});
+    window.paragraphs.push_back({format(_("and {0} more"), {groupedNumber(countBeyond_)}), Style::strong});
   }
   if (installGoesOn) {
     window.paragraphs.emplace_back();

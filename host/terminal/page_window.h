@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/terminal/styled_text.h"
+#include "host/ui/styled_text.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -56,8 +56,5 @@ class SheetList {
   std::int64_t countBeyond_ = 0;  // of the messages for which there is no entry any more
   std::string button_;
 };
-
-// "12 345": digits in groups of three.
-[[nodiscard]] std::string groupedNumber(std::int64_t number);
 
 }  // namespace tavenhall

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/terminal/curses_includes.h"
-#include "host/terminal/styled_text.h"
+#include "host/ui/styled_text.h"
 
 namespace tavenhall {
 

@@ -1,13 +1,13 @@
 #include "host/terminal/screen.h"
 
+#include "host/base/display_text.h"
+#include "host/base/text.h"
+#include "host/base/unicode.h"
 #include "host/terminal/curses_includes.h"
 #include "host/terminal/palette.h"
 #include "host/terminal/screen_restorer.h"
-#include "host/terminal/shown_text.h"
 #include "host/terminal/terminal_facts.h"
-#include "host/terminal/wide_text.h"
-#include "host/text.h"
-#include "platform/memory_file.h"
+#include "platform/host_system.h"
 
 #include <array>
 #include <cerrno>
@@ -157,7 +157,9 @@ struct Screen::State {
       const Palette::Look look = palette->look(run.style);
       wattr_set(window, look.attributes | (run.isUnderlined ? A_UNDERLINE : A_NORMAL), look.pair, nullptr);
       const int room = layer.place.columns - run.column;
-      const std::wstring text = wideText(widthOf(run.text) > room ? cutAtEnd(run.text, room) : run.text);
+      const std::u32string characters =
+          decodeUtf8(displayWidth(run.text) > room ? truncateEnd(run.text, room) : run.text);
+      const std::wstring text(characters.begin(), characters.end());
       mvwaddnwstr(window, run.row, run.column, text.data(), static_cast<int>(text.size()));
     }
     wattr_set(window, A_NORMAL, 0, nullptr);

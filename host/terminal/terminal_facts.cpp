@@ -1,7 +1,7 @@
 #include "host/terminal/terminal_facts.h"
 
+#include "host/base/display_text.h"
 #include "host/terminal/curses_includes.h"
-#include "host/terminal/shown_text.h"
 
 #include <cstdint>
 #include <cstdlib>

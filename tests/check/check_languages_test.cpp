@@ -1,4 +1,5 @@
-#include "host/text.h"
+#include "host/base/display_text.h"
+#include "host/base/text.h"
 #include "tests/check/sets.h"
 #include "tests/install/child_program.h"
 
@@ -226,7 +227,7 @@ TEST_P(CheckInEveryLanguage, KeepsTheColumnOfThePlan) {
   for (std::string line; std::getline(lines, line);) {
     for (const char* text : {"Installing Lumaweave", "Now installing to", "Installed in"}) {
       if (const std::size_t at = line.find(text); at != std::string::npos) {
-        EXPECT_EQ(columnsOf(line.substr(0, at)), 17U) << line;
+        EXPECT_EQ(displayWidth(line.substr(0, at)), 17U) << line;
         ++found;
       }
     }

@@ -1,6 +1,6 @@
 #include "host/set/installer_set.h"
 
-#include "host/usage_error.h"
+#include "host/base/errors.h"
 #include "tests/check/sets.h"
 
 namespace tavenhall::test {

@@ -1,6 +1,6 @@
 #include "host/check/source_tree.h"
+#include "host/base/child_process.h"
 
-#include "host/check/tool_output.h"
 #include "tests/support/files.h"
 
 #include <cstdlib>

@@ -91,7 +91,7 @@ std::string readBytes(const char* path) {
 
 void makeFolders(const std::string& path) { std::filesystem::create_directories(path); }
 
-bool isUtf8(std::string_view text) {
+bool isValidUtf8(std::string_view text) {
   const auto byteAt = [text](std::size_t i) {
     return i < text.size() ? static_cast<unsigned char>(text[i]) : static_cast<unsigned char>(0);
   };

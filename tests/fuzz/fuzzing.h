@@ -40,7 +40,7 @@ void makeFolders(const std::string& path);
 
 // ---- Texts ----
 
-[[nodiscard]] bool isUtf8(std::string_view text);
+[[nodiscard]] bool isValidUtf8(std::string_view text);
 
 // ---- The installation log ----
 

@@ -1,6 +1,7 @@
-#include "host/command_source.h"
-#include "host/json_events.h"
-#include "host/plain_printer.h"
+#include "host/base/child_process.h"
+#include "host/plain/plain_printer.h"
+#include "host/protocol/command_source.h"
+#include "host/protocol/json_events.h"
 #include "tests/fuzz/fuzzing.h"
 
 #include <algorithm>
@@ -162,7 +163,7 @@ Words wordsOf(std::string_view input, std::size_t pieceSize) {
     words.answers.push_back("answer " + std::to_string(*answer));
   }
   while (const auto message = source.takeBadLine()) {
-    require(isUtf8(*message) && message->find('\n') == std::string::npos, "what is wrong with a line");
+    require(isValidUtf8(*message) && message->find('\n') == std::string::npos, "what is wrong with a line");
     ++words.badLines;
   }
   return words;
@@ -172,9 +173,9 @@ Words wordsOf(std::string_view input, std::size_t pieceSize) {
 void checkTold(std::string_view text) {
   const std::string line = jsonLine({{"event", "instructions"}, {"text", text}});
   require(line.find('\n') == line.size() - 1, "an event is not one line");
-  require(isUtf8(line), "an event is not UTF-8");
+  require(isValidUtf8(line), "an event is not UTF-8");
   const auto event = nlohmann::ordered_json::parse(line);
-  if (isUtf8(text)) {
+  if (isValidUtf8(text)) {
     requireSame(event["text"].get<std::string>(), text, "a text that was told");
   }
   PlainPrinter printer([](std::string_view shown) {

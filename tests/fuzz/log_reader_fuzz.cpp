@@ -1,7 +1,7 @@
-#include "host/json_events.h"
 #include "host/log/log_records.h"
 #include "host/log/log_report.h"
 #include "host/log/run_story.h"
+#include "host/protocol/json_events.h"
 #include "tests/fuzz/fuzzing.h"
 
 #include <algorithm>
@@ -119,7 +119,7 @@ void checkStory(const RunStory& story, int number) {
   require(isHarmless(text), "a report could steer the terminal");
   require(text.ends_with('\n'), "a report does not end its line");
   const std::string line = jsonLine(reportJson(story, number));
-  require(isUtf8(line), "a report is not UTF-8");
+  require(isValidUtf8(line), "a report is not UTF-8");
   const auto report = nlohmann::ordered_json::parse(line);
   require(report["run"] == number, "a report's number");
   require(report["failures"].size() == story.failures.size(), "a report's failures");

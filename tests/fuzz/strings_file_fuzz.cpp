@@ -80,7 +80,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::size_t entriesSize = 0;
   for (const auto& [key, value] : entries) {
     requireSame(table.text(key), value, "the text of a key");
-    require(!isUtf8(text) || (isUtf8(key) && isUtf8(value)), "UTF-8 was broken");
+    require(!isValidUtf8(text) || (isValidUtf8(key) && isValidUtf8(value)), "UTF-8 was broken");
     entriesSize += std::max(key.size(), value.size());
   }
   require(entriesSize <= text.size(), "more text than the file holds");
@@ -88,7 +88,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
               entries.contains("no such key") ? table.text("no such key") : "no such key", "a missing key");
 
   requireSameEntries(StringTable::parse(written(entries)).entries(), entries, "the entries written anew");
-  if (isUtf8(text)) {
+  if (isValidUtf8(text)) {
     requireSameEntries(StringTable::parse("\xEF\xBB\xBF" + text).entries(), entries,
                        "behind a byte-order mark");
     requireSameEntries(StringTable::parse(asUtf16(text, true)).entries(), entries, "UTF-16, big end first");

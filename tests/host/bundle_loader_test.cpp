@@ -1,6 +1,6 @@
-#include "host/bundle_loader.h"
+#include "host/engine/bundle_loader.h"
 
-#include "host/usage_error.h"
+#include "host/base/errors.h"
 #include "platform/installer_host.h"
 #include "tests/support/files.h"
 

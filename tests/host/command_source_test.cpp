@@ -1,4 +1,4 @@
-#include "host/command_source.h"
+#include "host/protocol/command_source.h"
 
 #include <array>
 #include <fcntl.h>

@@ -1,4 +1,4 @@
-#include "host/command_terminal.h"
+#include "host/protocol/command_terminal.h"
 
 #include <array>
 #include <gmock/gmock.h>

@@ -1,7 +1,7 @@
-#include "host/engine.h"
+#include "host/engine/engine.h"
 
-#include "host/quiet_events.h"
-#include "host/usage_error.h"
+#include "host/base/errors.h"
+#include "host/protocol/quiet_events.h"
 
 #include <gtest/gtest.h>
 #include <stdexcept>

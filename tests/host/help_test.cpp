@@ -1,4 +1,4 @@
-#include "host/exit_status.h"
+#include "host/base/exit_status.h"
 #include "tests/install/child_program.h"
 #include "tests/support/files.h"
 

@@ -1,4 +1,5 @@
-#include "host/json_events.h"
+#include "host/protocol/json_events.h"
+#include "host/base/child_process.h"
 
 #include <array>
 #include <chrono>

@@ -1,4 +1,5 @@
-#include "host/text.h"
+#include "host/base/display_text.h"
+#include "host/base/text.h"
 #include "tests/install/child_program.h"
 #include "tests/support/files.h"
 
@@ -47,7 +48,7 @@ TEST_P(EveryLanguage, IsSpokenInTheHelpWhichFitsAScreen) {
     std::istringstream lines(inLanguage(GetParam().name, {command, "--help"}).output);
     int count = 0;
     for (std::string line; std::getline(lines, line); ++count) {
-      EXPECT_LT(columnsOf(line), 80U) << line;
+      EXPECT_LT(displayWidth(line), 80U) << line;
     }
     EXPECT_LE(count, 24) << command;
   }
@@ -64,7 +65,7 @@ TEST_P(EveryLanguage, KeepsTheColumnOfALogsRows) {
   std::string line;
   while (std::getline(lines, line) && line.find("/the/folder") == std::string::npos) {
   }
-  EXPECT_EQ(columnsOf(line.substr(0, line.find("/the/folder"))), 19U) << line;
+  EXPECT_EQ(displayWidth(line.substr(0, line.find("/the/folder"))), 19U) << line;
 }
 
 TEST_P(EveryLanguage, IsNotSpokenToPrograms) {
@@ -226,23 +227,23 @@ TEST(Languages, ASummaryThatCouldNotBeWrittenIsNamedInThem) {
 }
 
 TEST(Text, ValuesTakeTheirPlacesInAnyOrder) {
-  EXPECT_EQ(filled("{0} and {1}", {"a", "b"}), "a and b");
-  EXPECT_EQ(filled("{1}{0}{1}", {"a", "b"}), "bab");
-  EXPECT_EQ(filled("{{0} {2} {x} {", {"{0}"}), "{0} {2} {x} {");
-  EXPECT_EQ(filled("{0}", {"{0}"}), "{0}");
+  EXPECT_EQ(format("{0} and {1}", {"a", "b"}), "a and b");
+  EXPECT_EQ(format("{1}{0}{1}", {"a", "b"}), "bab");
+  EXPECT_EQ(format("{{0} {2} {x} {", {"{0}"}), "{0} {2} {x} {");
+  EXPECT_EQ(format("{0}", {"{0}"}), "{0}");
 }
 
 TEST(Text, CountsOneAndSeveral) {
-  EXPECT_EQ(counted("{0} file of {1}", "{0} files of {1}", 1, {"x"}), "1 file of x");
-  EXPECT_EQ(counted("{0} file of {1}", "{0} files of {1}", 0, {"x"}), "0 files of x");
+  EXPECT_EQ(plural("{0} file of {1}", "{0} files of {1}", 1, {"x"}), "1 file of x");
+  EXPECT_EQ(plural("{0} file of {1}", "{0} files of {1}", 0, {"x"}), "0 files of x");
 }
 
 TEST(Text, IsPaddedByItsColumns) {
   ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
-  EXPECT_EQ(padded("日本", 6), "日本  ");
-  EXPECT_EQ(padded("e\xCC\x81", 3), "e\xCC\x81  ");
-  EXPECT_EQ(padded("\xFF", 3), "\xFF  ");
-  EXPECT_EQ(padded("longer", 3), "longer ");
+  EXPECT_EQ(padRight("日本", 6), "日本  ");
+  EXPECT_EQ(padRight("e\xCC\x81", 3), "e\xCC\x81  ");
+  EXPECT_EQ(padRight("\xFF", 3), "\xFF  ");
+  EXPECT_EQ(padRight("longer", 3), "longer ");
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "host/main_queue.h"
+#include "host/engine/main_queue.h"
 
 #include <atomic>
 #include <csignal>
@@ -137,51 +137,6 @@ TEST_F(Queue, WhatIsHandedOverWhileABlockRunsWaitsItsTurn) {
   second.join();
 
   EXPECT_EQ(order, (std::vector<std::string>{"first", "second"}));
-}
-
-int processorsOfThisThread() {
-  cpu_set_t own;
-  EXPECT_EQ(sched_getaffinity(0, sizeof own, &own), 0);
-  return CPU_COUNT(&own);
-}
-
-TEST_F(Queue, TheMainThreadAndItsCallersKeepToOneProcessorAndAreFreeAgainAfterwards) {
-  const int before = processorsOfThisThread();
-  queue.followCallers(true);
-  std::atomic<int> hasRun = 0;
-  int inside = 0;
-  int ofTheMainThread = 0;
-  int ofTheCaller = 0;
-  int ofTheFreeCaller = 0;
-  std::thread worker([&] {
-    handOver(queue, [&] {
-      inside = sched_getcpu();
-      ofTheMainThread = processorsOfThisThread();
-      ++hasRun;
-    });
-    EXPECT_EQ(sched_getcpu(), inside);
-    ofTheCaller = processorsOfThisThread();
-    queue.followCallers(false);
-    handOver(queue, [&] { ++hasRun; });
-    ofTheFreeCaller = processorsOfThisThread();
-  });
-  serve(hasRun, 2);
-  worker.join();
-  EXPECT_EQ(ofTheMainThread, 1);
-  EXPECT_EQ(ofTheCaller, 1);
-  EXPECT_EQ(ofTheFreeCaller, before);
-
-  queue.serve();
-  EXPECT_EQ(processorsOfThisThread(), before);
-}
-
-TEST_F(Queue, TheMainThreadStaysWhereItIsUnlessToldToFollow) {
-  const int before = processorsOfThisThread();
-  std::atomic<int> hasRun = 0;
-  std::thread worker([&] { handOver(queue, [&] { ++hasRun; }); });
-  serve(hasRun, 1);
-  worker.join();
-  EXPECT_EQ(processorsOfThisThread(), before);
 }
 
 TEST_F(Queue, AHandOffFromTheMainThreadEndsTheProcess) {

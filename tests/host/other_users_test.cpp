@@ -1,4 +1,4 @@
-#include "host/other_users.h"
+#include "host/engine/other_users.h"
 
 #include "tests/support/files.h"
 #include "tests/support/private_root.h"

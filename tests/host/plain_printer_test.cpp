@@ -1,6 +1,7 @@
-#include "host/plain_printer.h"
+#include "host/plain/plain_printer.h"
+#include "host/base/units.h"
 
-#include "host/text.h"
+#include "host/base/text.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>

@@ -1,6 +1,6 @@
-#include "host/pre_install.h"
+#include "host/engine/pre_install.h"
 
-#include "host/usage_error.h"
+#include "host/base/errors.h"
 #include "tests/support/files.h"
 #include "tests/support/private_root.h"
 

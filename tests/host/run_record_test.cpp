@@ -1,4 +1,4 @@
-#include "host/run_record.h"
+#include "host/engine/run_record.h"
 
 #include <array>
 #include <gmock/gmock.h>

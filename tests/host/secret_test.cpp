@@ -1,4 +1,4 @@
-#include "host/secret.h"
+#include "host/protocol/secret.h"
 
 #include <array>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "host/disc_note.h"
+#include "host/engine/disc_note.h"
 #include "tests/install/child_program.h"
 #include "tests/support/files.h"
 #include "tests/support/private_root.h"

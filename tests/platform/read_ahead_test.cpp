@@ -1,6 +1,5 @@
-#include "platform/read_ahead.h"
+#include "platform/copy_hints.h"
 
-#include "platform/thread_processor.h"
 #include "tests/support/files.h"
 
 #include <algorithm>
@@ -135,16 +134,6 @@ TEST_F(ReadingAhead, TheFirstFilesComeIntoMemoryBeforeTheCopyComesToThem) {
   }
   const ReadAhead readAhead(folder.c_str());
   EXPECT_TRUE(comesTrue([&] { return inMemory() == 20; })) << inMemory();
-}
-
-TEST_F(ReadingAhead, IsNotKeptOnTheProcessorOfTheCopy) {
-  const auto all = static_cast<int>(std::thread::hardware_concurrency());
-  layFiles("a", ReadAhead::kFilesAhead * 2);  // more than what the reader may begin
-  ProcessorBond bond;
-  bond.moveTo(currentProcessor());
-  const ReadAhead readAhead(folder.c_str());
-  // There is one other thread, and with a sanitizer perhaps one of its own.
-  EXPECT_TRUE(comesTrue([&] { return std::ranges::count(processorsOfOtherThreads(), all) > 0; }));
 }
 
 TEST_F(ReadingAhead, GoesOnlySoFarAheadOfTheCopy) {

@@ -1,5 +1,6 @@
+#include "host/base/display_text.h"
+#include "host/base/text.h"
 #include "host/rehearse/rehearsal_report.h"
-#include "host/text.h"
 
 #include <clocale>
 #include <cstdlib>
@@ -171,10 +172,10 @@ TEST_P(EveryLanguagesReport, KeepsTheColumnOfItsRows) {
   int rows = 0;
   while (std::getline(report, line) && !line.empty()) {
     std::size_t at = 0;
-    while (at < line.size() && columnsOf(line.substr(0, at)) < 15) {
+    while (at < line.size() && displayWidth(line.substr(0, at)) < 15) {
       ++at;
     }
-    EXPECT_EQ(columnsOf(line.substr(0, at)), 15U) << line;
+    EXPECT_EQ(displayWidth(line.substr(0, at)), 15U) << line;
     EXPECT_EQ(line[at - 1], ' ') << line;
     EXPECT_NE(line[at], ' ') << line;
     ++rows;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/text.h"
+#include "host/base/text.h"
 
 #include <clocale>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-#include "host/terminal/introduction.h"
+#include "host/ui/introduction.h"
 
 #include "tests/support/files.h"
 #include "tests/terminal/in_utf8.h"

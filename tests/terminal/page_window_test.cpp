@@ -1,4 +1,5 @@
 #include "host/terminal/page_window.h"
+#include "host/base/units.h"
 
 #include "tests/terminal/page_driver.h"
 

@@ -1,4 +1,4 @@
-#include "host/terminal/progress_meter.h"
+#include "host/ui/progress_meter.h"
 
 #include <gtest/gtest.h>
 

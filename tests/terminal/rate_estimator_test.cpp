@@ -1,4 +1,4 @@
-#include "host/terminal/rate_estimator.h"
+#include "host/ui/rate_estimator.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "tests/terminal/rendered.h"
 
-#include "host/terminal/shown_text.h"
-#include "host/terminal/wide_text.h"
+#include "host/base/display_text.h"
+#include "host/base/unicode.h"
 
 #include <gtest/gtest.h>
 #include <set>
@@ -20,17 +20,17 @@ void drawRun(Cells& cells, const Layer& layer, const Run& run, Places& taken) {
   const int row = layer.place.row + run.row;
   int column = layer.place.column + run.column;
   EXPECT_GE(run.column, 0) << run.text;
-  EXPECT_LE(run.column + widthOf(run.text), layer.place.columns) << run.text;
-  for (const wchar_t character : wideText(run.text)) {
-    const int width = wcwidth(character);
+  EXPECT_LE(run.column + displayWidth(run.text), layer.place.columns) << run.text;
+  for (const char32_t character : decodeUtf8(run.text)) {
+    const int width = wcwidth(static_cast<wchar_t>(character));
     if (column >= static_cast<int>(cells[row].size()) || column < 0) {
       return;
     }
     if (width == 0) {
-      cells[row][column - 1] += narrowText({&character, 1});
+      cells[row][column - 1] += encodeUtf8({&character, 1});
       continue;
     }
-    cells[row][column] = narrowText({&character, 1});
+    cells[row][column] = encodeUtf8({&character, 1});
     if (width == 2 && column + 1 < static_cast<int>(cells[row].size())) {
       cells[row][column + 1].clear();
     }

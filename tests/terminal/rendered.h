@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/terminal/page_layout.h"
-#include "host/terminal/styled_text.h"
+#include "host/ui/styled_text.h"
 #include "tests/terminal/page_driver.h"
 
 #include <string>

@@ -1,4 +1,4 @@
-#include "host/terminal/run_outcome.h"
+#include "host/ui/run_outcome.h"
 
 #include "tests/support/files.h"
 #include "tests/terminal/in_utf8.h"

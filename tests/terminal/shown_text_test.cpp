@@ -1,4 +1,4 @@
-#include "host/terminal/shown_text.h"
+#include "host/base/display_text.h"
 
 #include "tests/terminal/in_utf8.h"
 
@@ -12,39 +12,41 @@ using testing::ElementsAre;
 
 using ShownText = InUtf8;
 
-TEST_F(ShownText, AWideCharacterTakesTwoCells) { EXPECT_EQ(widthOf("日本 ab"), 7); }
+TEST_F(ShownText, AWideCharacterTakesTwoCells) { EXPECT_EQ(displayWidth("日本 ab"), 7); }
 
-TEST_F(ShownText, ACombiningCharacterTakesNoCell) { EXPECT_EQ(widthOf("e\u0301a\u0308"), 2); }
+TEST_F(ShownText, ACombiningCharacterTakesNoCell) { EXPECT_EQ(displayWidth("e\u0301a\u0308"), 2); }
 
 TEST_F(ShownText, ControlCharactersBecomeQuestionMarks) {
-  EXPECT_EQ(shownText("a\x1b[2Jb\x07\x7f"), "a?[2Jb??");
+  EXPECT_EQ(displayText("a\x1b[2Jb\x07\x7f"), "a?[2Jb??");
 }
 
-TEST_F(ShownText, EightBitControlCharactersBecomeQuestionMarks) { EXPECT_EQ(shownText("a\u009b2Jb"), "a?2Jb"); }
+TEST_F(ShownText, EightBitControlCharactersBecomeQuestionMarks) {
+  EXPECT_EQ(displayText("a\u009b2Jb"), "a?2Jb");
+}
 
 TEST_F(ShownText, CharactersThatTurnTheWritingRoundAreLeftOut) {
-  EXPECT_EQ(shownText("abc\u202Edcba\u2066x"), "abcdcbax");
+  EXPECT_EQ(displayText("abc\u202Edcba\u2066x"), "abcdcbax");
 }
 
-TEST_F(ShownText, ATabBecomesABlankAndLineBreaksStay) { EXPECT_EQ(shownText("a\tb\r\nc"), "a b\nc"); }
+TEST_F(ShownText, ATabBecomesABlankAndLineBreaksStay) { EXPECT_EQ(displayText("a\tb\r\nc"), "a b\nc"); }
 
 TEST_F(ShownText, ACombiningCharacterWithNothingToStandOnIsLeftOut) {
-  EXPECT_EQ(shownText("\u0301abc"), "abc");
+  EXPECT_EQ(displayText("\u0301abc"), "abc");
 }
 
 TEST_F(ShownText, WhatIsNoUtf8BecomesAReplacementCharacter) {
-  EXPECT_EQ(shownText("a\xff\xc3"), "a\uFFFD\uFFFD");
+  EXPECT_EQ(displayText("a\xff\xc3"), "a\uFFFD\uFFFD");
 }
 
 TEST(ShownTextInPlainLocale, LettersBeyondAsciiBecomeQuestionMarks) {
   std::setlocale(LC_CTYPE, "C");
-  EXPECT_EQ(shownText("Grüße"), "Gr??e");
+  EXPECT_EQ(displayText("Grüße"), "Gr??e");
   EXPECT_FALSE(localeShowsUnicode());
 }
 
 TEST(ShownTextInPlainLocale, TheEllipsisIsThreeFullStops) {
   std::setlocale(LC_CTYPE, "C");
-  EXPECT_EQ(cutAtEnd("Keyboards and more", 12), "Keyboards...");
+  EXPECT_EQ(truncateEnd("Keyboards and more", 12), "Keyboards...");
 }
 
 // ---- Wrapping ----
@@ -87,7 +89,7 @@ TEST_F(ShownText, NoLineIsWiderThanAskedForWhateverTheText) {
   const std::string text = "A /path/with 日本語/and e\u0301 words-that-go-on/and/on \t\x01 end";
   for (int width = 2; width < 40; ++width) {
     for (const std::string& line : wrapText(text, width)) {
-      EXPECT_LE(widthOf(line), width) << line;
+      EXPECT_LE(displayWidth(line), width) << line;
     }
   }
 }
@@ -97,29 +99,29 @@ TEST_F(ShownText, AWidthOfNothingStillEnds) { EXPECT_THAT(wrapText("ab日", 0), 
 // ---- Cutting ----
 
 TEST_F(ShownText, ATextThatFitsIsNotCut) {
-  EXPECT_EQ(cutAtEnd("Keyboards", 9), "Keyboards");
-  EXPECT_EQ(shortPath("Keyboards", 9), "Keyboards");
+  EXPECT_EQ(truncateEnd("Keyboards", 9), "Keyboards");
+  EXPECT_EQ(truncatePath("Keyboards", 9), "Keyboards");
 }
 
-TEST_F(ShownText, CutAtItsEndATextEndsWithAnEllipsis) { EXPECT_EQ(cutAtEnd("Keyboards", 6), "Keybo…"); }
+TEST_F(ShownText, CutAtItsEndATextEndsWithAnEllipsis) { EXPECT_EQ(truncateEnd("Keyboards", 6), "Keybo…"); }
 
 TEST_F(ShownText, AShortPathKeepsItsNameAndWholeFolders) {
-  EXPECT_EQ(shortPath("/a/long/path/001.db", 8), "…/001.db");
-  EXPECT_EQ(shortPath("/a/long/path/001.db", 12), "…/001.db");
-  EXPECT_EQ(shortPath("/a/long/path/001.db", 13), "…/path/001.db");
-  EXPECT_EQ(shortPath("/a/long/path/001.db", 19), "/a/long/path/001.db");
+  EXPECT_EQ(truncatePath("/a/long/path/001.db", 8), "…/001.db");
+  EXPECT_EQ(truncatePath("/a/long/path/001.db", 12), "…/001.db");
+  EXPECT_EQ(truncatePath("/a/long/path/001.db", 13), "…/path/001.db");
+  EXPECT_EQ(truncatePath("/a/long/path/001.db", 19), "/a/long/path/001.db");
 }
 
 TEST_F(ShownText, ANameTooLongForItsRoomLosesItsStart) {
-  EXPECT_EQ(shortPath("/a/Keyboards.db", 8), "…ards.db");
+  EXPECT_EQ(truncatePath("/a/Keyboards.db", 8), "…ards.db");
 }
 
 TEST_F(ShownText, ACutNeverSplitsAWideCharacter) {
-  EXPECT_EQ(cutAtEnd("日本語", 4), "日…");
-  EXPECT_EQ(shortPath("日本語", 4), "…語");
+  EXPECT_EQ(truncateEnd("日本語", 4), "日…");
+  EXPECT_EQ(truncatePath("日本語", 4), "…語");
 }
 
-TEST_F(ShownText, LineBreaksOfATextInOneLineBecomeBlanks) { EXPECT_EQ(cutAtEnd("a\nb", 10), "a b"); }
+TEST_F(ShownText, LineBreaksOfATextInOneLineBecomeBlanks) { EXPECT_EQ(truncateEnd("a\nb", 10), "a b"); }
 
 TEST_F(ShownText, NoLineBeginsOrEndsWithAMarkOfWhatIsOnTheOtherLine) {
   EXPECT_THAT(wrapText("データです。次です", 10), ElementsAre("データで", "す。次です"));

@@ -1,6 +1,6 @@
 #include "tests/terminal/tmux_terminal.h"
 
-#include "host/terminal/shown_text.h"
+#include "host/base/display_text.h"
 #include "tests/install/child_program.h"
 #include "tests/support/children.h"
 
@@ -127,7 +127,7 @@ TmuxTerminal::Place TmuxTerminal::find(const std::string& text) {
   int row = 0;
   for (std::string line; std::getline(shown, line); ++row) {
     if (const std::size_t at = line.find(text); at != std::string::npos) {
-      return {widthOf(line.substr(0, at)), row};
+      return {displayWidth(line.substr(0, at)), row};
     }
   }
   ADD_FAILURE() << text << " is not on the screen";

@@ -6,8 +6,8 @@
 #import "host/desktop/palette.h"
 #include "platform/strings_language.h"
 
-#include "host/text.h"
-#include "host/usage_error.h"
+#include "host/base/errors.h"
+#include "host/base/text.h"
 #import <AppKit/AppKit.h>
 
 namespace {

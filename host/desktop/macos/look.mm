@@ -2,7 +2,7 @@
 
 #import "host/desktop/ns_string.h"
 
-#include "host/text.h"
+#include "host/base/text.h"
 #import <AppKit/AppKit.h>
 
 // AppKit has its own look here; what a program is expected to bring along is the menu with Quit.

@@ -1,4 +1,4 @@
-#include "platform/home_folder.h"
+#include "platform/host_system.h"
 
 #import <Foundation/Foundation.h>
 

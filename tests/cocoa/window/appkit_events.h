@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/event_sink.h"
+#include "host/protocol/event_sink.h"
 
 #import <AppKit/AppKit.h>
 

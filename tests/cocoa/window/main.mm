@@ -1,4 +1,4 @@
-#include "host/json_events.h"
+#include "host/protocol/json_events.h"
 #import "tests/cocoa/window/played_installer.h"
 
 #include <clocale>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/command_source.h"
-#include "host/event_sink.h"
+#include "host/protocol/command_source.h"
+#include "host/protocol/event_sink.h"
 #include "tests/cocoa/window/appkit_events.h"
 
 #import "platform/cocoa/gnustep/installer_plugins.h"

@@ -1,0 +1,156 @@
+#include "host/base/child_process.h"
+
+#include "host/base/text.h"
+#include "platform/host_system.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace tavenhall {
+
+namespace {
+
+std::system_error startFailure(const std::string& program) {
+  return {errno, std::generic_category(), format(_("starting {0}"), {program})};
+}
+
+// Opens /dev/null, with close-on-exec set, for the time of one start.
+class NullDevice {
+ public:
+  NullDevice() : descriptor_(open("/dev/null", O_RDWR | O_CLOEXEC)) {}
+  NullDevice(const NullDevice&) = delete;
+  NullDevice& operator=(const NullDevice&) = delete;
+  ~NullDevice() {
+    if (descriptor_ >= 0) {
+      close(descriptor_);
+    }
+  }
+
+  [[nodiscard]] int descriptor() const { return descriptor_; }
+
+ private:
+  int descriptor_;
+};
+
+}  // namespace
+
+Pipe makePipe() {
+  std::array<int, 2> ends{};
+  if (pipe(ends.data()) != 0) {
+    throw std::system_error(errno, std::generic_category(), "pipe");
+  }
+  for (const int end : ends) {
+    fcntl(end, F_SETFD, FD_CLOEXEC);
+  }
+  return {ends[0], ends[1]};
+}
+
+bool writeAll(int descriptor, std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t written = ::write(descriptor, text.data(), text.size());
+    if (written > 0) {
+      text.remove_prefix(static_cast<std::size_t>(written));
+    } else if (written < 0 && errno != EINTR) {
+      return false;
+    }
+  }
+  return true;
+}
+
+pid_t startProgram(const std::vector<std::string>& command, const StandardStreams& streams) {
+  std::vector<std::string> words = command;
+  std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
+  for (std::string& word : words) {
+    arguments.push_back(word.data());
+  }
+  arguments.push_back(nullptr);
+
+  std::fflush(nullptr);
+  const pid_t pid = fork();
+  if (pid < 0) {
+    throw startFailure(command.front());
+  }
+  if (pid == 0) {
+    endWithParentProcess();
+    setsid();
+    dup2(streams.input, STDIN_FILENO);
+    dup2(streams.output, STDOUT_FILENO);
+    dup2(streams.error, STDERR_FILENO);
+    execvp(arguments[0], arguments.data());
+    _exit(kCannotRun);
+  }
+  return pid;
+}
+
+ToolProcess::ToolProcess(const std::vector<std::string>& command, Keep keep)
+    : output_(std::tmpfile(), std::fclose) {
+  if (!output_) {
+    throw startFailure(command.front());
+  }
+  const NullDevice null;
+  const int kept = fileno(output_.get());
+  pid_ = startProgram(command, {null.descriptor(), kept, keep == Keep::output ? null.descriptor() : kept});
+}
+
+ToolProcess::~ToolProcess() { end(); }
+
+bool ToolProcess::hasEnded() {
+  int status = 0;
+  if (pid_ > 0 && waitpid(pid_, &status, WNOHANG) == pid_) {
+    setStatus(status);
+  }
+  return pid_ < 0;
+}
+
+int ToolProcess::wait() {
+  int status = 0;
+  while (pid_ > 0) {
+    if (waitpid(pid_, &status, 0) == pid_) {
+      setStatus(status);
+    } else if (errno != EINTR) {
+      pid_ = -1;
+    }
+  }
+  return status_;
+}
+
+void ToolProcess::end() {
+  if (!hasEnded()) {
+    kill(pid_, SIGTERM);
+    wait();
+  }
+}
+
+std::string ToolProcess::output() const {
+  std::string text;
+  std::array<char, 4096> piece{};
+  std::rewind(output_.get());
+  while (const std::size_t count = std::fread(piece.data(), 1, piece.size(), output_.get())) {
+    text.append(piece.data(), count);
+  }
+  return text;
+}
+
+std::string ToolProcess::lastLine() const {
+  std::string text = output();
+  text.erase(text.find_last_not_of(" \r\n") + 1);
+  return text.substr(text.rfind('\n') + 1);
+}
+
+void ToolProcess::setStatus(int status) {
+  pid_ = -1;
+  status_ = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+std::optional<std::string> outputOfTool(const std::vector<std::string>& command) {
+  ToolProcess tool(command, ToolProcess::Keep::output);
+  return tool.wait() == 0 ? std::optional(tool.output()) : std::nullopt;
+}
+
+}  // namespace tavenhall

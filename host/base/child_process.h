@@ -1,0 +1,78 @@
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <sys/types.h>
+#include <vector>
+
+// Child processes and the pipes to them. One thread, unless a function says otherwise.
+namespace tavenhall {
+
+// A pipe's two ends, both with close-on-exec set; the caller closes them.
+struct Pipe {
+  int readEnd = -1;
+  int writeEnd = -1;
+};
+
+// Throws std::system_error when the process is out of file descriptors.
+[[nodiscard]] Pipe makePipe();
+
+// Writes all of `text`, whatever signals arrive. Returns false when the descriptor does not take it. Any
+// thread.
+bool writeAll(int descriptor, std::string_view text);
+
+// Runs `command` (a program of the PATH, and its arguments) in a child process, without a shell, in a session
+// of its own so that a terminal's Ctrl-C does not reach it, with these standard streams. The child gets SIGTERM
+// when this process ends, where the system can do that. Throws std::system_error when there can be no process;
+// a program that cannot be run exits with kCannotRun.
+inline constexpr int kCannotRun = 127;
+struct StandardStreams {
+  int input;
+  int output;
+  int error;
+};
+[[nodiscard]] pid_t startProgram(const std::vector<std::string>& command, const StandardStreams& streams);
+
+// A program that runs beside this one with /dev/null as input and its output kept in memory. Ended when the
+// object is destroyed.
+class ToolProcess {
+ public:
+  enum class Keep { outputAndErrors, output };
+
+  // Throws std::system_error when there can be no process.
+  explicit ToolProcess(const std::vector<std::string>& command, Keep keep = Keep::outputAndErrors);
+  ToolProcess(const ToolProcess&) = delete;
+  ToolProcess& operator=(const ToolProcess&) = delete;
+  ~ToolProcess();
+
+  [[nodiscard]] bool hasEnded();
+
+  // Blocks until it has ended. Returns its exit status: kCannotRun when there is no such program, -1 when a
+  // signal ended it.
+  int wait();
+
+  // Sends SIGTERM and waits.
+  void end();
+
+  // What it has printed so far.
+  [[nodiscard]] std::string output() const;
+
+  // The last line of that; empty when there is none.
+  [[nodiscard]] std::string lastLine() const;
+
+ private:
+  void setStatus(int status);
+
+  std::unique_ptr<std::FILE, int (*)(std::FILE*)> output_;
+  pid_t pid_ = -1;  // -1 once it has ended
+  int status_ = -1;
+};
+
+// The standard output of a program of the PATH, run to its end without input. Nothing when it cannot be run or
+// fails.
+[[nodiscard]] std::optional<std::string> outputOfTool(const std::vector<std::string>& command);
+
+}  // namespace tavenhall

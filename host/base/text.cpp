@@ -1,0 +1,139 @@
+#include "host/base/text.h"
+
+#include "platform/strings_language.h"
+
+#include <algorithm>
+#include <clocale>
+#include <cstdlib>
+#include <libintl.h>
+#include <vector>
+
+namespace tavenhall {
+
+namespace {
+
+constexpr const char* kDomain = "tavinstall";
+
+bool isUntranslated() { return std::string_view(std::setlocale(LC_MESSAGES, nullptr)) == "C"; }
+
+// Catalogs are named after locales, which tell the scripts of Chinese by the country. There is none of English,
+// so "C" keeps what comes after it from being taken.
+std::string catalogOf(const std::string& folder) {
+  return folder == "zh-Hans" ? "zh_CN" : folder == "English" ? "C" : folder;
+}
+
+// The languages that the page's texts are looked for in, as the names of catalogs.
+std::string catalogNames() {
+  std::string names;
+  for (const std::string& folder : languageFolderNames()) {
+    names += (names.empty() ? "" : ":") + catalogOf(folder);
+  }
+  return names;
+}
+
+void bindCatalogs(const std::filesystem::path& catalogs) {
+  bindtextdomain(kDomain, catalogs.c_str());
+  bind_textdomain_codeset(kDomain, "UTF-8");
+}
+
+std::string fillFrom(std::string_view pattern, const std::string_view* values, std::size_t count) {
+  std::string text;
+  while (!pattern.empty()) {
+    const std::size_t brace = std::min(pattern.find('{'), pattern.size());
+    text += pattern.substr(0, brace);
+    pattern.remove_prefix(brace);
+    if (pattern.starts_with("{{")) {
+      text += '{';
+      pattern.remove_prefix(2);
+    } else if (pattern.size() >= 3 && pattern[2] == '}' && pattern[1] >= '0' &&
+               static_cast<std::size_t>(pattern[1] - '0') < count) {
+      text += values[pattern[1] - '0'];
+      pattern.remove_prefix(3);
+    } else if (!pattern.empty()) {
+      text += '{';  // no place of a value: it stands for itself
+      pattern.remove_prefix(1);
+    }
+  }
+  return text;
+}
+
+}  // namespace
+
+void speakUsersLanguage(const std::filesystem::path& catalogs) {
+  if (std::setlocale(LC_MESSAGES, "") == nullptr) {
+    // The system lacks the user's locale, as small systems do. The catalogs do not need it: any locale but
+    // "C" makes them be looked at, and LANGUAGE says which.
+    std::setlocale(LC_MESSAGES, "C.UTF-8");
+  }
+  if (!isUntranslated()) {
+    setenv("LANGUAGE", catalogNames().c_str(), 1);
+  }
+  bindCatalogs(catalogs);
+}
+
+void speakLanguage(const std::string& language, const std::filesystem::path& catalogs) {
+  if (std::setlocale(LC_MESSAGES, "C.UTF-8") == nullptr) {
+    std::setlocale(LC_MESSAGES, "");
+  }
+  setenv("LANGUAGE", catalogOf(language).c_str(), 1);
+  bindCatalogs(catalogs);
+}
+
+void keepToOneLanguage() {
+  if (isUntranslated()) {
+    unsetenv("LANGUAGE");
+  }
+}
+
+void speakEnglish() { std::setlocale(LC_MESSAGES, "C"); }
+
+void keepSystemTextsEnglish() {
+  bindtextdomain("libc", "/dev/null");  // where no catalog can be
+}
+
+InEnglish::InEnglish() : before_(std::setlocale(LC_MESSAGES, nullptr)) { speakEnglish(); }
+
+InEnglish::~InEnglish() { std::setlocale(LC_MESSAGES, before_.c_str()); }
+
+const char* _(const char* english) { return dgettext(kDomain, english); }
+
+std::string format(std::string_view pattern, std::initializer_list<std::string_view> values) {
+  return fillFrom(pattern, values.begin(), values.size());
+}
+
+std::string plural(const char* one, const char* several, std::int64_t number,
+                   std::initializer_list<std::string_view> more) {
+  const std::string digits = std::to_string(number);
+  std::vector<std::string_view> values{digits};
+  values.insert(values.end(), more);
+  const auto count = static_cast<unsigned long>(std::max<std::int64_t>(number, 0));
+  return fillFrom(dngettext(kDomain, one, several, count), values.data(), values.size());
+}
+
+std::string join(std::string_view first, std::string_view second) {
+  return format(_("{0} {1}"), {first, second});
+}
+
+std::string printableText(std::string_view text) {
+  std::string printable;
+  printable.reserve(text.size());
+  const auto byteAt = [text](std::size_t at) {
+    return at < text.size() ? static_cast<unsigned char>(text[at]) : static_cast<unsigned char>(0);
+  };
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const unsigned char byte = byteAt(at);
+    const bool isControl = (byte < 0x20 && byte != '\n') || byte == 0x7F;
+    const bool beginsHighControl = byte == 0xC2 && byteAt(at + 1) >= 0x80 && byteAt(at + 1) < 0xA0;  // in UTF-8
+    printable += isControl || beginsHighControl ? '?' : text[at];
+    at += beginsHighControl ? 1 : 0;
+  }
+  return printable;
+}
+
+std::string printableLine(std::string_view text) {
+  std::string line = printableText(text);
+  std::ranges::replace(line, '\n', '?');
+  return line;
+}
+
+}  // namespace tavenhall

@@ -1,0 +1,82 @@
+#include "host/base/unicode.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <unicase.h>
+#include <unistr.h>
+
+namespace tavenhall {
+
+namespace {
+
+const std::uint8_t* bytesOf(std::string_view text) {
+  return reinterpret_cast<const std::uint8_t*>(text.data());
+}
+
+struct Piece {
+  std::size_t length;  // bytes, at least 1
+  ucs4_t character;    // U+FFFD where the bytes are not UTF-8
+  bool isValid;
+};
+
+// What `text` begins with; it is not empty.
+Piece firstPiece(std::string_view text) {
+  ucs4_t character = 0;
+  const int length = u8_mbtoucr(&character, bytesOf(text), text.size());
+  if (length > 0) {
+    return {static_cast<std::size_t>(length), character, true};
+  }
+  const int skipped = u8_mbtouc(&character, bytesOf(text), text.size());
+  return {static_cast<std::size_t>(std::max(skipped, 1)), character, false};
+}
+
+void appendUtf8(std::string& text, ucs4_t character) {
+  constexpr ucs4_t kReplacement = 0xFFFD;
+  std::array<std::uint8_t, 6> bytes{};
+  int length = u8_uctomb(bytes.data(), character, bytes.size());
+  if (length < 0) {
+    length = u8_uctomb(bytes.data(), kReplacement, bytes.size());
+  }
+  text.append(reinterpret_cast<const char*>(bytes.data()), static_cast<std::size_t>(length));
+}
+
+}  // namespace
+
+std::u32string decodeUtf8(std::string_view text) {
+  std::u32string characters;
+  characters.reserve(text.size());
+  while (!text.empty()) {
+    const Piece piece = firstPiece(text);
+    characters += static_cast<char32_t>(piece.character);
+    text.remove_prefix(piece.length);
+  }
+  return characters;
+}
+
+std::string encodeUtf8(std::u32string_view text) {
+  std::string bytes;
+  bytes.reserve(text.size());
+  for (const char32_t character : text) {
+    appendUtf8(bytes, character);
+  }
+  return bytes;
+}
+
+bool isValidUtf8(std::string_view text) { return u8_check(bytesOf(text), text.size()) == nullptr; }
+
+std::string foldCase(std::string_view name) {
+  std::string folded;
+  while (!name.empty()) {
+    const Piece piece = firstPiece(name);
+    if (piece.isValid) {
+      appendUtf8(folded, uc_tolower(piece.character));
+    } else {
+      folded += name.substr(0, piece.length);
+    }
+    name.remove_prefix(piece.length);
+  }
+  return folded;
+}
+
+}  // namespace tavenhall

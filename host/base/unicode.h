@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// UTF-8, by libunistring. Pure. Any thread.
+namespace tavenhall {
+
+// What some editors put before the first character of a UTF-8 file.
+inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+// The code points of `text`, one element each. Each maximal run of bytes that is not UTF-8 becomes one U+FFFD.
+[[nodiscard]] std::u32string decodeUtf8(std::string_view text);
+
+// The code points as UTF-8. What is no code point (a surrogate, a value out of range) becomes U+FFFD.
+[[nodiscard]] std::string encodeUtf8(std::u32string_view text);
+
+[[nodiscard]] bool isValidUtf8(std::string_view text);
+
+// The name in lower case, as a file system that ignores case compares it. Bytes that are not UTF-8 stay.
+[[nodiscard]] std::string foldCase(std::string_view name);
+
+}  // namespace tavenhall

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "host/base/exit_status.h"
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace tavenhall {
+
+// The program's commands while its arguments are read. Each add function declares one command with its
+// options; if the arguments name it, `chosen` afterwards carries it out. What it throws is shown to the user
+// as one line: UsageError for what cannot be used.
+struct CommandLine {
+  CLI::App program{_("Installs sample libraries: the data page of the installer, without one."), "tavinstall"};
+  std::function<ExitStatus()> chosen;
+};
+
+// The value is one of the names, which the help shows as the option's own text or not at all.
+[[nodiscard]] CLI::Validator oneOf(const std::vector<std::string>& names);
+
+// The value is a whole number from 0 on that fits an int.
+[[nodiscard]] CLI::Validator wholeNumber();
+
+// The products that the build knows.
+[[nodiscard]] std::vector<std::string> productNames();
+
+// Why the program's arguments cannot be used, in one line in the user's language. The error came from parsing
+// them just now.
+[[nodiscard]] std::string argumentErrorText(const CLI::App& program, const std::vector<std::string>& arguments,
+                                            const CLI::ParseError& error);
+
+void addRunCommand(CommandLine& commandLine);
+void addRehearseCommand(CommandLine& commandLine);
+void addCheckCommand(CommandLine& commandLine);
+void addLogCommand(CommandLine& commandLine);
+
+}  // namespace tavenhall

@@ -1,0 +1,126 @@
+#include "host/base/build_facts.h"
+#include "host/base/errors.h"
+#include "host/base/text.h"
+#include "host/cli/command_line.h"
+#include "host/cli/frontend_option.h"
+#include "host/engine/bundle_loader.h"
+#include "host/engine/engine_process.h"
+#include "host/engine/other_users.h"
+#include "host/engine/pre_install.h"
+#include "host/engine/run_options.h"
+#include "host/log/users_log.h"
+#include "host/plain/plain_frontend.h"
+#include "host/terminal/terminal_frontend.h"
+#include "platform/installer_pane.h"
+
+#include <CLI/CLI.hpp>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace tavenhall {
+
+namespace {
+
+struct RunArguments {
+  std::string package;
+  std::string installType;
+  std::string bundle;
+  std::string product;
+  std::string ui;  // empty: the terminal page where there is a terminal for it, else plain lines
+  std::string summary;
+  bool noPreInstall = false;
+  bool isTrusted = false;
+};
+
+// What the page would believe though other users may have written it; empty if nothing.
+std::string whatOthersDecide(const RunOptions& options) {
+  std::string line =
+      options.package.empty() ? writtenByOthers(kLocationFile) : changeableByOthers(options.package);
+  if (line.empty() && options.installType.empty()) {
+    line = writtenByOthers(kInstallTypeFile);
+  }
+  return line;
+}
+
+// A program that speaks the lines itself judges for itself, so it is only told.
+void refuseWhatOthersDecide(const RunOptions& options) {
+  std::string line = whatOthersDecide(options);
+  if (line.empty()) {
+    return;
+  }
+  line = format(_("{0}; --trusted installs all the same"), {line});
+  if (options.face != Face::json) {
+    throw UsageError(line);
+  }
+  showError(UsageError(line));
+}
+
+RunOptions optionsFrom(const RunArguments& arguments) {
+  RunOptions options;
+  if (!arguments.noPreInstall) {
+    if (arguments.package.empty()) {
+      throw UsageError(_("--package is needed (or --no-preinstall)"));
+    }
+    options.package = packageLocation(arguments.package);
+    options.installType = arguments.installType;
+  }
+  options.bundle =
+      arguments.bundle.empty() ? findBundle(arguments.product) : std::filesystem::path(arguments.bundle);
+  options.face = faceFor(arguments.ui);
+  options.summary = arguments.summary;
+  if (!options.summary.empty()) {
+    requireWritable(options.summary);
+  }
+  if (!arguments.isTrusted) {
+    refuseWhatOthersDecide(options);
+  }
+  return options;
+}
+
+ExitStatus run(const RunArguments& arguments) {
+  const RunOptions options = optionsFrom(arguments);
+  switch (options.face) {
+    case Face::json: runEngine(options, {STDIN_FILENO, STDOUT_FILENO, -1, -1});
+    case Face::quiet: runEngine(options, {});
+    case Face::plain: return runPlainFace(startEngineProcess(options), {usersInstallationLog()});
+    case Face::terminal: break;
+  }
+  const TerminalPage page = terminalPageFor(options);
+  return runTerminalFace(startEngineProcess(options), page);
+}
+
+}  // namespace
+
+void addRunCommand(CommandLine& commandLine) {
+  const auto arguments = std::make_shared<RunArguments>();
+  CLI::App* run = commandLine.program.add_subcommand("run", _("Install: show the page and see it through"));
+  run->add_option("--package", arguments->package,
+                  _("The installer package; its data lies beside it or on discs"))
+      ->type_name("PATH");
+  run->add_option("--install-type", arguments->installType,
+                  _("Lite or Full: the edition to install, where there is a choice"))
+      ->check(oneOf({"Lite", "Full"}))
+      ->type_name("TYPE");
+  CLI::Option* product = run->add_option("--product", arguments->product,
+                                         format(_("The product whose plug-in shows the page: {0}"),
+                                                {CLI::detail::join(productNames(), ", ")}))
+                             ->check(oneOf(productNames()))
+                             ->type_name("NAME");
+  run->add_option("--bundle", arguments->bundle, _("The plug-in bundle, instead of a product's own"))
+      ->type_name("DIR")
+      ->excludes(product);
+  addFaceOption(*run, arguments->ui);
+  run->add_option("--summary", arguments->summary, _("Write what happened to this file, as JSON"))
+      ->type_name("FILE");
+  run->add_flag("--no-preinstall", arguments->noPreInstall,
+                _("Use the files that a package's pre-install step has left in /tmp"));
+  run->add_flag("--trusted", arguments->isTrusted,
+                _("Install although other users can change what the page goes by"));
+  run->callback(
+      [&commandLine, arguments] { commandLine.chosen = [arguments] { return tavenhall::run(*arguments); }; });
+}
+
+}  // namespace tavenhall

@@ -1,0 +1,96 @@
+#include "host/engine/pre_install.h"
+
+#include "host/base/errors.h"
+#include "host/base/text.h"
+#include "platform/installer_pane.h"
+#include "platform/system.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <string>
+#include <string_view>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tavenhall {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::size_t kLongestLocation = 1022;  // bytes that the page reads of it before the newline
+
+// Whatever lies there is replaced and never written into: anybody may have put a link, a pipe or a file of his
+// own into a folder that everybody can write, and go on changing what is in it. What cannot be replaced is
+// refused, and so is what comes back in the same moment.
+void writeLine(const char* path, const std::string& line) {
+  const bool isFree = unlink(path) == 0 || errno == ENOENT;
+  const int descriptor = isFree ? open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644) : -1;
+  const std::string text = line + "\n";
+  const bool isWritten =
+      descriptor >= 0 && write(descriptor, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+  const int error = errno;
+  if (descriptor >= 0) {
+    close(descriptor);
+  }
+  if (!isWritten) {
+    struct stat found {};
+    const bool isForeign = lstat(path, &found) == 0 && found.st_uid != geteuid();
+    throw UsageError(
+        format(_("cannot write {0}: {1}"),
+               {path, isForeign ? _("another user's file is in its place") : std::strerror(error)}));
+  }
+}
+
+void makeHomeFolder(SearchPath which) {
+  std::string path;
+  if (!firstUserSearchPath(which, path)) {
+    throw UsageError(_("cannot find the home folder; set HOME"));
+  }
+  std::error_code error;
+  fs::create_directories(path, error);
+  if (error) {
+    throw UsageError(format(_("cannot make the folder {0}: {1}"), {path, error.message()}));
+  }
+}
+
+}  // namespace
+
+fs::path packageLocation(const fs::path& package) {
+  std::error_code error;
+  if (!fs::exists(package, error)) {
+    throw UsageError(
+        format(_("no package at {0}; --package takes the installer package's path"), {package.string()}));
+  }
+  fs::path location = package;
+  if (package.is_relative()) {
+    // The package's own name stays, also when it is a link: its folder is where the set lies.
+    const fs::path parent = package.has_parent_path() ? package.parent_path() : fs::path(".");
+    location = package.filename() == ".." || package.filename() == "."
+                   ? fs::canonical(package)
+                   : fs::canonical(parent) / package.filename();
+  }
+  const std::string& text = location.native();
+  if (text.find('\n') != std::string::npos) {
+    throw UsageError(
+        format(_("the package's path holds a line break, so the page cannot be told of it: move {0}"), {text}));
+  }
+  if (text.size() > kLongestLocation) {
+    throw UsageError(
+        format(_("the package's path is longer than {0} bytes, so the page cannot be told of it: move {1}"),
+               {std::to_string(kLongestLocation), text}));
+  }
+  return location;
+}
+
+void runPreInstallStep(const RunOptions& options) {
+  makeHomeFolder(SearchPath::caches);
+  makeHomeFolder(SearchPath::applicationSupport);
+  writeLine(kLocationFile, packageLocation(options.package).native());
+  if (!options.installType.empty()) {
+    writeLine(kInstallTypeFile, options.installType);
+  }
+}
+
+}  // namespace tavenhall

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <chrono>
+#include <concepts>
+#include <functional>
+#include <nlohmann/json_fwd.hpp>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tavenhall {
+
+// Makes lines of text of the engine's events. What changes often is said at most once a second.
+class PlainPrinter {
+ public:
+  using Clock = std::chrono::steady_clock;
+
+  // `print` gets each line without its newline.
+  explicit PlainPrinter(std::function<void(std::string_view line)> print) : print_(std::move(print)) {}
+
+  void show(const nlohmann::ordered_json& event, Clock::time_point now);
+
+  // Says what was held back. Before a question, and at the end.
+  void flush();
+
+ private:
+  void showText(std::string_view text);
+  void showProgress(Clock::time_point now);
+
+  std::function<void(std::string_view)> print_;
+  std::string instructions_;
+  std::string status_;
+  double minimum_ = 0.0;
+  double maximum_ = 100.0;
+  std::optional<int> percent_;  // none before the first value
+  std::string shownProgress_;
+  std::string heldProgress_;  // empty: nothing is held back
+  std::optional<Clock::time_point> lastProgress_;
+};
+
+}  // namespace tavenhall

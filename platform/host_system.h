@@ -1,0 +1,45 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+// What a host program needs of the operating system beyond what the page does (platform/system.h). Every
+// backend implements all of it.
+namespace tavenhall {
+
+// The executable of this process, absolute and without links; empty where the system does not tell. Any thread.
+[[nodiscard]] std::filesystem::path programPath();
+
+// The current user's home folder: HOME, or else the entry in the user database. Returns false, with `home`
+// untouched, when there is neither. Any thread.
+[[nodiscard]] bool homeFolder(std::string& home) noexcept;
+
+// Opens an unnamed temporary file for reading and writing, in memory where the system can, with close-on-exec
+// set. The caller closes it. -1 on failure. Any thread.
+[[nodiscard]] int openMemoryFile() noexcept;
+
+// Asks the system to send this process SIGTERM when its parent process ends. Call it in the child after fork.
+// Does nothing on systems without such a request.
+void endWithParentProcess() noexcept;
+
+// Wakes a thread that waits in poll. Not copyable; closes its descriptors when destroyed.
+class WakeUp {
+ public:
+  // Aborts when the process is out of file descriptors, since no wait could ever end.
+  WakeUp() noexcept;
+  WakeUp(const WakeUp&) = delete;
+  WakeUp& operator=(const WakeUp&) = delete;
+  ~WakeUp();
+
+  // Readable from the first signal() until clear(). The waiting thread polls it for input.
+  [[nodiscard]] int descriptor() const noexcept { return readEnd_; }
+
+  void signal() noexcept;  // any thread, and signal handlers
+  void clear() noexcept;   // the waiting thread
+
+ private:
+  int readEnd_ = -1;
+  int writeEnd_ = -1;
+};
+
+}  // namespace tavenhall

@@ -1,0 +1,46 @@
+#include "platform/host_system.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <sys/eventfd.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <unistd.h>
+
+namespace tavenhall {
+
+std::filesystem::path programPath() {
+  std::error_code error;
+  return std::filesystem::read_symlink("/proc/self/exe", error);
+}
+
+int openMemoryFile() noexcept { return memfd_create("tavinstall", MFD_CLOEXEC); }
+
+void endWithParentProcess() noexcept { prctl(PR_SET_PDEATHSIG, SIGTERM); }
+
+WakeUp::WakeUp() noexcept : readEnd_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)), writeEnd_(readEnd_) {
+  if (readEnd_ < 0) {
+    std::perror("tavinstall: eventfd");
+    std::abort();
+  }
+}
+
+WakeUp::~WakeUp() { close(readEnd_); }
+
+void WakeUp::signal() noexcept {
+  const int error = errno;
+  const std::uint64_t one = 1;
+  static_cast<void>(
+      !write(writeEnd_, &one, sizeof one));  // fails only when the counter is full: already readable
+  errno = error;
+}
+
+void WakeUp::clear() noexcept {
+  std::uint64_t count = 0;
+  static_cast<void>(!read(readEnd_, &count, sizeof count));  // fails only when the counter is 0: already clear
+}
+
+}  // namespace tavenhall
