@@ -79,6 +79,14 @@ std::int32_t InstallDataPane::copyDirectoryOrFile(const char* source, const char
   return result;
 }
 
+std::int32_t InstallDataPane::copyTree(const char* source, const char* dest, const char* tailName) noexcept {
+  const TreeCopy copy{source, dest};
+  host().copyBegun(copy);
+  const std::int32_t result = copyDirectoryOrFile(source, dest, tailName, true);
+  host().copyFinished(copy, result != 0);
+  return result;
+}
+
 std::int32_t InstallDataPane::copyDirectory(const char* source, const char* dest,
                                             const char* tailName) noexcept {
   addEventToInstallationLog("Copying folder %s %s\n", source, dest);
@@ -105,7 +113,9 @@ std::int32_t InstallDataPane::copyDirectory(const char* source, const char* dest
 
 std::int32_t InstallDataPane::copyFile(const char* source, const char* dest) noexcept {
   ReadAhead::cameToFile();
+  currentFile = source;
   if (isAttributesFile(source)) {
+    ++filesDone;
     addEventToInstallationLog("copyDirectoryOrFile: skipping copy of Inst. Attrib file");
     return 1;
   }
@@ -115,9 +125,11 @@ std::int32_t InstallDataPane::copyFile(const char* source, const char* dest) noe
     command.format("cp  -a  \"%s\" \"%s\"", source, dest);
     addEventToInstallationLog("copying AAX signature with command:  %s", command.c_str());
     runShellCommand(command.c_str());
+    ++filesDone;
     return 1;
   }
   const std::int32_t result = copyBytes(source, dest);
+  ++filesDone;
   updateProgress();
   return result;
 }
@@ -142,7 +154,7 @@ std::int32_t InstallDataPane::copyBytes(const char* source, const char* dest) no
 
   int chunkNumber = 0;
   for (auto bytes = in.next(); !bytes.empty(); bytes = in.next()) {
-    out.write(bytes);  // a short write shows in the sizes below
+    bytesWritten += static_cast<std::int64_t>(out.write(bytes));  // a short write shows in the sizes below
     while (!bytes.empty()) {
       const std::size_t chunk = std::min(bytes.size(), kChunkSize);
       bytes = bytes.subspan(chunk);

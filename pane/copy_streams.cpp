@@ -78,14 +78,16 @@ bool CopyDestination::makeReadyFor(const CopySource& source) noexcept {
   return true;
 }
 
-void CopyDestination::write(std::span<const char> bytes) noexcept {
-  while (!bytes.empty()) {
-    const ssize_t count = ::write(descriptor_, bytes.data(), bytes.size());
+std::size_t CopyDestination::write(std::span<const char> bytes) noexcept {
+  std::size_t written = 0;
+  while (written < bytes.size()) {
+    const ssize_t count = ::write(descriptor_, bytes.data() + written, bytes.size() - written);
     if (count <= 0) {
-      return;
+      break;
     }
-    bytes = bytes.subspan(static_cast<std::size_t>(count));
+    written += static_cast<std::size_t>(count);
   }
+  return written;
 }
 
 void CopyDestination::close() noexcept {

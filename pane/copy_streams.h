@@ -46,8 +46,8 @@ class CopyDestination {
 
   [[nodiscard]] bool isOpen() const noexcept { return descriptor_ >= 0; }
 
-  // What cannot be written is missing in the file's size.
-  void write(std::span<const char> bytes) noexcept;
+  // Returns the number of bytes that were written; fewer than given after an error.
+  std::size_t write(std::span<const char> bytes) noexcept;
 
   void close() noexcept;
 

@@ -55,6 +55,12 @@ class InstallDataPane final : public InstallerPane {
   // Bytes. Written on entry, then by the install thread.
   std::int64_t totalNumBytesExpectedAcrossAllVolumes = 0;
 
+  // For snapshot(): bytes that write(2) has taken, files that the copy engine is done with, and the file that
+  // it copies now or copied last. Written on entry, then by the thread that runs the copy engine.
+  std::int64_t bytesWritten = 0;
+  std::int64_t filesDone = 0;
+  std::string currentFile;
+
   // ---- The copy that runs: written by the install thread before it starts a copy thread ----
 
   const char* copySrcPath = nullptr;  // points at one of the path buffers below
@@ -177,6 +183,9 @@ class InstallDataPane final : public InstallerPane {
   [[nodiscard]] std::int32_t copyDirectory(const char* source, const char* dest, const char* tailName) noexcept;
   [[nodiscard]] std::int32_t copyFile(const char* source, const char* dest) noexcept;
   [[nodiscard]] std::int32_t copyBytes(const char* source, const char* dest) noexcept;
+
+  // copyDirectoryOrFile for a whole tree, between the host's two notifications.
+  std::int32_t copyTree(const char* source, const char* dest, const char* tailName) noexcept;
 
   // ---- plugin_placement: the thread of the copy engine ----
 

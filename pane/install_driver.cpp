@@ -75,7 +75,7 @@ void InstallDataPane::copySupportHubExternalFolders() noexcept {
     }
     BoundedText<1024> destination;
     destination.format("%s/", folder);
-    copyDirectoryOrFile(source.c_str(), destination.c_str(), "", true);  // the sheets tell of failures
+    copyTree(source.c_str(), destination.c_str(), "");  // sheets report failures
   }
 }
 

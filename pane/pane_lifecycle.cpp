@@ -34,6 +34,9 @@ void InstallDataPane::didEnterPane(std::int64_t /*direction*/) noexcept {
   // their values.
   totalNumBytesExpectedAcrossAllVolumes = kExpectedBytesUntilKnown;
   kBytesCopied = 0;
+  bytesWritten = 0;
+  filesDone = 0;
+  currentFile.clear();
   readyToProceed = 0;
   gVolumeCount = 1;
   gItemCurrentlyBeingInstalled.clear();
@@ -98,6 +101,9 @@ PaneSnapshot InstallDataPane::snapshot() const noexcept {
   copy.readyToProceed = readyToProceed;
   copy.installMode = gInstallMode;
   copy.kBytesCopied = kBytesCopied;
+  copy.bytesWritten = bytesWritten;
+  copy.filesDone = filesDone;
+  copy.currentFile = currentFile;
   copy.currentVolumeNumber = gCurrentVolumeNumber;
   copy.volumeCount = gVolumeCount;
   copy.sourceFolder = copySrcPath != nullptr ? copySrcPath : "";

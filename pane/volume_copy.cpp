@@ -57,14 +57,13 @@ void InstallDataPane::copySingleVolume() noexcept {
       }
       addEventToInstallationLog("Begin copySingleVolume for copySrcPathWithSubFolder %s\n", source.c_str());
       const ReadAhead readAhead(source.c_str());
-      readyToProceed =
-          copyDirectoryOrFile(source.c_str(), copyDstPath != nullptr ? destination.c_str() : nullptr,
-                              gTANVOorDOVAnameOnly.c_str(), true);
+      readyToProceed = copyTree(source.c_str(), copyDstPath != nullptr ? destination.c_str() : nullptr,
+                                gTANVOorDOVAnameOnly.c_str());
     }
   } else {
     addEventToInstallationLog("Begin copySingleVolume: copySrcPath %s\n", copySrcPath);
     const ReadAhead readAhead(copySrcPath);
-    readyToProceed = copyDirectoryOrFile(copySrcPath, copyDstPath, gTANVOorDOVAnameOnly.c_str(), true);
+    readyToProceed = copyTree(copySrcPath, copyDstPath, gTANVOorDOVAnameOnly.c_str());
   }
 
   status->setTitleWithMnemonic(" ");

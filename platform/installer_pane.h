@@ -15,19 +15,23 @@ inline constexpr const char* kInstallTypeFile = "/tmp/TavInstallType";
 inline constexpr std::int64_t kDirectionForward = 0;
 inline constexpr std::int64_t kDirectionBackward = 1;
 
-// The page's state, copied for a host.
+// A copy of the page's state, for hosts that present it.
 struct PaneSnapshot {
   std::int32_t readyToProceed = 0;
   std::int32_t installMode = 0;
-  std::int64_t kBytesCopied = 0;         // units of 1024 bytes
+  std::int64_t kBytesCopied =
+      0;  // the page's own count: units of 1024 bytes, each chunk of a file rounded down
+  std::int64_t bytesWritten = 0;         // since the page was entered; what write(2) has taken
+  std::int64_t filesDone = 0;            // since the page was entered; copied, failed and skipped ones
+  std::string currentFile;               // the file copied now or last, at the source; empty before the first
   std::int32_t currentVolumeNumber = 0;  // from 0
-  std::int32_t volumeCount = 0;
-  std::string sourceFolder;       // of the volume copied last; empty before the first
-  std::string destinationFolder;  // the central data folder; empty where there is none
+  std::int32_t volumeCount = 0;          // of the current pass
+  std::string sourceFolder;              // of the volume copied last; empty before the first
+  std::string destinationFolder;         // the central data folder; empty where there is none
 };
 
-// A page of the installer, as the installer sees it. The host calls from its main thread, and enters again
-// only when every thread that the page has started has ended.
+// A page of the installer, as the installer sees it. The host calls it on its main thread, and enters it again
+// only when every page thread has ended.
 class InstallerPane {
  public:
   InstallerPane(const InstallerPane&) = delete;
@@ -47,8 +51,8 @@ class InstallerPane {
   virtual void controlTextDidChange() noexcept = 0;
   virtual void updateText() noexcept = 0;
 
-  // The two flags may be read at any time and on any thread; the whole only while no page thread runs, from
-  // inside a hand-off, or from a page thread's own notification.
+  // The flag may be read at any time on any thread. A snapshot may be taken while no page thread runs, inside
+  // dispatchSync, and inside a notification by the thread that sends it.
   [[nodiscard]] virtual std::int32_t isReadyToProceed() const noexcept = 0;
   [[nodiscard]] virtual PaneSnapshot snapshot() const noexcept = 0;
 
@@ -61,8 +65,8 @@ class InstallerPane {
   InstallerHost& host_;
 };
 
-// What a bundle exports, with C linkage under kPageFactoryName: makes its one page, owned by the caller,
-// which never destroys it while a page thread runs. Null when the interface versions differ.
+// What a bundle exports with C linkage as kPageFactoryName. Returns the bundle's page, which the caller owns
+// and never destroys while a page thread runs; null when the interface versions differ.
 using PageFactory = InstallerPane* (*)(InstallerHost* host, std::uint32_t interfaceVersion);
 inline constexpr const char* kPageFactoryName = "createInstallDataPane";
 

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/wait.h>
 #include <system_error>
 #include <unistd.h>
@@ -55,6 +56,9 @@ bool writeAll(int descriptor, std::string_view text) {
     const ssize_t written = ::write(descriptor, text.data(), text.size());
     if (written > 0) {
       text.remove_prefix(static_cast<std::size_t>(written));
+    } else if (written < 0 && errno == EAGAIN) {
+      pollfd output{descriptor, POLLOUT, 0};  // somebody has made it non-blocking
+      poll(&output, 1, -1);
     } else if (written < 0 && errno != EINTR) {
       return false;
     }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <exception>
-#include <filesystem>
 #include <stdexcept>
 
 namespace tavenhall {
@@ -15,13 +14,5 @@ class UsageError : public std::runtime_error {
 
 // Prints an error on standard error, as one line even where a path in it holds line breaks. Any thread.
 void showError(const std::exception& error);
-
-// Throws UsageError if `path` is a pipe, a socket or a device, since opening one may block. A folder, and
-// nothing at all, are left to the caller.
-void requireNoSpecialFile(const std::filesystem::path& path);
-
-// Throws UsageError unless a file can be written at `path`: its folder exists, `path` is not a folder, and
-// permissions allow it. Creates nothing; the disk may still be full later.
-void requireWritable(const std::filesystem::path& path);
 
 }  // namespace tavenhall

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/base/exit_status.h"
+#include "host/set/attributes_reading.h"
 
 #include <map>
 #include <span>
@@ -28,12 +29,6 @@ struct RemarkKind {
 
 // Every kind there is.
 [[nodiscard]] std::span<const RemarkKind> remarkKinds();
-
-// Where a remark points.
-struct Place {
-  std::string file;  // below the set's folder where it lies there, else absolute
-  int line = 0;      // from 1; 0: the whole file
-};
 
 struct Remark {
   std::string_view name;

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/check/checked_set.h"
 #include "host/check/remarks.h"
+#include "host/set/checked_set.h"
 
 // What can be wrong with a set, one function a topic, each in a file of its name. They only look.
 namespace tavenhall {

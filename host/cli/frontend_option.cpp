@@ -5,20 +5,20 @@
 
 namespace tavenhall {
 
-void addFaceOption(CLI::App& command, std::string& name) {
+void addFrontendOption(CLI::App& command, std::string& name) {
   command.add_option("--ui", name, _("How the page is shown: json, plain, quiet or terminal"))
       ->check(oneOf({"json", "plain", "quiet", "terminal"}))
-      ->type_name("FACE");
+      ->type_name("FRONTEND");
 }
 
-Face faceFor(const std::string& name) {
+Frontend frontendFor(const std::string& name) {
   if (name == "json") {
-    return Face::json;
+    return Frontend::json;
   }
   if (name == "quiet") {
-    return Face::quiet;
+    return Frontend::quiet;
   }
-  return name != "plain" && terminalIsUsable() ? Face::terminal : Face::plain;
+  return name != "plain" && terminalIsUsable() ? Frontend::terminal : Frontend::plain;
 }
 
 }  // namespace tavenhall

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "host/engine/run_options.h"
-
 #include <string>
 
 namespace CLI {
@@ -10,11 +8,12 @@ class App;
 
 namespace tavenhall {
 
-// Gives a command the option --ui, which sets `name`.
-void addFaceOption(CLI::App& command, std::string& name);
+enum class Frontend { json, plain, quiet, terminal };
 
-// The face of that name; where there is none, the terminal page where there is a terminal for it, else plain
-// lines.
-[[nodiscard]] Face faceFor(const std::string& name);
+// Adds the option --ui, which sets `name`.
+void addFrontendOption(CLI::App& command, std::string& name);
+
+// The frontend of that name. For an empty one: the terminal page where it can be shown, else plain lines.
+[[nodiscard]] Frontend frontendFor(const std::string& name);
 
 }  // namespace tavenhall

@@ -1,9 +1,8 @@
 #include "host/base/errors.h"
 #include "host/base/text.h"
 #include "host/cli/command_line.h"
+#include "host/log/log_records.h"
 #include "host/log/log_report.h"
-#include "host/log/users_log.h"
-#include "host/protocol/json_events.h"
 
 #include <CLI/CLI.hpp>
 #include <array>
@@ -76,8 +75,8 @@ class Teller {
     if (!asJson_) {
       return (isFirst ? "" : "\n") + reportText(story, runs_, mayStillRun);
     }
-    std::string object = jsonLine(reportJson(story, runs_, mayStillRun));
-    object.pop_back();
+    std::string object = reportJson(story, runs_, mayStillRun)
+                             .dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
     return (isFirst ? "[\n" : ",\n") + object;
   }
 

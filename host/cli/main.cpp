@@ -1,9 +1,9 @@
 #include "host/base/build_facts.h"
 #include "host/base/errors.h"
+#include "host/base/program_files.h"
 #include "host/base/text.h"
 #include "host/cli/command_line.h"
 #include "host/cli/help_text.h"
-#include "host/engine/bundle_loader.h"
 
 #include <CLI/CLI.hpp>
 #include <cerrno>

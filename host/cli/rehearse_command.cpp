@@ -1,11 +1,60 @@
+#include "host/base/files.h"
 #include "host/base/text.h"
 #include "host/cli/command_line.h"
 #include "host/cli/frontend_option.h"
+#include "host/cli/run_description.h"
+#include "host/plain/plain_frontend.h"
 #include "host/rehearse/rehearsal.h"
+#include "host/terminal/terminal_frontend.h"
 
 #include <memory>
 
 namespace tavenhall {
+
+namespace {
+
+// A path in the sandbox as the page sees it.
+std::string insidePath(const std::string& path, const std::string& sandbox) {
+  return path.starts_with(sandbox + "/") ? path.substr(sandbox.size()) : path;
+}
+
+RunDescription describe(const RehearsalScene& scene) {
+  RunDescription description;
+  Introduction& introduction = description.introduction;
+  introduction = introduce(scene.plan, freeBytesAt);
+  introduction.what = join(introduction.what, _("It is a rehearsal, in folders of its own."));
+  introduction.destination = insidePath(introduction.destination, scene.sandbox);
+  for (std::string& place : introduction.to) {
+    place = insidePath(place, scene.sandbox);
+  }
+  const bool isKept = !scene.keptFolder.empty();
+  description.log = isKept ? scene.log : "";
+  description.failures = [log = scene.log] { return failuresInLog(log, 0); };
+  description.afterStop = isKept ? format(_("What was installed so far is in {0}."), {scene.keptFolder})
+                                 : _("Nothing of it is left.");
+  return description;
+}
+
+RehearsalView viewFor(Frontend frontend) {
+  switch (frontend) {
+    case Frontend::json: return {.kind = RehearsalView::Kind::program, .process = {}, .run = {}};
+    case Frontend::quiet: return {.kind = RehearsalView::Kind::nobody, .process = {}, .run = {}};
+    case Frontend::plain:
+      return {.kind = RehearsalView::Kind::frontend,
+              .process = {},
+              .run = [](const EngineConnection& engine, const RehearsalScene& scene) {
+                static_cast<void>(runPlainFrontend(engine, describe(scene)));
+              }};
+    case Frontend::terminal: break;
+  }
+  return {.kind = RehearsalView::Kind::frontend,
+          .process = {.capturesErrors = true},
+          .run = [](const EngineConnection& engine, const RehearsalScene& scene) {
+            static_cast<void>(runTerminalFrontend(engine, describe(scene)));
+          }};
+}
+
+}  // namespace
 
 void addRehearseCommand(CommandLine& commandLine) {
   struct Arguments {
@@ -39,11 +88,10 @@ void addRehearseCommand(CommandLine& commandLine) {
       ->type_name("DIR");
   command->add_option("--report", request.report, _("Write the report to this file too, as JSON"))
       ->type_name("FILE");
-  addFaceOption(*command, arguments->ui);
+  addFrontendOption(*command, arguments->ui);
   command->callback([&commandLine, arguments] {
     commandLine.chosen = [arguments] {
-      arguments->request.face = faceFor(arguments->ui);
-      return rehearse(arguments->request);
+      return rehearse(arguments->request, viewFor(frontendFor(arguments->ui)));
     };
   });
 }

@@ -1,19 +1,21 @@
 #include "host/base/build_facts.h"
 #include "host/base/errors.h"
+#include "host/base/files.h"
+#include "host/base/program_files.h"
 #include "host/base/text.h"
 #include "host/cli/command_line.h"
 #include "host/cli/frontend_option.h"
-#include "host/engine/bundle_loader.h"
-#include "host/engine/engine_process.h"
+#include "host/cli/run_description.h"
 #include "host/engine/other_users.h"
 #include "host/engine/pre_install.h"
-#include "host/engine/run_options.h"
-#include "host/log/users_log.h"
+#include "host/engine/run_engine.h"
+#include "host/log/log_records.h"
 #include "host/plain/plain_frontend.h"
 #include "host/terminal/terminal_frontend.h"
 #include "platform/installer_pane.h"
 
 #include <CLI/CLI.hpp>
+#include <fcntl.h>
 #include <iterator>
 #include <memory>
 #include <string>
@@ -36,7 +38,7 @@ struct RunArguments {
 };
 
 // What the page would believe though other users may have written it; empty if nothing.
-std::string whatOthersDecide(const RunOptions& options) {
+std::string whatOthersDecide(const EngineOptions& options) {
   std::string line =
       options.package.empty() ? writtenByOthers(kLocationFile) : changeableByOthers(options.package);
   if (line.empty() && options.installType.empty()) {
@@ -46,20 +48,20 @@ std::string whatOthersDecide(const RunOptions& options) {
 }
 
 // A program that speaks the lines itself judges for itself, so it is only told.
-void refuseWhatOthersDecide(const RunOptions& options) {
+void refuseWhatOthersDecide(const EngineOptions& options, Frontend frontend) {
   std::string line = whatOthersDecide(options);
   if (line.empty()) {
     return;
   }
   line = format(_("{0}; --trusted installs all the same"), {line});
-  if (options.face != Face::json) {
+  if (frontend != Frontend::json) {
     throw UsageError(line);
   }
   showError(UsageError(line));
 }
 
-RunOptions optionsFrom(const RunArguments& arguments) {
-  RunOptions options;
+EngineOptions optionsFrom(const RunArguments& arguments, Frontend frontend) {
+  EngineOptions options;
   if (!arguments.noPreInstall) {
     if (arguments.package.empty()) {
       throw UsageError(_("--package is needed (or --no-preinstall)"));
@@ -69,27 +71,43 @@ RunOptions optionsFrom(const RunArguments& arguments) {
   }
   options.bundle =
       arguments.bundle.empty() ? findBundle(arguments.product) : std::filesystem::path(arguments.bundle);
-  options.face = faceFor(arguments.ui);
   options.summary = arguments.summary;
   if (!options.summary.empty()) {
     requireWritable(options.summary);
   }
   if (!arguments.isTrusted) {
-    refuseWhatOthersDecide(options);
+    refuseWhatOthersDecide(options, frontend);
   }
   return options;
 }
 
-ExitStatus run(const RunArguments& arguments) {
-  const RunOptions options = optionsFrom(arguments);
-  switch (options.face) {
-    case Face::json: runEngine(options, {STDIN_FILENO, STDOUT_FILENO, -1, -1});
-    case Face::quiet: runEngine(options, {});
-    case Face::plain: return runPlainFace(startEngineProcess(options), {usersInstallationLog()});
-    case Face::terminal: break;
+// Text may come from anywhere, but a password is asked for only where this process has a terminal.
+bool hasControllingTerminal() {
+  const int terminal = open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC);
+  if (terminal >= 0) {
+    close(terminal);
   }
-  const TerminalPage page = terminalPageFor(options);
-  return runTerminalFace(startEngineProcess(options), page);
+  return terminal >= 0;
+}
+
+ExitStatus run(const RunArguments& arguments) {
+  const Frontend frontend = frontendFor(arguments.ui);
+  const EngineOptions options = optionsFrom(arguments, frontend);
+  switch (frontend) {
+    case Frontend::json:
+      runEngine(options, Controller::program, {.requests = STDIN_FILENO, .events = STDOUT_FILENO});
+    case Frontend::quiet: runEngine(options, Controller::nobody, {});
+    case Frontend::plain: {
+      RunDescription description;
+      description.log = usersInstallationLog();
+      return runPlainFrontend(startEngine(options, {.hasPasswordTerminal = hasControllingTerminal()}),
+                              description);
+    }
+    case Frontend::terminal: break;
+  }
+  const RunDescription description = describeRun(options);
+  return runTerminalFrontend(startEngine(options, {.capturesErrors = true, .hasPasswordTerminal = true}),
+                             description);
 }
 
 }  // namespace
@@ -112,7 +130,7 @@ void addRunCommand(CommandLine& commandLine) {
   run->add_option("--bundle", arguments->bundle, _("The plug-in bundle, instead of a product's own"))
       ->type_name("DIR")
       ->excludes(product);
-  addFaceOption(*run, arguments->ui);
+  addFrontendOption(*run, arguments->ui);
   run->add_option("--summary", arguments->summary, _("Write what happened to this file, as JSON"))
       ->type_name("FILE");
   run->add_flag("--no-preinstall", arguments->noPreInstall,

@@ -1,22 +1,15 @@
 #pragma once
 
 #include "host/base/exit_status.h"
-#include "host/cli/terminal_page.h"
-#include "host/engine/install_lock.h"
-#include "host/engine/run_options.h"
-#include "host/ui/progress_meter.h"
-#include "host/ui/run_outcome.h"
 #include "host/ui/styled_text.h"
 
-#include <memory>
-#include <mutex>
-#include <optional>
+#include <cstdint>
 #include <string>
 #include <vector>
 
-// The install that a window shows: what was asked for, what comes before and after the page, and what the
-// page's bar tells. Main thread, unless a function says otherwise; nothing here throws, so that Objective-C can
-// call it.
+// The install that the window shows, as far as the window needs it: the texts before and after the page, the
+// pre-install step, and the numbers beside the bar. Main thread, unless a function says otherwise. Nothing here
+// throws, so Objective-C can call it.
 namespace tavenhall {
 
 // A page of the installer's own: a heading, and lines that are not wrapped.
@@ -25,51 +18,45 @@ struct DesktopText {
   std::vector<Line> lines;
 };
 
+// The page's bar, and the bytes that the page has written since it was entered.
+struct DesktopProgress {
+  double minimum = 0.0;
+  double maximum = 0.0;
+  double value = 0.0;
+  std::int64_t bytesWritten = 0;
+};
+
 class DesktopRun {
  public:
-  // From now on the installer's own texts are in that language, named as its folder in a bundle is.
-  static void speak(const std::string& language) noexcept;
+  [[nodiscard]] virtual const std::string& productName() const noexcept = 0;
+  [[nodiscard]] virtual const std::string& bundlePath() const noexcept = 0;
+  [[nodiscard]] virtual DesktopText introduction() const noexcept = 0;
 
-  // Takes the options, each from the arguments or else from the environment. Where there is nothing to show
-  // (a request for help, or something that cannot be used), says so on the standard streams and gives the exit
-  // status. Before any thread.
-  [[nodiscard]] std::optional<ExitStatus> read(int argumentCount, char** arguments) noexcept;
-
-  [[nodiscard]] const std::string& productName() const { return page_.introduction.productName; }
-  [[nodiscard]] const std::string& bundlePath() const { return bundlePath_; }
-  [[nodiscard]] DesktopText introduction() const noexcept;
-
-  // What the rest of an installer does before the page is shown; and keeps this user's other installs from
-  // starting. Before any thread of the page. Says what is wrong; empty: all is well.
-  [[nodiscard]] std::string prepare() noexcept;
+  // Performs the pre-install step and takes the install lock. Returns what is wrong, or an empty text. Call it
+  // before the page starts a thread.
+  [[nodiscard]] virtual std::string prepare() noexcept = 0;
 
   // The page is entered.
-  void begin() noexcept;
+  virtual void begin() noexcept = 0;
 
-  // How its bar stands, told at every change of it. Any thread.
-  void lookAtBar(double minimum, double maximum, double value) noexcept;
+  // The bar has changed. Any thread.
+  virtual void setProgress(const DesktopProgress& progress) noexcept = 0;
 
-  // A question waits for the user: that time does not count.
-  void setPaused(bool isPaused) noexcept;
+  // An alert is up; its time is not counted.
+  virtual void setPaused(bool isPaused) noexcept = 0;
 
   // The page was left forwards.
-  void end() noexcept;
+  virtual void end() noexcept = 0;
 
-  // "54.2 MB/s, about 3 min left"; empty where the bar does not tell.
-  [[nodiscard]] std::string paceText() noexcept;
+  // "54.2 MB/s, about 3 min left"; empty while nothing is known.
+  [[nodiscard]] virtual std::string paceText() noexcept = 0;
 
-  // How it went, by the installation log; once the page was left.
-  [[nodiscard]] DesktopText summary() const noexcept;
-  [[nodiscard]] ExitStatus exitStatus() const noexcept;
+  // How it went; after end().
+  [[nodiscard]] virtual DesktopText summary() const noexcept = 0;
+  [[nodiscard]] virtual ExitStatus exitStatus() const noexcept = 0;
 
- private:
-  RunOptions options_;
-  std::string bundlePath_;
-  TerminalPage page_;
-  std::unique_ptr<InstallLock> lock_;
-  std::mutex meterMutex_;
-  ProgressMeter meter_;  // guarded by it
-  RunOutcome outcome_;
+ protected:
+  ~DesktopRun() = default;
 };
 
 }  // namespace tavenhall

@@ -49,6 +49,11 @@ BOOL isFirstButton(const char* message, const std::string& text, const char* fir
 
 }  // namespace
 
+// What the plug-in's pane offers beyond the public interface.
+@protocol CopyingPane
+- (long long)bytesWritten;
+@end
+
 @implementation Installer
 
 - (id)initWithRun:(tavenhall::DesktopRun*)run {
@@ -153,7 +158,9 @@ BOOL isFirstButton(const char* message, const std::string& text, const char* fir
                       ofObject:(id)bar
                         change:(NSDictionary*)change
                        context:(void*)context {
-  run_->lookAtBar([bar minValue], [bar maxValue], [bar doubleValue]);
+  id pane = [section_ activePane];
+  const BOOL countsBytes = [pane respondsToSelector:@selector(bytesWritten)];
+  run_->setProgress({[bar minValue], [bar maxValue], [bar doubleValue], countsBytes ? [pane bytesWritten] : 0});
 }
 
 - (void)showPace:(NSTimer*)timer {

@@ -1,62 +1,74 @@
 #pragma once
 
-#include "host/engine/disc_note.h"
-#include "host/engine/main_queue.h"
-#include "host/engine/run_record.h"
-#include "host/protocol/command_source.h"
-#include "host/protocol/event_sink.h"
-#include "platform/host_system.h"
+#include "host/base/mutex.h"
+#include "host/engine/stand_ins.h"
+#include "host/protocol/event_writer.h"
+#include "host/protocol/requests.h"
 #include "platform/installer_host.h"
 #include "platform/installer_pane.h"
 
+#include <chrono>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <memory>
-#include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 
 namespace tavenhall {
 
-// Plays the installer around one page, without showing anything: does what the commands say, serves the
-// page's hand-offs, and says what happens. Made and run on the process's main thread.
+// Plays the installer around one page: performs requests, runs what the page dispatches, and reports events.
 //
-// Commands wait while an alert is up, and entering again waits until every page thread has ended, since the
-// page has one job at a time.
+// The engine is a monitor. `main_` stands for the main thread: whoever holds it is the main thread for the
+// page. The main loop holds it while it performs a request, and a page thread holds it while it runs a block of
+// its own dispatch, so that no thread is woken for a dispatch. An alert releases it while it waits for its
+// answer, but nothing is performed or dispatched until it has one. `state_` guards what any thread may read or
+// report; it is taken after `main_` and never held while the page runs.
 class Engine final : private InstallerHost {
  public:
-  // `onNoAnswer` is called, on the main thread and from inside the page, when an alert waits for an answer and
-  // the input is closed; it does not return.
-  Engine(CommandSource& commands, EventSink& events, std::function<void()> onNoAnswer);
+  // `events` may be null: nothing is reported. `onNoAnswer` is called when an alert waits and no answer can
+  // come any more; it must not return. It is called with `main_` held, on whichever thread shows the alert.
+  Engine(EventWriter* events, EjectNote& ejectNote, std::function<void()> onNoAnswer);
 
-  // Makes the page. Throws UsageError when the bundle was built for another host.
+  // Joins the thread that reads requests, which ends with its input. No page thread may run.
+  ~Engine();
+
+  // Makes the page. Throws UsageError when the bundle was built for another interface version.
   void makePage(PageFactory factory);
 
-  // Does one command after the other until it is told to quit, or no command is left and none can come. The
-  // page's threads may still run then: the caller ends the process without destroying anything they use.
-  void run();
+  // Where requests come from; call one of them once, before run(). The first reads JSON lines on a thread of
+  // its own; the descriptor must stay open. The second takes these commands and answers every alert with
+  // `answer`.
+  void readRequests(int descriptor);
+  void setRequests(std::deque<Command> commands, Answer answer);
 
-  // Main thread, like all that follows.
-  [[nodiscard]] bool nextIsEnabled() const;
-  [[nodiscard]] const RunRecord& record() const { return record_; }
+  // Adds a command behind all others.
+  void add(Command command) EXCLUDES(main_);
 
-  // Writes the events that are held back, in a process that is about to stop, unless another thread is writing.
+  // Performs requests until one is Command::quit, or none is left and none can come. Page threads may still run
+  // afterwards: the caller ends the process without destroying this object. The thread that made the engine.
+  void run() EXCLUDES(main_);
+
   // Any thread.
-  void flushAtStop() noexcept;
+  [[nodiscard]] bool nextIsEnabled() const EXCLUDES(state_);
+  [[nodiscard]] bool inputIsClosed() const EXCLUDES(main_);
+  [[nodiscard]] event::Summary summary() const EXCLUDES(state_);
 
-  // One JSON object and a newline, as of the latest time when the page's state could be read.
-  [[nodiscard]] std::string summary() const;
+  // Whether the page was left forwards, every copy succeeded and no sheet reported a failure. Any thread.
+  [[nodiscard]] bool isSuccess() const EXCLUDES(state_);
 
  private:
   class Text final : public TextField {
    public:
-    Text(Engine& engine, const char* event) : engine_(engine), event_(event) {}
+    enum class Place { instructions, status };
+    Text(Engine& engine, Place place) : engine_(engine), place_(place) {}
     void setTitleWithMnemonic(const char* text) noexcept override;
     void setNeedsDisplay() noexcept override {}
 
    private:
     Engine& engine_;
-    const char* event_;
+    Place place_;
   };
 
   class Bar final : public ProgressIndicator {
@@ -70,12 +82,7 @@ class Engine final : private InstallerHost {
     void displayIfNeeded() noexcept override {}
 
    private:
-    void set(double& field, double value, const char* event);
-
     Engine& engine_;
-    double min_ = 0.0;  // these three: guarded by the engine's eventsMutex_
-    double max_ = 100.0;
-    double value_ = 0.0;
   };
 
   TextField& instructions() noexcept override { return instructions_; }
@@ -92,53 +99,57 @@ class Engine final : private InstallerHost {
   void endAnimationGrouping() noexcept override {}
   void pageThreadStarted(const char* name) noexcept override;
   void pageThreadEnded(const char* name) noexcept override;
+  void copyBegun(const TreeCopy& copy) noexcept override;
+  void copyFinished(const TreeCopy& copy, bool isCopied) noexcept override;
   void assertionTaken(const char* type, std::uint32_t level, const char* name) noexcept override;
   void assertionReleased(const char* type) noexcept override;
 
-  [[nodiscard]] bool isIdle() const;
-  [[nodiscard]] bool canDo(Command command) const;
-  void perform(Command command);
-  void leave(std::int64_t direction);
+  void accept(std::string_view line) EXCLUDES(main_);
+  [[nodiscard]] bool isIdle() const EXCLUDES(state_);
+  [[nodiscard]] bool canPerform(Command command) const REQUIRES(main_);
+  void perform(Command command) REQUIRES(main_);
+  void leave(std::int64_t direction) REQUIRES(main_);
+  [[nodiscard]] std::optional<int> takeAnswer() REQUIRES(main_);
+  void report(const Event& event) REQUIRES(state_);
+  void takeSnapshot() EXCLUDES(state_);
 
-  // Waits for input and, when asked, for hand-offs and page threads that end.
-  void waitForNews(bool pagesToo);
+  using Clock = std::chrono::steady_clock;
 
-  void flushEvents();
-
-  // Says something, as one of the engine's threads at a time. The main thread comes round soon to write what is
-  // held back; no other does.
-  template <typename Say>
-  void say(Say what) {
-    const std::lock_guard lock(eventsMutex_);
-    what(events_);
-    if (std::this_thread::get_id() != mainThread_) {
-      events_.flush();
-    }
-  }
-
-  CommandSource& commands_;
-  EventSink& events_;
+  EventWriter* const events_;
+  EjectNote& ejectNote_;
   const std::function<void()> onNoAnswer_;
-  const std::thread::id mainThread_ = std::this_thread::get_id();
-  mutable std::mutex eventsMutex_;
-
-  WakeUp wakeUp_;
-  MainQueue mainQueue_{wakeUp_};
-  DiscNote discNote_;
-  RunRecord record_;
-
-  Text instructions_{*this, "instructions"};
-  Text status_{*this, "status"};
+  const Clock::time_point start_ = Clock::now();
+  const std::thread::id mainLoopThread_ = std::this_thread::get_id();
+  std::unique_ptr<InstallerPane> page_;
+  Text instructions_{*this, Text::Place::instructions};
+  Text status_{*this, Text::Place::status};
   Button button_;
   Bar bar_{*this};
-  bool nextIsEnabled_ = false;  // guarded by eventsMutex_
 
-  mutable std::mutex threadsMutex_;
-  int pageThreads_ = 0;  // guarded by threadsMutex_
+  mutable Mutex main_;
+  Condition changed_;  // of what main_ guards, and of the page threads
+  std::deque<Command> commands_ GUARDED_BY(main_);
+  std::deque<int> answers_ GUARDED_BY(main_);
+  std::optional<int> everyAnswer_ GUARDED_BY(main_);
+  bool isInputClosed_ GUARDED_BY(main_) = false;
+  bool isAlertUp_ GUARDED_BY(main_) = false;
+  bool isQuitting_ GUARDED_BY(main_) = false;
 
-  std::unique_ptr<InstallerPane> page_;
-  PaneSnapshot paneState_;  // main thread; taken when the page's thread is held in a hand-off
-  bool isQuitting_ = false;
+  mutable Mutex state_;
+  double barMinimum_ GUARDED_BY(state_) = 0.0;
+  double barMaximum_ GUARDED_BY(state_) = 100.0;
+  double barValue_ GUARDED_BY(state_) = 0.0;
+  bool isNextEnabled_ GUARDED_BY(state_) = false;
+  int pageThreads_ GUARDED_BY(state_) = 0;
+  PaneSnapshot snapshot_ GUARDED_BY(state_);  // the latest
+  event::CopyBegin copy_ GUARDED_BY(state_);  // that began last
+  std::int64_t bytesAtCopyBegin_ GUARDED_BY(state_) = 0;
+  std::int64_t filesAtCopyBegin_ GUARDED_BY(state_) = 0;
+  Clock::time_point copyThreadStart_ GUARDED_BY(state_);
+  bool hasFailedCopy_ GUARDED_BY(state_) = false;
+  event::Summary summary_ GUARDED_BY(state_);
+
+  std::thread inputThread_;
 };
 
 }  // namespace tavenhall

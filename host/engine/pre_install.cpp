@@ -19,14 +19,14 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t kLongestLocation = 1022;  // bytes that the page reads of it before the newline
+constexpr std::size_t kLongestLocation = 1022;  // bytes that the page reads before the newline
 
-// Whatever lies there is replaced and never written into: anybody may have put a link, a pipe or a file of his
-// own into a folder that everybody can write, and go on changing what is in it. What cannot be replaced is
-// refused, and so is what comes back in the same moment.
+// /tmp is world-writable: unlink first, then create with O_EXCL, so that no link, pipe or file that somebody
+// else has put there is written into. What cannot be removed, or comes back in the meantime, is an error.
 void writeLine(const char* path, const std::string& line) {
-  const bool isFree = unlink(path) == 0 || errno == ENOENT;
-  const int descriptor = isFree ? open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644) : -1;
+  const bool isRemoved = unlink(path) == 0 || errno == ENOENT;
+  const int descriptor =
+      isRemoved ? open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644) : -1;
   const std::string text = line + "\n";
   const bool isWritten =
       descriptor >= 0 && write(descriptor, text.data(), text.size()) == static_cast<ssize_t>(text.size());
@@ -65,7 +65,7 @@ fs::path packageLocation(const fs::path& package) {
   }
   fs::path location = package;
   if (package.is_relative()) {
-    // The package's own name stays, also when it is a link: its folder is where the set lies.
+    // A package that is a link keeps its name: the set is where the link is.
     const fs::path parent = package.has_parent_path() ? package.parent_path() : fs::path(".");
     location = package.filename() == ".." || package.filename() == "."
                    ? fs::canonical(package)
@@ -84,12 +84,12 @@ fs::path packageLocation(const fs::path& package) {
   return location;
 }
 
-void runPreInstallStep(const RunOptions& options) {
+void runPreInstallStep(const fs::path& package, const std::string& installType) {
   makeHomeFolder(SearchPath::caches);
   makeHomeFolder(SearchPath::applicationSupport);
-  writeLine(kLocationFile, packageLocation(options.package).native());
-  if (!options.installType.empty()) {
-    writeLine(kInstallTypeFile, options.installType);
+  writeLine(kLocationFile, packageLocation(package).native());
+  if (!installType.empty()) {
+    writeLine(kInstallTypeFile, installType);
   }
 }
 

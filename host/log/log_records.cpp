@@ -1,5 +1,7 @@
 #include "host/log/log_records.h"
 
+#include "platform/system.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -50,6 +52,12 @@ std::optional<Heading> headingOf(std::string_view line) {
 }
 
 }  // namespace
+
+std::string usersInstallationLog() {
+  std::string caches;
+  return firstUserSearchPath(SearchPath::caches, caches) ? caches + "/Tavenhall/installationLog.txt"
+                                                         : "/tmp/installationLog.txt";
+}
 
 void LogRecords::add(std::string_view bytes) {
   while (!bytes.empty()) {

@@ -16,6 +16,9 @@ struct LogRecord {
   std::string_view message;  // without the record's last newline
 };
 
+// Where the page writes the installation log of this process's user, whether or not there is one.
+[[nodiscard]] std::string usersInstallationLog();
+
 // Cuts a log into records. One thread; the memory it needs is that of the longest record.
 class LogRecords {
  public:

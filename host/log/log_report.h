@@ -14,6 +14,10 @@ namespace tavenhall {
 // What became of one volume, in a line without its end.
 [[nodiscard]] std::string volumeText(const RunVolume& volume);
 
+// What failed, in the user's language and without a full stop: "cannot write /a/b: No space left on device".
+// The record's own words where nothing better is known.
+[[nodiscard]] std::string failureText(const RunFailure& failure);
+
 // A run as one JSON object.
 [[nodiscard]] nlohmann::ordered_json reportJson(const RunStory& story, int number, bool mayStillRun = false);
 

@@ -6,7 +6,7 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
-#include <nlohmann/json.hpp>
+#include <utility>
 
 namespace tavenhall {
 
@@ -14,50 +14,48 @@ namespace {
 
 constexpr auto kPauseBetweenProgressLines = std::chrono::seconds(1);
 
-std::string textOf(const nlohmann::ordered_json& event, const char* key) {
-  return event.value(key, std::string());
-}
-
 }  // namespace
 
-void PlainPrinter::show(const nlohmann::ordered_json& event, Clock::time_point now) {
-  const std::string name = textOf(event, "event");
-  if (name == "title") {
-    print_(printableText(textOf(event, "text")));
-  } else if (name == "instructions") {
-    if (const std::string text = textOf(event, "text"); text != instructions_) {
-      flush();
-      instructions_ = text;
-      showText(text);
-    }
-  } else if (name == "status") {
-    status_ = textOf(event, "text");
-    if (status_ == " ") {
-      status_.clear();  // the page's way to clear the line
-    }
-    showProgress(now);
-  } else if (name == "progress.min") {
-    minimum_ = event.value("value", 0.0);
-  } else if (name == "progress.max") {
-    maximum_ = event.value("value", 0.0);
-  } else if (name == "progress.value") {
-    const double range = maximum_ - minimum_;
-    const double part = range > 0 ? (event.value("value", 0.0) - minimum_) / range : 0.0;
-    percent_ = static_cast<int>(std::floor(std::clamp(part, 0.0, 1.0) * 100.0));
-    showProgress(now);
-  } else if (name == "alert") {
+void PlainPrinter::show(const Event& event, Clock::time_point now) {
+  std::visit(EventVisitor{[&](const event::Title& title) { print_(printableText(title.text)); },
+                          [&](const event::Instructions& instructions) { showInstructions(instructions.text); },
+                          [&](const event::Status& status) {
+                            status_ = status.text == " " ? "" : status.text;  // a blank clears the line
+                            showProgress(now);
+                          },
+                          [&](const event::ProgressMinimum& minimum) { minimum_ = minimum.value; },
+                          [&](const event::ProgressMaximum& maximum) { maximum_ = maximum.value; },
+                          [&](const event::ProgressValue& progress) {
+                            const double range = maximum_ - minimum_;
+                            const double part = range > 0 ? (progress.value - minimum_) / range : 0.0;
+                            percent_ = static_cast<int>(std::floor(std::clamp(part, 0.0, 1.0) * 100.0));
+                            showProgress(now);
+                          },
+                          [&](const event::Alert& alert) { showAlert(alert); },
+                          [&](const event::Sheet& sheet) {
+                            flush();
+                            print_("! " + printableText(sheet.message));
+                          },
+                          [&](const event::Error& error) { print_("! " + printableText(error.message)); },
+                          [](const auto& /*other*/) {}},
+             event);
+}
+
+void PlainPrinter::showInstructions(const std::string& text) {
+  if (text != instructions_) {
     flush();
-    print_("? " + printableText(textOf(event, "message")));
-    showText(textOf(event, "informative"));
-    int number = 0;
-    for (const auto& button : event.value("buttons", std::vector<std::string>())) {
-      print_("  " + std::to_string(++number) + ") " + printableText(button));
-    }
-  } else if (name == "sheet") {
-    flush();
-    print_("! " + printableText(textOf(event, "message")));
-  } else if (name == "error") {
-    print_("! " + printableText(textOf(event, "message")));
+    instructions_ = text;
+    showText(text);
+  }
+}
+
+void PlainPrinter::showAlert(const event::Alert& alert) {
+  flush();
+  print_("? " + printableText(alert.message));
+  showText(alert.informative);
+  int number = 0;
+  for (const std::string& button : alert.buttons) {
+    print_("  " + std::to_string(++number) + ") " + printableText(button));
   }
 }
 
@@ -68,14 +66,15 @@ void PlainPrinter::flush() {
   }
 }
 
-// The lines of a long text are set in, so that the reader sees where it ends.
+// Long texts are indented, so that the reader sees where they end.
 void PlainPrinter::showText(std::string_view text) {
   const std::string clean = printableText(text);
   std::string_view rest = clean;
   while (!rest.empty()) {
     const std::size_t end = std::min(rest.find('\n'), rest.size());
     const std::string line = "  " + std::string(rest.substr(0, end));
-    print_(line.substr(0, line.find_last_not_of(' ') + 1));  // texts from a file have blanks before line breaks
+    print_(line.substr(
+        0, line.find_last_not_of(' ') + 1));  // texts from the attributes file have blanks before line breaks
     rest.remove_prefix(std::min(end + 1, rest.size()));
   }
 }

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "host/protocol/events.h"
+
 #include <chrono>
-#include <concepts>
 #include <functional>
-#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,7 +11,7 @@
 
 namespace tavenhall {
 
-// Makes lines of text of the engine's events. What changes often is said at most once a second.
+// Turns events into lines of text. Progress is printed at most once a second.
 class PlainPrinter {
  public:
   using Clock = std::chrono::steady_clock;
@@ -19,12 +19,14 @@ class PlainPrinter {
   // `print` gets each line without its newline.
   explicit PlainPrinter(std::function<void(std::string_view line)> print) : print_(std::move(print)) {}
 
-  void show(const nlohmann::ordered_json& event, Clock::time_point now);
+  void show(const Event& event, Clock::time_point now);
 
-  // Says what was held back. Before a question, and at the end.
+  // Prints the progress line that is held back, if there is one. Call it before a prompt and at the end.
   void flush();
 
  private:
+  void showInstructions(const std::string& text);
+  void showAlert(const event::Alert& alert);
   void showText(std::string_view text);
   void showProgress(Clock::time_point now);
 

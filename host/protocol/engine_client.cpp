@@ -1,62 +1,61 @@
 #include "host/protocol/engine_client.h"
 
 #include "host/base/child_process.h"
-#include "host/protocol/json_events.h"
+#include "host/protocol/json_form.h"
 
-#include <array>
+#include <cerrno>
 #include <csignal>
 #include <poll.h>
+#include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 namespace tavenhall {
 
-using nlohmann::ordered_json;
+EngineClient::EngineClient(const EngineConnection& connection) : connection_(connection) {
+  std::signal(SIGPIPE, SIG_IGN);
+}
 
-EngineClient::EngineClient(const EngineProcess& engine) : engine_(engine) { std::signal(SIGPIPE, SIG_IGN); }
+void EngineClient::send(const Request& request) {
+  if (connection_.requests >= 0) {
+    writeAll(connection_.requests, encode(request));
+  }
+}
 
-void EngineClient::send(const ordered_json& line) const { writeAll(engine_.lines.commands, jsonLine(line)); }
+void EngineClient::closeRequests() {
+  if (connection_.requests >= 0) {
+    close(std::exchange(connection_.requests, -1));
+  }
+}
 
-void EngineClient::sendDo(const char* command) { send({{"do", command}}); }
-
-void EngineClient::sendAnswer(int answer) { send({{"answer", answer}}); }
-
-void EngineClient::readEvents(const std::function<void(const ordered_json& event)>& hear) {
-  events_.read([&hear](const std::string& line) {
-    if (const ordered_json event = ordered_json::parse(line, nullptr, false); event.is_object()) {
-      hear(event);
+void EngineClient::readEvents(const std::function<void(const Event& event)>& handle) {
+  events_.read([&handle](const std::string& line) {
+    if (const auto event = decodeEvent(line)) {
+      handle(*event);
     }
   });
 }
 
-void EngineClient::readMessages(const std::function<void(const std::string& line)>& hear) {
-  messages_.read(hear);
-}
-
-RunOutcome EngineClient::finish(const std::function<void(const std::string& line)>& hear) {
-  RunOutcome outcome;
-  std::string text;
-  std::array<char, 4096> buffer{};
-  ssize_t count = 0;
-  while ((count = ::read(engine_.lines.summary, buffer.data(), buffer.size())) > 0) {
-    text.append(buffer.data(), static_cast<std::size_t>(count));
+ExitStatus EngineClient::wait(const std::function<void(const std::string& line)>& handleError) {
+  int status = 0;
+  while (waitpid(connection_.process, &status, 0) < 0) {
+    if (errno != EINTR) {
+      return ExitStatus::failure;  // whether it has succeeded cannot be told
+    }
   }
-  outcome.status = waitForEngineProcess(engine_);
-  const ordered_json summary = ordered_json::parse(text, nullptr, false);
-  if (summary.is_object()) {
-    outcome.isTold = true;
-    outcome.bytesCopied = summary.value("kBytesCopied", 0.0) * 1024.0;
+  // Commands that outlive the engine may keep this open, so only what is there by now is read.
+  pollfd source{errors_.descriptor(), POLLIN, 0};
+  while (handleError && errors_.isOpen() && poll(&source, 1, 0) > 0) {
+    errors_.read(handleError);
   }
-  // Commands that outlive it may keep this open, so only what is there by now is read.
-  pollfd source{messages_.descriptor(), POLLIN, 0};
-  while (messages_.isOpen() && poll(&source, 1, 0) > 0) {
-    messages_.read(hear);
-  }
-  return outcome;
+  return WIFEXITED(status) ? static_cast<ExitStatus>(WEXITSTATUS(status)) : ExitStatus::failure;
 }
 
 void EngineClient::stop() {
-  stopEngineProcess(engine_);
-  static_cast<void>(waitForEngineProcess(engine_));
+  // It leads a process group of its own, except in its very first moments.
+  if (kill(-connection_.process, SIGTERM) != 0) {
+    kill(connection_.process, SIGTERM);
+  }
 }
 
 }  // namespace tavenhall

@@ -2,49 +2,61 @@
 
 #include "host/base/exit_status.h"
 #include "host/base/line_reader.h"
-#include "host/engine/engine_process.h"
-#include "host/ui/run_outcome.h"
+#include "host/protocol/events.h"
+#include "host/protocol/password_terminal.h"
+#include "host/protocol/requests.h"
 
 #include <functional>
-#include <nlohmann/json.hpp>
-#include <optional>
 #include <string>
-#include <string_view>
+#include <sys/types.h>
 
 namespace tavenhall {
 
-// An engine in another process, and the lines that go to it and come from it. One thread.
+// An engine in a child process: the process, and this side's ends of what connects the two.
+struct EngineConnection {
+  pid_t process = -1;
+  int requests = -1;   // written; JSON lines
+  int events = -1;     // read; JSON lines
+  int errors = -1;     // read; the standard error of the engine and its commands. -1: it is this process's own
+  int passwords = -1;  // the master side of the commands' pseudo-terminal. -1: there is none
+};
+
+// The client end of the protocol: sends requests to an engine and reads its events. One thread.
 class EngineClient {
  public:
-  // From now on a broken pipe is no signal: an engine that has gone is noticed at its events.
-  explicit EngineClient(const EngineProcess& engine);
+  // Ignores SIGPIPE from now on: an engine that has gone shows as the end of its events.
+  explicit EngineClient(const EngineConnection& connection);
 
-  void sendDo(const char* command);
-  void sendAnswer(int answer);
+  void send(const Request& request);
 
-  // What to poll for input; -1 when it is closed.
-  [[nodiscard]] int events() const { return events_.descriptor(); }
-  [[nodiscard]] int messages() const { return messages_.descriptor(); }
+  // No request will follow. An alert that waits for an answer, or comes later, then ends the engine.
+  void closeRequests();
 
-  // Reads once what is there, when the descriptor is readable.
-  void readEvents(const std::function<void(const nlohmann::ordered_json& event)>& hear);
-  void readMessages(const std::function<void(const std::string& line)>& hear);
+  // Poll them for input; -1 once closed.
+  [[nodiscard]] int eventsDescriptor() const { return events_.descriptor(); }
+  [[nodiscard]] int errorsDescriptor() const { return errors_.descriptor(); }
 
-  // Has the engine closed its events, as it does at its end?
+  // Read once what is there. Call them when the descriptor is readable.
+  void readEvents(const std::function<void(const Event& event)>& handle);
+  void readErrors(const std::function<void(const std::string& line)>& handle) { errors_.read(handle); }
+
+  // Whether the engine has closed its events, as it does at its end.
   [[nodiscard]] bool hasEnded() const { return !events_.isOpen(); }
 
-  // Waits for the end that has begun, with the rest of the messages, and says how the install went. Once.
-  [[nodiscard]] RunOutcome finish(const std::function<void(const std::string& line)>& hear);
+  // Blocks until the engine's process has ended and returns its exit status; ExitStatus::failure when a signal
+  // ended it. Before that, passes on what is left of its standard error.
+  [[nodiscard]] ExitStatus wait(const std::function<void(const std::string& line)>& handleError = {});
 
-  // Ends the engine, and the command that it may be running.
+  // Sends SIGTERM to the engine and the command that it may be running. What was copied stays.
   void stop();
 
- private:
-  void send(const nlohmann::ordered_json& line) const;
+  [[nodiscard]] PasswordTerminal& passwords() { return passwords_; }
 
-  EngineProcess engine_;
-  LineReader events_{engine_.lines.events};
-  LineReader messages_{engine_.lines.errors};
+ private:
+  EngineConnection connection_;
+  LineReader events_{connection_.events};
+  LineReader errors_{connection_.errors};
+  PasswordTerminal passwords_{connection_.passwords};
 };
 
 }  // namespace tavenhall

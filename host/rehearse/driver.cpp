@@ -4,25 +4,17 @@
 #include "host/base/errors.h"
 #include "host/base/line_reader.h"
 #include "host/base/text.h"
-#include "host/protocol/json_events.h"
+#include "host/protocol/json_form.h"
 #include "platform/installer_host.h"
+#include "platform/installer_pane.h"
 
 #include <array>
-#include <cerrno>
-#include <csignal>
-#include <cstring>
-#include <fcntl.h>
-#include <fstream>
-#include <nlohmann/json.hpp>
 #include <poll.h>
-#include <sys/wait.h>
-#include <system_error>
 #include <unistd.h>
 #include <utility>
+#include <variant>
 
 namespace tavenhall {
-
-using nlohmann::ordered_json;
 
 namespace {
 
@@ -36,105 +28,101 @@ const char* replyName(DiscTray::Reply reply) {
   return N_("no such disc");
 }
 
-std::string command(const char* name) { return jsonLine({{"do", name}}); }
-
 }  // namespace
 
-Conductor::Conductor(std::vector<std::string> command, std::filesystem::path summaryFile, DiscTray& tray,
-                     const EngineLines& face, const StopRequest& stop)
-    : command_(std::move(command)),
-      summaryFile_(std::move(summaryFile)),
-      tray_(tray),
-      face_(face),
-      stop_(stop) {}
+RehearsalDriver::RehearsalDriver(std::vector<std::string> command, DiscTray& tray, const EngineEnds& frontend,
+                                 const StopRequest& stop)
+    : command_(std::move(command)), tray_(tray), frontend_(frontend), stop_(stop) {}
 
-void Conductor::start() {
-  const Pipe commands = makePipe();
+EngineConnection RehearsalDriver::start() const {
+  const Pipe requests = makePipe();
   const Pipe events = makePipe();
-  engine_.pid = startProgram(command_, {commands.readEnd, events.writeEnd, STDERR_FILENO});
-  close(commands.readEnd);
+  const pid_t process = startProgram(command_, {requests.readEnd, events.writeEnd, STDERR_FILENO});
+  close(requests.readEnd);
   close(events.writeEnd);
-  engine_.lines = {commands.writeEnd, events.readEnd, -1};
+  return {.process = process, .requests = requests.writeEnd, .events = events.readEnd};
 }
 
-ExitStatus Conductor::run() {
-  std::signal(SIGPIPE, SIG_IGN);
-  start();
-  if (face_.commands < 0) {
-    for (const char* name : {"title", "enter", "wait"}) {
-      tellEngine(command(name));
+ExitStatus RehearsalDriver::run() {
+  engine_.emplace(start());
+  if (hasFrontend()) {
+    frontendEvents_.emplace(frontend_.events);
+  } else {
+    for (const Command command : {Command::title, Command::enter, Command::wait}) {
+      engine_->send(command);
     }
   }
-  LineReader engineLines(engine_.lines.events);
-  LineReader faceLines(face_.commands);
+  LineReader requests(frontend_.requests);
   bool isStopping = false;
-  while (engineLines.isOpen()) {
-    std::array<pollfd, 3> sources{{{engineLines.descriptor(), POLLIN, 0},
-                                   {faceLines.descriptor(), POLLIN, 0},
+  while (!engine_->hasEnded()) {
+    std::array<pollfd, 3> sources{{{engine_->eventsDescriptor(), POLLIN, 0},
+                                   {requests.descriptor(), POLLIN, 0},
                                    {isStopping ? -1 : stop_.descriptor(), POLLIN, 0}}};
     if (poll(sources.data(), sources.size(), -1) <= 0) {
       continue;
     }
     if (sources[2].revents != 0) {
       isStopping = true;
-      kill(engine_.pid, SIGTERM);
+      engine_->stop();
     }
     if (sources[0].revents != 0) {
-      engineLines.read([this](const std::string& line) { hearEngine(line); });
+      engine_->readEvents([this](const Event& event) { handle(event); });
     }
     if (sources[1].revents != 0) {
-      faceLines.read([this](const std::string& line) { hearFace(line); });
-      if (!faceLines.isOpen()) {
-        closeCommands();
+      requests.read([this](const std::string& line) { handleRequest(line); });
+      if (!requests.isOpen()) {
+        engine_->closeRequests();
       }
     }
   }
-  const ExitStatus status = waitForEngineProcess(engine_);
+  const ExitStatus status = engine_->wait();
+  if (!isStopping && frontendEvents_) {
+    frontendEvents_->finish();
+  }
   stop_.throwIfCome();
   record_.insertedDiscs = tray_.inserted();
-  takeSummary();
   return record_.missingDisc.empty() ? status : ExitStatus::failure;
 }
 
-void Conductor::hearEngine(const std::string& line) {
-  const ordered_json event = ordered_json::parse(line, nullptr, false);
-  const std::string name = event.is_object() ? event.value("event", std::string()) : std::string();
-  if (name == "alert") {
-    takeAlert(event.value("message", std::string()), event.value("informative", std::string()));
-  } else if (name == "sheet") {
-    record_.sheets.push_back(event.value("message", std::string()));
-  } else if (name == "progress.max") {
-    record_.addBarMaximum(event.value("value", 0.0));
-  } else if (name == "progress.value") {
-    record_.addBarValue(event.value("value", 0.0));
-  } else if (name == "next") {
-    nextIsEnabled_ = event.value("enabled", false);
-  } else if (name == "exit") {
-    record_.hasLeft = record_.hasLeft || (event.value("direction", 1) == 0 && event.value("allowed", false));
-  } else if (name == "idle" && face_.commands < 0) {
-    if (nextIsEnabled_) {
-      tellEngine(command("forward"));
-    }
-    tellEngine(command("quit"));
+void RehearsalDriver::handle(const Event& event) {
+  if (frontendEvents_) {
+    frontendEvents_->write(event);
   }
-  if (face_.events >= 0) {
-    writeAll(face_.events, line + "\n");
+  std::visit(EventVisitor{
+                 [this](const event::Alert& alert) { handleAlert(alert); },
+                 [this](const event::Sheet& sheet) { record_.sheets.push_back(sheet.message); },
+                 [this](const event::ProgressMaximum& maximum) { record_.addBarMaximum(maximum.value); },
+                 [this](const event::ProgressValue& value) { record_.addBarValue(value.value); },
+                 [this](const event::NextEnabled& next) { nextIsEnabled_ = next.isEnabled; },
+                 [this](const event::Exit& exit) {
+                   record_.hasLeft = record_.hasLeft || (exit.direction == kDirectionForward && exit.isAllowed);
+                 },
+                 [this](const event::Idle& /*idle*/) {
+                   if (!hasFrontend() && nextIsEnabled_) {
+                     engine_->send(Command::forward);
+                   }
+                   if (!hasFrontend()) {
+                     engine_->send(Command::quit);
+                   }
+                 },
+                 [this](const event::Summary& summary) { record_.seconds = summary.seconds; },
+                 [](const auto& /*other*/) {}},
+             event);
+}
+
+void RehearsalDriver::handleAlert(const event::Alert& alert) {
+  record_.addAlert(alert.message, alert.informative);
+  int button = kAlertFirstButtonReturn;
+  if (const auto volume = volumeAskedFor(alert.message, alert.informative)) {
+    button = answerFor(*volume, !alert.informative.starts_with("Please insert "));
+  }
+  if (!hasFrontend()) {
+    answer(Answer{button});
   }
 }
 
-void Conductor::takeAlert(const std::string& message, const std::string& informative) {
-  record_.addAlert(message, informative);
-  int answer = kAlertFirstButtonReturn;
-  if (const auto volume = volumeAskedFor(message, informative)) {
-    answer = answerFor(*volume, !informative.starts_with("Please insert "));
-  }
-  if (face_.commands < 0) {
-    hearFace(jsonLine({{"answer", answer}}));
-  }
-}
-
-// Moves the discs as the page asks; the answer is for where nobody else gives one.
-int Conductor::answerFor(const std::string& volume, bool isOptional) {
+// Moves the discs as the page asks. The answer is for when no frontend gives one.
+int RehearsalDriver::answerFor(const std::string& volume, bool isOptional) {
   const DiscTray::Reply reply = tray_.ask(volume);
   record_.prompts.push_back({volume, replyName(reply)});
   const bool isThere = reply == DiscTray::Reply::inserted || reply == DiscTray::Reply::notYet;
@@ -144,49 +132,34 @@ int Conductor::answerFor(const std::string& volume, bool isOptional) {
   return isThere ? kAlertFirstButtonReturn : kAlertSecondButtonReturn;
 }
 
-// The page asks without end, so somebody must say that no disc will come.
-void Conductor::giveUpOn(const std::string& volume, bool wasIn) {
+// The page would ask for the disc for ever.
+void RehearsalDriver::giveUpOn(const std::string& volume, bool wasIn) {
   record_.missingDisc = volume;
   record_.missingDiscWasIn = wasIn;
   showError(
       UsageError(format(wasIn ? _("the page finds no data folder on the disc {0}, so the rehearsal ends here")
                               : _("the set has no disc {0}, so the rehearsal ends here"),
                         {volume})));
-  kill(engine_.pid, SIGTERM);
+  engine_->stop();
 }
 
-void Conductor::hearFace(const std::string& line) {
-  const ordered_json said = ordered_json::parse(line, nullptr, false);
-  if (said.is_object() && said.contains("answer") && said["answer"].is_number_integer()) {
-    record_.addAnswer(said["answer"]);
-  }
-  tellEngine(line.ends_with('\n') ? line : line + "\n");
-}
-
-void Conductor::tellEngine(const std::string& line) {
-  if (engine_.lines.commands >= 0) {
-    writeAll(engine_.lines.commands, line);
-  }
-}
-
-void Conductor::closeCommands() {
-  if (engine_.lines.commands >= 0) {
-    close(engine_.lines.commands);
-    engine_.lines.commands = -1;
-  }
-}
-
-void Conductor::takeSummary() {
-  std::ifstream file(summaryFile_);
-  const ordered_json summary = ordered_json::parse(file, nullptr, false);
-  if (!summary.is_object()) {
+void RehearsalDriver::handleRequest(const std::string& line) {
+  const auto request = decodeRequest(line);
+  if (const auto* bad = std::get_if<BadRequest>(&request)) {
+    frontendEvents_->write(event::Error{bad->message});
     return;
   }
-  record_.seconds = summary.value("seconds", 0.0);
-  record_.kBytesCopied = summary.value("kBytesCopied", std::int64_t{0});
-  if (face_.summary >= 0) {
-    writeAll(face_.summary, jsonLine(summary));
+  const auto& good = std::get<Request>(request);
+  if (const auto* given = std::get_if<Answer>(&good)) {
+    answer(*given);
+  } else {
+    engine_->send(good);
   }
+}
+
+void RehearsalDriver::answer(Answer answer) {
+  record_.addAnswer(answer.button);
+  engine_->send(answer);
 }
 
 }  // namespace tavenhall

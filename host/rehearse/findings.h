@@ -1,11 +1,11 @@
 #pragma once
 
-#include "host/check/checked_set.h"
 #include "host/log/run_story.h"
 #include "host/rehearse/comparison.h"
 #include "host/rehearse/rehearsal_record.h"
 #include "host/rehearse/stage.h"
 #include "host/rehearse/stop_request.h"
+#include "host/set/checked_set.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,15 +1,13 @@
 #include "host/rehearse/rehearsal.h"
 
 #include "host/base/errors.h"
+#include "host/base/files.h"
 #include "host/base/text.h"
 #include "host/base/units.h"
-#include "host/plain/plain_frontend.h"
-#include "host/protocol/json_events.h"
 #include "host/rehearse/driver.h"
 #include "host/rehearse/findings.h"
 #include "host/rehearse/rehearsal_report.h"
 #include "host/rehearse/temporary_folder.h"
-#include "host/terminal/terminal_frontend.h"
 
 #include <cerrno>
 #include <csignal>
@@ -31,8 +29,9 @@ namespace {
 // One rehearsal, from the open set to the report.
 class Rehearsal {
  public:
-  Rehearsal(RehearsalRequest request, StopRequest& stop)
+  Rehearsal(RehearsalRequest request, const RehearsalView& view, StopRequest& stop)
       : request_(std::move(request)),
+        view_(view),
         stop_(stop),
         set_(openInstallerSet(request_.set)),
         product_(productNamed(request_.product.empty() ? set_.product : request_.product)),
@@ -40,14 +39,14 @@ class Rehearsal {
 
   ExitStatus run() {
     if (!request_.report.empty()) {
-      requireWritable(request_.report);  // a long install must not end with a report that nobody can have
+      requireWritable(request_.report);  // before a long install rather than after it
     }
     if (!request_.keep.empty()) {
       kept_.emplace(request_.keep);
     }
     stage_.emplace(set_, product_, kept_ ? kept_->path() : work_.path() / "root", work_.path(),
                    request_.installed, stop_);
-    // Nobody has chosen in the sandbox's own /tmp unless the rehearsal does, and without a choice it is Full.
+    // Only the rehearsal writes a choice into the sandbox's /tmp; without one the edition is Full.
     checked_ = openCheckedSet(
         stage_->set(),
         {{}, product_.pluginName, installType_.empty() ? "Full" : installType_, stage_->home().string()});
@@ -73,14 +72,15 @@ class Rehearsal {
     }
   }
 
-  // Sees the run through in this process, whichever that is, and leaves its record where another process can
-  // read it.
-  ExitStatus conduct(const EngineLines& face, const StopRequest& stop) const {
+  // Drives the engine, in this process or in a child of it, and leaves the record in a file for the other.
+  ExitStatus drive(const EngineEnds& frontend, const StopRequest& stop) const {
     DiscTray tray(stage_->volumes(), stage_->discs(), request_.late);
-    Conductor conductor(stage_->engineCommand(installType_), stage_->summary(), tray, face, stop);
+    RehearsalDriver driver(stage_->engineCommand(installType_), tray, frontend, stop);
     try {
-      const ExitStatus status = conductor.run();
-      std::ofstream(recordFile()) << jsonLine(conductor.record().toJson());
+      const ExitStatus status = driver.run();
+      std::ofstream(recordFile()) << driver.record().toJson().dump(
+                                         -1, ' ', false, nlohmann::ordered_json::error_handler_t::replace)
+                                  << "\n";
       return status;
     } catch (const Stopped&) {
       return ExitStatus::failure;
@@ -88,67 +88,42 @@ class Rehearsal {
   }
 
   void show() {
-    switch (request_.face) {
-      case Face::json: static_cast<void>(conduct({STDIN_FILENO, STDOUT_FILENO, -1, -1}, stop_)); return;
-      case Face::quiet: static_cast<void>(conduct({}, stop_)); return;
-      case Face::plain: {
-        const EngineProcess engine = startEngine(Errors::shared);
-        static_cast<void>(runPlainFace(engine, {kept_ ? stage_->log().string() : "", afterStop()}));
-        endEngine(engine);
-        return;
+    switch (view_.kind) {
+      case RehearsalView::Kind::program:
+        static_cast<void>(drive({.requests = STDIN_FILENO, .events = STDOUT_FILENO}, stop_));
+        break;
+      case RehearsalView::Kind::nobody: static_cast<void>(drive({}, stop_)); break;
+      case RehearsalView::Kind::frontend: {
+        const EngineConnection engine = startDriver();
+        view_.run(engine, {.plan = checked_.plan,
+                           .sandbox = stage_->root().string(),
+                           .log = stage_->log().string(),
+                           .keptFolder = kept_ ? kept_->path().string() : ""});
+        endDriver(engine);
+        break;
       }
-      case Face::terminal: break;
     }
-    const TerminalPage page = terminalPage();
-    const EngineProcess engine = startEngine(Errors::aLine);
-    static_cast<void>(runTerminalFace(engine, page));
-    endEngine(engine);
   }
 
-  [[nodiscard]] EngineProcess startEngine(Errors errors) const {
-    const auto body = [this](const EngineLines& face) {
+  [[nodiscard]] EngineConnection startDriver() const {
+    const auto body = [this](const EngineEnds& ends) {
       try {
-        return conduct(face, StopRequest());
-      } catch (const std::exception& error) {  // all that is laid out belongs to the process above
+        return drive(ends, StopRequest());
+      } catch (const std::exception& error) {  // what the rehearsal has created belongs to its parent process
         showError(error);
         return ExitStatus::failure;
       }
     };
-    return startEngineProcess(body, errors);
+    return startEngineProcess(body, view_.process);
   }
 
-  // A terminal that goes away leaves its engine running; a rehearsal that nobody sees is of no use.
-  static void endEngine(const EngineProcess& engine) {
+  // An install runs on when its frontend goes; a rehearsal that nobody sees does not.
+  static void endDriver(const EngineConnection& engine) {
     int status = 0;
-    if (waitpid(engine.pid, &status, WNOHANG) == 0) {
-      kill(engine.pid, SIGTERM);
-      static_cast<void>(waitForEngineProcess(engine));
+    if (waitpid(engine.process, &status, WNOHANG) == 0) {
+      kill(engine.process, SIGTERM);
+      static_cast<void>(waitpid(engine.process, &status, 0));
     }
-  }
-
-  [[nodiscard]] TerminalPage terminalPage() const {
-    TerminalPage page;
-    page.introduction = introduce(checked_.plan, freeBytesAt);
-    page.introduction.what = join(page.introduction.what, _("It is a rehearsal, in folders of its own."));
-    page.introduction.destination = insidePath(page.introduction.destination);
-    for (std::string& place : page.introduction.to) {
-      place = insidePath(place);
-    }
-    page.logPath = stage_->log().string();
-    page.logShown = kept_ ? page.logPath : "";
-    page.afterStop = afterStop();
-    return page;
-  }
-
-  // As the page calls it.
-  [[nodiscard]] std::string insidePath(const std::string& path) const {
-    const std::string root = stage_->root().string();
-    return path.starts_with(root + "/") ? path.substr(root.size()) : path;
-  }
-
-  [[nodiscard]] std::string afterStop() const {
-    return kept_ ? format(_("What was installed so far is in {0}."), {kept_->path().string()})
-                 : _("Nothing of it is left.");
   }
 
   ExitStatus report() {
@@ -159,8 +134,8 @@ class Rehearsal {
     RehearsalFindings findings = gatherFindings(*stage_, checked_, *record, stop_);
     findings.log = kept_ ? stage_->log().string() : "";
     const Verdict verdict = judge(findings);
-    // The JSON lines have standard output to themselves.
-    std::FILE* out = request_.face == Face::json ? stderr : stdout;
+    // Standard output is for the JSON lines alone.
+    std::FILE* out = view_.kind == RehearsalView::Kind::program ? stderr : stdout;
     std::fprintf(out, "\n%s", reportText(findings, verdict).c_str());
     std::fflush(out);
     return writeReport(findings) ? verdict.status() : ExitStatus::failure;
@@ -190,6 +165,7 @@ class Rehearsal {
   [[nodiscard]] fs::path recordFile() const { return work_.path() / "record.json"; }
 
   const RehearsalRequest request_;
+  const RehearsalView& view_;
   StopRequest& stop_;
   const InstallerSet set_;
   const Product product_;
@@ -202,10 +178,10 @@ class Rehearsal {
 
 }  // namespace
 
-ExitStatus rehearse(const RehearsalRequest& request) {
+ExitStatus rehearse(const RehearsalRequest& request, const RehearsalView& view) {
   StopRequest stop;
   try {
-    return Rehearsal(request, stop).run();
+    return Rehearsal(request, view, stop).run();
   } catch (const Stopped&) {
     showError(UsageError(_("the rehearsal was stopped, so there is no report")));
     return ExitStatus::failure;

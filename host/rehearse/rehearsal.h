@@ -1,14 +1,16 @@
 #pragma once
 
 #include "host/base/exit_status.h"
-#include "host/engine/run_options.h"
+#include "host/protocol/engine_process.h"
+#include "host/set/install_plan.h"
 
 #include <filesystem>
+#include <functional>
 #include <string>
 
 namespace tavenhall {
 
-// What `tavinstall rehearse` was asked to do; what is empty was not asked for.
+// What `tavinstall rehearse` was asked to do; what is empty was not given.
 struct RehearsalRequest {
   std::filesystem::path set;
   std::string product;
@@ -16,13 +18,32 @@ struct RehearsalRequest {
   std::filesystem::path installed;
   std::filesystem::path keep;
   std::filesystem::path report;
-  int late = 0;
-  Face face = Face::plain;
+  int late = 0;  // times that each disc is reported missing first
 };
 
-// Installs a set in a sandbox, shows it, compares what was installed with its sources, and reports. Throws
-// UsageError before anything is begun. What it makes goes with it, except for what it was asked to keep; that
-// is so, too, when it is stopped by SIGINT, SIGTERM or SIGHUP, which it takes. Before any thread.
-[[nodiscard]] ExitStatus rehearse(const RehearsalRequest& request);
+// What a frontend may present of a rehearsal beyond the engine's events.
+struct RehearsalScene {
+  const InstallPlan& plan;
+  std::string sandbox;     // the folder that the page sees as "/"
+  std::string log;         // the installation log
+  std::string keptFolder;  // empty: nothing is kept
+};
+
+// How a rehearsal is shown.
+struct RehearsalView {
+  enum class Kind {
+    frontend,  // `run` shows it, with the engine in another process
+    program,   // another program drives it with JSON lines on the standard streams
+    nobody,
+  };
+  Kind kind = Kind::nobody;
+  EngineProcessOptions process;
+  std::function<void(const EngineConnection& engine, const RehearsalScene& scene)> run;
+};
+
+// Installs a set in a sandbox, compares what was installed with its sources, and prints the report. Throws
+// UsageError before anything is begun. Removes all that it has created, except for what is to be kept, also
+// when SIGINT, SIGTERM or SIGHUP stops it. Call it before any thread is started.
+[[nodiscard]] ExitStatus rehearse(const RehearsalRequest& request, const RehearsalView& view);
 
 }  // namespace tavenhall

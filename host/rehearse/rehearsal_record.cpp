@@ -50,7 +50,6 @@ std::vector<std::pair<std::string, int>> RehearsalRecord::countedSheets() const 
 ordered_json RehearsalRecord::toJson() const {
   ordered_json json = {{"left", hasLeft},
                        {"seconds", seconds},
-                       {"kBytesCopied", kBytesCopied},
                        {"sheets", sheets},
                        {"missingDisc", missingDisc},
                        {"missingDiscWasIn", missingDiscWasIn},
@@ -75,7 +74,6 @@ RehearsalRecord RehearsalRecord::fromJson(const ordered_json& json) {
   RehearsalRecord record;
   record.hasLeft = json.at("left");
   record.seconds = json.at("seconds");
-  record.kBytesCopied = json.at("kBytesCopied");
   record.sheets = json.at("sheets").get<std::vector<std::string>>();
   record.missingDisc = json.at("missingDisc");
   record.missingDiscWasIn = json.at("missingDiscWasIn");

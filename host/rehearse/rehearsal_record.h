@@ -35,7 +35,6 @@ struct RehearsalRecord {
   bool missingDiscWasIn = false;           // it was in, and the page did not take it
   bool hasLeft = false;                    // the page let itself be left forwards
   double seconds = 0.0;
-  std::int64_t kBytesCopied = 0;
 
   void addAlert(const std::string& message, const std::string& informative);
   void addAnswer(int answer);  // also before its alert

@@ -1,8 +1,8 @@
 #include "host/rehearse/stage.h"
 
 #include "host/base/errors.h"
+#include "host/base/program_files.h"
 #include "host/base/text.h"
-#include "host/engine/bundle_loader.h"
 #include "platform/host_system.h"
 
 #include <system_error>
@@ -13,7 +13,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr const char* kSummary = "/tmp/rehearsal-summary.json";
 constexpr const char* kDiscs = "/rehearsal/discs";
 constexpr const char* kVolumes = "/Volumes/";
 constexpr const char* kDataFolders = "Library/Application Support/Tavenhall";
@@ -104,9 +103,7 @@ std::vector<std::string> Stage::engineCommand(const std::string& installType) co
                                    "--package",
                                    packageInside_,
                                    "--product",
-                                   product_.pluginName,
-                                   "--summary",
-                                   kSummary};
+                                   product_.pluginName};
   if (!installType.empty()) {
     command.insert(command.end(), {"--install-type", installType});
   }
@@ -131,7 +128,5 @@ fs::path Stage::outside(const std::string& path, const std::vector<std::size_t>&
 fs::path Stage::nameInSet(const Disc& disc) const { return namesInSet_.at(disc.number); }
 
 fs::path Stage::log() const { return home() / "Library/Caches/Tavenhall/installationLog.txt"; }
-
-fs::path Stage::summary() const { return sandbox_.outside(kSummary); }
 
 }  // namespace tavenhall

@@ -37,7 +37,6 @@ class Stage {
   [[nodiscard]] std::filesystem::path volumes() const { return sandbox_.root() / "Volumes"; }
   [[nodiscard]] std::filesystem::path home() const { return sandbox_.root() / "Users" / "rehearsal"; }
   [[nodiscard]] std::filesystem::path log() const;
-  [[nodiscard]] std::filesystem::path summary() const;
   [[nodiscard]] const std::vector<DiscTray::Disc>& discs() const { return discs_; }
 
   // The set with its discs as folders, images too.

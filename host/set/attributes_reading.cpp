@@ -4,6 +4,7 @@
 #include "context/install_rules.h"
 #include "context/open_file.h"
 #include "host/base/errors.h"
+#include "host/base/files.h"
 
 #include <array>
 #include <cstdio>

@@ -42,6 +42,12 @@ struct FoundNumber {
   explicit operator bool() const { return key != nullptr; }
 };
 
+// A place in a set, as a diagnostic names it.
+struct Place {
+  std::string file;  // below the set's folder where it is there, else absolute
+  int line = 0;      // from 1; 0: the whole file
+};
+
 class AttributesReading {
  public:
   // No file at all.

@@ -2,6 +2,7 @@
 
 #include "context/install_rules.h"
 #include "host/base/errors.h"
+#include "host/base/files.h"
 #include "host/base/text.h"
 
 #include <algorithm>

@@ -4,86 +4,74 @@
 #include "platform/installer_host.h"
 #include "platform/installer_pane.h"
 
-#include <nlohmann/json.hpp>
+#include <algorithm>
 #include <utility>
 
 namespace tavenhall {
 
 namespace {
 
-using nlohmann::ordered_json;
-
 constexpr std::size_t kMostMessages = 200;
 constexpr std::size_t kLongestMessage = 500;  // bytes
-
-std::string textOf(const ordered_json& event, const char* key) { return event.value(key, std::string()); }
 
 }  // namespace
 
 PageModel::PageModel(Introduction introduction)
     : introduction_(std::move(introduction)), title_(introduction_.pageTitle), meter_(introduction_.barWraps) {}
 
-// ---- What the engine tells ----
+// ---- What happens ----
 
-void PageModel::hear(const ordered_json& event, Time now) {
-  const std::string name = textOf(event, "event");
-  if (name == "alert") {
-    PageWindow window;
-    window.heading = textOf(event, "message");
-    window.paragraphs = {{textOf(event, "informative"), Style::text}};
-    window.buttons = buttonsWithKeys(event.value("buttons", std::vector<std::string>()));
-    alert_ = std::move(window);
-    meter_.pause(now);
-  } else if (name == "sheet") {
-    sheets_.add(textOf(event, "message"), textOf(event, "button"));
-    hasFailed_ = true;
-  } else if (name == "idle") {
-    isIdle_ = true;
-    meter_.finish(now);
-  } else if (name == "exit") {
-    hearExit(event);
-  } else if (name == "error") {
-    hearMessage(textOf(event, "message"));
-  } else {
-    hearControl(name, event, now);
-  }
+void PageModel::handle(const Event& event, Time now) {
+  std::visit(
+      EventVisitor{[this](const event::Title& title) { title_ = title.text; },
+                   [this](const event::Instructions& instructions) {
+                     if (instructions.text != instructions_) {
+                       instructions_ = instructions.text;
+                       textScroll_ = 0;
+                     }
+                   },
+                   [this](const event::Status& status) {
+                     status_ = status.text == " " ? "" : status.text;  // a blank clears the line
+                   },
+                   [this](const event::NextEnabled& next) { nextIsEnabled_ = next.isEnabled; },
+                   [this](const event::PreviousEnabled& previous) { previousIsEnabled_ = previous.isEnabled; },
+                   [this](const event::ProgressMinimum& minimum) { meter_.setMinimum(minimum.value); },
+                   [this](const event::ProgressMaximum& maximum) { meter_.setMaximum(maximum.value); },
+                   [this, now](const event::ProgressValue& progress) {
+                     meter_.setValue(progress.value);
+                     meter_.setBytes(progress.copy.bytesWritten, now);
+                   },
+                   [this, now](const event::Alert& alert) {
+                     PageWindow window;
+                     window.heading = alert.message;
+                     window.paragraphs = {{alert.informative, Style::text}};
+                     window.buttons = buttonsWithKeys(alert.buttons);
+                     alert_ = std::move(window);
+                     meter_.pause(now);
+                   },
+                   [this](const event::Sheet& sheet) {
+                     sheets_.add(sheet.message, sheet.button);
+                     hasFailed_ = true;
+                   },
+                   [this, now](const event::Idle& /*idle*/) {
+                     isIdle_ = true;
+                     meter_.finish(now);
+                   },
+                   [this](const event::Exit& exit) { handleExit(exit); },
+                   [this](const event::Error& error) { addMessage(error.message); },
+                   [](const auto& /*other*/) {}},
+      event);
   endIfStuck();
 }
 
-void PageModel::hearControl(const std::string& name, const ordered_json& event, Time now) {
-  if (name == "title") {
-    title_ = textOf(event, "text");
-  } else if (name == "instructions") {
-    if (std::string text = textOf(event, "text"); text != instructions_) {
-      instructions_ = std::move(text);
-      textScroll_ = 0;
-    }
-  } else if (name == "status") {
-    status_ = textOf(event, "text");
-    if (status_ == " ") {
-      status_.clear();  // the page's way to clear the line
-    }
-  } else if (name == "next") {
-    nextIsEnabled_ = event.value("enabled", false);
-  } else if (name == "previous") {
-    previousIsEnabled_ = event.value("enabled", false);
-  } else if (name == "progress.min") {
-    meter_.setMinimum(event.value("value", 0.0));
-  } else if (name == "progress.max") {
-    meter_.setMaximum(event.value("value", 0.0), now);
-  } else if (name == "progress.value") {
-    meter_.setValue(event.value("value", 0.0), now);
-  }
-}
-
-void PageModel::hearExit(const ordered_json& event) {
-  isAsked_ = false;
-  if (!event.value("allowed", false)) {
+void PageModel::handleExit(const event::Exit& exit) {
+  isLeaving_ = false;
+  if (!exit.isAllowed) {
     return;
   }
-  if (event.value("direction", 0) == kDirectionForward) {
+  if (exit.direction == kDirectionForward) {
     isClosing_ = true;
-    wishes_.push_back({Wish::Kind::quit});
+    requests_.push_back({PageRequest::Kind::quit});
   } else {
     stage_ = Stage::introduction;
     pageFocus_ = 1;
@@ -91,20 +79,20 @@ void PageModel::hearExit(const ordered_json& event) {
   }
 }
 
-void PageModel::hearMessage(std::string_view line) {
+void PageModel::addMessage(std::string_view line) {
   if (line.empty()) {
     return;
   }
   messages_.emplace_back(line.substr(0, kLongestMessage));
-  hasHeardSince_ = true;
+  hasMessageSince_ = true;
   if (messages_.size() > kMostMessages) {
     messages_.pop_front();
   }
 }
 
-void PageModel::end(RunOutcome outcome, Time now) {
+void PageModel::end(RunResult result, Time now) {
   meter_.finish(now);
-  outcome_ = std::move(outcome);
+  result_ = std::move(result);
   stage_ = Stage::summary;
   alert_.reset();
   question_.reset();
@@ -115,12 +103,12 @@ void PageModel::end(RunOutcome outcome, Time now) {
   textScroll_ = 0;
 }
 
-// Nothing runs, nothing may be pressed and nothing waits to be read: what there is to say is on the last page.
+// Nothing runs, no button is enabled and no window is up: the last page tells the rest.
 void PageModel::endIfStuck() {
-  const bool canMove = nextIsEnabled_ || previousIsEnabled_ || isAsked_ || isClosing_ || hasWindow();
+  const bool canMove = nextIsEnabled_ || previousIsEnabled_ || isLeaving_ || isClosing_ || hasWindow();
   if (stage_ == Stage::page && isIdle_ && !canMove) {
     isClosing_ = true;
-    wishes_.push_back({Wish::Kind::quit});
+    requests_.push_back({PageRequest::Kind::quit});
   }
 }
 
@@ -140,9 +128,9 @@ void PageModel::act(Action action, ScrollExtent extent, Time now) {
     case Action::cancel: cancel(now); break;
     case Action::leave:
       if (stage_ == Stage::summary) {
-        wishes_.push_back({Wish::Kind::close});
+        requests_.push_back({PageRequest::Kind::close});
       } else if (question_ && question_->question == Question::leave) {
-        question_->window.focus = 1;  // asked again: they mean it
+        question_->window.focus = 1;  // the second Ctrl-C confirms the first
       } else {
         ask(Question::leave);
       }
@@ -188,7 +176,7 @@ void PageModel::pressWindowButton(std::size_t index, Time now) {
   } else if (alert_) {
     alert_.reset();
     resumeMeter(now);
-    wishes_.push_back({Wish::Kind::answer, kAlertFirstButtonReturn + static_cast<int>(index)});
+    requests_.push_back({PageRequest::Kind::answer, kAlertFirstButtonReturn + static_cast<int>(index)});
   } else {
     sheets_.clear();
     sheetsState_ = {};
@@ -210,10 +198,10 @@ void PageModel::pressPageButton(std::size_t index, Time now) {
       }
       break;
     case Stage::page:
-      isAsked_ = true;
-      wishes_.push_back({index == 0 ? Wish::Kind::back : Wish::Kind::forward});
+      isLeaving_ = true;
+      requests_.push_back({index == 0 ? PageRequest::Kind::back : PageRequest::Kind::forward});
       break;
-    case Stage::summary: wishes_.push_back({Wish::Kind::close}); break;
+    case Stage::summary: requests_.push_back({PageRequest::Kind::close}); break;
   }
 }
 
@@ -227,11 +215,11 @@ void PageModel::enter(Time now) {
   instructions_.clear();
   status_.clear();
   meter_.start(now);
-  wishes_.push_back({Wish::Kind::enter});
+  requests_.push_back({PageRequest::Kind::enter});
 }
 
-// Escape never answers a question of the page's or of a command's by itself, since it might skip what is
-// wanted: it only goes to the last button. A window with one button is read, so it is closed.
+// Escape never answers an alert or a password prompt, since it might skip something wanted: it moves the focus
+// to the last button. A window with one button is closed.
 void PageModel::cancel(Time now) {
   PageWindow* front = frontState();
   if (front == nullptr) {
@@ -269,7 +257,7 @@ void PageModel::moveFocus(int step) {
 void PageModel::scroll(Action action, ScrollExtent extent) {
   PageWindow* front = frontState();
   int& line = front != nullptr ? front->scroll : textScroll_;
-  // The text may have become shorter, or the window higher, since it was scrolled.
+  // The text may be shorter, or the window higher, than when it was scrolled.
   line = std::clamp(line, 0, extent.maximum);
   switch (action) {
     case Action::lineUp: line -= 1; break;
@@ -311,7 +299,7 @@ void PageModel::answerQuestion(std::size_t index, Time now) {
     return;
   }
   if (question == Question::leave) {
-    wishes_.push_back({Wish::Kind::leave});
+    requests_.push_back({PageRequest::Kind::leave});
   } else {
     enter(now);
   }

@@ -1,15 +1,15 @@
 #pragma once
 
+#include "host/protocol/events.h"
 #include "host/protocol/secret.h"
 #include "host/terminal/page_window.h"
 #include "host/ui/introduction.h"
 #include "host/ui/progress_meter.h"
-#include "host/ui/run_outcome.h"
+#include "host/ui/run_result.h"
 #include "host/ui/styled_text.h"
 
 #include <cstddef>
 #include <deque>
-#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,13 +18,13 @@
 
 namespace tavenhall {
 
-// What the user does, whatever the key or the mouse that says so.
+// What the user does, by key or mouse.
 enum class Action {
   focusNext,
   focusPrevious,
   press,   // the button with the focus
-  cancel,  // out of a window of the program's own, or out of the program
-  leave,   // out of the program
+  cancel,  // close a window of the program's own, or leave the program
+  leave,   // leave the program
   lineUp,
   lineDown,
   pageUp,
@@ -33,20 +33,20 @@ enum class Action {
   toEnd,
 };
 
-// How far the text in front can be scrolled, as it was last laid out.
+// How far the front text can be scrolled, as it was last laid out.
 struct ScrollExtent {
-  int page = 1;     // lines that show at a time
-  int maximum = 0;  // lines that do not
+  int page = 1;     // lines that are visible
+  int maximum = 0;  // lines that are not
 };
 
-// What the page wants of the world: commands for the engine, an answer for a command that asks for a password,
-// or the end of the program.
-struct Wish {
-  enum class Kind { enter, forward, back, quit, answer, tellPassword, refusePassword, leave, close };
+// What the page asks its program to do: send a command or an answer to the engine, answer a command's password
+// prompt, or end.
+struct PageRequest {
+  enum class Kind { enter, forward, back, quit, answer, sendPassword, refusePassword, leave, close };
   Kind kind;
   int answer = 0;
 
-  bool operator==(const Wish&) const = default;
+  bool operator==(const PageRequest&) const = default;
 };
 
 enum class StepState { ahead, current, done, failed };
@@ -56,8 +56,8 @@ struct Step {
   StepState state = StepState::ahead;
 };
 
-// The state of the terminal page: what the engine has told and what the user has done. It knows no screen and
-// no clock; every call that needs the time is told it. One thread.
+// The state of the terminal page: what the engine has reported and what the user has done. It knows no screen
+// and no clock; the caller passes the time. One thread.
 class PageModel {
  public:
   using Time = ProgressMeter::Time;
@@ -68,29 +68,29 @@ class PageModel {
 
   // ---- What happens ----
 
-  void hear(const nlohmann::ordered_json& event, Time now);  // one line of the engine's
-  void hearMessage(std::string_view line);                   // what it, or a command, says on standard error
-  void end(RunOutcome outcome, Time now);                    // the engine has ended: the last page
+  void handle(const Event& event, Time now);
+  void addMessage(std::string_view line);  // what the engine or a command prints on standard error
+  void end(RunResult result, Time now);    // the engine has ended: the last page
 
-  // A command asks for a password, or does not any more.
-  void hearPasswordQuestion(const std::optional<std::string>& prompt, Time now);
+  // The password prompt of a command; none once it is over.
+  void setPasswordPrompt(const std::optional<std::string>& prompt, Time now);
 
   void act(Action action, ScrollExtent extent, Time now);
   void pressKey(char hotKey, Time now);
   void pressButton(std::size_t index, Time now);  // of the window in front, or of the page
 
-  // While a password is asked for, characters are typed instead of pressed.
+  // While a command asks for a password, characters are typed into it and press no button.
   [[nodiscard]] bool takesTyping() const { return password_ && !question_; }
   void type(std::string_view character);
   void eraseTyped();
   void clearTyped();
 
-  // What was typed, for the wish to tell it; the caller forgets it as soon as it is told.
+  // The typed password, for PageRequest::Kind::sendPassword; the caller clears it once it is sent.
   [[nodiscard]] const Secret& typedPassword() const { return typed_; }
-  void forgetPassword() { typed_.clear(); }
+  void clearPassword() { typed_.clear(); }
 
-  // What is wanted since the last call, in order.
-  [[nodiscard]] std::vector<Wish> takeWishes() { return std::exchange(wishes_, {}); }
+  // The requests since the last call, in order.
+  [[nodiscard]] std::vector<PageRequest> takeRequests() { return std::exchange(requests_, {}); }
 
   // ---- What shows ----
 
@@ -122,8 +122,7 @@ class PageModel {
     PageWindow window;
   };
 
-  void hearControl(const std::string& name, const nlohmann::ordered_json& event, Time now);
-  void hearExit(const nlohmann::ordered_json& event);
+  void handleExit(const event::Exit& exit);
   void pressWindowButton(std::size_t index, Time now);
   void answerPasswordQuestion(std::size_t index, Time now);
   void showTyped();
@@ -148,24 +147,24 @@ class PageModel {
   bool nextIsEnabled_ = false;
   bool previousIsEnabled_ = false;
   bool isIdle_ = false;     // no page thread runs
-  bool isAsked_ = false;    // the page was asked whether it may be left
-  bool isClosing_ = false;  // the engine was told to quit
-  bool hasFailed_ = false;  // a sheet has told of a failure
+  bool isLeaving_ = false;  // the engine was asked to leave the page
+  bool isClosing_ = false;  // the engine was asked to quit
+  bool hasFailed_ = false;  // a sheet has reported a failure
   ProgressMeter meter_;
   std::deque<std::string> messages_;
-  RunOutcome outcome_;
+  RunResult result_;
 
   std::optional<Asked> question_;
   std::optional<PageWindow> password_;  // its last paragraph shows that something is typed
   Secret typed_;
-  std::optional<Time> passwordToldAt_;
-  bool hasHeardSince_ = false;  // a message has come since a password was told
+  std::optional<Time> passwordSentAt_;
+  bool hasMessageSince_ = false;  // a message has come since a password was sent
   std::optional<PageWindow> alert_;
   SheetList sheets_;
   PageWindow sheetsState_;  // focus and scroll position alone
   std::size_t pageFocus_ = 1;
   int textScroll_ = 0;
-  std::vector<Wish> wishes_;
+  std::vector<PageRequest> requests_;
 };
 
 }  // namespace tavenhall

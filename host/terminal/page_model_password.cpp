@@ -19,7 +19,7 @@ constexpr auto kSoon = std::chrono::seconds(10);
 
 }  // namespace
 
-void PageModel::hearPasswordQuestion(const std::optional<std::string>& prompt, Time now) {
+void PageModel::setPasswordPrompt(const std::optional<std::string>& prompt, Time now) {
   typed_.clear();
   password_.reset();
   if (!prompt) {
@@ -28,7 +28,7 @@ void PageModel::hearPasswordQuestion(const std::optional<std::string>& prompt, T
   }
   PageWindow window;
   window.heading = _("A password is needed");
-  if (passwordToldAt_ && now - *passwordToldAt_ < kSoon && hasHeardSince_) {
+  if (passwordSentAt_ && now - *passwordSentAt_ < kSoon && hasMessageSince_) {
     window.paragraphs = {{messages_.back(), Style::warning}, {}};
   }
   window.paragraphs.push_back({_("A command of the installation asks:")});
@@ -64,13 +64,13 @@ void PageModel::showTyped() {
 void PageModel::answerPasswordQuestion(std::size_t index, Time now) {
   password_.reset();
   resumeMeter(now);
-  passwordToldAt_ = now;
-  hasHeardSince_ = false;
+  passwordSentAt_ = now;
+  hasMessageSince_ = false;
   if (index == 0) {
-    wishes_.push_back({Wish::Kind::tellPassword});
+    requests_.push_back({PageRequest::Kind::sendPassword});
   } else {
     typed_.clear();
-    wishes_.push_back({Wish::Kind::refusePassword});
+    requests_.push_back({PageRequest::Kind::refusePassword});
   }
 }
 

@@ -15,7 +15,7 @@ std::vector<Step> PageModel::steps() const {
     steps[i].state = StepState::done;
   }
   steps[current].state = StepState::current;
-  if (stage_ == Stage::summary && !outcome_.isSuccess()) {
+  if (stage_ == Stage::summary && !result_.isSuccess()) {
     steps[2].state = StepState::failed;
   }
   return steps;
@@ -28,7 +28,7 @@ Span PageModel::heading() const {
     case Stage::page: return {title_, Style::heading};
     case Stage::summary: break;
   }
-  return outcomeHeading(outcome_);
+  return resultHeading(result_);
 }
 
 std::vector<Line> PageModel::textLines(int width) const {
@@ -37,7 +37,7 @@ std::vector<Line> PageModel::textLines(int width) const {
     case Stage::page: return wrappedLines(instructions_, width);
     case Stage::summary: break;
   }
-  return outcomeLines(outcome_, width);
+  return resultLines(result_, width);
 }
 
 // The page's own text at the end is the same whether or not the copy succeeded, so the line says what it does
@@ -54,7 +54,7 @@ std::string PageModel::notice() const { return messages_.empty() ? std::string()
 std::vector<PageButton> PageModel::buttons() const {
   std::vector<PageButton> shown =
       ownButtons({N_("Go Back"), stage_ == Stage::summary ? N_("Close") : N_("Continue")});
-  const bool isFree = !isAsked_ && !isClosing_;
+  const bool isFree = !isLeaving_ && !isClosing_;
   shown[0].isEnabled = stage_ == Stage::page && previousIsEnabled_ && isFree;
   shown[1].isEnabled = stage_ != Stage::page || (nextIsEnabled_ && isFree);
   return shown;

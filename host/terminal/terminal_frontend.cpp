@@ -1,7 +1,6 @@
 #include "host/terminal/terminal_frontend.h"
 
 #include "host/base/text.h"
-#include "host/protocol/command_terminal.h"
 #include "host/protocol/engine_client.h"
 #include "host/terminal/key_map.h"
 #include "host/terminal/page_layout.h"
@@ -11,6 +10,7 @@
 
 #include <array>
 #include <chrono>
+#include <cmath>
 #include <csignal>
 #include <cstdio>
 #include <memory>
@@ -18,6 +18,8 @@
 #include <poll.h>
 #include <string>
 #include <unistd.h>
+#include <utility>
+#include <variant>
 
 namespace tavenhall {
 
@@ -29,7 +31,7 @@ using Time = Clock::time_point;
 constexpr auto kShortestFrame = std::chrono::microseconds(16667);  // 60 a second
 constexpr int kWheelLines = 3;
 
-// ---- Signals, which the loop takes in turn with everything else ----
+// ---- Signals, which the loop handles between everything else ----
 
 enum SignalFlag { kWindowChanged, kInterrupted, kTerminated, kHungUp, kContinued, kSignalFlags };
 constexpr std::array<int, kSignalFlags> kSignals{SIGWINCH, SIGINT, SIGTERM, SIGHUP, SIGCONT};
@@ -58,10 +60,10 @@ void takeSignals(WakeUp& wakeUp) {
 
 bool take(SignalFlag flag) { return std::exchange(hasCome[flag], 0) != 0; }
 
-class TerminalFace {
+class TerminalFrontend {
  public:
-  TerminalFace(const EngineProcess& engine, const TerminalPage& page)
-      : page_(page), engine_(engine), commands_(engine.commandTerminal), model_(page.introduction) {}
+  TerminalFrontend(const EngineConnection& engine, const RunDescription& description)
+      : description_(description), engine_(engine), model_(description.introduction) {}
 
   ExitStatus run() {
     if (const auto status = failedStart()) {
@@ -73,38 +75,36 @@ class TerminalFace {
       step();
     }
     screen_.reset();
-    return lastWords();
+    return endStatus();
   }
 
  private:
   enum class End { closed, left, terminated, terminalGone };
 
-  // The engine tells the page's title as soon as it is ready. What keeps it from starting is said before
-  // the screen is taken.
+  // The engine reports the title as soon as it is ready. Errors that keep it from starting are printed before
+  // the screen is taken over.
   std::optional<ExitStatus> failedStart() {
-    engine_.sendDo("title");
+    engine_.send(Command::title);
     bool isReady = false;
     while (!isReady && !engine_.hasEnded()) {
-      engine_.readEvents([&](const nlohmann::ordered_json& event) {
+      engine_.readEvents([&](const Event& event) {
         isReady = true;
-        model_.hear(event, Clock::now());
+        handle(event);
       });
     }
     if (isReady) {
       return std::nullopt;
     }
-    const RunOutcome outcome =
-        engine_.finish([](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); });
-    return outcome.status;
+    return engine_.wait([](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); });
   }
 
   void step() {
     drawIfDue();
     std::array<pollfd, 6> sources{{{screen_->inputDescriptor(), POLLIN, 0},
                                    {wakeUp_.descriptor(), POLLIN, 0},
-                                   {engine_.events(), POLLIN, 0},
-                                   {engine_.messages(), POLLIN, 0},
-                                   {commands_.descriptor(), POLLIN, 0},
+                                   {engine_.eventsDescriptor(), POLLIN, 0},
+                                   {engine_.errorsDescriptor(), POLLIN, 0},
+                                   {engine_.passwords().descriptor(), POLLIN, 0},
                                    {screen_->isBacklogged() ? screen_->outputDescriptor() : -1, POLLOUT, 0}}};
     if (::poll(sources.data(), sources.size(), timeout()) <= 0) {
       isChanged_ = isChanged_ || model_.meter().isRunning();  // a second has passed
@@ -116,15 +116,15 @@ class TerminalFace {
       takeAllSignals();
     }
     if (sources[2].revents != 0) {
-      engine_.readEvents([this](const nlohmann::ordered_json& event) { model_.hear(event, Clock::now()); });
+      engine_.readEvents([this](const Event& event) { handle(event); });
       isChanged_ = true;
     }
     if (sources[3].revents != 0) {
-      engine_.readMessages([this](const std::string& line) { model_.hearMessage(line); });
+      engine_.readErrors([this](const std::string& line) { model_.addMessage(line); });
       isChanged_ = true;
     }
     if (sources[4].revents != 0) {
-      hearCommands();
+      readPasswordTerminal();
     }
     if ((sources[0].revents & POLLIN) != 0) {
       takeInput();
@@ -138,17 +138,25 @@ class TerminalFace {
     if (screen_->isGone()) {
       end_ = End::terminalGone;
     }
-    carryOutWishes();
-    if (!end_ && !hasOutcome_ && engine_.hasEnded()) {
-      takeOutcome();
+    performRequests();
+    if (!end_ && !result_ && engine_.hasEnded()) {
+      takeResult();
     }
   }
 
-  void hearCommands() {
-    const auto before = commands_.question();
-    commands_.read([this](const std::string& line) { model_.hearMessage(line); });
-    if (commands_.question() != before) {
-      model_.hearPasswordQuestion(commands_.question(), Clock::now());
+  void handle(const Event& event) {
+    if (const auto* summary = std::get_if<event::Summary>(&event)) {
+      summary_ = *summary;
+    }
+    model_.handle(event, Clock::now());
+  }
+
+  void readPasswordTerminal() {
+    PasswordTerminal& passwords = engine_.passwords();
+    const auto before = passwords.prompt();
+    passwords.read([this](const std::string& line) { model_.addMessage(line); });
+    if (passwords.prompt() != before) {
+      model_.setPasswordPrompt(passwords.prompt(), Clock::now());
     }
     isChanged_ = true;
   }
@@ -164,7 +172,7 @@ class TerminalFace {
     isChanged_ = false;
   }
 
-  // Milliseconds until something has to be drawn though nothing comes; for ever while nothing moves.
+  // Milliseconds until the next frame is due; -1 while nothing changes.
   [[nodiscard]] int timeout() {
     using std::chrono::milliseconds;
     const Time now = Clock::now();
@@ -212,7 +220,7 @@ class TerminalFace {
           model_.pressButton(*button, now);
         }
       } else if (model_.takesTyping() && typesInto(model_, input)) {
-        // It was part of a password.
+        // typed into the password
       } else if (const auto action = actionFor(input)) {
         const int times =
             input.kind == Input::Kind::wheelUp || input.kind == Input::Kind::wheelDown ? kWheelLines : 1;
@@ -222,93 +230,96 @@ class TerminalFace {
       } else if (const char key = hotKeyFor(input); key != '\0') {
         model_.pressKey(key, now);
       }
-      // What is pressed next may mean what this has brought up, so that is laid out first.
+      // The next key may be for what this one has opened, so lay that out first.
       layers_ = layOut(model_, now, screen_->size(), screen_->signs());
     }
     wipe(inputs.data(), inputs.size() * sizeof(Input));
   }
 
-  void carryOutWishes() {
-    for (const Wish& wish : model_.takeWishes()) {
-      switch (wish.kind) {
-        case Wish::Kind::enter:
-          engine_.sendDo("enter");
-          engine_.sendDo("wait");
+  void performRequests() {
+    for (const PageRequest& request : model_.takeRequests()) {
+      switch (request.kind) {
+        case PageRequest::Kind::enter:
+          engine_.send(Command::enter);
+          engine_.send(Command::wait);
           break;
-        case Wish::Kind::forward: engine_.sendDo("forward"); break;
-        case Wish::Kind::back: engine_.sendDo("back"); break;
-        case Wish::Kind::quit: engine_.sendDo("quit"); break;
-        case Wish::Kind::answer: engine_.sendAnswer(wish.answer); break;
-        case Wish::Kind::tellPassword:
-          commands_.answer(model_.typedPassword());
-          model_.forgetPassword();
+        case PageRequest::Kind::forward: engine_.send(Command::forward); break;
+        case PageRequest::Kind::back: engine_.send(Command::back); break;
+        case PageRequest::Kind::quit: engine_.send(Command::quit); break;
+        case PageRequest::Kind::answer: engine_.send(Answer{request.answer}); break;
+        case PageRequest::Kind::sendPassword:
+          engine_.passwords().answer(model_.typedPassword());
+          model_.clearPassword();
           break;
-        case Wish::Kind::refusePassword: commands_.refuse(); break;
-        case Wish::Kind::leave: end_ = End::left; break;
-        case Wish::Kind::close: end_ = End::closed; break;
+        case PageRequest::Kind::refusePassword: engine_.passwords().refuse(); break;
+        case PageRequest::Kind::leave: end_ = End::left; break;
+        case PageRequest::Kind::close: end_ = End::closed; break;
       }
     }
   }
 
-  void takeOutcome() {
-    hasOutcome_ = true;
-    outcome_ = engine_.finish([this](const std::string& line) { model_.hearMessage(line); });
-    outcome_.logPath = page_.logShown;
-    outcome_.destination = model_.introduction().destination;
-    if (!outcome_.isTold) {
-      outcome_.bytesCopied = model_.meter().copied().value_or(0.0);
+  void takeResult() {
+    RunResult result;
+    result.status = engine_.wait([this](const std::string& line) { model_.addMessage(line); });
+    result.hasSummary = summary_.has_value();
+    result.bytesWritten =
+        summary_ ? static_cast<double>(summary_->bytesWritten) : model_.meter().copied().value_or(0.0);
+    result.log = description_.log;
+    result.destination = model_.introduction().destination;
+    result.time = model_.meter().passed(Clock::now());
+    result.messages.assign(model_.messages().begin(), model_.messages().end());
+    if (description_.failures) {
+      result.failures = description_.failures();
     }
-    outcome_.time = model_.meter().passed(Clock::now());
-    outcome_.messages.assign(model_.messages().begin(), model_.messages().end());
-    readFailures(page_.logPath, page_.logStart, outcome_);
-    model_.end(outcome_, Clock::now());
+    model_.end(result, Clock::now());
+    result_ = std::move(result);
     isChanged_ = true;
   }
 
-  // What stays to be read when the screen has been given back.
-  ExitStatus lastWords() {
+  // Prints what remains on the terminal after the screen is restored.
+  ExitStatus endStatus() {
     switch (*end_) {
       case End::terminalGone: return ExitStatus::failure;
       case End::closed: break;
       case End::left:
       case End::terminated: return stop();
     }
-    std::fputs(lastWord(outcome_).c_str(), stdout);
-    return outcome_.exitStatus();
+    std::fputs(closingText(*result_).c_str(), stdout);
+    return result_->exitStatus();
   }
 
   ExitStatus stop() {
     const bool hasBegun = model_.stage() == PageModel::Stage::page;
-    if (!hasOutcome_) {
+    if (!result_) {
       engine_.stop();
+      static_cast<void>(engine_.wait());
     }
     if (hasBegun) {
-      std::puts(join(_("Stopped."), page_.afterStop).c_str());
-      std::fputs(logLine(page_.logShown).c_str(), stdout);
-    } else if (!hasOutcome_) {
+      std::puts(join(_("Stopped."), description_.afterStop).c_str());
+      std::fputs(logLine(description_.log).c_str(), stdout);
+    } else if (!result_) {
       std::puts(_("Nothing was installed."));
     }
-    return hasOutcome_ ? outcome_.exitStatus() : ExitStatus::failure;
+    return result_ ? result_->exitStatus() : ExitStatus::failure;
   }
 
-  const TerminalPage& page_;
+  const RunDescription& description_;
   WakeUp wakeUp_;
   EngineClient engine_;
-  CommandTerminal commands_;
   PageModel model_;
   std::unique_ptr<Screen> screen_;
   std::vector<Layer> layers_;
   bool isChanged_ = true;  // since it was drawn
   Time lastDrawn_;
-  bool hasOutcome_ = false;
-  RunOutcome outcome_;
+  std::optional<event::Summary> summary_;
+  std::optional<RunResult> result_;
   std::optional<End> end_;
 };
 
 }  // namespace
 
-ExitStatus runTerminalFace(const EngineProcess& engine, const TerminalPage& page) {
-  return TerminalFace(engine, page).run();
+ExitStatus runTerminalFrontend(const EngineConnection& engine, const RunDescription& description) {
+  return TerminalFrontend(engine, description).run();
 }
 
 }  // namespace tavenhall

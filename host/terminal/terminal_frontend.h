@@ -1,21 +1,20 @@
 #pragma once
 
-#include "host/base/exit_status.h"
-#include "host/cli/terminal_page.h"
-#include "host/engine/engine_process.h"
+#include "host/protocol/engine_client.h"
+#include "host/ui/run_description.h"
 
 namespace tavenhall {
 
-// Shows the page on the whole terminal and sees one run of an engine through. Only where terminalIsUsable().
-// Before any thread.
+// Shows one run as a full-screen page. Only where terminalIsUsable(). Blocks until the run has ended and the
+// page is closed. Call it before any thread is started.
 //
 // How it can end before the install does:
-//   Ctrl-C, SIGINT    the user is asked; then as SIGTERM
-//   SIGTERM           the engine is ended, the terminal is given back; ExitStatus::failure
-//   SIGHUP, or a terminal that cannot be written or read any more
-//                     this process ends; the engine goes on to its end without anybody to show it to, and ends
-//                     with ExitStatus::noAnswer where the page asks something
-//   a crash           the terminal is given back; the engine goes on, as above
-[[nodiscard]] ExitStatus runTerminalFace(const EngineProcess& engine, const TerminalPage& page);
+//   Ctrl-C, SIGINT    asks the user; then as SIGTERM
+//   SIGTERM           stops the engine and restores the terminal; ExitStatus::failure
+//   SIGHUP, or a terminal that can no longer be read or written
+//                     this process ends; the engine runs on without a frontend, and ends with
+//                     ExitStatus::noAnswer when the page shows an alert
+//   a crash           the terminal is restored; the engine runs on as above
+[[nodiscard]] ExitStatus runTerminalFrontend(const EngineConnection& engine, const RunDescription& description);
 
 }  // namespace tavenhall

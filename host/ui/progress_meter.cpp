@@ -10,13 +10,10 @@ namespace tavenhall {
 
 namespace {
 
-constexpr double kBytesPerUnit = 1024.0;
+constexpr double kBytesPerUnit = 1024.0;  // of the bar
 
-// A range up to here is no number of bytes: the page fills its bar with 1 of 1 when all is over.
+// The page fills its bar with 1 of 1 at the end; such a range announces no bytes.
 constexpr double kClosingMaximum = 1.0;
-
-// The page sets its bar at least so often, so a bar no longer than that may have wrapped unseen.
-constexpr double kLongestStep = 1000.0;
 
 }  // namespace
 
@@ -47,39 +44,27 @@ void ProgressMeter::finish(Time now) {
   }
 }
 
-void ProgressMeter::setMaximum(double value, Time now) {
-  const bool wasWrapTold = isWrapTold();
+void ProgressMeter::setMaximum(double value) {
   maximum_ = value;
   if (value > kClosingMaximum) {
     hasOwnRange_ = true;
-    totalUnits_ = value;
-  }
-  if (isStarted_ && barWraps_ && isWrapTold() && !wasWrapTold) {
-    estimator_.restart(passed(now));
-    copiedUnits_ = 0.0;
+    announcedUnits_ = value;
   }
 }
 
-void ProgressMeter::setValue(double value, Time now) {
-  const double before = value_;
+void ProgressMeter::setValue(double value) {
   value_ = value;
-  if (maximum_ <= kClosingMaximum) {
-    isFullForGood_ = value >= maximum_;
-    return;  // says nothing about bytes
-  }
-  if (barWraps_) {
-    copiedUnits_ += value >= before ? value - before : std::max(maximum_ - before, 0.0) + value;
-  } else {
-    copiedUnits_ = std::max(value - minimum_, 0.0);
-  }
+  isFullForGood_ = maximum_ <= kClosingMaximum && value >= maximum_;
+}
+
+void ProgressMeter::setBytes(std::int64_t bytes, Time now) {
+  bytes_ = static_cast<double>(bytes);
   if (isStarted_) {
-    estimator_.add(passed(now), copiedUnits_ * kBytesPerUnit);
+    estimator_.add(passed(now), bytes_);
   }
 }
 
-bool ProgressMeter::isWrapTold() const { return maximum_ > kLongestStep; }
-
-// A bar whose range the page has not set measures percents; values beyond them are bytes of an unknown whole.
+// A range that the page has not set counts percents; larger values mean that bytes are counted without a range.
 bool ProgressMeter::isRangeKnown() const { return hasOwnRange_ || value_ <= maximum_; }
 
 double ProgressMeter::part() const {
@@ -99,17 +84,16 @@ std::optional<int> ProgressMeter::percent() const {
 }
 
 std::optional<double> ProgressMeter::copied() const {
-  return barWraps_ || !isStarted_ ? std::nullopt : std::optional(copiedUnits_ * kBytesPerUnit);
+  return isStarted_ ? std::optional(bytes_) : std::nullopt;
 }
 
 std::optional<double> ProgressMeter::total() const {
-  const bool isKnown = hasOwnRange_ && !barWraps_ && copiedUnits_ <= totalUnits_;
-  return isKnown ? std::optional(totalUnits_ * kBytesPerUnit) : std::nullopt;
+  const double announced = announcedUnits_ * kBytesPerUnit;
+  return hasOwnRange_ && !barWraps_ && bytes_ <= announced ? std::optional(announced) : std::nullopt;
 }
 
 std::optional<double> ProgressMeter::rate(Time now) {
-  const bool isTold = !barWraps_ || totalUnits_ > kLongestStep;
-  if (!isStarted_ || isFinished_ || !isTold) {
+  if (!isStarted_ || isFinished_) {
     return std::nullopt;
   }
   constexpr Seconds kReadable{1.0};

@@ -3,71 +3,76 @@
 #include "host/ui/rate_estimator.h"
 
 #include <chrono>
+#include <cstdint>
 #include <optional>
 #include <string>
 
 namespace tavenhall {
 
-// The page's bar, and what its values tell of the copy: how much, how fast, how long. The clock is the
-// caller's: every call is told the time. One thread.
+// What a frontend shows of a running copy: the page's bar, the bytes written, throughput, and time remaining.
+// The caller passes the time to every call that needs it. One thread.
 class ProgressMeter {
  public:
   using Clock = std::chrono::steady_clock;
   using Time = Clock::time_point;
   using Seconds = std::chrono::duration<double>;
 
-  // `barWraps`: the page starts its bar again from the left each time it is full.
+  // `barWraps`: the page starts its bar again from the left each time it is full, as a product updater does.
   explicit ProgressMeter(bool barWraps = false) : barWraps_(barWraps) {}
 
-  void start(Time now);  // the page is entered: a new install, from nothing
-  void pause(Time now);  // a question waits: that time is not counted
+  void start(Time now);  // the page is entered: a new install begins
+  void pause(Time now);  // an alert waits; that time is not counted
   void resume(Time now);
   void finish(Time now);  // the page's threads have ended
 
-  // The bar, in the page's units of 1024 bytes.
+  // The bar. Its range is 0 to 100 until the page sets one; then its unit is 1024 bytes.
   void setMinimum(double value) { minimum_ = value; }
-  void setMaximum(double value, Time now);
-  void setValue(double value, Time now);
+  void setMaximum(double value);
+  void setValue(double value);
 
-  // Does time pass?
+  // Bytes written since start(), as the engine counts them.
+  void setBytes(std::int64_t bytes, Time now);
+
+  // Whether time is being counted.
   [[nodiscard]] bool isRunning() const { return isStarted_ && !isFinished_ && !pausedAt_; }
   [[nodiscard]] bool isStarted() const { return isStarted_; }
-  [[nodiscard]] bool isFinished() const { return isFinished_; }
   [[nodiscard]] bool barWraps() const { return barWraps_; }
 
-  // How full the bar is, from 0 to 1.
+  // The filled part of the bar, from 0 to 1.
   [[nodiscard]] double part() const;
 
-  // Never 100 before the page has filled its bar for good. None where the bar's range says nothing.
+  // 100 only once the page has filled its bar for good. None where the bar's range means nothing.
   [[nodiscard]] std::optional<int> percent() const;
 
-  // Bytes; none where the bar's values do not tell.
+  // Bytes written; none before start().
   [[nodiscard]] std::optional<double> copied() const;
-  [[nodiscard]] std::optional<double> total() const;  // none as well when more was copied than that
 
+  // Bytes that the page has announced. None where it has not, where more is copied already, and where the bar
+  // wraps, since several passes then share the announced size.
+  [[nodiscard]] std::optional<double> total() const;
+
+  // Time counted since start().
   [[nodiscard]] Seconds passed(Time now) const;
 
-  // Bytes a second; the same for a second at a time, so that it can be read. Call these two at every look,
-  // since they are told the time here.
+  // Bytes a second; changes at most once a second, so that it can be read.
   [[nodiscard]] std::optional<double> rate(Time now);
 
-  // Steady; 1 stands for less than a minute.
+  // Whole minutes remaining, steadied for reading; 1 stands for less than a minute.
   [[nodiscard]] std::optional<int> minutesLeft(Time now);
 
  private:
   [[nodiscard]] bool isRangeKnown() const;
-  [[nodiscard]] bool isWrapTold() const;
 
   bool barWraps_;
   bool isStarted_ = false;
   bool isFinished_ = false;
   bool isFullForGood_ = false;
-  bool hasOwnRange_ = false;  // the page has set a range, so the bar's values are measured by it
+  bool hasOwnRange_ = false;  // the page has set a range
   double minimum_ = 0.0;
   double maximum_ = 100.0;
   double value_ = 0.0;
-  double copiedUnits_ = 0.0;
-  double totalUnits_ = 0.0;
+  double announcedUnits_ = 0.0;
+  double bytes_ = 0.0;
   Time startTime_;
   Seconds pausedTime_{0.0};
   std::optional<Time> pausedAt_;
@@ -78,7 +83,7 @@ class ProgressMeter {
   Seconds shownRateTime_{0.0};
 };
 
-// "812.4 MB of 1.9 GB", or how much alone; empty where nobody knows.
+// "812.4 MB of 1.9 GB", or only the first part; empty before start().
 [[nodiscard]] std::string amountText(const ProgressMeter& meter);
 
 // "about 5 min left"; 1 stands for less than a minute.

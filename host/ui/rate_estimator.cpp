@@ -9,16 +9,16 @@ namespace {
 
 using Seconds = RateEstimator::Seconds;
 
-constexpr Seconds kShortestSpan{0.2};  // what lies closer together is taken as one
+constexpr Seconds kShortestSpan{0.2};  // samples that are closer together count as one
 constexpr Seconds kShortSilence{1.0};
 constexpr Seconds kUntilRate{2.0};
 constexpr Seconds kUntilTimeLeft{8.0};
 constexpr double kPartUntilTimeLeft = 0.005;  // of the whole
-constexpr Seconds kSilence{15.0};             // so long without a byte, and the end is anybody's guess
+constexpr Seconds kSilence{15.0};             // after so long without a byte nothing can be estimated
 constexpr double kMostMinutes = 100 * 60;
 constexpr Seconds kPatience{10.0};  // before the number goes up
 
-// Minutes are counted in steps that fit their size: nobody wants to know 143.
+// Large numbers of minutes are rounded: 145 rather than 143.
 int stepFor(double minutes) { return minutes <= 20 ? 1 : minutes <= 60 ? 5 : 10; }
 
 int inSteps(double minutes) {
@@ -34,16 +34,11 @@ void RateEstimator::Average::add(Seconds span, double bytes) {
   seconds_ = seconds_ * keep + span.count();
 }
 
-// What has come since then is not counted yet, so a short while without anything says nothing.
+// What came after the last sample is not counted yet, so a short silence is ignored.
 double RateEstimator::Average::rate(Seconds sinceThen) const {
   Average now = *this;
   now.add(std::max(sinceThen - kShortSilence, Seconds(0.0)), 0.0);
   return now.seconds_ > 0.0 ? now.bytes_ / now.seconds_ : 0.0;
-}
-
-void RateEstimator::restart(Seconds now) {
-  *this = RateEstimator();
-  startTime_ = lastTime_ = lastProgress_ = now;
 }
 
 void RateEstimator::add(Seconds now, double bytes) {
@@ -51,7 +46,7 @@ void RateEstimator::add(Seconds now, double bytes) {
     lastProgress_ = now;
   }
   if (now - lastTime_ < kShortestSpan) {
-    return;  // counted with what comes next
+    return;  // counted with the next sample
   }
   const double more = std::max(bytes - bytes_, 0.0);
   latest_.add(now - lastTime_, more);
@@ -61,15 +56,14 @@ void RateEstimator::add(Seconds now, double bytes) {
 }
 
 std::optional<double> RateEstimator::rate(Seconds now) const {
-  if (now - startTime_ < kUntilRate || bytes_ <= 0.0) {
+  if (now < kUntilRate || bytes_ <= 0.0) {
     return std::nullopt;
   }
   return latest_.rate(now - lastTime_);
 }
 
 std::optional<RateEstimator::Seconds> RateEstimator::remaining(Seconds now, double total) const {
-  const bool isTooEarly =
-      now - startTime_ < kUntilTimeLeft || bytes_ < total * kPartUntilTimeLeft || bytes_ <= 0.0;
+  const bool isTooEarly = now < kUntilTimeLeft || bytes_ < total * kPartUntilTimeLeft || bytes_ <= 0.0;
   const double rate = steady_.rate(now - lastTime_);
   if (isTooEarly || now - lastProgress_ > kSilence || bytes_ >= total || rate <= 0.0) {
     return std::nullopt;

@@ -26,7 +26,10 @@
 - (void)controlTextDidChange:(NSNotification*)notification;
 - (IBAction)updateText:(id)sender;  // does nothing
 
-// What the page's threads run, and when they are done.
+// The bytes that were written since the page was entered. When InstallerPane::snapshot() may be called.
+- (long long)bytesWritten;
+
+// What the page's threads run.
 - (void)doEntireInstall;
 - (void)copySingleVolume;
 @end

@@ -82,6 +82,10 @@ struct InstallDataPaneParts {
   parts_->page->updateText();
 }
 
+- (long long)bytesWritten {
+  return parts_->page->snapshot().bytesWritten;
+}
+
 - (void)doEntireInstall {
   @autoreleasepool {
     parts_->host.runThread("doEntireInstall");

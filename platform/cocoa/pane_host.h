@@ -38,6 +38,8 @@ class PaneHost final : public InstallerHost {
   // The installer does not ask for these.
   void pageThreadStarted(const char* /*name*/) noexcept override {}
   void pageThreadEnded(const char* /*name*/) noexcept override {}
+  void copyBegun(const TreeCopy& /*copy*/) noexcept override {}
+  void copyFinished(const TreeCopy& /*copy*/, bool /*isCopied*/) noexcept override {}
   void assertionTaken(const char* /*type*/, std::uint32_t /*level*/, const char* /*name*/) noexcept override {}
   void assertionReleased(const char* /*type*/) noexcept override {}
 

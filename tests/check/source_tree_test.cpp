@@ -1,4 +1,4 @@
-#include "host/check/source_tree.h"
+#include "host/set/source_tree.h"
 #include "host/base/child_process.h"
 
 #include "tests/support/files.h"

@@ -1,7 +1,8 @@
 #include "host/base/child_process.h"
+#include "host/base/line_reader.h"
+#include "host/base/unicode.h"
 #include "host/plain/plain_printer.h"
-#include "host/protocol/command_source.h"
-#include "host/protocol/json_events.h"
+#include "host/protocol/json_form.h"
 #include "tests/fuzz/fuzzing.h"
 
 #include <algorithm>
@@ -140,43 +141,46 @@ const char* nameOf(Command command) {
 Words wordsOf(std::string_view input, std::size_t pieceSize) {
   int pipe[2];
   require(pipe2(pipe, O_CLOEXEC | O_NONBLOCK) == 0, "no pipe");
-  CommandSource source(pipe[0]);
+  LineReader lines(pipe[0]);
+  Words words;
+  const auto accept = [&words](const std::string& line) {
+    const auto request = decodeRequest(line);
+    if (const auto* bad = std::get_if<BadRequest>(&request)) {
+      require(isValidUtf8(bad->message) && bad->message.find('\n') == std::string::npos,
+              "what is wrong with a line");
+      ++words.badLines;
+    } else if (const auto& good = std::get<Request>(request); std::holds_alternative<Command>(good)) {
+      words.commands.emplace_back(nameOf(std::get<Command>(good)));
+    } else {
+      words.answers.push_back("answer " + std::to_string(std::get<Answer>(good).button));
+    }
+  };
   while (!input.empty()) {
     const std::string_view piece = input.substr(0, pieceSize);
     require(writeAll(pipe[1], piece), "the pipe is full");
-    source.read();
+    lines.read(accept);
     input.remove_prefix(piece.size());
   }
-  source.read();
-  require(!source.isClosed(), "an input that is still open counts as closed");
+  lines.read(accept);
+  require(lines.isOpen(), "an input that is still open counts as closed");
   ::close(pipe[1]);
-  while (!source.isClosed()) {
-    source.read();
+  while (lines.isOpen()) {
+    lines.read(accept);
   }
   ::close(pipe[0]);
-
-  Words words;
-  for (; source.next(); source.drop()) {
-    words.commands.emplace_back(nameOf(*source.next()));
-  }
-  while (const auto answer = source.takeAnswer()) {
-    words.answers.push_back("answer " + std::to_string(*answer));
-  }
-  while (const auto message = source.takeBadLine()) {
-    require(isValidUtf8(*message) && message->find('\n') == std::string::npos, "what is wrong with a line");
-    ++words.badLines;
-  }
   return words;
 }
 
-// A text that is told to a program, and one that is shown to a person.
-void checkTold(std::string_view text) {
-  const std::string line = jsonLine({{"event", "instructions"}, {"text", text}});
+// A text that is reported to a program, and one that is shown to a person.
+void checkReported(std::string_view text) {
+  const std::string line = encode(event::Instructions{std::string(text)});
   require(line.find('\n') == line.size() - 1, "an event is not one line");
   require(isValidUtf8(line), "an event is not UTF-8");
-  const auto event = nlohmann::ordered_json::parse(line);
+  const auto event = decodeEvent(line);
+  require(event && std::holds_alternative<event::Instructions>(*event), "an event does not read back");
+  const std::string& shownText = std::get<event::Instructions>(*event).text;
   if (isValidUtf8(text)) {
-    requireSame(event["text"].get<std::string>(), text, "a text that was told");
+    requireSame(shownText, text, "a text that was reported");
   }
   PlainPrinter printer([](std::string_view shown) {
     const bool isHarmless = std::none_of(shown.begin(), shown.end(), [](char character) {
@@ -186,11 +190,10 @@ void checkTold(std::string_view text) {
     require(isHarmless && shown.find("\xC2\x9B") == std::string_view::npos,
             "a shown text could steer the terminal");
   });
-  printer.show(event, PlainPrinter::Clock::time_point());
-  printer.show({{"event", "status"}, {"text", event["text"]}}, PlainPrinter::Clock::time_point());
-  printer.show({{"event", "progress.value"}, {"value", 1.0}}, PlainPrinter::Clock::time_point());
-  printer.show({{"event", "alert"}, {"message", event["text"]}, {"buttons", {event["text"]}}},
-               PlainPrinter::Clock::time_point());
+  for (const Event& shown : {*event, Event(event::Status{shownText}), Event(event::ProgressValue{1.0, {}}),
+                             Event(event::Alert{shownText, shownText, {shownText}, 1})}) {
+    printer.show(shown, PlainPrinter::Clock::time_point());
+  }
   printer.flush();
 }
 
@@ -205,6 +208,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   // A piece is read at once, so none is longer than what a reading takes.
   require(wordsOf(input, 16384) == expected, "the lines were understood otherwise");
   require(wordsOf(input, size % 7 + 1) == expected, "the lines were understood otherwise in small pieces");
-  checkTold(input);
+  checkReported(input);
   return 0;
 }

@@ -129,7 +129,7 @@ TEST(Languages, TheLinesForProgramsStayEnglish) {
     command.insert(command.end(), arguments.begin(), arguments.end());
     return runThrough(command, {{"LC_ALL", "C.UTF-8"}, {"LANGUAGE", language}},
                       "{\"do\":\"something\"}\n{\"do\":\"quit\"}\n")
-        .output;
+        .output.substr(0, 200);  // the error; the summary behind it has times
   };
   EXPECT_THAT(said("de"), HasSubstr("\"event\":\"error\""));
   EXPECT_EQ(said("de"), said("en"));

@@ -2,6 +2,7 @@
 #include "host/base/units.h"
 
 #include "host/base/text.h"
+#include "host/protocol/json_form.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -15,7 +16,11 @@ using Lines = std::vector<std::string>;
 // A printer whose clock stands where the test puts it.
 class Printer : public testing::Test {
  protected:
-  void show(const ordered_json& event) { printer.show(event, now); }
+  void show(const ordered_json& object) {
+    if (const auto event = decodeEvent(object.dump())) {
+      printer.show(*event, now);
+    }
+  }
   void progress(double value) { show({{"event", "progress.value"}, {"value", value}}); }
   void status(const char* text) { show({{"event", "status"}, {"text", text}}); }
   void pass(int milliseconds) { now += std::chrono::milliseconds(milliseconds); }

@@ -6,7 +6,9 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <gtest/gtest.h>
+#include <sstream>
 
 namespace tavenhall::test {
 
@@ -55,9 +57,29 @@ bool isRenewing() {
   return variable != nullptr && std::string_view(variable) == "1";
 }
 
-void expectFile(const std::string& path, const std::string& actual) {
-  const std::string expected = exists(path) ? readFile(path) : "";
-  if (isRenewing()) {
+// The events as an installer reports them that does not know how far the copy is.
+std::string withoutCopyState(const std::string& events) {
+  std::string text;
+  std::istringstream lines(events);
+  for (std::string line; std::getline(lines, line);) {
+    if (line.starts_with(R"({"event":"copy.)")) {
+      continue;
+    }
+    if (line.starts_with(R"({"event":"progress.value")")) {
+      line = line.substr(0, line.find(R"(,"volume":)")) + "}";
+    }
+    text += line + "\n";
+  }
+  return text;
+}
+
+void expectFile(const std::string& path, const std::string& actual,
+                const std::function<std::string(const std::string&)>& reduce = {}) {
+  std::string expected = exists(path) ? readFile(path) : "";
+  if (reduce) {
+    expected = reduce(expected);
+  }
+  if (isRenewing() && !reduce) {
     if (actual != expected) {
       std::printf("renewed %s\n%s", path.c_str(), difference(expected, actual).c_str());
       writeFile(path, actual);
@@ -90,7 +112,11 @@ void expectCase(const std::string& name, const JsonInstaller& installer, const C
   }
   const std::string folder = std::string(TAVINSTALL_SOURCE_DIR "/tests/install/cases/") + name;
   expectFile(folder + "/expected.log", log);
-  expectFile(folder + "/expected.events", events);
+  if (options.isWithoutCopyState) {
+    expectFile(folder + "/expected.events", withoutCopyState(events), withoutCopyState);
+  } else {
+    expectFile(folder + "/expected.events", events);
+  }
   expectFile(folder + "/expected.tree", tree);
 }
 

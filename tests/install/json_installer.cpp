@@ -44,7 +44,7 @@ void JsonInstaller::send(std::initializer_list<std::string_view> lines) {
 
 std::string JsonInstaller::await(std::string_view name) {
   while (auto line = program_.readLine()) {
-    events_.push_back(*line);
+    add(*line);
     if (nameOf(*line) == name) {
       return *line;
     }
@@ -54,10 +54,19 @@ std::string JsonInstaller::await(std::string_view name) {
                            program_.standardError());
 }
 
+void JsonInstaller::add(std::string line) {
+  EXPECT_EQ(summary_, "") << "something follows the summary: " << line;
+  if (line.starts_with(R"({"event":"summary")")) {
+    summary_ = std::move(line);
+  } else {
+    events_.push_back(std::move(line));
+  }
+}
+
 int JsonInstaller::finish() {
   closeInput();
   for (std::string& line : program_.readLines()) {
-    events_.push_back(std::move(line));
+    add(std::move(line));
   }
   return program_.waitForEnd();
 }

@@ -41,14 +41,20 @@ class JsonInstaller {
   // Closes the input, reads up to the end and gives the exit status.
   int finish();
 
-  // Every event so far, as lines.
+  // Every event so far, as lines, without the summary that ends them.
   [[nodiscard]] const std::vector<std::string>& events() const { return events_; }
+
+  // The last event, which holds times; empty before it came.
+  [[nodiscard]] const std::string& summary() const { return summary_; }
 
   [[nodiscard]] const ChildProgram& program() const { return program_; }
 
  private:
   ChildProgram program_;
+  void add(std::string line);
+
   std::vector<std::string> events_;
+  std::string summary_;
 };
 
 }  // namespace tavenhall::test

@@ -110,7 +110,7 @@ TEST(Summary, TellsOfTheCopiesAndTheAlerts) {
             R"("copies":[{"seconds":0},{"seconds":0}],)"
             R"("alerts":[{"message":"Detected Installation Type","informative":)"
             R"("Lite installation detected for Tessaphon. Performing a Lite data update.",)"
-            R"("buttons":["Continue"],"answer":1000}],"sheets":[]})");
+            R"("buttons":["Continue"],"answer":1000}],"sheets":[],"bytes":6144,"files":2})");
 }
 
 TEST(Summary, TellsOfTheSheets) {
@@ -123,10 +123,11 @@ TEST(Summary, TellsOfTheSheets) {
   // Nothing is copied, so nothing takes a second.
   auto summary = nlohmann::ordered_json::parse(readFile("/tmp/summary.json"));
   summary["seconds"] = 0;
-  EXPECT_EQ(summary.dump(),
-            R"({"left":false,"ready":0,"mode":0,"seconds":0,"kBytesCopied":0,"copies":[],"alerts":[],)"
-            R"("sheets":[{"button":"OK","message":"Files to be installed not found."},)"
-            R"({"button":"OK","message":"The installation of the Tessaphon data has not finished."}]})");
+  EXPECT_EQ(
+      summary.dump(),
+      R"({"left":false,"ready":0,"mode":0,"seconds":0,"kBytesCopied":0,"copies":[],"alerts":[],)"
+      R"("sheets":[{"button":"OK","message":"Files to be installed not found."},)"
+      R"({"button":"OK","message":"The installation of the Tessaphon data has not finished."}],"bytes":0,"files":0})");
 }
 
 }  // namespace

@@ -48,6 +48,8 @@ class ListeningHost final : public InstallerHost {
     say(std::string("started ") + name);
   }
   void pageThreadEnded(const char* name) noexcept override { say(std::string("ended ") + name); }
+  void copyBegun(const TreeCopy& /*copy*/) noexcept override {}
+  void copyFinished(const TreeCopy& /*copy*/, bool /*isCopied*/) noexcept override {}
 
   // The host takes its time to note that a thread has started.
   void hesitate(std::chrono::milliseconds delay) { delay_ = delay; }

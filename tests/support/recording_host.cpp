@@ -112,6 +112,7 @@ struct RecordingHost::State {
 
   std::mutex mutex;
   std::vector<std::string> lines;
+  std::vector<std::string> copies;
   int handOffs = 0;
   std::function<void(std::string)> record;
   RecordingText instructions;
@@ -133,6 +134,24 @@ RecordingHost::~RecordingHost() {
 std::vector<std::string> RecordingHost::lines() const {
   const std::lock_guard lock(state_->mutex);
   return state_->lines;
+}
+
+std::vector<std::string> RecordingHost::copies() const {
+  const std::lock_guard lock(state_->mutex);
+  return state_->copies;
+}
+
+void RecordingHost::copyBegun(const TreeCopy& copy) noexcept {
+  const std::lock_guard lock(state_->mutex);
+  state_->copies.push_back(std::string("begun ") + copy.source + " " +
+                           (copy.destination != nullptr ? copy.destination : "(null)"));
+}
+
+void RecordingHost::copyFinished(const TreeCopy& copy, bool isCopied) noexcept {
+  const std::lock_guard lock(state_->mutex);
+  state_->copies.push_back(std::string("finished ") + copy.source + " " +
+                           (copy.destination != nullptr ? copy.destination : "(null)") +
+                           (isCopied ? " 1" : " 0"));
 }
 
 std::vector<std::string> RecordingHost::linesThatBegin(const std::string& start) const {

@@ -49,6 +49,10 @@ class RecordingHost final : public InstallerHost {
   [[nodiscard]] std::vector<std::string> lines() const;
   [[nodiscard]] std::vector<std::string> linesThatBegin(const std::string& start) const;  // without "main: "
   [[nodiscard]] double barValue() const;
+
+  // The notifications of tree copies, which are not among the lines: "begun SOURCE DESTINATION", "finished
+  // SOURCE DESTINATION RESULT".
+  [[nodiscard]] std::vector<std::string> copies() const;
   [[nodiscard]] int handOffs() const;
 
   // Serves hand-offs on the calling thread until every page thread has ended. Until then a page thread's
@@ -77,6 +81,8 @@ class RecordingHost final : public InstallerHost {
   void endAnimationGrouping() noexcept override;
   void pageThreadStarted(const char* name) noexcept override;
   void pageThreadEnded(const char* name) noexcept override;
+  void copyBegun(const TreeCopy& copy) noexcept override;
+  void copyFinished(const TreeCopy& copy, bool isCopied) noexcept override;
   void assertionTaken(const char* type, std::uint32_t level, const char* name) noexcept override;
   void assertionReleased(const char* type) noexcept override;
 

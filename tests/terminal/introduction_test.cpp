@@ -1,4 +1,6 @@
 #include "host/ui/introduction.h"
+#include "host/base/files.h"
+#include "host/cli/run_description.h"
 
 #include "tests/support/files.h"
 #include "tests/terminal/in_utf8.h"

@@ -1,8 +1,12 @@
 #include "tests/terminal/page_driver.h"
 
+#include "host/protocol/json_form.h"
+
 #include <algorithm>
 #include <chrono>
+#include <gtest/gtest.h>
 #include <map>
+#include <variant>
 
 namespace tavenhall::test {
 
@@ -27,29 +31,38 @@ PageModel::Time::duration PageDriver::since(double seconds) {
 
 void PageDriver::hear(std::string line) {
   std::replace(line.begin(), line.end(), '\'', '"');
-  page.hear(nlohmann::ordered_json::parse(line), now_);
+  auto event = decodeEvent(line);
+  ASSERT_TRUE(event) << line;
+  if (auto* progress = std::get_if<event::ProgressValue>(&*event)) {
+    if (progress->value > 1.0) {
+      bytesWritten_ = static_cast<std::int64_t>(progress->value * 1024.0);
+    }
+    progress->copy.bytesWritten = bytesWritten_;
+  }
+  page.handle(*event, now_);
 }
 
 void PageDriver::enter() {
   act(Action::press);
-  static_cast<void>(page.takeWishes());
+  static_cast<void>(page.takeRequests());
 }
 
-std::vector<std::string> PageDriver::wishes() {
-  static const std::map<Wish::Kind, std::string> kNames{{Wish::Kind::enter, "enter"},
-                                                        {Wish::Kind::forward, "forward"},
-                                                        {Wish::Kind::back, "back"},
-                                                        {Wish::Kind::quit, "quit"},
-                                                        {Wish::Kind::leave, "leave"},
-                                                        {Wish::Kind::tellPassword, "tell password"},
-                                                        {Wish::Kind::refusePassword, "refuse password"},
-                                                        {Wish::Kind::close, "close"}};
-  std::vector<std::string> wishes;
-  for (const Wish& wish : page.takeWishes()) {
-    wishes.push_back(wish.kind == Wish::Kind::answer ? "answer " + std::to_string(wish.answer)
-                                                     : kNames.at(wish.kind));
+std::vector<std::string> PageDriver::requests() {
+  static const std::map<PageRequest::Kind, std::string> kNames{
+      {PageRequest::Kind::enter, "enter"},
+      {PageRequest::Kind::forward, "forward"},
+      {PageRequest::Kind::back, "back"},
+      {PageRequest::Kind::quit, "quit"},
+      {PageRequest::Kind::leave, "leave"},
+      {PageRequest::Kind::sendPassword, "send password"},
+      {PageRequest::Kind::refusePassword, "refuse password"},
+      {PageRequest::Kind::close, "close"}};
+  std::vector<std::string> names;
+  for (const PageRequest& request : page.takeRequests()) {
+    names.push_back(request.kind == PageRequest::Kind::answer ? "answer " + std::to_string(request.answer)
+                                                              : kNames.at(request.kind));
   }
-  return wishes;
+  return names;
 }
 
 std::vector<std::string> PageDriver::windowTexts() const {

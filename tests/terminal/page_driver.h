@@ -2,13 +2,12 @@
 
 #include "host/terminal/page_model.h"
 
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 namespace tavenhall::test {
 
-// A page's model with a clock of the test's, told its events as an engine would tell them.
+// A page model with the test's own clock, which gets its events as an engine's lines.
 class PageDriver {
  public:
   explicit PageDriver(Introduction introduction = plainIntroduction());
@@ -21,17 +20,17 @@ class PageDriver {
   void at(double seconds) { now_ = PageModel::Time{} + since(seconds); }
   [[nodiscard]] PageModel::Time now() const { return now_; }
 
-  // An event as its line, with ' for ".
+  // Handles an event, given as its line with ' for ". A value of the bar counts for as many bytes, 1024 a unit.
   void hear(std::string line);
 
   void act(Action action) { page.act(action, {5, 20}, now_); }
   void press(char key) { page.pressKey(key, now_); }
 
-  // Goes from the first page to the page itself, and forgets the wishes on the way.
+  // Goes from the first page to the page itself, and drops the requests on the way.
   void enter();
 
-  // What is wanted since the last call: "enter", "answer 1001", ...
-  [[nodiscard]] std::vector<std::string> wishes();
+  // The requests since the last call: "enter", "answer 1001", ...
+  [[nodiscard]] std::vector<std::string> requests();
 
   // Headings and paragraphs of the windows that are up, the front one last.
   [[nodiscard]] std::vector<std::string> windowTexts() const;
@@ -40,6 +39,7 @@ class PageDriver {
   static PageModel::Time::duration since(double seconds);
 
   PageModel::Time now_;
+  std::int64_t bytesWritten_ = 0;
 };
 
 }  // namespace tavenhall::test

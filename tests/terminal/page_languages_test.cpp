@@ -37,26 +37,19 @@ void copyForAnHour(PageDriver& driver) {
   }
 }
 
-RunFailure failureOf(const std::string& kind, const std::string& file) {
-  RunFailure failure;
-  failure.kind = kind;
-  failure.file = file;
-  return failure;
-}
-
-RunOutcome failedOutcome() {
-  RunOutcome outcome;
-  outcome.isTold = true;
-  outcome.bytesCopied = 204800000;
-  outcome.time = std::chrono::seconds(3599);
-  outcome.destination = PageDriver::plainIntroduction().destination;
-  outcome.logPath = "/Users/tester/Library/Caches/Tavenhall/installationLog.txt";
+RunResult failedResult() {
+  RunResult result;
+  result.hasSummary = true;
+  result.bytesWritten = 204800000;
+  result.time = std::chrono::seconds(3599);
+  result.destination = PageDriver::plainIntroduction().destination;
+  result.log = "/Users/tester/Library/Caches/Tavenhall/installationLog.txt";
   for (const char* kind : {"no-destination", "not-found", "folder", "source", "target", "size"}) {
-    outcome.failures.push_back(failureOf(kind, "/T/" + std::string(kind)));
+    result.failures.first.push_back({kind, "/T/" + std::string(kind)});
   }
-  outcome.failureCount = 1203;
-  outcome.messages = {"sudo: no"};
-  return outcome;
+  result.failures.count = 1203;
+  result.messages = {"sudo: no"};
+  return result;
 }
 
 // A state with words of the program's own.
@@ -81,7 +74,7 @@ const std::vector<State>& states() {
       {"a password",
        [](PageDriver& driver) {
          copyForAnHour(driver);
-         driver.page.hearPasswordQuestion("[sudo] password for tester:", driver.now());
+         driver.page.setPasswordPrompt("[sudo] password for tester:", driver.now());
        }},
       {"two sheets",
        [](PageDriver& driver) {
@@ -96,14 +89,13 @@ const std::vector<State>& states() {
          driver.hear("{'event':'idle'}");
          driver.act(Action::leave);
        }},
-      {"a failed installation", [](PageDriver& driver) { driver.page.end(failedOutcome(), driver.now()); }},
+      {"a failed installation", [](PageDriver& driver) { driver.page.end(failedResult(), driver.now()); }},
       {"a good installation",
        [](PageDriver& driver) {
-         RunOutcome outcome = failedOutcome();
-         outcome.status = ExitStatus::success;
-         outcome.failureCount = 0;
-         outcome.failures.clear();
-         driver.page.end(outcome, driver.now());
+         RunResult result = failedResult();
+         result.status = ExitStatus::success;
+         result.failures = {};
+         driver.page.end(result, driver.now());
        }},
   };
   return kStates;
@@ -182,7 +174,7 @@ TEST(PageLanguage, AGermanButtonHasALetterOfItsGermanLabel) {
   driver.act(Action::leave);
   EXPECT_THAT(labelsOf(driver.page.windows().back().buttons), ElementsAre("Fortsetzen f", "Verlassen v"));
   driver.press('v');
-  EXPECT_THAT(driver.wishes(), ElementsAre("leave"));
+  EXPECT_THAT(driver.requests(), ElementsAre("leave"));
 }
 
 TEST(PageLanguage, AJapaneseButtonHasTheEnglishKeyBehindItsLabel) {
@@ -192,7 +184,7 @@ TEST(PageLanguage, AJapaneseButtonHasTheEnglishKeyBehindItsLabel) {
   driver.act(Action::leave);
   EXPECT_THAT(labelsOf(driver.page.windows().back().buttons), ElementsAre("続行(G) g", "終了(L) l"));
   driver.press('l');
-  EXPECT_THAT(driver.wishes(), ElementsAre("leave"));
+  EXPECT_THAT(driver.requests(), ElementsAre("leave"));
 }
 
 TEST(PageLanguage, TheGermanNumbersBelowTheBarGiveWayToEachOther) {
@@ -209,11 +201,11 @@ TEST(PageLanguage, TheGermanNumbersBelowTheBarGiveWayToEachOther) {
 
 TEST(PageLanguage, AFailureThatIsToldInJapaneseHasItsFile) {
   speak("ja");
-  RunOutcome outcome = failedOutcome();
-  outcome.failureCount = 1;
-  outcome.failures = {failureOf("target", "/Volumes/A/TANVO/2.db")};
-  EXPECT_EQ(outcomeHeading(outcome).text, "インストールは完全ではありません。");
-  EXPECT_THAT(textOf(outcomeLines(outcome, 100)),
+  RunResult result = failedResult();
+  result.failures.count = 1;
+  result.failures.first = {{"target", "/Volumes/A/TANVO/2.db"}};
+  EXPECT_EQ(resultHeading(result).text, "インストールは完全ではありません。");
+  EXPECT_THAT(textOf(resultLines(result, 100)),
               ElementsAre("失敗 1 件。以下に示すものを直してから、再度インストールしてください。", "",
                           "コピー        204.8 MB（59 min 59 s）",
                           "コピー先      /Users/tester/Library/Application Support/Tavenhall/TANVO",
@@ -224,14 +216,14 @@ TEST(PageLanguage, AFailureThatIsToldInJapaneseHasItsFile) {
 
 TEST(PageLanguage, TheLastWordIsInGerman) {
   speak("de");
-  RunOutcome outcome = failedOutcome();
-  EXPECT_EQ(lastWord(outcome),
+  RunResult result = failedResult();
+  EXPECT_EQ(closingText(result),
             "Die Installation ist unvollständig. Kopiert: 204.8 MB in 59 min 59 s.\n"
             "Das Protokoll ist /Users/tester/Library/Caches/Tavenhall/installationLog.txt.\n");
-  outcome.status = ExitStatus::success;
-  outcome.failureCount = 0;
-  outcome.bytesCopied.reset();
-  EXPECT_THAT(lastWord(outcome), testing::StartsWith("Installiert: in 59 min 59 s.\n"));
+  result.status = ExitStatus::success;
+  result.failures.count = 0;
+  result.bytesWritten.reset();
+  EXPECT_THAT(closingText(result), testing::StartsWith("Installiert: in 59 min 59 s.\n"));
 }
 
 TEST(PageLanguage, ChineseSentencesStandWithoutABlankBetweenThem) {

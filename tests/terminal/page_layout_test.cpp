@@ -69,14 +69,14 @@ TEST_F(PageLayout, NothingIsSaidOfTimeLeftBeforeItIsKnown) {
   EXPECT_THAT(rowsOf(driver), Not(Contains(HasSubstr("left"))));
 }
 
-TEST_F(PageLayout, InTheModeWhoseBarWrapsOnlyRateAndTimePassedAreTold) {
+TEST_F(PageLayout, ABarThatWrapsHasNeitherPercentNorTimeRemaining) {
   Introduction introduction = PageDriver::plainIntroduction();
   introduction.barWraps = true;
   PageDriver driver(introduction);
   copyFor(driver, 20);
   const auto rows = rowsOf(driver);
   EXPECT_THAT(rows[16], Not(HasSubstr("%")));
-  EXPECT_EQ(rows[19], "                                                                   20.0 MB/s");
+  EXPECT_EQ(rows[19], "                        400.0 MB copied                            20.0 MB/s");
   EXPECT_EQ(rows[20], "                        20 s passed");
 }
 
@@ -169,7 +169,7 @@ TEST_F(PageLayout, ATooSmallWindowSaysWhenAQuestionWaits) {
 TEST_F(PageLayout, EverythingHasItsPlaceAtEverySize) {
   PageDriver driver;
   copyFor(driver, 43);
-  driver.page.hearMessage("sudo: a terminal is required to read the password; either use the -S option");
+  driver.page.addMessage("sudo: a terminal is required to read the password; either use the -S option");
   driver.hear("{'event':'instructions','text':'日本語のテキスト and e\u0301 more\\n\\nand more'}");
   driver.hear(
       "{'event':'sheet','button':'OK','message':'A message that is rather long, and wraps in most windows'}");

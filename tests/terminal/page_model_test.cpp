@@ -37,7 +37,7 @@ TEST(PageModel, ContinueOnTheFirstPageEntersThePage) {
   PageDriver driver;
   EXPECT_EQ(stepSigns(driver.page), ">...");
   driver.act(Action::press);
-  EXPECT_THAT(driver.wishes(), ElementsAre("enter"));
+  EXPECT_THAT(driver.requests(), ElementsAre("enter"));
   EXPECT_EQ(driver.page.stage(), PageModel::Stage::page);
   EXPECT_EQ(stepSigns(driver.page), "++>.");
 }
@@ -55,11 +55,11 @@ TEST(PageModel, ContinueIsEnabledAsThePageSays) {
   driver.enter();
   EXPECT_FALSE(isEnabled(driver.page, "Continue"));
   driver.act(Action::press);
-  EXPECT_THAT(driver.wishes(), IsEmpty());
+  EXPECT_THAT(driver.requests(), IsEmpty());
   driver.hear("{'event':'next','enabled':true}");
   EXPECT_TRUE(isEnabled(driver.page, "Continue"));
   driver.act(Action::press);
-  EXPECT_THAT(driver.wishes(), ElementsAre("forward"));
+  EXPECT_THAT(driver.requests(), ElementsAre("forward"));
 }
 
 TEST(PageModel, AnAllowedExitForwardsQuitsTheEngine) {
@@ -69,7 +69,7 @@ TEST(PageModel, AnAllowedExitForwardsQuitsTheEngine) {
   driver.hear("{'event':'idle'}");
   driver.act(Action::press);
   driver.hear("{'event':'exit','direction':0,'allowed':true}");
-  EXPECT_THAT(driver.wishes(), ElementsAre("forward", "quit"));
+  EXPECT_THAT(driver.requests(), ElementsAre("forward", "quit"));
   EXPECT_FALSE(isEnabled(driver.page, "Continue"));
 }
 
@@ -79,7 +79,7 @@ TEST(PageModel, ContinueIsPressedOnlyOnceWhileThePageIsAsked) {
   driver.hear("{'event':'next','enabled':true}");
   driver.act(Action::press);
   driver.act(Action::press);
-  EXPECT_THAT(driver.wishes(), ElementsAre("forward"));
+  EXPECT_THAT(driver.requests(), ElementsAre("forward"));
 }
 
 TEST(PageModel, GoBackIsEnabledAsThePageSaysAndLeadsToTheFirstPage) {
@@ -89,10 +89,10 @@ TEST(PageModel, GoBackIsEnabledAsThePageSaysAndLeadsToTheFirstPage) {
   driver.hear("{'event':'previous','enabled':true}");
   driver.press('g');
   driver.hear("{'event':'exit','direction':1,'allowed':true}");
-  EXPECT_THAT(driver.wishes(), ElementsAre("back"));
+  EXPECT_THAT(driver.requests(), ElementsAre("back"));
   EXPECT_EQ(driver.page.stage(), PageModel::Stage::introduction);
   driver.act(Action::press);
-  EXPECT_THAT(driver.wishes(), ElementsAre("enter"));
+  EXPECT_THAT(driver.requests(), ElementsAre("enter"));
 }
 
 TEST(PageModel, ARefusedExitStaysOnThePageUntilItsSheetIsRead) {
@@ -104,9 +104,9 @@ TEST(PageModel, ARefusedExitStaysOnThePageUntilItsSheetIsRead) {
   driver.hear("{'event':'next','enabled':false}");
   driver.hear("{'event':'sheet','button':'OK','message':'The installation has not finished.'}");
   driver.hear("{'event':'exit','direction':0,'allowed':false}");
-  EXPECT_THAT(driver.wishes(), ElementsAre("forward"));
+  EXPECT_THAT(driver.requests(), ElementsAre("forward"));
   driver.act(Action::press);
-  EXPECT_THAT(driver.wishes(), ElementsAre("quit"));
+  EXPECT_THAT(driver.requests(), ElementsAre("quit"));
 }
 
 TEST(PageModel, APageThatCanDoNothingAnyMoreGoesToTheLastPage) {
@@ -115,9 +115,9 @@ TEST(PageModel, APageThatCanDoNothingAnyMoreGoesToTheLastPage) {
   driver.hear("{'event':'sheet','button':'OK','message':'The folder was not found.'}");
   driver.hear("{'event':'entered'}");
   driver.hear("{'event':'idle'}");
-  EXPECT_THAT(driver.wishes(), IsEmpty());
+  EXPECT_THAT(driver.requests(), IsEmpty());
   driver.act(Action::press);
-  EXPECT_THAT(driver.wishes(), ElementsAre("quit"));
+  EXPECT_THAT(driver.requests(), ElementsAre("quit"));
 }
 
 TEST(PageModel, TheStatusOfOneBlankIsAnEmptyLine) {
@@ -184,7 +184,7 @@ Introduction withLittleRoom() {
 TEST(PageModel, TooLittleRoomIsAskedAboutBeforeThePageIsEntered) {
   PageDriver driver(withLittleRoom());
   driver.act(Action::press);
-  EXPECT_THAT(driver.wishes(), IsEmpty());
+  EXPECT_THAT(driver.requests(), IsEmpty());
   EXPECT_THAT(
       driver.windowTexts(),
       ElementsAre("There may not be enough room.", "The data takes 2.0 GB, and the disk has 300.0 MB free.",
@@ -196,7 +196,7 @@ TEST(PageModel, WithTooLittleRoomNotToInstallIsWhatEnterMeans) {
   PageDriver driver(withLittleRoom());
   driver.act(Action::press);
   driver.act(Action::press);
-  EXPECT_THAT(driver.wishes(), IsEmpty());
+  EXPECT_THAT(driver.requests(), IsEmpty());
   EXPECT_EQ(driver.page.stage(), PageModel::Stage::introduction);
 }
 
@@ -204,15 +204,15 @@ TEST(PageModel, WithTooLittleRoomTheUserMayInstallAllTheSame) {
   PageDriver driver(withLittleRoom());
   driver.act(Action::press);
   driver.press('i');
-  EXPECT_THAT(driver.wishes(), ElementsAre("enter"));
+  EXPECT_THAT(driver.requests(), ElementsAre("enter"));
 }
 
 // ---- The end ----
 
-RunOutcome success() {
-  RunOutcome outcome;
+RunResult success() {
+  RunResult outcome;
   outcome.status = ExitStatus::success;
-  outcome.isTold = true;
+  outcome.hasSummary = true;
   return outcome;
 }
 
@@ -223,13 +223,13 @@ TEST(PageModel, TheLastPageClosesByItsButton) {
   EXPECT_EQ(stepSigns(driver.page), "+++>");
   EXPECT_TRUE(isEnabled(driver.page, "Close"));
   driver.act(Action::press);
-  EXPECT_THAT(driver.wishes(), ElementsAre("close"));
+  EXPECT_THAT(driver.requests(), ElementsAre("close"));
 }
 
 TEST(PageModel, AFailedInstallIsAFailedStep) {
   PageDriver driver;
   driver.enter();
-  driver.page.end(RunOutcome{}, driver.now());
+  driver.page.end(RunResult{}, driver.now());
   EXPECT_EQ(stepSigns(driver.page), "++x>");
 }
 
@@ -245,8 +245,8 @@ TEST(PageModel, ThePagesLastTextOverAFailedInstallIsSetRight) {
 
 TEST(PageModel, WhatCommandsSayIsKeptAndTheLatestIsANotice) {
   PageDriver driver;
-  driver.page.hearMessage("sudo: a password is required");
-  driver.page.hearMessage("");
+  driver.page.addMessage("sudo: a password is required");
+  driver.page.addMessage("");
   EXPECT_EQ(driver.page.notice(), "sudo: a password is required");
   EXPECT_THAT(driver.page.messages(), ElementsAre("sudo: a password is required"));
 }
@@ -254,7 +254,7 @@ TEST(PageModel, WhatCommandsSayIsKeptAndTheLatestIsANotice) {
 TEST(PageModel, OnlyTheLatestMessagesAreKept) {
   PageDriver driver;
   for (int i = 0; i < 1000; ++i) {
-    driver.page.hearMessage("message " + std::to_string(i));
+    driver.page.addMessage("message " + std::to_string(i));
   }
   EXPECT_EQ(driver.page.messages().size(), 200U);
   EXPECT_EQ(driver.page.messages().back(), "message 999");
@@ -267,7 +267,7 @@ TEST(PageModel, LeavingIsAskedAboutAndStayingIsTheFirstButton) {
   driver.act(Action::leave);
   EXPECT_THAT(driver.windowTexts(), ElementsAre("Leave the installer?", "Nothing has been installed yet."));
   driver.act(Action::press);
-  EXPECT_THAT(driver.wishes(), IsEmpty());
+  EXPECT_THAT(driver.requests(), IsEmpty());
   EXPECT_FALSE(driver.page.hasWindow());
 }
 
@@ -275,16 +275,16 @@ TEST(PageModel, LeavingIsDoneWhenItIsMeant) {
   PageDriver driver;
   driver.act(Action::leave);
   driver.press('l');
-  EXPECT_THAT(driver.wishes(), ElementsAre("leave"));
+  EXPECT_THAT(driver.requests(), ElementsAre("leave"));
 }
 
 TEST(PageModel, AskedToLeaveTwiceTheSecondButtonIsTheOneThatEnterPresses) {
   PageDriver driver;
   driver.act(Action::leave);
   driver.act(Action::leave);
-  EXPECT_THAT(driver.wishes(), IsEmpty());
+  EXPECT_THAT(driver.requests(), IsEmpty());
   driver.act(Action::press);
-  EXPECT_THAT(driver.wishes(), ElementsAre("leave"));
+  EXPECT_THAT(driver.requests(), ElementsAre("leave"));
 }
 
 TEST(PageModel, LeavingSaysWhatIsLeftHalfDone) {
@@ -329,7 +329,7 @@ TEST(PageModel, TheLastPageIsLeftWithoutAsking) {
   PageDriver driver;
   driver.page.end(success(), driver.now());
   driver.act(Action::leave);
-  EXPECT_THAT(driver.wishes(), ElementsAre("close"));
+  EXPECT_THAT(driver.requests(), ElementsAre("close"));
 }
 
 }  // namespace

@@ -26,7 +26,7 @@ TEST(PageWindows, AnAlertIsAWindowWithItsButtons) {
   driver.hear(kDiscAlert);
   EXPECT_THAT(driver.windowTexts(), ElementsAre("Ready for next volume", "Please insert Tessaphon B"));
   driver.act(Action::press);
-  EXPECT_THAT(driver.wishes(), ElementsAre("answer 1000"));
+  EXPECT_THAT(driver.requests(), ElementsAre("answer 1000"));
   EXPECT_FALSE(driver.page.hasWindow());
 }
 
@@ -36,14 +36,14 @@ TEST(PageWindows, TheSecondButtonOfAnAlertIsReachedByTabAndArrowsAndKey) {
   driver.hear(kOptionalDiscAlert);
   driver.act(Action::focusNext);
   driver.act(Action::press);
-  EXPECT_THAT(driver.wishes(), ElementsAre("answer 1001"));
+  EXPECT_THAT(driver.requests(), ElementsAre("answer 1001"));
   driver.hear(kOptionalDiscAlert);
   driver.act(Action::focusPrevious);
   driver.act(Action::press);
-  EXPECT_THAT(driver.wishes(), ElementsAre("answer 1001"));
+  EXPECT_THAT(driver.requests(), ElementsAre("answer 1001"));
   driver.hear(kOptionalDiscAlert);
   driver.press('s');
-  EXPECT_THAT(driver.wishes(), ElementsAre("answer 1001"));
+  EXPECT_THAT(driver.requests(), ElementsAre("answer 1001"));
 }
 
 TEST(PageWindows, EscapeNeverSkipsADiscByItself) {
@@ -51,9 +51,9 @@ TEST(PageWindows, EscapeNeverSkipsADiscByItself) {
   driver.enter();
   driver.hear(kOptionalDiscAlert);
   driver.act(Action::cancel);
-  EXPECT_THAT(driver.wishes(), IsEmpty());
+  EXPECT_THAT(driver.requests(), IsEmpty());
   driver.act(Action::press);
-  EXPECT_THAT(driver.wishes(), ElementsAre("answer 1001"));
+  EXPECT_THAT(driver.requests(), ElementsAre("answer 1001"));
 }
 
 TEST(PageWindows, EscapeAnswersAnAlertWithOneButton) {
@@ -61,7 +61,7 @@ TEST(PageWindows, EscapeAnswersAnAlertWithOneButton) {
   driver.enter();
   driver.hear(kDiscAlert);
   driver.act(Action::cancel);
-  EXPECT_THAT(driver.wishes(), ElementsAre("answer 1000"));
+  EXPECT_THAT(driver.requests(), ElementsAre("answer 1000"));
 }
 
 TEST(PageWindows, TheClockStandsStillWhileAnAlertWaits) {
@@ -85,7 +85,7 @@ TEST(PageWindows, ASheetDoesNotStopTheClockAndWantsNothingOfTheEngine) {
   EXPECT_THAT(driver.windowTexts(),
               ElementsAre("A problem", "Failed to open input file.", "The installation goes on meanwhile."));
   driver.act(Action::press);
-  EXPECT_THAT(driver.wishes(), IsEmpty());
+  EXPECT_THAT(driver.requests(), IsEmpty());
   EXPECT_FALSE(driver.page.hasWindow());
 }
 
@@ -130,7 +130,7 @@ TEST(PageWindows, AnAlertStandsAboveASheetWhichComesAfterIt) {
   driver.hear(kSheet);
   driver.hear(kDiscAlert);
   driver.act(Action::press);
-  EXPECT_THAT(driver.wishes(), ElementsAre("answer 1000"));
+  EXPECT_THAT(driver.requests(), ElementsAre("answer 1000"));
   EXPECT_THAT(driver.windowTexts(),
               ElementsAre("A problem", "Failed to open input file.", "The installation goes on meanwhile."));
 }
@@ -141,7 +141,7 @@ TEST(PageWindows, TheQuestionWhetherToLeaveStandsAboveAll) {
   driver.hear(kDiscAlert);
   driver.act(Action::leave);
   driver.act(Action::press);
-  EXPECT_THAT(driver.wishes(), IsEmpty());
+  EXPECT_THAT(driver.requests(), IsEmpty());
   EXPECT_THAT(driver.windowTexts(), ElementsAre("Ready for next volume", "Please insert Tessaphon B"));
 }
 
@@ -161,7 +161,7 @@ TEST(PageWindows, ThePagesButtonsAreOutOfReachBehindAWindow) {
   driver.hear(kSheet);
   EXPECT_EQ(driver.page.focus(), std::nullopt);
   driver.press('c');
-  EXPECT_THAT(driver.wishes(), IsEmpty());
+  EXPECT_THAT(driver.requests(), IsEmpty());
 }
 
 // ---- Keys ----

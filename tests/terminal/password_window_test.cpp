@@ -20,7 +20,7 @@ class PasswordWindow : public InUtf8 {
  protected:
   PasswordWindow() { driver.enter(); }
 
-  void ask(const char* prompt = kPrompt) { driver.page.hearPasswordQuestion(prompt, driver.now()); }
+  void ask(const char* prompt = kPrompt) { driver.page.setPasswordPrompt(prompt, driver.now()); }
   void type(const std::string& text) {
     for (const char character : text) {
       driver.page.type({&character, 1});
@@ -36,9 +36,9 @@ TEST_F(PasswordWindow, SaysWhoAsksAndShowsStars) {
   EXPECT_THAT(driver.windowTexts(), ElementsAre("A password is needed", "A command of the installation asks:",
                                                 kPrompt, "***_____________________________"));
   driver.act(Action::press);
-  EXPECT_THAT(driver.wishes(), ElementsAre("tell password"));
+  EXPECT_THAT(driver.requests(), ElementsAre("send password"));
   EXPECT_EQ(driver.page.typedPassword().text(), "abc");
-  driver.page.forgetPassword();
+  driver.page.clearPassword();
   EXPECT_EQ(driver.page.typedPassword().text(), "");
   EXPECT_FALSE(driver.page.hasWindow());
 }
@@ -54,7 +54,7 @@ TEST_F(PasswordWindow, NoLetterPressesAButton) {
   ask();
   driver.press('c');
   driver.press('o');
-  EXPECT_THAT(driver.wishes(), IsEmpty());
+  EXPECT_THAT(driver.requests(), IsEmpty());
   EXPECT_TRUE(driver.page.takesTyping());
 }
 
@@ -62,32 +62,32 @@ TEST_F(PasswordWindow, EscapeOnlyGoesToCancel) {
   ask();
   type("abc");
   driver.act(Action::cancel);
-  EXPECT_THAT(driver.wishes(), IsEmpty());
+  EXPECT_THAT(driver.requests(), IsEmpty());
   driver.act(Action::press);
-  EXPECT_THAT(driver.wishes(), ElementsAre("refuse password"));
+  EXPECT_THAT(driver.requests(), ElementsAre("refuse password"));
   EXPECT_EQ(driver.page.typedPassword().text(), "");
 }
 
 TEST_F(PasswordWindow, GoesWhenTheCommandAsksNoMore) {
   ask();
   type("abc");
-  driver.page.hearPasswordQuestion(std::nullopt, driver.now());
+  driver.page.setPasswordPrompt(std::nullopt, driver.now());
   EXPECT_FALSE(driver.page.hasWindow());
   EXPECT_EQ(driver.page.typedPassword().text(), "");
-  EXPECT_THAT(driver.wishes(), IsEmpty());
+  EXPECT_THAT(driver.requests(), IsEmpty());
 }
 
 TEST_F(PasswordWindow, AskedAgainItSaysWhatTheCommandHasSaid) {
-  driver.page.hearMessage("something of before");
+  driver.page.addMessage("something of before");
   ask();
   EXPECT_EQ(driver.windowTexts()[1], "A command of the installation asks:");
   driver.act(Action::press);
   driver.at(2);
-  driver.page.hearMessage("Sorry, try again.");
+  driver.page.addMessage("Sorry, try again.");
   ask();
   EXPECT_EQ(driver.windowTexts()[1], "Sorry, try again.");
   driver.act(Action::press);
-  driver.page.hearMessage("cp: something else");
+  driver.page.addMessage("cp: something else");
   driver.at(60);
   ask();
   EXPECT_EQ(driver.windowTexts()[1], "A command of the installation asks:");

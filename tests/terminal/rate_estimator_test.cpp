@@ -73,15 +73,6 @@ TEST(RateEstimator, NoTimeLeftIsToldWhenMoreIsDoneThanWasAnnounced) {
   EXPECT_FALSE(estimator.remaining(Seconds(20), 150 * kMegabyte));
 }
 
-TEST(RateEstimator, AfterARestartOnlyWhatComesThenCounts) {
-  RateEstimator estimator;
-  copy(estimator, 0, 20, 50 * kMegabyte, 0);
-  estimator.restart(Seconds(20));
-  EXPECT_FALSE(estimator.rate(Seconds(21)));
-  copy(estimator, 20, 30, 5 * kMegabyte, 0);
-  EXPECT_NEAR(estimator.rate(Seconds(30)).value_or(0), 5 * kMegabyte, kMegabyte);
-}
-
 // ---- The number that is shown ----
 
 Seconds minutes(double count) { return Seconds(count * 60); }

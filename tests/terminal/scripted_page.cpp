@@ -97,6 +97,8 @@ class ScriptedPage final : public InstallerPane {
     PaneSnapshot snapshot;
     snapshot.readyToProceed = isReady_;
     snapshot.kBytesCopied = kBytes_;
+    snapshot.bytesWritten = kBytes_ * 1024;
+    snapshot.currentFile = kBytes_ > 0 ? "/Volumes/A/TANVO/1.db" : "";
     return snapshot;
   }
 
@@ -133,7 +135,7 @@ class ScriptedPage final : public InstallerPane {
       host().progressIndicator().setMaxValue(number);
     } else if (step == "value") {
       kBytes_ = number > 1.0 ? static_cast<std::int64_t>(number) : kBytes_.load();
-      host().progressIndicator().setDoubleValue(number);
+      onMainThread([&] { host().progressIndicator().setDoubleValue(number); });
     } else if (step == "next") {
       host().setNextEnabled(number != 0);
     } else if (step == "previous") {

@@ -247,7 +247,7 @@ TEST_F(TerminalPageTest, ALongTextIsScrolled) {
 }
 
 // An update's bar starts again from the left each time it is full, so it says nothing of the whole.
-TEST_F(TerminalPageTest, ABarThatWrapsComesWithTheTimePassedAlone) {
+TEST_F(TerminalPageTest, ABarThatWrapsComesWithTheAmountButNoTotal) {
   const auto command = runScript(
       "thread\ninstructions Now updating.\nmax 1000000\nvalue 900000\nvalue 400000\n"
       "status Installing... Keyboards\n" +

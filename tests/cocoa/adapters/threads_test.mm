@@ -48,6 +48,8 @@ class ToldHost final : public InstallerHost {
     recordCall(std::string("ended ") + name);
     hasEnded = true;
   }
+  void copyBegun(const TreeCopy& /*copy*/) noexcept override {}
+  void copyFinished(const TreeCopy& /*copy*/, bool /*isCopied*/) noexcept override {}
   void assertionTaken(const char* /*type*/, std::uint32_t /*level*/, const char* /*name*/) noexcept override {}
   void assertionReleased(const char* /*type*/) noexcept override {}
 

@@ -1,4 +1,4 @@
-#include "host/desktop/desktop_run.h"
+#include "host/cli/desktop_program.h"
 
 #include "tests/support/files.h"
 
@@ -19,7 +19,7 @@ using testing::StartsWith;
 
 constexpr const char* kPackageArgument = "--package=/Users/tester/Downloads/Set/Installer.pkg";
 
-std::optional<ExitStatus> readArguments(DesktopRun& run, std::vector<std::string> arguments) {
+std::optional<ExitStatus> readArguments(DesktopProgram& run, std::vector<std::string> arguments) {
   arguments.insert(arguments.begin(), "tavinstall-desktop");
   std::vector<char*> pointers;
   for (std::string& argument : arguments) {
@@ -55,7 +55,7 @@ class DesktopRuns : public testing::Test {
         std::nullopt);
   }
 
-  DesktopRun run_;
+  DesktopProgram run_;
 };
 
 TEST_F(DesktopRuns, TheIntroductionSaysWhatWillBeInstalledFromWhereAndToWhere) {
@@ -73,20 +73,20 @@ TEST_F(DesktopRuns, TheIntroductionSaysWhatWillBeInstalledFromWhereAndToWhere) {
 TEST_F(DesktopRuns, WhatIsNotAnArgumentIsTakenFromTheEnvironment) {
   setenv("TAVINSTALL_PACKAGE", "/Users/tester/Downloads/Set/Installer.pkg", 1);
   setenv("TAVINSTALL_PRODUCT", "Lumaweave", 1);
-  DesktopRun run;
+  DesktopProgram run;
   ASSERT_EQ(readArguments(run, {}), std::nullopt);
   EXPECT_EQ(run.productName(), "Lumaweave");
 }
 
 TEST_F(DesktopRuns, APackageThatIsNotThereCannotBeUsed) {
-  DesktopRun run;
+  DesktopProgram run;
   testing::internal::CaptureStderr();
   EXPECT_EQ(readArguments(run, {"--package=/Users/tester/none.pkg"}), ExitStatus::badUsage);
   EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("no package at /Users/tester/none.pkg"));
 }
 
 TEST_F(DesktopRuns, ThereAreNoPositionalArguments) {
-  DesktopRun run;
+  DesktopProgram run;
   testing::internal::CaptureStderr();
   EXPECT_EQ(readArguments(run, {kPackageArgument, "/Users/tester/x"}), ExitStatus::badUsage);
   EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("/Users/tester/x"));
@@ -96,7 +96,7 @@ TEST_F(DesktopRuns, PreparingDoesThePreInstallStepAndKeepsASecondInstallOut) {
   EXPECT_EQ(run_.prepare(), "");
   EXPECT_EQ(readFile("/tmp/TavInstallLoc"), "/Users/tester/Downloads/Set/Installer.pkg\n");
 
-  DesktopRun second;
+  DesktopProgram second;
   ASSERT_EQ(readArguments(second, {kPackageArgument}), std::nullopt);
   EXPECT_NE(second.prepare(), "");
 }

@@ -1,8 +1,9 @@
 #pragma once
 
-#include "host/protocol/event_sink.h"
+#include "host/protocol/events.h"
 
 #import <AppKit/AppKit.h>
+#include <functional>
 
 @class InstallerPane;
 
@@ -14,10 +15,12 @@
 
 namespace tavenhall::test {
 
-// Tells the sink, as events, what the page makes of real controls, alerts and sheets, and which power
-// assertions it takes. Texts are told as the control has them afterwards. The page's threads tell too, so the
-// sink bears several at a time. Once a process, before any thread; both live for the process.
-void tellAppKitEvents(EventSink& events, id<AlertWatcher> watcher);
+using Report = std::function<void(const Event& event)>;
+
+// Reports, as events, what the page makes of real controls, alerts and sheets, and which power assertions it
+// takes. Texts are reported as the control has them afterwards. The page's threads report too, so `report` must
+// bear several at a time. Once a process, before any thread.
+void reportAppKitEvents(Report report, id<AlertWatcher> watcher);
 
 // Whose controls are looked at, once the layout is loaded.
 void watchPane(InstallerPane* pane);

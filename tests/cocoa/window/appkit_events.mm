@@ -12,7 +12,7 @@
 
 namespace {
 
-tavenhall::EventSink* theEvents = nullptr;
+tavenhall::test::Report theReport;
 id<AlertWatcher> theWatcher = nil;
 
 // Set once the layout is loaded.
@@ -31,12 +31,12 @@ IOReturn IOPMAssertionCreateWithName(CFStringRef type, IOPMAssertionLevel level,
   const bool isDisplay = [(NSString*)type isEqualToString:@"NoDisplaySleepAssertion"];
   *identifier = isDisplay ? 1 : 2;
   heldTypes.at(*identifier - 1) = isDisplay ? "NoDisplaySleepAssertion" : "NoIdleSleepAssertion";
-  theEvents->assertion([(NSString*)type UTF8String], level, [(NSString*)name UTF8String]);
+  theReport(tavenhall::event::Assertion{[(NSString*)type UTF8String], level, [(NSString*)name UTF8String]});
   return kIOReturnSuccess;
 }
 
 IOReturn IOPMAssertionRelease(IOPMAssertionID identifier) {
-  theEvents->assertionReleased(heldTypes.at(identifier - 1));
+  theReport(tavenhall::event::AssertionRelease{heldTypes.at(identifier - 1)});
   return kIOReturnSuccess;
 }
 
@@ -55,7 +55,7 @@ __attribute__((visibility("default"))) void NSBeginInformationalAlertSheet(
   va_start(none, message);
   NSString* shown = [[[NSString alloc] initWithFormat:message arguments:none] autorelease];
   va_end(none);
-  theEvents->sheet({[defaultButton UTF8String], [shown UTF8String]});
+  theReport(tavenhall::event::Sheet{[defaultButton UTF8String], [shown UTF8String]});
   begin(title, defaultButton, alternateButton, otherButton, docWindow, modalDelegate, willEndSelector,
         didEndSelector, contextInfo, message);
 }
@@ -70,8 +70,12 @@ __attribute__((visibility("default"))) void NSBeginInformationalAlertSheet(
 - (void)told_setTitleWithMnemonic:(NSString*)text {
   [self told_setTitleWithMnemonic:text];
   if (self == theInstructions || self == theStatus) {
-    const char* name = self == theInstructions ? "instructions" : "status";
-    theEvents->text(name, [[self stringValue] UTF8String]);
+    const char* shown = [[self stringValue] UTF8String];
+    if (self == theInstructions) {
+      theReport(tavenhall::event::Instructions{shown});
+    } else {
+      theReport(tavenhall::event::Status{shown});
+    }
   }
 }
 @end
@@ -83,25 +87,25 @@ __attribute__((visibility("default"))) void NSBeginInformationalAlertSheet(
 @end
 
 @implementation NSProgressIndicator (Told)
-- (void)tell:(const char*)event value:(double)value {
+- (void)report:(const tavenhall::Event&)event {
   if (self == theBar) {
-    theEvents->number(event, value);
+    theReport(event);
   }
 }
 
 - (void)told_setMinValue:(double)value {
   [self told_setMinValue:value];
-  [self tell:"progress.min" value:value];
+  [self report:tavenhall::event::ProgressMinimum{value}];
 }
 
 - (void)told_setMaxValue:(double)value {
   [self told_setMaxValue:value];
-  [self tell:"progress.max" value:value];
+  [self report:tavenhall::event::ProgressMaximum{value}];
 }
 
 - (void)told_setDoubleValue:(double)value {
   [self told_setDoubleValue:value];
-  [self tell:"progress.value" value:value];
+  [self report:tavenhall::event::ProgressValue{value, {}}];
 }
 @end
 
@@ -123,7 +127,8 @@ __attribute__((visibility("default"))) void NSBeginInformationalAlertSheet(
                                [[self informativeText] UTF8String],
                                buttons,
                                static_cast<int>([self alertStyle])};
-  theEvents->alert(alert);
+  theReport(tavenhall::event::Alert{
+      alert.messageText, alert.informativeText, {buttons.begin(), buttons.end()}, alert.style});
   [theWatcher alertIsUp:self];
   const NSInteger answer = [self told_runModal];
   [theWatcher alertIsGone:self];
@@ -133,8 +138,8 @@ __attribute__((visibility("default"))) void NSBeginInformationalAlertSheet(
 
 namespace tavenhall::test {
 
-void tellAppKitEvents(EventSink& events, id<AlertWatcher> watcher) {
-  theEvents = &events;
+void reportAppKitEvents(Report report, id<AlertWatcher> watcher) {
+  theReport = std::move(report);
   theWatcher = watcher;
   exchangeMethods([NSTextField class], @selector(setTitleWithMnemonic:), @selector(told_setTitleWithMnemonic:));
   exchangeMethods([NSProgressIndicator class], @selector(setMinValue:), @selector(told_setMinValue:));

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "host/protocol/command_source.h"
-#include "host/protocol/event_sink.h"
 #include "tests/cocoa/window/appkit_events.h"
+#include "tests/cocoa/window/request_queue.h"
 
 #import "platform/cocoa/gnustep/installer_plugins.h"
 
@@ -12,8 +11,8 @@
 // thread.
 @interface PlayedInstaller : NSObject <SectionInstaller, AlertWatcher> {
  @private
-  tavenhall::CommandSource* commands_;
-  tavenhall::EventSink* events_;
+  tavenhall::test::RequestQueue* requests_;
+  tavenhall::test::Report report_;
   InstallerSection* section_;
   InstallerPane* pane_;
   NSWindow* window_;
@@ -21,7 +20,7 @@
   NSAlert* clickedAlert_;  // the same, once its button was clicked on
   int installs_;           // that run
 }
-- (id)initWithCommands:(tavenhall::CommandSource&)commands events:(tavenhall::EventSink&)events;
+- (id)initWithRequests:(tavenhall::test::RequestQueue&)requests report:(tavenhall::test::Report)report;
 
 // Shows the bundle's page in a window; NO where it cannot be loaded.
 - (BOOL)showPageOfBundle:(NSString*)path;

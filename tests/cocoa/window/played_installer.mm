@@ -42,15 +42,15 @@ void countedInstall(id pane, SEL selector) {
 
 @implementation PlayedInstaller
 
-- (id)initWithCommands:(tavenhall::CommandSource&)commands events:(tavenhall::EventSink&)events {
+- (id)initWithRequests:(tavenhall::test::RequestQueue&)requests report:(tavenhall::test::Report)report {
   self = [super init];
-  commands_ = &commands;
-  events_ = &events;
+  requests_ = &requests;
+  report_ = report;
   theInstaller = self;
   tavenhall::test::exchangeClassMethods([NSThread class],
                                         @selector(detachNewThreadSelector:toTarget:withObject:),
                                         @selector(counted_detachNewThreadSelector:toTarget:withObject:));
-  tavenhall::test::tellAppKitEvents(events, self);
+  tavenhall::test::reportAppKitEvents(report, self);
   return self;
 }
 
@@ -83,7 +83,7 @@ void countedInstall(id pane, SEL selector) {
 
 - (void)waitForInput {
   @autoreleasepool {
-    while (!commands_->isClosed()) {
+    while (!requests_->isClosed()) {
       pollfd input{STDIN_FILENO, POLLIN, 0};
       ::poll(&input, 1, -1);
       [self performSelectorOnMainThread:@selector(readInput)
@@ -95,7 +95,7 @@ void countedInstall(id pane, SEL selector) {
 }
 
 - (void)readInput {
-  commands_->read();
+  requests_->read();
   [self serveSoon];
 }
 
@@ -126,29 +126,29 @@ void countedInstall(id pane, SEL selector) {
   if (alert_ != nil) {
     return;
   }
-  while (auto command = commands_->next()) {
+  while (auto command = requests_->nextCommand()) {
     const bool needsIdlePage = *command == Command::enter || *command == Command::wait;
     if (alert_ != nil || (needsIdlePage && installs_ > 0)) {
       return;
     }
-    commands_->drop();
+    requests_->dropCommand();
     [self perform:*command];
   }
-  if (commands_->isClosed()) {
+  if (requests_->isClosed()) {
     [self end];
   }
 }
 
 - (void)perform:(Command)command {
   switch (command) {
-    case Command::title: events_->text("title", [[pane_ title] UTF8String]); break;
+    case Command::title: report_(tavenhall::event::Title{[[pane_ title] UTF8String]}); break;
     case Command::enter:
       [section_ setActivePane:pane_];
       [pane_ willEnterPane:InstallerDirectionForward];
       [pane_ didEnterPane:InstallerDirectionForward];
-      events_->plain("entered");
+      report_(tavenhall::event::Entered{});
       break;
-    case Command::wait: events_->plain("idle"); break;
+    case Command::wait: report_(tavenhall::event::Idle{}); break;
     case Command::forward: [self leavePane:pane_ direction:InstallerDirectionForward]; break;
     case Command::back: [self leavePane:pane_ direction:InstallerDirectionBackward]; break;
     case Command::quit: [self end]; break;
@@ -167,16 +167,16 @@ void countedInstall(id pane, SEL selector) {
 // ---- What the pane asks for ----
 
 - (void)pane:(InstallerPane*)pane setNextEnabled:(BOOL)flag {
-  events_->enabled("next", flag);
+  report_(tavenhall::event::NextEnabled{flag == YES});
 }
 
 - (void)pane:(InstallerPane*)pane setPreviousEnabled:(BOOL)flag {
-  events_->enabled("previous", flag);
+  report_(tavenhall::event::PreviousEnabled{flag == YES});
 }
 
 - (BOOL)leavePane:(InstallerPane*)pane direction:(InstallerSectionDirection)direction {
   const BOOL isAllowed = [pane shouldExitPane:direction];
-  events_->exit(direction, isAllowed);
+  report_(tavenhall::event::Exit{direction, isAllowed == YES});
   return isAllowed;
 }
 
@@ -201,9 +201,9 @@ void countedInstall(id pane, SEL selector) {
     [self serveSoon];  // it is being put up, and would not take a click yet
     return;
   }
-  const auto answer = commands_->takeAnswer();
+  const auto answer = requests_->takeAnswer();
   if (!answer) {
-    if (alert_ != nil && commands_->isClosed()) {
+    if (alert_ != nil && requests_->isClosed()) {
       NSLog(@"an alert waits for an answer, and none can come");
       _exit(3);
     }

@@ -1,0 +1,47 @@
+#include "host/base/files.h"
+
+#include "host/base/errors.h"
+#include "host/base/text.h"
+
+#include <cerrno>
+#include <cstring>
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+namespace tavenhall {
+
+namespace fs = std::filesystem;
+
+void requireNoSpecialFile(const fs::path& path) {
+  std::error_code error;
+  const fs::file_status status = fs::status(path, error);
+  if (fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status)) {
+    throw UsageError(
+        format(_("{0} is a pipe, a socket or a device; put a file in its place"), {path.string()}));
+  }
+}
+
+void requireWritable(const fs::path& path) {
+  std::error_code error;
+  if (fs::is_directory(path, error)) {
+    throw UsageError(format(_("cannot write {0}: it is a folder; name a file"), {path.string()}));
+  }
+  const fs::path probed = fs::exists(path, error) ? path : path.parent_path() / ".";
+  if (access(probed.c_str(), W_OK) != 0) {
+    throw UsageError(format(_("cannot write {0}: {1}"), {path.string(), std::strerror(errno)}));
+  }
+}
+
+std::optional<std::int64_t> freeBytesAt(const std::string& path) {
+  fs::path folder = path;
+  struct statvfs disk {};
+  while (statvfs(folder.c_str(), &disk) != 0) {
+    if (!folder.has_relative_path()) {
+      return std::nullopt;
+    }
+    folder = folder.parent_path();
+  }
+  return static_cast<std::int64_t>(disk.f_bavail) * static_cast<std::int64_t>(disk.f_frsize);
+}
+
+}  // namespace tavenhall

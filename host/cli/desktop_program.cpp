@@ -1,0 +1,197 @@
+#include "host/cli/desktop_program.h"
+
+#include "host/base/build_facts.h"
+#include "host/base/errors.h"
+#include "host/base/program_files.h"
+#include "host/base/text.h"
+#include "host/base/units.h"
+#include "host/cli/command_line.h"
+#include "host/cli/help_text.h"
+#include "host/engine/pre_install.h"
+#include "host/engine/stand_ins.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <exception>
+#include <fcntl.h>
+#include <sstream>
+#include <unistd.h>
+
+namespace tavenhall {
+
+namespace {
+
+using Clock = ProgressMeter::Clock;
+
+constexpr int kUnwrapped = 10000;  // wider than any text: the window wraps
+
+// Objective-C must not see an exception: prints it on standard error and returns `answer` instead.
+template <typename Answer, typename Work>
+Answer orElse(Answer answer, Work work) noexcept {
+  try {
+    return work();
+  } catch (const std::exception& error) {
+    showError(error);
+    return answer;
+  }
+}
+
+// The commands that the page runs read nothing.
+void closeInput() {
+  const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
+  if (nothing >= 0) {
+    dup2(nothing, STDIN_FILENO);
+    close(nothing);
+  }
+}
+
+EngineOptions readOptions(CLI::App& program, int argumentCount, char** arguments) {
+  EngineOptions options;
+  std::string package;
+  std::string product;
+  std::string bundle;
+  program.formatter_fn(
+      [](const CLI::App* app, const std::string&, CLI::AppFormatMode) { return helpText(*app); });
+  program.set_help_flag("-h,--help", _("Say this"));
+  program.set_version_flag("--version", std::string("tavinstall-desktop ") + kVersion,
+                           _("Say which version this is"));
+  program.add_option("--package", package, _("The installer package; its data lies beside it or on discs"))
+      ->type_name("PATH")
+      ->envname("TAVINSTALL_PACKAGE")
+      ->required();
+  program
+      .add_option("--install-type", options.installType,
+                  _("Lite or Full: the edition to install, where there is a choice"))
+      ->check(oneOf({"Lite", "Full"}))
+      ->type_name("TYPE")
+      ->envname("TAVINSTALL_INSTALL_TYPE");
+  CLI::Option* productOption = program
+                                   .add_option("--product", product,
+                                               format(_("The product whose plug-in shows the page: {0}"),
+                                                      {CLI::detail::join(productNames(), ", ")}))
+                                   ->check(oneOf(productNames()))
+                                   ->type_name("NAME")
+                                   ->envname("TAVINSTALL_PRODUCT");
+  program.add_option("--bundle", bundle, _("The plug-in bundle, instead of a product's own"))
+      ->type_name("DIR")
+      ->envname("TAVINSTALL_BUNDLE")
+      ->excludes(productOption);
+  program.parse(argumentCount, arguments);
+  options.package = packageLocation(package);
+  options.bundle =
+      std::filesystem::absolute(bundle.empty() ? findBundle(product) : std::filesystem::path(bundle));
+  return options;
+}
+
+}  // namespace
+
+void DesktopProgram::setLanguage(const std::string& language) noexcept {
+  orElse(false, [&] {
+    speakLanguage(language, findCatalogs());
+    return true;
+  });
+}
+
+std::optional<ExitStatus> DesktopProgram::read(int argumentCount, char** arguments) noexcept {
+  return orElse(std::optional(ExitStatus::badUsage), [&]() -> std::optional<ExitStatus> {
+    CLI::App program{_("Plays the installer around the data page, in a window."), "tavinstall-desktop"};
+    try {
+      options_ = readOptions(program, argumentCount, arguments);
+    } catch (const CLI::Success& request) {
+      std::ostringstream text;
+      program.exit(request, text);  // help or version
+      std::fputs(text.str().c_str(), stdout);
+      return ExitStatus::success;
+    }
+    bundlePath_ = options_.bundle.string();
+    description_ = describeRun(options_);
+    const Lock lock(meterMutex_);
+    meter_ = ProgressMeter(description_.introduction.barWraps);
+    closeInput();
+    return std::nullopt;
+  });
+}
+
+const std::string& DesktopProgram::productName() const noexcept {
+  return description_.introduction.productName;
+}
+
+DesktopText DesktopProgram::introduction() const noexcept {
+  return orElse(DesktopText{}, [this] {
+    return DesktopText{{format(_("Welcome to the {0} installer"), {productName()}), Style::heading},
+                       introductionLines(description_.introduction, kUnwrapped)};
+  });
+}
+
+std::string DesktopProgram::prepare() noexcept {
+  try {
+    lock_ = std::make_unique<InstallLock>(true);
+    runPreInstallStep(options_.package, options_.installType);
+    addStandInsToPath();
+    keepSystemTextsEnglish();
+    return {};
+  } catch (const std::exception& error) {
+    return error.what();
+  }
+}
+
+void DesktopProgram::begin() noexcept {
+  const Lock lock(meterMutex_);
+  meter_.start(Clock::now());
+}
+
+void DesktopProgram::setProgress(const DesktopProgress& progress) noexcept {
+  const Lock lock(meterMutex_);
+  meter_.setMinimum(progress.minimum);
+  meter_.setMaximum(progress.maximum);
+  meter_.setValue(progress.value);
+  meter_.setBytes(progress.bytesWritten, Clock::now());
+}
+
+void DesktopProgram::setPaused(bool isPaused) noexcept {
+  const Lock lock(meterMutex_);
+  if (isPaused) {
+    meter_.pause(Clock::now());
+  } else {
+    meter_.resume(Clock::now());
+  }
+}
+
+void DesktopProgram::end() noexcept {
+  orElse(false, [this] {
+    const Lock lock(meterMutex_);
+    meter_.finish(Clock::now());
+    result_.status = ExitStatus::success;
+    result_.hasSummary = true;
+    result_.bytesWritten = meter_.copied();
+    result_.time = meter_.passed(Clock::now());
+    result_.destination = description_.introduction.destination;
+    result_.log = description_.log;
+    result_.failures = description_.failures();
+    return true;
+  });
+}
+
+std::string DesktopProgram::paceText() noexcept {
+  return orElse(std::string(), [this] {
+    const Lock lock(meterMutex_);
+    const auto now = Clock::now();
+    const auto rate = meter_.rate(now);
+    const auto minutes = meter_.minutesLeft(now);
+    std::string text = rate ? sizeText(*rate) + "/s" : "";
+    if (minutes) {
+      text += (text.empty() ? "" : ", ") + timeLeftText(*minutes);
+    }
+    return text;
+  });
+}
+
+DesktopText DesktopProgram::summary() const noexcept {
+  return orElse(DesktopText{}, [this] {
+    return DesktopText{resultHeading(result_), resultLines(result_, kUnwrapped)};
+  });
+}
+
+ExitStatus DesktopProgram::exitStatus() const noexcept { return result_.exitStatus(); }
+
+}  // namespace tavenhall

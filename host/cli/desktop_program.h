@@ -1,0 +1,50 @@
+#pragma once
+
+#include "host/base/mutex.h"
+#include "host/cli/run_description.h"
+#include "host/desktop/desktop_run.h"
+#include "host/engine/install_lock.h"
+#include "host/engine/run_engine.h"
+#include "host/ui/progress_meter.h"
+#include "host/ui/run_result.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace tavenhall {
+
+// What `tavinstall-desktop` does besides showing its window.
+class DesktopProgram final : public DesktopRun {
+ public:
+  // Selects the language of the installer's own texts, by the name of its folder in a bundle.
+  static void setLanguage(const std::string& language) noexcept;
+
+  // Reads the options, each from the arguments or else from the environment. When there is nothing to show (a
+  // request for help, or a usage error), prints it and returns the exit status. Call it before any thread is
+  // started.
+  [[nodiscard]] std::optional<ExitStatus> read(int argumentCount, char** arguments) noexcept;
+
+  [[nodiscard]] const std::string& productName() const noexcept override;
+  [[nodiscard]] const std::string& bundlePath() const noexcept override { return bundlePath_; }
+  [[nodiscard]] DesktopText introduction() const noexcept override;
+  [[nodiscard]] std::string prepare() noexcept override;
+  void begin() noexcept override;
+  void setProgress(const DesktopProgress& progress) noexcept override;
+  void setPaused(bool isPaused) noexcept override;
+  void end() noexcept override;
+  [[nodiscard]] std::string paceText() noexcept override;
+  [[nodiscard]] DesktopText summary() const noexcept override;
+  [[nodiscard]] ExitStatus exitStatus() const noexcept override;
+
+ private:
+  EngineOptions options_;
+  std::string bundlePath_;
+  RunDescription description_;
+  std::unique_ptr<InstallLock> lock_;
+  Mutex meterMutex_;
+  ProgressMeter meter_ GUARDED_BY(meterMutex_);
+  RunResult result_;
+};
+
+}  // namespace tavenhall

@@ -1,0 +1,177 @@
+#include "host/cli/run_description.h"
+
+#include "host/base/files.h"
+#include "host/base/text.h"
+#include "host/log/log_records.h"
+#include "host/log/run_story.h"
+#include "platform/installer_pane.h"
+#include "platform/strings_file.h"
+#include "platform/system.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <sys/stat.h>
+
+namespace tavenhall {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::size_t kMostSources = 8;
+constexpr std::string_view kVolumes = "/Volumes/";
+
+// Paths as people write them: the page joins them with more slashes and dots than anybody wants to read.
+std::string tidyPath(const std::string& path) {
+  std::string tidy = fs::path(path).lexically_normal().string();
+  if (tidy.size() > 1 && tidy.back() == '/') {
+    tidy.pop_back();
+  }
+  return tidy;
+}
+
+void addOnce(std::vector<std::string>& texts, const std::string& text) {
+  if (std::find(texts.begin(), texts.end(), text) == texts.end()) {
+    texts.push_back(text);
+  }
+}
+
+std::string sourceName(const PlannedVolume& volume) {
+  if (!volume.isMounted) {
+    return tidyPath(volume.root);
+  }
+  const std::string name =
+      volume.root.starts_with(kVolumes) ? volume.root.substr(kVolumes.size()) : volume.root;
+  return format(volume.isOptional ? _("Disc {0} (if you have it)") : _("Disc {0}"), {name});
+}
+
+std::string whatText(const InstallPlan& plan) {
+  const std::string& name = plan.product.pluginName;
+  const EditionPlan& editions = plan.editions;
+  if (plan.mode == kModeProductUpdater) {
+    return editions.libraries.empty() ? format(_("This updates {0}."), {name})
+                                      : plural("This updates {1} and the data of {0} library.",
+                                               "This updates {1} and the data of {0} libraries.",
+                                               static_cast<std::int64_t>(editions.libraries.size()), {name});
+  }
+  const char* text = !editions.isOffered   ? _("This installs the sample data of {0}.")
+                     : editions.allAreLite ? _("This installs the sample data of {0}, the Lite edition.")
+                                           : _("This installs the sample data of {0}, the Full edition.");
+  return format(text, {name});
+}
+
+void collectPlaces(const InstallPlan& plan, Introduction& introduction) {
+  for (const PlannedFolder& folder : plan.systemFolders) {
+    addOnce(introduction.from, tidyPath(folder.source));
+    addOnce(introduction.to, tidyPath(folder.destination));
+  }
+  for (const PlannedPass& pass : plan.passes) {
+    for (const PlannedVolume& volume : pass.volumes) {
+      addOnce(introduction.from, sourceName(volume));
+    }
+    addOnce(introduction.to, tidyPath(pass.destination));
+  }
+  if (introduction.from.size() > kMostSources) {
+    const std::size_t more = introduction.from.size() - kMostSources + 1;
+    introduction.from.resize(kMostSources - 1);
+    introduction.from.push_back(format(_("and {0} more"), {std::to_string(more)}));
+  }
+}
+
+std::string packagePath(const EngineOptions& options) {
+  std::string path = options.package.string();
+  if (path.empty()) {
+    std::ifstream location(kLocationFile);
+    std::getline(location, path);
+  }
+  return path;
+}
+
+Introduction introductionFor(const EngineOptions& options) {
+  const StringTable strings = loadBundleStrings((options.bundle / "Contents").string());
+  PlanRequest request;
+  request.package = packagePath(options);
+  request.product = {strings.text("PluginName"), strings.text("FolderName")};
+  if (std::string support; firstUserSearchPath(SearchPath::applicationSupport, support)) {
+    request.dataRoot = support + "/Tavenhall";
+  }
+  if (!options.installType.empty()) {
+    request.installType = options.installType;
+  }
+  return introduce(planInstall(request), freeBytesAt);
+}
+
+}  // namespace
+
+Introduction introduce(const InstallPlan& plan, const FreeBytes& freeBytes) {
+  Introduction introduction;
+  introduction.productName = plan.product.pluginName;
+  introduction.pageTitle = plan.title;
+  introduction.what = whatText(plan);
+  introduction.barWraps = plan.mode == kModeProductUpdater;
+  collectPlaces(plan, introduction);
+  if (plan.announced.isKnown && plan.announced.bytes > 0) {
+    introduction.neededBytes = plan.announced.bytes;
+  }
+  // An update's passes may go to two disks; then the fuller one counts.
+  for (const PlannedPass& pass : plan.passes) {
+    const auto free = freeBytes(pass.destination);
+    if (free && (!introduction.freeBytes || *free < *introduction.freeBytes)) {
+      introduction.freeBytes = free;
+    }
+  }
+  for (const PlannedPass& pass : plan.passes) {
+    introduction.destination = tidyPath(pass.destination);
+    if (pass.folderName == plan.product.folderName) {
+      struct stat found {};
+      introduction.isDestinationThere = stat(pass.destination.c_str(), &found) == 0;
+      break;
+    }
+  }
+  return introduction;
+}
+
+Failures failuresInLog(const std::string& log, std::int64_t start) {
+  Failures failures;
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(log.c_str(), "re"), std::fclose);
+  if (file == nullptr) {
+    return failures;
+  }
+  if (start <= sizeOfFile(log)) {
+    std::fseek(file.get(), static_cast<long>(start), SEEK_SET);
+  }
+  RunStories stories([&failures](const RunStory& story) {
+    for (const RunFailure& failure : story.failures) {
+      failures.first.push_back({failure.kind, failure.file.empty() ? failure.detail : failure.file});
+    }
+    failures.count += story.failureCount;
+  });
+  LogRecords records([&stories](const LogRecord& record) { stories.add(record); });
+  std::array<char, 65536> piece{};
+  while (const std::size_t count = std::fread(piece.data(), 1, piece.size(), file.get())) {
+    records.add({piece.data(), count});
+  }
+  records.finish();
+  stories.finish();
+  return failures;
+}
+
+std::int64_t sizeOfFile(const std::string& path) {
+  struct stat found {};
+  return stat(path.c_str(), &found) == 0 ? found.st_size : 0;
+}
+
+RunDescription describeRun(const EngineOptions& options) {
+  RunDescription description;
+  description.introduction = introductionFor(options);
+  description.log = usersInstallationLog();
+  const std::int64_t logStart = sizeOfFile(description.log);
+  description.failures = [log = description.log, logStart] { return failuresInLog(log, logStart); };
+  return description;
+}
+
+}  // namespace tavenhall

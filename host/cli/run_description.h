@@ -1,0 +1,30 @@
+#pragma once
+
+#include "host/engine/run_engine.h"
+#include "host/set/install_plan.h"
+#include "host/ui/run_description.h"
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+// What frontends present of a run beyond its events, worked out from the installer set and the installation
+// log.
+namespace tavenhall {
+
+using FreeBytes = std::function<std::optional<std::int64_t>(const std::string& path)>;
+
+[[nodiscard]] Introduction introduce(const InstallPlan& plan, const FreeBytes& freeBytes);
+
+// The failures in the installation log from `start` (a size in bytes) on. A log that is shorter is read from
+// its beginning.
+[[nodiscard]] Failures failuresInLog(const std::string& log, std::int64_t start);
+
+// A file's size in bytes; 0 where there is none.
+[[nodiscard]] std::int64_t sizeOfFile(const std::string& path);
+
+// That of an install on this machine. Call it before the engine is started.
+[[nodiscard]] RunDescription describeRun(const EngineOptions& options);
+
+}  // namespace tavenhall

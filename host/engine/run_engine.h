@@ -1,0 +1,35 @@
+#pragma once
+
+#include "host/protocol/engine_process.h"
+
+#include <filesystem>
+#include <string>
+
+namespace tavenhall {
+
+// What to install, and how.
+struct EngineOptions {
+  std::filesystem::path package;  // empty: the pre-install step is skipped
+  std::string installType;        // "Lite", "Full", or empty: none is written
+  std::filesystem::path bundle;   // the plug-in's folder
+  std::filesystem::path summary;  // empty: none is written
+};
+
+// Who sends the requests, and so who judges the install.
+enum class Controller {
+  program,   // another program; the exit status tells only whether the protocol was served
+  frontend,  // one of this program's own; when it goes away, the engine leaves the page forwards for it
+  nobody,    // the engine enters, waits and leaves by itself, and answers each alert with its first button
+};
+
+// Runs a whole engine in this process, to its end: loads the bundle, performs the pre-install step and the
+// requests, and reports the summary as the last event and in its file. The process ends here. `ends` are not
+// used with Controller::nobody. Throws UsageError before anything is begun, also while another install of this
+// user runs. Call it before any thread is started.
+[[noreturn]] void runEngine(const EngineOptions& options, Controller controller, const EngineEnds& ends);
+
+// Starts it in a process of its own, for a frontend. With `capturesErrors`, a UsageError is printed on the
+// captured standard error. As startEngineProcess() otherwise.
+[[nodiscard]] EngineConnection startEngine(const EngineOptions& options, const EngineProcessOptions& process);
+
+}  // namespace tavenhall

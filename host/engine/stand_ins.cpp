@@ -1,0 +1,41 @@
+#include "host/engine/stand_ins.h"
+
+#include "host/base/program_files.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <unistd.h>
+
+namespace tavenhall {
+
+void addStandInsToPath() {
+  const std::string standIns = findStandIns().string();
+  if (standIns.empty()) {
+    return;
+  }
+  const char* path = std::getenv("PATH");
+  setenv("PATH", ((path != nullptr ? path : "/usr/local/bin:/usr/bin:/bin") + (":" + standIns)).c_str(), 1);
+}
+
+EjectNote::EjectNote() {
+  std::FILE* file = std::tmpfile();
+  if (file == nullptr) {
+    return;
+  }
+  descriptor_ = dup(fileno(file));  // without close-on-exec, since the command reads it
+  std::fclose(file);
+  if (descriptor_ >= 0) {
+    setenv("TAVINSTALL_DISC_FD", std::to_string(descriptor_).c_str(), 1);
+  }
+}
+
+void EjectNote::write(const char* folder) noexcept {
+  if (descriptor_ < 0 || ftruncate(descriptor_, 0) != 0) {
+    return;
+  }
+  static_cast<void>(!pwrite(descriptor_, folder, std::strlen(folder), 0));  // without it nothing is ejected
+}
+
+}  // namespace tavenhall

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "host/base/exit_status.h"
+#include "host/protocol/engine_client.h"
+
+#include <functional>
+
+namespace tavenhall {
+
+// The engine's ends of what connects it to a frontend.
+struct EngineEnds {
+  int requests = -1;  // read
+  int events = -1;    // written
+};
+
+// What runs in the child process. Its result is the exit status; a UsageError is printed on standard error and
+// exits with ExitStatus::badUsage.
+using EngineBody = std::function<ExitStatus(const EngineEnds& ends)>;
+
+struct EngineProcessOptions {
+  bool capturesErrors = false;       // EngineConnection::errors is a pipe
+  bool hasPasswordTerminal = false;  // its commands get a pseudo-terminal to ask for passwords on
+};
+
+// Forks a child process that no terminal can end: it leads a session of its own. Call it before any thread is
+// started. Throws std::system_error when there can be no process.
+[[nodiscard]] EngineConnection startEngineProcess(const EngineBody& body, const EngineProcessOptions& options);
+
+// Runs a handler that does nothing for the signal. Ignoring it instead would be inherited by every command.
+void surviveSignal(int signal);
+
+// Ends the process without running a destructor, since page threads may still run.
+[[noreturn]] void exitProcess(ExitStatus status);
+
+}  // namespace tavenhall

@@ -1,0 +1,151 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <variant>
+#include <vector>
+
+// What an engine reports to whoever presents its page. The events of one run, in the order in which they come:
+//
+//   Title                       any time, in reply to Command::title
+//   PreviousEnabled ... Sheet   while the page is entered and while its threads run
+//   Entered                     in reply to Command::enter, when the page's entry has returned
+//   Idle                        in reply to Command::wait, when every page thread has ended
+//   Exit                        in reply to Command::forward and Command::back
+//   Summary                     last; nothing follows
+//
+// protocol/json_form.h has their public form. Texts are as the page gave them, blanks and percent signs
+// included.
+namespace tavenhall::event {
+
+// Where the copy stands. Zero and empty until the first file.
+struct CopyState {
+  std::int32_t volume = 0;       // from 1; 0 before the first
+  std::int32_t volumeCount = 0;  // of the running pass
+  std::int64_t bytesWritten = 0;
+  std::int64_t filesDone = 0;
+  std::string file;  // the latest file, as a path at the source
+
+  bool operator==(const CopyState&) const = default;
+};
+
+struct Title {
+  std::string text;
+};
+struct Entered {};
+struct Idle {};
+struct Exit {
+  std::int64_t direction = 0;  // kDirectionForward or kDirectionBackward
+  bool isAllowed = false;
+};
+
+// The installer's own buttons.
+struct PreviousEnabled {
+  bool isEnabled = false;
+};
+struct NextEnabled {
+  bool isEnabled = false;
+};
+
+// The page's large text, and the line under its bar. A status of a single blank clears the line.
+struct Instructions {
+  std::string text;
+};
+struct Status {
+  std::string text;
+};
+
+// The bar. It goes from 0 to 100 until the page sets its range; then its unit is 1024 bytes.
+struct ProgressMinimum {
+  double value = 0.0;
+};
+struct ProgressMaximum {
+  double value = 0.0;
+};
+struct ProgressValue {
+  double value = 0.0;
+  CopyState copy;
+};
+
+// The copy of one folder tree: a volume, one library of it, or a folder beside the package.
+struct CopyBegin {
+  std::string source;
+  std::string destination;  // empty where there is none, so that nothing is copied
+  std::int32_t volume = 0;  // from 1; 0 for a folder beside the package
+  std::int32_t volumeCount = 0;
+};
+struct CopyEnd {
+  std::string source;
+  std::string destination;
+  bool isCopied = false;          // the page's own result: no file failed to open
+  std::int64_t bytesWritten = 0;  // by this copy
+  std::int64_t filesDone = 0;
+};
+
+// A question. The page waits for an Answer: kAlertFirstButtonReturn for the first button, and on from there.
+struct Alert {
+  std::string message;
+  std::string informative;
+  std::vector<std::string> buttons;
+  int style = 0;
+};
+
+// A notice of a failure. The page does not wait.
+struct Sheet {
+  std::string button;
+  std::string message;
+};
+
+// The page asks that the display or the machine stays awake, and no longer.
+struct Assertion {
+  std::string type;
+  std::uint32_t level = 0;
+  std::string name;
+};
+struct AssertionRelease {
+  std::string type;
+};
+
+// A command line that was not understood.
+struct Error {
+  std::string message;
+};
+
+// How the run went.
+struct Summary {
+  struct ShownAlert {
+    Alert alert;
+    int answer = 0;  // 0: none was given
+  };
+
+  bool hasLeft = false;  // the page let itself be left forwards
+  std::int32_t ready = 0;
+  std::int32_t mode = 0;
+  double seconds = 0.0;           // of the whole run
+  std::int64_t kBytesCopied = 0;  // the page's own count, in units of 1024 bytes with each chunk rounded down
+  std::int64_t bytesWritten = 0;
+  std::int64_t filesDone = 0;
+  std::vector<double> copySeconds;  // of each copy thread
+  std::vector<ShownAlert> alerts;
+  std::vector<Sheet> sheets;
+};
+
+}  // namespace tavenhall::event
+
+namespace tavenhall {
+
+using Event =
+    std::variant<event::Title, event::Entered, event::Idle, event::Exit, event::PreviousEnabled,
+                 event::NextEnabled, event::Instructions, event::Status, event::ProgressMinimum,
+                 event::ProgressMaximum, event::ProgressValue, event::CopyBegin, event::CopyEnd, event::Alert,
+                 event::Sheet, event::Assertion, event::AssertionRelease, event::Error, event::Summary>;
+
+// Builds a visitor from lambdas, one for each kind of event that matters and a generic one for the rest.
+template <typename... Handlers>
+struct EventVisitor : Handlers... {
+  using Handlers::operator()...;
+};
+template <typename... Handlers>
+EventVisitor(Handlers...) -> EventVisitor<Handlers...>;
+
+}  // namespace tavenhall

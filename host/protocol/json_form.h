@@ -1,0 +1,31 @@
+#pragma once
+
+#include "host/protocol/events.h"
+#include "host/protocol/requests.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+
+// The public form of events and requests: one JSON object on a line, UTF-8. docs/protocol.md has each. It stays
+// compatible: fields and events may be added, none is removed, renamed or reordered. Pure. Any thread.
+namespace tavenhall {
+
+// The line for an event or a request, newline included. Bytes that are not UTF-8 become U+FFFD.
+[[nodiscard]] std::string encode(const Event& event);
+[[nodiscard]] std::string encode(const Request& request);
+
+// The run summary as the object that `--summary FILE` holds, newline included.
+[[nodiscard]] std::string encodeSummaryFile(const event::Summary& summary);
+
+// The event on a line; nothing for a line that is no event of this version. Missing fields have their defaults.
+[[nodiscard]] std::optional<Event> decodeEvent(std::string_view line);
+
+// The request on a line, or what is wrong with the line.
+struct BadRequest {
+  std::string message;
+};
+[[nodiscard]] std::variant<Request, BadRequest> decodeRequest(std::string_view line);
+
+}  // namespace tavenhall

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "host/set/install_plan.h"
+#include "host/set/installer_set.h"
+#include "host/set/source_tree.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+// A set with everything in it that the rules of a check look at.
+namespace tavenhall {
+
+struct CheckRequest {
+  std::filesystem::path folder;
+  std::string product;              // empty: the set's own, else the default one
+  std::string installType;          // empty: the set's own, else what lies in /tmp
+  std::filesystem::path installed;  // what the user has already; empty: nothing is known of it
+};
+
+// A volume of the whole install, and what lies there.
+struct CheckedVolume {
+  PlannedVolume volume;
+  std::string folderName;
+  std::string destination;
+  std::string shownRoot;  // as a remark names it
+  bool isThere = false;   // the disc or folder exists
+  bool isListed = false;  // it could be looked into
+  bool hasPrimary = false;
+  bool hasAlternate = false;
+  std::string chosen;  // the data folder that the page takes, below the root; empty: neither is there
+  SourceTree tree;     // what the page would copy of it, hidden names included
+  std::vector<std::string> leftOut;  // at its top, what the page passes over, since no library is called so
+
+  // The data folder, or what lies at `path` in it, as a remark names it.
+  [[nodiscard]] std::string shown(const std::string& path = {}) const;
+  [[nodiscard]] std::string source() const { return volume.root + "/" + chosen; }
+};
+
+// "Library" or "Applications" beside the package of an update.
+struct CheckedFolder {
+  PlannedFolder folder;
+  std::string shownRoot;
+  SourceTree tree;
+};
+
+// Bytes that are copied; none where a part of it could not be looked into.
+struct RealSizes {
+  std::optional<std::int64_t> whole;
+  std::optional<std::int64_t> component;  // the first one, which is all that a Lite edition has
+  std::int64_t systemFolders = 0;
+
+  // Does an announced size fit the real one, the whole or the component? The system folders of an update may
+  // be counted or not: they are copied, and they are no data.
+  [[nodiscard]] bool areClose(std::int64_t announced, std::int64_t real) const;
+};
+
+struct CheckedSet {
+  InstallerSet set;
+  Product product;
+  bool isProductAssumed = false;
+  bool isInstalledKnown = false;
+  std::string dataRoot;  // the user's, where it is known
+  InstallPlan plan;      // what was asked for
+  InstallPlan whole;     // the full edition, for a user of whom nothing is known
+  std::vector<CheckedVolume> volumes;
+  std::vector<CheckedFolder> systemFolders;
+
+  // A path as a remark names it: below the set's folder where it lies there.
+  [[nodiscard]] std::string shown(const std::filesystem::path& path) const;
+  [[nodiscard]] Place attributesPlace(const AttributesPiece* piece = nullptr) const;
+
+  [[nodiscard]] RealSizes realSizes() const;
+};
+
+// Opens the set and looks at all that it holds. Throws UsageError.
+[[nodiscard]] CheckedSet openCheckedSet(const CheckRequest& request);
+
+// The same for a set that is open already.
+[[nodiscard]] CheckedSet openCheckedSet(InstallerSet set, const CheckRequest& request);
+
+}  // namespace tavenhall

@@ -1,0 +1,137 @@
+#include "host/ui/run_result.h"
+
+#include "host/base/display_text.h"
+#include "host/base/text.h"
+#include "host/base/units.h"
+
+#include <array>
+
+namespace tavenhall {
+
+namespace {
+
+constexpr std::size_t kMostMessagesShown = 20;
+
+struct FailureKind {
+  std::string_view kind;
+  const char* text;
+};
+
+// In the order in which they are listed.
+constexpr std::array<FailureKind, 6> kFailureKinds{{
+    {"no-destination", N_("Had nowhere to go")},
+    {"not-found", N_("Not found on the disc or beside the package")},
+    {"folder", N_("Folders that could not be made")},
+    {"source", N_("Files that could not be read")},
+    {"target", N_("Files that could not be written")},
+    {"size", N_("Files that were not copied whole")},
+}};
+
+std::string amountText(const RunResult& result) {
+  const std::string time = durationText(result.time.count());
+  return result.bytesWritten ? format(_("{0} in {1}"), {sizeText(*result.bytesWritten), time})
+                             : format(_("in {0}"), {time});
+}
+
+// The files of one kind below their heading, each on a line that ends with its name.
+void appendKind(std::vector<Line>& lines, const RunResult& result, const FailureKind& kind, int width) {
+  std::vector<Line> files;
+  for (const FailedFile& failure : result.failures.first) {
+    if (failure.kind == kind.kind) {
+      files.push_back({{"  " + truncatePath(failure.name, width - 2), Style::text}});
+    }
+  }
+  if (!files.empty()) {
+    lines.emplace_back();
+    append(lines, wrappedLines(_(kind.text), width, Style::strong));
+    append(lines, std::move(files));
+  }
+}
+
+void appendFailures(std::vector<Line>& lines, const RunResult& result, int width) {
+  for (const FailureKind& kind : kFailureKinds) {
+    appendKind(lines, result, kind, width);
+  }
+  const std::int64_t more = result.failures.count - static_cast<std::int64_t>(result.failures.first.size());
+  if (more > 0) {
+    lines.emplace_back();
+    append(lines, wrappedLines(plural("and {0} more failure: the log has them all.",
+                                      "and {0} more failures: the log has them all.", more),
+                               width));
+  }
+}
+
+void appendMessages(std::vector<Line>& lines, const RunResult& result, int width) {
+  if (result.messages.empty()) {
+    return;
+  }
+  lines.emplace_back();
+  append(lines, wrappedLines(_("Commands that ran on the way said"), width, Style::strong));
+  const std::size_t first = result.messages.size() - std::min(result.messages.size(), kMostMessagesShown);
+  for (std::size_t i = first; i < result.messages.size(); ++i) {
+    append(lines, labelledLines("", result.messages[i], 2, width, Style::dim));
+  }
+}
+
+}  // namespace
+
+ExitStatus RunResult::exitStatus() const {
+  return status == ExitStatus::success && failures.count > 0 ? ExitStatus::failure : status;
+}
+
+Span resultHeading(const RunResult& result) {
+  if (result.isSuccess()) {
+    return {_("The installation was successful."), Style::good};
+  }
+  if (!result.hasSummary) {
+    return {_("The installation ended before its time."), Style::bad};
+  }
+  return {result.bytesWritten != 0.0 ? _("The installation is not complete.") : _("The installation failed."),
+          Style::bad};
+}
+
+std::vector<Line> resultLines(const RunResult& result, int width) {
+  const char* installed = _("Installed");
+  const char* in = _("In");
+  const char* copied = _("Copied");
+  const char* into = _("Into");
+  const char* log = _("Log");
+  const int indent = labelColumns({installed, in, copied, into, log});
+
+  std::vector<Line> lines;
+  if (result.isSuccess()) {
+    append(lines, labelledLines(installed, amountText(result), indent, width));
+    append(lines, labelledLines(in, result.destination, indent, width));
+  } else {
+    const std::string whatToDo =
+        result.failures.count > 0
+            ? plural("{0} failure. Put right what is named below, then run the installer again.",
+                     "{0} failures. Put right what is named below, then run the installer again.",
+                     result.failures.count)
+            : _("Nothing in the log names a file. Run the installer again to complete it.");
+    append(lines, wrappedLines(whatToDo, width));
+    lines.emplace_back();
+    append(lines, labelledLines(copied, amountText(result), indent, width));
+    append(lines, labelledLines(into, result.destination, indent, width));
+  }
+  if (!result.log.empty()) {
+    append(lines, labelledLines(log, result.log, indent, width));
+  }
+  appendFailures(lines, result, width);
+  appendMessages(lines, result, width);
+  return lines;
+}
+
+std::string logLine(const std::string& logPath) {
+  return logPath.empty() ? std::string() : format(_("The log is {0}."), {logPath}) + "\n";
+}
+
+std::string closingText(const RunResult& result) {
+  const std::string amount = amountText(result);
+  const std::string text = result.isSuccess()
+                               ? format(_("Installed {0}."), {amount})
+                               : join(resultHeading(result).text, format(_("Copied {0}."), {amount}));
+  return text + "\n" + logLine(result.log);
+}
+
+}  // namespace tavenhall
