@@ -48,8 +48,7 @@ void InstallDataPane::installAllVolumesForOneOf_TANVOorDOVA() noexcept {
     if (const char* folder = chooseFolderToCopy()) {
       copyVolumeOnItsThread(folder);
     } else if (gInstallMode != kModeProductUpdater) {
-      gCurrentVolumeNumber = gVolumeCount;
-      return;
+      gCurrentVolumeNumber = gVolumeCount;  // the last step of the pass still counts it up
     }
   }
 }

@@ -24,8 +24,8 @@ struct Pipe {
 // thread.
 bool writeAll(int descriptor, std::string_view text);
 
-// Runs `command` (a program of the PATH, and its arguments) in a child process, without a shell, in a session
-// of its own so that a terminal's Ctrl-C does not reach it, with these standard streams. The child gets SIGTERM
+// Runs `command` (a program of the PATH, and its arguments) in a child process, without a shell, after
+// setsid() so that a terminal's Ctrl-C does not reach it, with these standard streams. The child gets SIGTERM
 // when this process ends, where the system can do that. Throws std::system_error when there can be no process;
 // a program that cannot be run exits with kCannotRun.
 inline constexpr int kCannotRun = 127;

@@ -33,7 +33,7 @@ const char* modePattern(std::int32_t mode) {
   }
 }
 
-constexpr std::size_t kLabelColumns = 15;
+constexpr int kLabelColumns = 15;
 
 std::string line(std::string_view label, const std::string& text) {
   return "  " + padRight(label, kLabelColumns) + text + "\n";

@@ -15,14 +15,14 @@ namespace {
 constexpr int kScreenColumns = 79;  // some terminals break a line that fills the last column
 
 // "  name    text", with the text wrapped beside the name, or below it where the name is long.
-std::string entry(const std::string& name, std::string_view text, std::size_t nameColumns) {
+std::string entry(const std::string& name, std::string_view text, int nameColumns) {
   std::string lines;
   std::string start = "  " + name;
   if (displayWidth(start) + 2 > nameColumns) {
     lines = start + "\n";
     start.clear();
   }
-  for (const std::string& line : wrapText(text, kScreenColumns - static_cast<int>(nameColumns))) {
+  for (const std::string& line : wrapText(text, kScreenColumns - nameColumns)) {
     lines += padRight(start, nameColumns) + line + "\n";
     start.clear();
   }
@@ -68,7 +68,7 @@ std::string usageOf(const CLI::App& command) {
 }
 
 std::string exitTextOf(const std::string& command) {
-  constexpr std::size_t kStatusColumns = 6;
+  constexpr int kStatusColumns = 6;
   std::string text;
   for (const ExitMeaning& row : kExitMeanings) {
     if (command == row.command) {
@@ -81,7 +81,7 @@ std::string exitTextOf(const std::string& command) {
 }  // namespace
 
 std::string helpText(const CLI::App& command) {
-  constexpr std::size_t kNameColumns = 23;
+  constexpr int kNameColumns = 23;
   std::string text = command.get_description() + "\n" + usageOf(command) + "\n\n";
   for (const CLI::App* subcommand : command.get_subcommands([](const CLI::App*) { return true; })) {
     text += entry(subcommand->get_name(), subcommand->get_description(), kNameColumns);

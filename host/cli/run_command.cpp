@@ -47,17 +47,32 @@ std::string whatOthersDecide(const EngineOptions& options) {
   return line;
 }
 
-// A program that speaks the lines itself judges for itself, so it is only told.
-void refuseWhatOthersDecide(const EngineOptions& options, Frontend frontend) {
-  std::string line = whatOthersDecide(options);
-  if (line.empty()) {
-    return;
-  }
-  line = format(_("{0}; --trusted installs all the same"), {line});
+// Another program that drives the install decides for itself, so it is only warned.
+void refuse(const std::string& line, Frontend frontend) {
   if (frontend != Frontend::json) {
     throw UsageError(line);
   }
   showError(UsageError(line));
+}
+
+void refuseWhatOthersDecide(const EngineOptions& options, Frontend frontend) {
+  if (const std::string line = whatOthersDecide(options); !line.empty()) {
+    refuse(format(_("{0}; --trusted installs all the same"), {line}), frontend);
+  }
+}
+
+void refuseCopyOntoItself(const EngineOptions& options, Frontend frontend) {
+  std::string folder;
+  try {
+    folder = folderCopiedOntoItself(options);
+  } catch (const UsageError&) {
+    return;  // an attributes file that is no file: the page goes on without one, and copies no such folder
+  }
+  if (!folder.empty()) {
+    refuse(
+        format(_("the update would copy {0} onto itself; move the package into a folder of its own"), {folder}),
+        frontend);
+  }
 }
 
 EngineOptions optionsFrom(const RunArguments& arguments, Frontend frontend) {
@@ -78,6 +93,7 @@ EngineOptions optionsFrom(const RunArguments& arguments, Frontend frontend) {
   if (!arguments.isTrusted) {
     refuseWhatOthersDecide(options, frontend);
   }
+  refuseCopyOntoItself(options, frontend);
   return options;
 }
 

@@ -91,7 +91,7 @@ std::string packagePath(const EngineOptions& options) {
   return path;
 }
 
-Introduction introductionFor(const EngineOptions& options) {
+InstallPlan planFor(const EngineOptions& options) {
   const StringTable strings = loadBundleStrings((options.bundle / "Contents").string());
   PlanRequest request;
   request.package = packagePath(options);
@@ -102,7 +102,7 @@ Introduction introductionFor(const EngineOptions& options) {
   if (!options.installType.empty()) {
     request.installType = options.installType;
   }
-  return introduce(planInstall(request), freeBytesAt);
+  return planInstall(request);
 }
 
 }  // namespace
@@ -165,9 +165,19 @@ std::int64_t sizeOfFile(const std::string& path) {
   return stat(path.c_str(), &found) == 0 ? found.st_size : 0;
 }
 
+std::string folderCopiedOntoItself(const EngineOptions& options) {
+  for (const PlannedFolder& folder : planFor(options).systemFolders) {
+    std::error_code error;
+    if (fs::equivalent(folder.source, folder.destination, error)) {
+      return folder.source;
+    }
+  }
+  return {};
+}
+
 RunDescription describeRun(const EngineOptions& options) {
   RunDescription description;
-  description.introduction = introductionFor(options);
+  description.introduction = introduce(planFor(options), freeBytesAt);
   description.log = usersInstallationLog();
   const std::int64_t logStart = sizeOfFile(description.log);
   description.failures = [log = description.log, logStart] { return failuresInLog(log, logStart); };

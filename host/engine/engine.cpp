@@ -53,10 +53,7 @@ void Engine::Bar::setDoubleValue(double value) noexcept {
   const Lock lock(engine_.state_);
   engine_.barValue_ = value;
   if (engine_.events_ != nullptr) {
-    const PaneSnapshot& now = engine_.snapshot_;
-    engine_.report(event::ProgressValue{
-        value,
-        {engine_.copy_.volume, engine_.copy_.volumeCount, now.bytesWritten, now.filesDone, now.currentFile}});
+    engine_.report(event::ProgressValue{value, engine_.copyState()});
   }
 }
 
@@ -312,6 +309,10 @@ void Engine::report(const Event& event) {
   if (events_ != nullptr) {
     events_->write(event);
   }
+}
+
+event::CopyState Engine::copyState() const {
+  return {copy_.volume, copy_.volumeCount, snapshot_.bytesWritten, snapshot_.filesDone, snapshot_.currentFile};
 }
 
 // Only where InstallerPane::snapshot() allows it.

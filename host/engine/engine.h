@@ -111,6 +111,7 @@ class Engine final : private InstallerHost {
   void leave(std::int64_t direction) REQUIRES(main_);
   [[nodiscard]] std::optional<int> takeAnswer() REQUIRES(main_);
   void report(const Event& event) REQUIRES(state_);
+  [[nodiscard]] event::CopyState copyState() const REQUIRES(state_);
   void takeSnapshot() EXCLUDES(state_);
 
   using Clock = std::chrono::steady_clock;

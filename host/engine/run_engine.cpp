@@ -16,6 +16,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <memory>
+#include <system_error>
 #include <unistd.h>
 
 namespace tavenhall {
@@ -39,8 +40,7 @@ int setAside(int descriptor) {
   constexpr int kAboveStandardStreams = 10;
   const int copy = fcntl(descriptor, F_DUPFD_CLOEXEC, kAboveStandardStreams);
   if (copy < 0) {
-    throw UsageError(
-        format(_("cannot use descriptor {0}: {1}"), {std::to_string(descriptor), std::strerror(errno)}));
+    throw std::system_error(errno, std::generic_category(), "fcntl");
   }
   return copy;
 }

@@ -64,7 +64,7 @@ std::string outcomeText(const RunStory& story, bool mayStillRun) {
                 {lastWord});
 }
 
-constexpr std::size_t kLabelColumns = 15;
+constexpr int kLabelColumns = 15;
 
 std::string row(const char* label, const std::string& text) {
   return "    " + padRight(label, kLabelColumns) + printableText(text) + "\n";

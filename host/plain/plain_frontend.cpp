@@ -24,7 +24,7 @@ namespace {
 
 void printLine(std::string_view line) { writeAll(STDOUT_FILENO, std::string(line) + "\n"); }
 
-// Ctrl-C and the like reach this process only: the engine has a session of its own.
+// Ctrl-C and the like reach this process only: the engine has no terminal.
 WakeUp* signalWakeUp = nullptr;
 volatile std::sig_atomic_t isHungUp = 0;
 

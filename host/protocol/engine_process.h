@@ -22,7 +22,7 @@ struct EngineProcessOptions {
   bool hasPasswordTerminal = false;  // its commands get a pseudo-terminal to ask for passwords on
 };
 
-// Forks a child process that no terminal can end: it leads a session of its own. Call it before any thread is
+// Forks a child process that no terminal can end, since it calls setsid(). Call it before any thread is
 // started. Throws std::system_error when there can be no process.
 [[nodiscard]] EngineConnection startEngineProcess(const EngineBody& body, const EngineProcessOptions& options);
 

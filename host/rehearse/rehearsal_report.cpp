@@ -17,7 +17,7 @@ namespace {
 constexpr std::size_t kMostSentences = 20;
 constexpr std::int64_t kMostOthersNamed = 3;
 constexpr std::size_t kLogLines = 12;  // of a failed install's
-constexpr std::size_t kLabelColumns = 13;
+constexpr int kLabelColumns = 13;
 
 std::int64_t countOf(const std::vector<FileFate>& files, Fate fate) {
   return std::count_if(files.begin(), files.end(), [fate](const FileFate& file) { return file.fate == fate; });

@@ -2,6 +2,7 @@
 #include "tests/install/source_tree.h"
 #include "tests/support/files.h"
 
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -106,6 +107,29 @@ TEST(Updater, WithNothingToCopyThePageIsStillLeftForwards) {
 
   EXPECT_EQ(installer.finish(), 0);
   expectCase("updater_without_data", installer);
+}
+
+// The page would remove the installed plug-ins before it "copies" them onto themselves.
+TEST(Updater, IsRefusedWhereItsOwnFoldersAreTheSystems) {
+  layTree("/Library", {file("Audio/Plug-Ins/VST/Tessaphon.vst/Contents/plugin", 10)});
+  layTree(kSet, {textFile(".InstallationAttributes.dat", "Mode = TavenhallUpdater\nRelativePath = Data\n"),
+                 textFile("Installer.pkg", "")});
+  std::filesystem::create_directory_symlink("/Library", std::string(kSet) + "/Library");
+  layTree(kTanvo, {});
+  const std::string complaint =
+      "tavinstall: the update would copy /Users/tester/Downloads/Set/Library onto itself; move the package "
+      "into a "
+      "folder of its own\n";
+
+  const Outcome outcome = runThrough({kTavinstall, "run", "--ui", "quiet", "--package", kPackage});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.error, complaint);
+  EXPECT_TRUE(exists("/Library/Audio/Plug-Ins/VST/Tessaphon.vst/Contents/plugin"));
+  EXPECT_FALSE(exists(kLog));
+
+  JsonInstaller installer({"--package", kPackage});
+  EXPECT_EQ(installer.finish(), 0);
+  EXPECT_EQ(installer.program().standardError(), complaint);
 }
 
 TEST(Updater, AnApplicationWithABlankInItsNameIsOpenedUpItemByItemAllTheSame) {

@@ -7,7 +7,9 @@
 #include <array>
 #include <cstdarg>
 #include <dlfcn.h>
+#include <string>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -119,16 +121,14 @@ __attribute__((visibility("default"))) void NSBeginInformationalAlertSheet(
     NSLog(@"AppKit itself has something to say: %@ %@", [self messageText], [self informativeText]);
     _exit(4);
   }
-  std::vector<const char*> buttons;
+  std::vector<std::string> buttons;
   for (NSButton* button in [self buttons]) {
-    buttons.push_back([[button title] UTF8String]);
+    buttons.emplace_back([[button title] UTF8String]);
   }
-  const tavenhall::Alert alert{[[self messageText] UTF8String],
-                               [[self informativeText] UTF8String],
-                               buttons,
-                               static_cast<int>([self alertStyle])};
-  theReport(tavenhall::event::Alert{
-      alert.messageText, alert.informativeText, {buttons.begin(), buttons.end()}, alert.style});
+  theReport(tavenhall::event::Alert{[[self messageText] UTF8String],
+                                    [[self informativeText] UTF8String],
+                                    std::move(buttons),
+                                    static_cast<int>([self alertStyle])});
   [theWatcher alertIsUp:self];
   const NSInteger answer = [self told_runModal];
   [theWatcher alertIsGone:self];

@@ -1,0 +1,241 @@
+#include "host/base/child_process.h"
+#include "host/base/line_reader.h"
+#include "host/protocol/json_form.h"
+#include "tests/engine/engine_run.h"
+
+#include <algorithm>
+#include <atomic>
+#include <csignal>
+#include <gmock/gmock.h>
+#include <optional>
+#include <poll.h>
+#include <unistd.h>
+#include <utility>
+
+// An engine with a program at the other end of its pipes.
+namespace tavenhall::test {
+namespace {
+
+using testing::ElementsAre;
+
+class EngineAtPipes : public EngineRun {
+ protected:
+  EngineAtPipes()
+      : requests(makePipe()),
+        events(makePipe()),
+        writer(std::in_place, events.writeEnd),
+        engine(std::in_place, &*writer, ejectNote, [this] {
+          hasNoAnswer = true;
+          throw std::logic_error("no answer");
+        }) {
+    std::signal(SIGPIPE, SIG_IGN);
+    engine->makePage(makeTestPage);
+    engine->readRequests(requests.readEnd);
+  }
+  ~EngineAtPipes() override {
+    hangUp();
+    engine.reset();
+    close(events.readEnd);  // what nobody reads is dropped
+    writer.reset();
+    for (const int end : {requests.readEnd, events.writeEnd}) {
+      close(end);
+    }
+  }
+
+  void send(const Request& request) const { writeAll(requests.writeEnd, encode(request)); }
+  void hangUp() {
+    if (requests.writeEnd >= 0) {
+      close(std::exchange(requests.writeEnd, -1));
+    }
+  }
+
+  // Reads events until one is of that kind; it. Fails after a minute.
+  template <typename Kind>
+  Kind await() {
+    while (true) {
+      while (!received.empty()) {
+        const Event event = received.front();
+        received.pop_front();
+        all.push_back(event);
+        if (const auto* found = std::get_if<Kind>(&event)) {
+          return *found;
+        }
+      }
+      pollfd input{events.readEnd, POLLIN, 0};
+      if (poll(&input, 1, 60000) <= 0) {
+        ADD_FAILURE() << "the event did not come";
+        return {};
+      }
+      lines.read([this](const std::string& line) { received.push_back(*decodeEvent(line)); });
+    }
+  }
+
+  Pipe requests;
+  Pipe events;
+  std::optional<EventWriter> writer;
+  std::optional<Engine> engine;
+  LineReader lines{events.readEnd};
+  std::deque<Event> received;
+  std::vector<Event> all;
+  std::atomic<bool> hasNoAnswer = false;
+};
+
+TEST_F(EngineAtPipes, PerformsNothingWhileAnAlertIsUp) {
+  script.install = [](InstallerHost& host) {
+    dispatch(host, [&] { EXPECT_EQ(host.runModal({"Next", "Insert B", kButtons, 1}), 1001); });
+  };
+  std::thread frontend([this] {
+    send(Command::enter);
+    await<event::Alert>();
+    send(Command::title);
+    send(Answer{1001});
+    send(Command::wait);
+    send(Command::quit);
+    await<event::Title>();
+    await<event::Idle>();
+  });
+  engine->run();
+  frontend.join();
+}
+
+// Two page threads dispatch, alerts wait for answers, commands come meanwhile, and the input closes: every
+// answer is used once and in order, every command is performed once, and the end is noticed.
+TEST_F(EngineAtPipes, LosesNoAnswerNoCommandAndNoHangUp) {
+  constexpr int kAlerts = 200;
+  std::vector<int> answers;
+  std::atomic<int> dispatched = 0;
+  script.install = [&](InstallerHost& host) {
+    host.pageThreadStarted("copySingleVolume");
+    std::thread copy([&] {
+      for (int i = 0; i < 2000; ++i) {
+        dispatch(host, [&] {
+          ++dispatched;
+          host.progressIndicator().setDoubleValue(i);
+        });
+        host.status().setTitleWithMnemonic("Installing...");
+      }
+      host.pageThreadEnded("copySingleVolume");
+    });
+    for (int i = 0; i < kAlerts; ++i) {
+      dispatch(host, [&] { answers.push_back(host.runModal({"Next", "Insert", kButtons, 1})); });
+    }
+    copy.join();
+  };
+  std::thread frontend([this] {
+    send(Command::enter);
+    for (int i = 0; i < kAlerts; ++i) {
+      if (i % 3 != 0) {
+        await<event::Alert>();
+      }
+      send(Answer{1000 + i});
+      send(Command::title);
+    }
+    send(Command::wait);
+    hangUp();
+    await<event::Idle>();
+  });
+  engine->run();
+  frontend.join();
+  std::vector<int> expected(kAlerts);
+  for (int i = 0; i < kAlerts; ++i) {
+    expected[static_cast<std::size_t>(i)] = 1000 + i;
+  }
+  EXPECT_EQ(answers, expected);
+  EXPECT_EQ(dispatched, 2000);
+  EXPECT_EQ(std::ranges::count(TestPage::calls, "title"), kAlerts);
+  EXPECT_TRUE(engine->inputIsClosed());
+  EXPECT_FALSE(hasNoAnswer);
+}
+
+TEST_F(EngineAtPipes, QuitEndsItWhileThePagesThreadGoesOn) {
+  std::atomic<bool> mayEnd = false;
+  script.install = [&](InstallerHost& host) {
+    while (!mayEnd) {
+      dispatch(host, [&] { host.status().setTitleWithMnemonic("Installing..."); });
+    }
+  };
+  std::thread frontend([this] {
+    send(Command::enter);
+    await<event::Status>();
+    send(Command::quit);
+  });
+  engine->run();
+  mayEnd = true;
+  frontend.join();
+}
+
+TEST_F(EngineAtPipes, AFrontendThatReadsNothingDelaysNoDispatch) {
+  constexpr int kFiles = 100000;
+  std::atomic<int> done = 0;
+  script.install = [&](InstallerHost& host) {
+    for (int i = 0; i < kFiles; ++i) {
+      dispatch(host, [&] { host.progressIndicator().setDoubleValue(i); });
+      ++done;
+    }
+  };
+  send(Command::enter);
+  send(Command::wait);
+  send(Command::quit);
+  engine->run();  // nobody reads the events, which are many times what a pipe holds
+  EXPECT_EQ(done, kFiles);
+}
+
+TEST_F(EngineAtPipes, ProgressHasTheStateOfTheCopy) {
+  script.install = [this](InstallerHost& host) {
+    state.sourceFolder = "/Volumes/A/TANVO";
+    state.currentVolumeNumber = 1;
+    state.volumeCount = 3;
+    host.copyBegun({"/Volumes/A/TANVO", "/T"});
+    state.bytesWritten = 5000;
+    state.filesDone = 2;
+    state.currentFile = "/Volumes/A/TANVO/2.db";
+    dispatch(host, [&] { host.progressIndicator().setDoubleValue(4.0); });
+    host.copyFinished({"/Volumes/A/TANVO", "/T"}, true);
+    host.copyBegun({"/Set/Library", "/Library/"});
+    host.copyFinished({"/Set/Library", "/Library/"}, false);
+  };
+  std::thread frontend([this] {
+    send(Command::enter);
+    send(Command::wait);
+    send(Command::quit);
+    await<event::Idle>();
+  });
+  engine->run();
+  frontend.join();
+  std::vector<std::string> copies;
+  for (const Event& event : all) {
+    if (std::holds_alternative<event::CopyBegin>(event) || std::holds_alternative<event::CopyEnd>(event) ||
+        std::holds_alternative<event::ProgressValue>(event)) {
+      copies.push_back(encode(event));
+    }
+  }
+  EXPECT_THAT(
+      copies,
+      ElementsAre(
+          "{\"event\":\"copy.begin\",\"source\":\"/Volumes/A/TANVO\",\"destination\":\"/T\",\"volume\":2,"
+          "\"volumes\":3}\n",
+          "{\"event\":\"progress.value\",\"value\":4.0,\"volume\":2,\"volumes\":3,\"bytes\":5000,\"files\":2,"
+          "\"file\":\"/Volumes/A/TANVO/2.db\"}\n",
+          "{\"event\":\"copy.end\",\"source\":\"/Volumes/A/TANVO\",\"destination\":\"/T\",\"copied\":true,"
+          "\"bytes\":5000,\"files\":2}\n",
+          "{\"event\":\"copy.begin\",\"source\":\"/Set/Library\",\"destination\":\"/Library/\",\"volume\":0,"
+          "\"volumes\":0}\n",
+          "{\"event\":\"copy.end\",\"source\":\"/Set/Library\",\"destination\":\"/Library/\",\"copied\":false,"
+          "\"bytes\":0,\"files\":0}\n"));
+}
+
+TEST_F(EngineAtPipes, ReportsLinesThatAreNoRequestAndSkipsThem) {
+  std::thread frontend([this] {
+    writeAll(requests.writeEnd, "nonsense\n{\"do\":\"ti");
+    await<event::Error>();
+    writeAll(requests.writeEnd, "tle\"}\r\n{\"do\":\"leave\"}\n{\"do\":\"forward\"}");
+    hangUp();  // the last line has no newline
+    await<event::Exit>();
+  });
+  engine->run();
+  frontend.join();
+  EXPECT_THAT(TestPage::calls, ElementsAre("title", "exit 0"));
+}
+
+}  // namespace
+}  // namespace tavenhall::test
