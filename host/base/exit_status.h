@@ -21,7 +21,7 @@ struct ExitMeaning {
   const char* meaning;
 };
 
-// Help, manual and README say the same.
+// The help prints these; the manual repeats them.
 inline constexpr ExitMeaning kExitMeanings[] = {
     {"run", ExitStatus::success, N_("installed, with nothing missing")},
     {"run", ExitStatus::failure, N_("the install failed, wholly or for a single file, or it was stopped")},

@@ -185,11 +185,12 @@ void Engine::assertionReleased(const char* type) noexcept {
 Engine::Engine(EventWriter* events, EjectNote& ejectNote, std::function<void()> onNoAnswer)
     : events_(events), ejectNote_(ejectNote), onNoAnswer_(std::move(onNoAnswer)) {}
 
-Engine::~Engine() {
+Engine::~Engine() { joinInput(); }
+
+void Engine::joinInput() {
   if (inputThread_.joinable()) {
     inputThread_.join();
   }
-  page_.reset();  // while everything that it may still call is there
 }
 
 void Engine::makePage(PageFactory factory) {

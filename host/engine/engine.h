@@ -31,8 +31,11 @@ class Engine final : private InstallerHost {
   // come any more; it must not return. It is called with `main_` held, on whichever thread shows the alert.
   Engine(EventWriter* events, EjectNote& ejectNote, std::function<void()> onNoAnswer);
 
-  // Joins the thread that reads requests, which ends with its input. No page thread may run.
+  // As joinInput(). A page that is destroyed while its threads run must wait for them itself.
   ~Engine();
+
+  // Blocks until the thread that reads requests has ended, as it does when its input is closed.
+  void joinInput();
 
   // Makes the page. Throws UsageError when the bundle was built for another interface version.
   void makePage(PageFactory factory);
@@ -121,7 +124,6 @@ class Engine final : private InstallerHost {
   const std::function<void()> onNoAnswer_;
   const Clock::time_point start_ = Clock::now();
   const std::thread::id mainLoopThread_ = std::this_thread::get_id();
-  std::unique_ptr<InstallerPane> page_;
   Text instructions_{*this, Text::Place::instructions};
   Text status_{*this, Text::Place::status};
   Button button_;
@@ -151,6 +153,7 @@ class Engine final : private InstallerHost {
   event::Summary summary_ GUARDED_BY(state_);
 
   std::thread inputThread_;
+  std::unique_ptr<InstallerPane> page_;  // last, since it may call until it is destroyed
 };
 
 }  // namespace tavenhall

@@ -5,10 +5,13 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <csignal>
 #include <gmock/gmock.h>
+#include <memory>
 #include <optional>
 #include <poll.h>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 
@@ -148,10 +151,11 @@ TEST_F(EngineAtPipes, LosesNoAnswerNoCommandAndNoHangUp) {
 }
 
 TEST_F(EngineAtPipes, QuitEndsItWhileThePagesThreadGoesOn) {
-  std::atomic<bool> mayEnd = false;
-  script.install = [&](InstallerHost& host) {
-    while (!mayEnd) {
+  const auto mayEnd = std::make_shared<std::atomic<bool>>(false);  // the page's thread outlives the test's body
+  script.install = [mayEnd](InstallerHost& host) {
+    while (!*mayEnd) {
       dispatch(host, [&] { host.status().setTitleWithMnemonic("Installing..."); });
+      std::this_thread::sleep_for(std::chrono::microseconds(100));  // as the copy of a small file takes
     }
   };
   std::thread frontend([this] {
@@ -160,7 +164,7 @@ TEST_F(EngineAtPipes, QuitEndsItWhileThePagesThreadGoesOn) {
     send(Command::quit);
   });
   engine->run();
-  mayEnd = true;
+  *mayEnd = true;
   frontend.join();
 }
 

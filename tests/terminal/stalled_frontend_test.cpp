@@ -1,0 +1,80 @@
+// A frontend that does not read stops no install, and has everything to show when it reads again.
+#include "tests/install/child_program.h"
+#include "tests/support/children.h"
+#include "tests/support/files.h"
+#include "tests/terminal/page_in_terminal.h"
+
+#include <algorithm>
+#include <csignal>
+#include <gmock/gmock.h>
+#include <string>
+#include <vector>
+
+namespace tavenhall::test {
+namespace {
+
+using testing::HasSubstr;
+
+// Far more than a pipe holds.
+constexpr const char* kManyFailures =
+    "thread\ninstructions Now installing.\nmax 1953125\nvalue 840000\nlog The copy runs.\nwait /tmp/go\n"
+    "sheets 5000 Failed to open input file.\nready 1\nnext 1\nrun touch /tmp/finished\n";
+
+std::vector<std::string> installWith(const char* frontend) {
+  std::vector<std::string> command = runScript(kManyFailures);
+  command.insert(command.end(), {"--ui", frontend});
+  return command;
+}
+
+bool copyRuns() { return exists(kLog) && readFile(kLog).find("The copy runs.") != std::string::npos; }
+
+TEST(StalledFrontend, PlainLinesShowEveryFailureToTheEnd) {
+  let("go");
+  ChildProgram program(installWith("plain"));
+  const std::string shown = program.readAll();
+  EXPECT_EQ(program.waitForEnd(), 1);
+  std::size_t failures = 0;
+  for (std::size_t at = 0; (at = shown.find("! Failed to open input file.\n", at)) != std::string::npos; ++at) {
+    ++failures;
+  }
+  EXPECT_EQ(failures, 5000U);
+  EXPECT_THAT(shown, HasSubstr("! Not installed, or not wholly"));
+}
+
+TEST(StalledFrontend, AStoppedPlainFrontendStopsNoInstall) {
+  ChildProgram program(installWith("plain"));
+  ASSERT_TRUE(comesTrue(copyRuns));
+  kill(program.pid(), SIGSTOP);
+  let("go");
+  EXPECT_TRUE(comesTrue([] { return exists("/tmp/finished"); })) << "the install waits for its frontend";
+  kill(program.pid(), SIGCONT);
+  EXPECT_THAT(program.readAll(), HasSubstr("! Not installed, or not wholly"));
+  EXPECT_EQ(program.waitForEnd(), 1);
+}
+
+TEST(StalledFrontend, AFullStandardOutputStopsNoInstall) {
+  ChildProgram program(installWith("plain"));
+  ASSERT_TRUE(comesTrue(copyRuns));
+  let("go");  // nobody reads what the frontend prints, which is more than its pipe holds
+  EXPECT_TRUE(comesTrue([] { return exists("/tmp/finished"); }));
+  EXPECT_THAT(program.readAll(), HasSubstr("! Not installed, or not wholly"));
+  EXPECT_EQ(program.waitForEnd(), 1);
+}
+
+TEST(StalledFrontend, AProgramThatReadsNothingStopsNoInstallAndGetsEverySheet) {
+  ChildProgram program(installWith("json"));
+  program.write("{\"do\":\"enter\"}\n{\"do\":\"wait\"}\n{\"do\":\"forward\"}\n");
+  program.closeInput();
+  ASSERT_TRUE(comesTrue(copyRuns));
+  let("go");
+  EXPECT_TRUE(comesTrue([] { return exists("/tmp/finished"); }));
+  const std::vector<std::string> lines = program.readLines();
+  EXPECT_EQ(std::ranges::count_if(
+                lines, [](const std::string& line) { return line.starts_with(R"({"event":"sheet")"); }),
+            5000);
+  EXPECT_THAT(lines.back(), HasSubstr(R"("event":"summary")"));
+  EXPECT_EQ(program.waitForEnd(), 0);
+}
+
+}  // namespace
+}  // namespace tavenhall::test
