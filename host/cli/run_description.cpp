@@ -84,7 +84,8 @@ void collectPlaces(const InstallPlan& plan, Introduction& introduction) {
 
 std::string packagePath(const EngineOptions& options) {
   std::string path = options.package.string();
-  if (path.empty()) {
+  std::error_code error;
+  if (path.empty() && fs::is_regular_file(kLocationFile, error)) {  // a pipe would wait for a writer
     std::ifstream location(kLocationFile);
     std::getline(location, path);
   }
