@@ -125,9 +125,8 @@ DesktopText DesktopProgram::introduction() const noexcept {
 
 std::string DesktopProgram::prepare() noexcept {
   try {
-    if (const std::string folder = folderCopiedOntoItself(options_); !folder.empty()) {
-      return format(_("the update would copy {0} onto itself; move the package into a folder of its own"),
-                    {folder});
+    if (std::string refusal = refusalToCopyOntoItself(options_); !refusal.empty()) {
+      return refusal;
     }
     lock_ = std::make_unique<InstallLock>(true);
     runPreInstallStep(options_.package, options_.installType);

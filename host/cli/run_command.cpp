@@ -62,16 +62,14 @@ void refuseWhatOthersDecide(const EngineOptions& options, Frontend frontend) {
 }
 
 void refuseCopyOntoItself(const EngineOptions& options, Frontend frontend) {
-  std::string folder;
+  std::string refusal;
   try {
-    folder = folderCopiedOntoItself(options);
+    refusal = refusalToCopyOntoItself(options);
   } catch (const UsageError&) {
     return;  // an attributes file that is no file: the page goes on without one, and copies no such folder
   }
-  if (!folder.empty()) {
-    refuse(
-        format(_("the update would copy {0} onto itself; move the package into a folder of its own"), {folder}),
-        frontend);
+  if (!refusal.empty()) {
+    refuse(refusal, frontend);
   }
 }
 

@@ -166,11 +166,12 @@ std::int64_t sizeOfFile(const std::string& path) {
   return stat(path.c_str(), &found) == 0 ? found.st_size : 0;
 }
 
-std::string folderCopiedOntoItself(const EngineOptions& options) {
+std::string refusalToCopyOntoItself(const EngineOptions& options) {
   for (const PlannedFolder& folder : planFor(options).systemFolders) {
     std::error_code error;
     if (fs::equivalent(folder.source, folder.destination, error)) {
-      return folder.source;
+      return format(_("the update would copy {0} onto itself; move the package into a folder of its own"),
+                    {folder.source});
     }
   }
   return {};

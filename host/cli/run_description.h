@@ -24,9 +24,10 @@ using FreeBytes = std::function<std::optional<std::int64_t>(const std::string& p
 // A file's size in bytes; 0 where there is none.
 [[nodiscard]] std::int64_t sizeOfFile(const std::string& path);
 
-// The folder beside the package that a product update would copy onto itself, since it is the system's own;
-// empty where there is none. The page would remove the installed plug-ins before it "copies" them.
-[[nodiscard]] std::string folderCopiedOntoItself(const EngineOptions& options);
+// Why a product update must not run: it would copy a folder beside the package onto itself, since that is the
+// system's own. Empty where there is none. The page would remove the installed plug-ins before it "copies"
+// them.
+[[nodiscard]] std::string refusalToCopyOntoItself(const EngineOptions& options);
 
 // That of an install on this machine. Call it before the engine is started.
 [[nodiscard]] RunDescription describeRun(const EngineOptions& options);
