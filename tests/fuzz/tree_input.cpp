@@ -1,11 +1,14 @@
 #include "tests/fuzz/tree_input.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
+#include <cstdio>
 #include <fcntl.h>
-#include <filesystem>
+#include <ftw.h>
 #include <string>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace tavenhall::fuzz {
@@ -90,8 +93,13 @@ void layTree(std::string_view input, const char* folder) {
 }
 
 void clearFolder(const char* folder) {
-  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-    std::filesystem::remove_all(entry.path());
+  const auto removeEntry = [](const char* path, const struct stat* /*found*/, int /*type*/, FTW* place) {
+    const bool isGone = place->level == 0 || std::remove(path) == 0;
+    return isGone || errno == ENOTEMPTY || errno == EEXIST ? 0 : errno;
+  };
+  constexpr int kMostOpenFolders = 16;
+  if (const int error = nftw(folder, removeEntry, kMostOpenFolders, FTW_DEPTH | FTW_PHYS | FTW_MOUNT)) {
+    throw std::system_error(error < 0 ? errno : error, std::generic_category(), folder);
   }
 }
 

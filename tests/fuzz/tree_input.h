@@ -16,7 +16,8 @@ namespace tavenhall::fuzz {
 // a file, a name that is taken) is left out, as are all entries beyond the 60th.
 void layTree(std::string_view input, const char* folder);
 
-// Removes everything in the folder, and leaves the folder.
+// Removes everything in the folder, and leaves the folder. What is mounted below it stays: that may be the
+// checkout that is being tested. Throws std::system_error.
 void clearFolder(const char* folder);
 
 }  // namespace tavenhall::fuzz
