@@ -30,11 +30,4 @@ inline constexpr bool kMemoryTells = false;
 inline constexpr bool kMemoryTells = true;
 #endif
 
-// The thread sanitizer starts a thread of its own with a program's first one.
-#if defined(__SANITIZE_THREAD__)
-inline constexpr int kThreadsOfTheSanitizer = 1;
-#else
-inline constexpr int kThreadsOfTheSanitizer = 0;
-#endif
-
 }  // namespace tavenhall::test
