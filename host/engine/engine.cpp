@@ -5,10 +5,12 @@
 #include "host/base/text.h"
 #include "host/protocol/json_form.h"
 
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <poll.h>
+#include <unistd.h>
 #include <utility>
 
 namespace tavenhall {
@@ -185,11 +187,13 @@ void Engine::assertionReleased(const char* type) noexcept {
 Engine::Engine(EventWriter* events, EjectNote& ejectNote, std::function<void()> onNoAnswer)
     : events_(events), ejectNote_(ejectNote), onNoAnswer_(std::move(onNoAnswer)) {}
 
-Engine::~Engine() { joinInput(); }
+Engine::~Engine() { stopReading(); }
 
-void Engine::joinInput() {
+void Engine::stopReading() {
   if (inputThread_.joinable()) {
+    close(stopReading_.writeEnd);
     inputThread_.join();
+    close(stopReading_.readEnd);
   }
 }
 
@@ -201,13 +205,18 @@ void Engine::makePage(PageFactory factory) {
 }
 
 void Engine::readRequests(int descriptor) {
+  stopReading_ = makePipe();
   inputThread_ = std::thread([this, descriptor] {
     LineReader lines(descriptor);
     while (lines.isOpen()) {
-      pollfd input{descriptor, POLLIN, 0};  // it may be non-blocking
-      if (poll(&input, 1, -1) > 0) {
-        lines.read([this](const std::string& line) { accept(line); });
+      std::array<pollfd, 2> inputs{{{descriptor, POLLIN, 0}, {stopReading_.readEnd, POLLIN, 0}}};
+      if (poll(inputs.data(), inputs.size(), -1) <= 0) {  // the descriptor may be non-blocking
+        continue;
       }
+      if (inputs[1].revents != 0) {
+        return;
+      }
+      lines.read([this](const std::string& line) { accept(line); });
     }
     const Lock lock(main_);
     isInputClosed_ = true;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/base/child_process.h"
 #include "host/base/mutex.h"
 #include "host/engine/stand_ins.h"
 #include "host/protocol/event_writer.h"
@@ -31,11 +32,12 @@ class Engine final : private InstallerHost {
   // come any more; it must not return. It is called with `main_` held, on whichever thread shows the alert.
   Engine(EventWriter* events, EjectNote& ejectNote, std::function<void()> onNoAnswer);
 
-  // As joinInput(). A page that is destroyed while its threads run must wait for them itself.
+  // As stopReading(). A page that is destroyed while its threads run must wait for them itself.
   ~Engine();
 
-  // Blocks until the thread that reads requests has ended, as it does when its input is closed.
-  void joinInput();
+  // Ends the thread that reads requests, if there is one, and waits for that. Requests that it has not read yet
+  // are lost. Must not be called with `main_` held unless the input is closed.
+  void stopReading();
 
   // Makes the page. Throws UsageError when the bundle was built for another interface version.
   void makePage(PageFactory factory);
@@ -153,6 +155,7 @@ class Engine final : private InstallerHost {
   event::Summary summary_ GUARDED_BY(state_);
 
   std::thread inputThread_;
+  Pipe stopReading_;                     // its write end is closed to end that thread
   std::unique_ptr<InstallerPane> page_;  // last, since it may call until it is destroyed
 };
 

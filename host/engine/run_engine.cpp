@@ -102,9 +102,7 @@ void runEngine(const EngineOptions& options, Controller controller, const Engine
     if (events) {
       events->finish();
     }
-    if (status == ExitStatus::noAnswer || theEngine->inputIsClosed()) {
-      theEngine->joinInput();
-    }
+    theEngine->stopReading();
     exitProcess(status);
   };
   Engine engine(events.get(), ejectNote, [&finish] { finish(ExitStatus::noAnswer); });

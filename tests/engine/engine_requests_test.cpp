@@ -168,6 +168,13 @@ TEST_F(EngineAtPipes, QuitEndsItWhileThePagesThreadGoesOn) {
   frontend.join();
 }
 
+TEST_F(EngineAtPipes, StopsReadingWhileItsInputStaysOpen) {
+  writeAll(requests.writeEnd, "nonsense\n");
+  await<event::Error>();  // so the thread reads
+  engine->stopReading();
+  EXPECT_FALSE(engine->inputIsClosed());
+}
+
 TEST_F(EngineAtPipes, AFrontendThatReadsNothingDelaysNoDispatch) {
   constexpr int kFiles = 100000;
   std::atomic<int> done = 0;
