@@ -24,7 +24,7 @@ struct Figures {
 [[nodiscard]] std::string tableOf(const std::vector<Figures>& figures, std::size_t rows);
 
 // Do the sanitizers keep books in this build? They hold on to freed memory, so its figures say nothing then.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#if defined(TAVINSTALL_SANITIZED)
 inline constexpr bool kMemoryTells = false;
 #else
 inline constexpr bool kMemoryTells = true;

@@ -11,7 +11,6 @@
 #include <filesystem>
 #include <functional>
 #include <gtest/gtest.h>
-#include <sched.h>
 #include <string>
 #include <sys/inotify.h>
 #include <sys/mman.h>
@@ -55,19 +54,6 @@ bool comesTrue(const std::function<bool()>& condition) {
     std::this_thread::sleep_for(std::chrono::milliseconds(2));
   }
   return true;
-}
-
-// How many processors each other thread of this process may run on.
-std::vector<int> processorsOfOtherThreads() {
-  std::vector<int> counts;
-  for (const auto& thread : fs::directory_iterator("/proc/self/task")) {
-    const int number = std::stoi(thread.path().filename());
-    cpu_set_t processors;
-    if (number != gettid() && sched_getaffinity(number, sizeof processors, &processors) == 0) {
-      counts.push_back(CPU_COUNT(&processors));
-    }
-  }
-  return counts;
 }
 
 // The private folders of the tests are in memory always, so the files lie in the build folder.
