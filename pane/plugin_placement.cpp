@@ -12,7 +12,7 @@ namespace tavenhall {
 
 namespace {
 
-constexpr std::size_t kCommandSize = 2048;
+constexpr std::size_t kPlacementCommandSize = 2048;
 constexpr std::size_t kProbePathSize = 1024;
 constexpr std::int16_t kEverybody = 0777;
 
@@ -106,7 +106,7 @@ void InstallDataPane::openApplicationPermissions(const char* dest) const noexcep
 }
 
 void setPermissionTo_777(const char* path, int recursive) noexcept {
-  BoundedText<kCommandSize> command;
+  BoundedText<kPlacementCommandSize> command;
   command.format(recursive != 0 ? "sudo chmod -R 777 %s" : "sudo chmod 777 %s", path);
   const int result = runShellCommand(command.c_str());
   addEventToInstallationLog("%s   ... result = %d\n", command.c_str(), result);

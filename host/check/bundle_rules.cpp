@@ -27,7 +27,7 @@ struct Item {
   std::vector<const TreeEntry*> inside;
 };
 
-std::string destinationOf(const CheckedFolder& folder, const std::string& path) {
+std::string destinationOfEntry(const CheckedFolder& folder, const std::string& path) {
   return folder.folder.destination + "/" + path;
 }
 
@@ -43,7 +43,7 @@ std::vector<Item> itemsOf(const CheckedFolder& folder) {
     if (entry.isHidden) {
       continue;
     }
-    const std::string destination = destinationOf(folder, entry.path);
+    const std::string destination = destinationOfEntry(folder, entry.path);
     const auto outer = std::find_if(items.begin(), items.end(), [&entry](const Item& item) {
       return entry.path.starts_with(item.path + "/");
     });

@@ -132,7 +132,7 @@ void checkLength(const CopiedTree& copied, const TreeEntry& entry, Remarks& rema
   }
 }
 
-std::string destinationOf(const CheckedVolume& volume) {
+std::string destinationAtLongHome(const CheckedVolume& volume) {
   std::string destination = volume.destination;
   return destination.replace(0, 1, kLongHome);  // in the place of the "~"
 }
@@ -141,7 +141,7 @@ std::vector<CopiedTree> copiedTrees(const CheckedSet& checked) {
   std::vector<CopiedTree> trees;
   for (const CheckedVolume& volume : checked.volumes) {
     if (!volume.chosen.empty()) {
-      trees.push_back({volume.tree, volume.source(), destinationOf(volume),
+      trees.push_back({volume.tree, volume.source(), destinationAtLongHome(volume),
                        [&volume](const std::string& path) { return volume.shown(path); }, false});
     }
   }

@@ -22,7 +22,7 @@ bool isOwnFolder(const fs::path& name) {
   return std::find(kOwnFolders.begin(), kOwnFolders.end(), name) != kOwnFolders.end();
 }
 
-bool isBelow(const std::string& path, const std::string& folder) {
+bool isAtOrBelow(const std::string& path, const std::string& folder) {
   return path == folder || path.starts_with(folder + "/");
 }
 
@@ -70,12 +70,12 @@ void Sandbox::probe() const {
 
 fs::path Sandbox::outside(const std::string& inside) const {
   for (const SandboxBind& place : binds_) {
-    if (isBelow(inside, place.inside)) {
+    if (isAtOrBelow(inside, place.inside)) {
       return place.outside / fs::path(inside.substr(place.inside.size())).relative_path();
     }
   }
   for (const char* folder : kOwnFolders) {
-    if (isBelow(inside, std::string("/").append(folder))) {
+    if (isAtOrBelow(inside, std::string("/").append(folder))) {
       return root_ / fs::path(inside).relative_path();
     }
   }

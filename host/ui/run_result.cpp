@@ -27,7 +27,7 @@ constexpr std::array<FailureKind, 6> kFailureKinds{{
     {"size", N_("Files that were not copied whole")},
 }};
 
-std::string amountText(const RunResult& result) {
+std::string installedAmountText(const RunResult& result) {
   const std::string time = durationText(result.time.count());
   return result.bytesWritten ? format(_("{0} in {1}"), {sizeText(*result.bytesWritten), time})
                              : format(_("in {0}"), {time});
@@ -100,7 +100,7 @@ std::vector<Line> resultLines(const RunResult& result, int width) {
 
   std::vector<Line> lines;
   if (result.isSuccess()) {
-    append(lines, labelledLines(installed, amountText(result), indent, width));
+    append(lines, labelledLines(installed, installedAmountText(result), indent, width));
     append(lines, labelledLines(in, result.destination, indent, width));
   } else {
     const std::string whatToDo =
@@ -111,7 +111,7 @@ std::vector<Line> resultLines(const RunResult& result, int width) {
             : _("Nothing in the log names a file. Run the installer again to complete it.");
     append(lines, wrappedLines(whatToDo, width));
     lines.emplace_back();
-    append(lines, labelledLines(copied, amountText(result), indent, width));
+    append(lines, labelledLines(copied, installedAmountText(result), indent, width));
     append(lines, labelledLines(into, result.destination, indent, width));
   }
   if (!result.log.empty()) {
@@ -127,7 +127,7 @@ std::string logLine(const std::string& logPath) {
 }
 
 std::string closingText(const RunResult& result) {
-  const std::string amount = amountText(result);
+  const std::string amount = installedAmountText(result);
   const std::string text = result.isSuccess()
                                ? format(_("Installed {0}."), {amount})
                                : join(resultHeading(result).text, format(_("Copied {0}."), {amount}));
