@@ -23,14 +23,13 @@ std::FILE* openBesidePackage(const char* tail, BoundedText<kAttributesPathSize>&
   return openToRead(path.c_str());
 }
 
-// Shows the lines of the file, in order, to `isWanted` until it says yes; whether it did. A failed read
-// uses up one of the turns.
-template <typename Test>
-bool searchLines(std::FILE* file, Test isWanted) {
+// Shows the file's lines to a search; whether it found its key. A failed read uses up one of the turns.
+template <typename Search>
+bool searchLines(std::FILE* file, Search& search) {
   std::array<char, kAttributesLineSize> line{};
   for (int turn = 0; turn < kAttributesLineCount; ++turn) {
     if (std::fgets(line.data(), static_cast<int>(line.size()), file) != nullptr &&
-        isWanted(parseAttributesLine(line.data()))) {
+        search.show(parseAttributesLine(line.data()))) {
       return true;
     }
   }
@@ -60,15 +59,8 @@ int getStringFromAttributesFile(const char* key, char* value, std::size_t size) 
   if (file == nullptr) {
     return 0;
   }
-  const bool found = searchLines(file, [=](const AttributesLine& line) {
-    if (!line.value.empty()) {
-      copyCut(value, size, line.value);  // required for every line, wanted or not
-    }
-    return isStringKey(line.key, key);
-  });
-  if (found) {
-    finishAttributesValue(value);
-  }
+  TextSearch search(key, value, size);
+  const bool found = searchLines(file, search);
   std::fclose(file);
   return found ? 1 : 0;
 }
@@ -78,13 +70,10 @@ std::int64_t getLongLongFromAttributesFile(const char* key) noexcept {
   if (file == nullptr) {
     return 0;
   }
-  std::int64_t number = 0;
-  const bool found = searchLines(file, [&number, key](const AttributesLine& line) {
-    readAttributesNumber(line.value, number);  // required for every line, so a value that is no number keeps it
-    return isNumberKey(line.key, key);
-  });
+  NumberSearch search(key);
+  searchLines(file, search);
   std::fclose(file);
-  return found ? number : 0;
+  return search.number();
 }
 
 }  // namespace tavenhall

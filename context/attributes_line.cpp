@@ -1,5 +1,7 @@
 #include "context/attributes_line.h"
 
+#include "context/bounded_text.h"
+
 #include <charconv>
 #include <cstring>
 #include <limits>
@@ -42,7 +44,7 @@ bool isStringKey(std::string_view key, std::string_view wanted) noexcept {
 
 bool isNumberKey(std::string_view key, std::string_view wanted) noexcept { return key == wanted; }
 
-void readAttributesNumber(std::string_view value, std::int64_t& number) noexcept {
+bool readAttributesNumber(std::string_view value, std::int64_t& number) noexcept {
   const bool plusBeforeDigit = value.size() > 1 && value[0] == '+' && value[1] >= '0' && value[1] <= '9';
   if (plusBeforeDigit) {
     value.remove_prefix(1);
@@ -54,7 +56,10 @@ void readAttributesNumber(std::string_view value, std::int64_t& number) noexcept
   } else if (error == std::errc::result_out_of_range) {
     using Limits = std::numeric_limits<std::int64_t>;
     number = value[0] == '-' ? Limits::min() : Limits::max();
+  } else {
+    return false;
   }
+  return true;
 }
 
 void finishAttributesValue(char* value) noexcept {
@@ -68,6 +73,24 @@ void finishAttributesValue(char* value) noexcept {
       value[i + 1] = '\n';  // also for the "r": either escape is a line break
     }
   }
+}
+
+bool TextSearch::show(const AttributesLine& line) noexcept {
+  tookValue_ = !line.value.empty();
+  if (tookValue_) {
+    copyCut(value_, size_, line.value);
+  }
+  const bool isFound = isStringKey(line.key, key_);
+  if (isFound) {
+    finishAttributesValue(value_);
+  }
+  return isFound;
+}
+
+bool NumberSearch::show(const AttributesLine& line) noexcept {
+  tookValue_ = readAttributesNumber(line.value, number_);
+  isFound_ = isNumberKey(line.key, key_);
+  return isFound_;
 }
 
 }  // namespace tavenhall

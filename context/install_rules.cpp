@@ -3,6 +3,7 @@
 #include "context/contains.h"
 
 #include <cmath>
+#include <strings.h>
 
 namespace tavenhall {
 
@@ -75,6 +76,11 @@ std::int32_t installModeForValue(std::string_view value) noexcept {
     }
   }
   return kModeOtherRelative;
+}
+
+bool promptIsYes(std::string_view value) noexcept {
+  constexpr std::string_view kYes = "Yes";
+  return value.size() == kYes.size() && strncasecmp(value.data(), kYes.data(), kYes.size()) == 0;
 }
 
 bool choiceIsLite(std::string_view choice) noexcept { return choice == "Lite"; }

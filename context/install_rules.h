@@ -44,6 +44,9 @@ inline constexpr std::int32_t kModeProductUpdater = 4;
 
 // ---- Editions ----
 
+// The value of LiteVsFullPrompt, in any case.
+[[nodiscard]] bool promptIsYes(std::string_view value) noexcept;
+
 // The first line of the choice file, its last character gone.
 [[nodiscard]] bool choiceIsLite(std::string_view choice) noexcept;
 

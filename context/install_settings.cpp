@@ -70,6 +70,12 @@ void getAlternateNameForFullInstalltion(char* text) noexcept { getText(kFullName
 
 bool findRelativePath2(char* text) noexcept { return getText(kRelativePath2, text); }
 
+std::int64_t readNumberOfVolumes() noexcept {
+  const std::int64_t number = getLongLongFromAttributesFile("NumberOfVolumes");
+  addEventToInstallationLog("Data from attributes file::   num Vol=%lld ", static_cast<long long>(number));
+  return number;
+}
+
 int getInstallationMode(void) noexcept {
   int mode = kModeVolumes;
   if (std::FILE* file = getInstallationAttributesFile()) {

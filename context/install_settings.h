@@ -2,6 +2,8 @@
 
 #include "platform/visibility.h"
 
+#include <cstdint>
+
 // What the InstallationAttributes file says of this installer. Each getter looks one key up in the file,
 // anew at every call, and logs what it found. A missing file or key gives the built-in text and a log line
 // that says so; no getter fails. Every buffer holds at least kAttributesValueSize bytes. Any thread.
@@ -38,5 +40,8 @@ TAVENHALL_EXPORT int folderExistsAndHasContents(const char* path) noexcept;
 
 // Whether "RelativePath2" is in the file, with `text` filled and a log line written as by getRelativePath2.
 [[nodiscard]] bool findRelativePath2(char* text) noexcept;
+
+// "NumberOfVolumes", with a log line.
+[[nodiscard]] std::int64_t readNumberOfVolumes() noexcept;
 
 }  // namespace tavenhall

@@ -1,7 +1,7 @@
+#include "context/folder_listing.h"
 #include "context/installation_log.h"
 #include "context/placement_rules.h"
 #include "pane/copy_streams.h"
-#include "pane/folder_listing.h"
 #include "pane/install_data_pane.h"
 #include "pane/process_wide.h"
 #include "platform/copy_hints.h"

@@ -1,11 +1,12 @@
 #include "context/attributes_line.h"
 #include "context/install_settings.h"
 #include "context/installation_log.h"
+#include "context/installed_editions.h"
 #include "context/internal_lookups.h"
-#include "pane/folder_listing.h"
 #include "pane/install_data_pane.h"
 
-#include <sys/stat.h>
+#include <optional>
+#include <string>
 
 namespace tavenhall {
 
@@ -14,19 +15,42 @@ namespace {
 constexpr std::size_t kDetectionPathSize = 2048;
 using DetectionPath = BoundedText<kDetectionPathSize>;
 
-constexpr const char* kMirelPacks = "Mirel Packs";
+// Stores the libraries that are found in the page's slots.
+class LibrarySlots {
+ public:
+  explicit LibrarySlots(InstallDataPane& pane) noexcept : pane_(pane) {}
 
-// The name of the first database file in `folder`; false when there is none.
-bool findDatabase(const char* folder, BoundedText<kFolderNameSize>& name) {
-  FolderListing listing(folder);
-  while (const dirent* entry = listing.next()) {
-    if (entry->d_type == DT_REG && isDatabaseName(entry->d_name)) {
-      name.assign(entry->d_name);
-      return true;
-    }
+  [[nodiscard]] bool isFull() const noexcept { return pane_.gNumTwoComponentInstallFolders >= kLibrarySlots; }
+  void foundLibrary(const char* name) noexcept {
+    slot().assign(name);
+    ++pane_.gNumTwoComponentInstallFolders;
   }
-  return false;
-}
+  // The slot is not counted; the first pack takes it.
+  void foundPacks(const char* path) noexcept {
+    slot().assign(kMirelPacks);
+    addEventToInstallationLog("Searching for Mirel Packs update data: %s \n", path);
+  }
+  void foundPack(const char* name) noexcept {
+    slot().format("%s/%s", kMirelPacks, name);
+    addEventToInstallationLog("Found Mirel Packs library: %s\n", slot().c_str());
+    ++pane_.gNumTwoComponentInstallFolders;
+    ++pane_.gNumMirelPacksInstallFolders;
+  }
+
+ private:
+  [[nodiscard]] BoundedText<kFolderNameSize>& slot() noexcept {
+    return pane_.gTwoComponentInstallFolderNames[pane_.gNumTwoComponentInstallFolders];
+  }
+
+  InstallDataPane& pane_;
+};
+
+struct DetectionLog {
+  static void searches(const char* path) noexcept { addEventToInstallationLog("Searching: %s \n", path); }
+  static void foundDatabase(const char* path, std::int32_t size) noexcept {
+    addEventToInstallationLog("Found %s file with size = %d\n", path, size);
+  }
+};
 
 }  // namespace
 
@@ -38,92 +62,22 @@ void InstallDataPane::storeTwoComponentInstallFolderNames() noexcept {
   getFolderContainingPKGfile(relativePath.c_str());
   DetectionPath folder;
   folder.format("%s/TANVO", sOutputPathWithCallersSubfolder.c_str());
-
-  FolderListing listing(folder.c_str());
-  while (gNumTwoComponentInstallFolders < kLibrarySlots) {
-    const dirent* entry = listing.next();
-    if (entry == nullptr) {
-      return;
-    }
-    gTwoComponentInstallFolderNames[gNumTwoComponentInstallFolders].assign(entry->d_name);
-    if (std::string_view(entry->d_name) == kMirelPacks) {
-      storeMirelPackNames(folder.c_str());  // the slot is not counted; the first pack takes it
-    } else {
-      ++gNumTwoComponentInstallFolders;
-    }
-  }
-}
-
-void InstallDataPane::storeMirelPackNames(const char* folder) noexcept {
-  DetectionPath packs;
-  packs.format("%s/%s", folder, kMirelPacks);
-  addEventToInstallationLog("Searching for Mirel Packs update data: %s \n", packs.c_str());
-
-  FolderListing listing(packs.c_str());
-  while (gNumTwoComponentInstallFolders < kLibrarySlots) {
-    const dirent* entry = listing.next();
-    if (entry == nullptr) {
-      return;
-    }
-    auto& name = gTwoComponentInstallFolderNames[gNumTwoComponentInstallFolders];
-    name.format("%s/%s", kMirelPacks, entry->d_name);
-    addEventToInstallationLog("Found Mirel Packs library: %s\n", name.c_str());
-    ++gNumTwoComponentInstallFolders;
-    ++gNumMirelPacksInstallFolders;
-  }
+  LibrarySlots slots(*this);
+  listUpdateLibraries(folder, slots);
 }
 
 void InstallDataPane::determineInstallationTypesInLocalTANVOFolder() noexcept {
+  const char* centralFolder = gTANVOorDOVA_destinationPath != nullptr ? gTANVOorDOVA_destinationPath : "(null)";
   for (std::int32_t i = 0; i < gNumTwoComponentInstallFolders; ++i) {
     const std::string_view name = gTwoComponentInstallFolderNames[i].view();
-    if (isMirelPack(name)) {
-      detectMirelPackEdition(i);
-    } else if (name == "Tessaphon") {
-      // The one instrument that a Lite edition lacks.
-      DetectionPath path;
-      path.assign(gTANVOorDOVA_destinationPath);
-      path.append("/Tessaphon/Soundsources/Factory/Tessaphon Library/Keyboards/Glassophone.db");
-      struct stat found {};
-      const bool isLite = stat(path.c_str(), &found) != 0;
-      gTwoComponentInstallChoicesAreLite[i] = isLite ? 1 : 0;
-      addEventToInstallationLog(isLite ? "Confirmed Tessaphon Library Installation is Lite\n"
-                                       : "Confirmed Tessaphon Library Installation is Full\n");
+    DetectionLog log;
+    const std::optional<bool> isLite = installedEditionIsLite<DetectionPath>(centralFolder, name, log);
+    if (isLite) {
+      gTwoComponentInstallChoicesAreLite[i] = *isLite ? 1 : 0;
+      addEventToInstallationLog(*isLite ? "Confirmed %s Library Installation is Lite\n"
+                                        : "Confirmed %s Library Installation is Full\n",
+                                std::string(mirelPackLibrary(name)).c_str());
     }
-  }
-}
-
-void InstallDataPane::detectMirelPackEdition(std::int32_t index) noexcept {
-  const std::string library(mirelPackLibrary(gTwoComponentInstallFolderNames[index].view()));
-  DetectionPath path;
-  path.format("%s/Mirel Packs/%s/Soundsources/Factory/%s Library", gTANVOorDOVA_destinationPath,
-              library.c_str(), library.c_str());
-  addEventToInstallationLog("Searching: %s \n", path.c_str());
-
-  FolderListing listing(path.c_str());
-  while (const dirent* entry = listing.next()) {
-    if (entry->d_type != DT_DIR) {
-      continue;
-    }
-    // Required: the path only grows. A subfolder without a database stays in it, so in effect the first
-    // subfolder of the listing decides.
-    path.append("/");
-    path.append(entry->d_name);
-    BoundedText<kFolderNameSize> database;
-    if (!findDatabase(path.c_str(), database)) {
-      continue;
-    }
-    path.append("/");
-    path.append(database.view());
-    struct stat found {};
-    stat(path.c_str(), &found);  // required: a failure counts as a size of 0
-    const auto size = static_cast<std::int32_t>(found.st_size);
-    addEventToInstallationLog("Found %s file with size = %d\n", path.c_str(), size);
-    const bool isLite = databaseSizeIsLite(size);
-    gTwoComponentInstallChoicesAreLite[index] = isLite ? 1 : 0;
-    addEventToInstallationLog(
-        isLite ? "Confirmed %s Library Installation is Lite\n" : "Confirmed %s Library Installation is Full\n",
-        library.c_str());
-    return;
   }
 }
 

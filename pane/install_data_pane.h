@@ -141,9 +141,7 @@ class InstallDataPane final : public InstallerPane {
   void settleSourceRoot() noexcept;
   void announceDetectedEditions() noexcept;
   void storeTwoComponentInstallFolderNames() noexcept;
-  void storeMirelPackNames(const char* folder) noexcept;
   void determineInstallationTypesInLocalTANVOFolder() noexcept;
-  void detectMirelPackEdition(std::int32_t index) noexcept;
 
   // ---- source_volumes: the main or the install thread, never both at once ----
 

@@ -1,4 +1,5 @@
 #include "context/attributes_line.h"
+#include "context/install_decisions.h"
 #include "context/install_settings.h"
 #include "context/installation_log.h"
 #include "context/internal_lookups.h"
@@ -64,7 +65,7 @@ void InstallDataPane::doEntireInstall() noexcept {
 
 // A folder that is not beside the package is passed over without a word.
 void InstallDataPane::copySupportHubExternalFolders() noexcept {
-  for (const char* folder : {"/Library", "/Applications"}) {
+  for (const char* folder : kSystemFolders) {
     getFolderContainingPKGfile(nullptr);
     BoundedText<4096> source;
     source.assign(sOutputPathWithCallersSubfolder.view());

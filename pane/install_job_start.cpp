@@ -1,5 +1,6 @@
 #include "context/attributes_line.h"
 #include "context/first_line.h"
+#include "context/install_decisions.h"
 #include "context/install_settings.h"
 #include "context/installation_log.h"
 #include "context/internal_lookups.h"
@@ -8,26 +9,18 @@
 #include "pane/sleep_holds.h"
 #include "platform/system.h"
 
-#include <strings.h>
-
 namespace tavenhall {
 
 namespace {
 
-bool readVolumesOfferEditions() {
-  const std::int64_t number = getLongLongFromAttributesFile("NumberOfVolumes");
-  addEventToInstallationLog("Data from attributes file::   num Vol=%lld ", static_cast<long long>(number));
-  return volumesOfferEditions(number);
-}
-
-bool promptIsWanted() {
+bool readPromptIsYes() {
   BoundedText<kAttributesValueSize> prompt;
   if (getStringFromAttributesFile("LiteVsFullPrompt", prompt.data(), prompt.capacity()) == 0) {
     addEventToInstallationLog("Did not find LiteVsFullPrompt string in attributes file ");
     return false;
   }
   addEventToInstallationLog("Data from attributes file::  LiteVsFullPrompt =%s ", prompt.c_str());
-  return strcasecmp(prompt.c_str(), "Yes") == 0;
+  return promptIsYes(prompt.view());
 }
 
 }  // namespace
@@ -53,23 +46,16 @@ void InstallDataPane::spawnBackgroundInstallJob() noexcept {
   }
 }
 
-// Required: the modes differ in what they ask. Two volumes alone mean two editions in modes 0 and 3, mode 2
-// also wants the prompt, and mode 4 looks at what the user has.
 void InstallDataPane::settleEditionOption() noexcept {
-  switch (gInstallMode) {
-    case kModeDataUpdater:
-    case kModeOtherRelative: gInstallationHasLiteVsFullOption = readVolumesOfferEditions() ? 1 : 0; break;
-    case kModeVolumes:
-      gInstallationHasLiteVsFullOption = readVolumesOfferEditions() && promptIsWanted() ? 1 : 0;
-      break;
-    case kModeProductUpdater:
-      storeTwoComponentInstallFolderNames();
-      gInstallationHasLiteVsFullOption = gNumTwoComponentInstallFolders > 0 ? 1 : 0;
-      determineInstallationTypesInLocalTANVOFolder();
-      return;  // the choice file is for the other modes
-    default: return;
-  }
-  if (gInstallationHasLiteVsFullOption != 0) {
+  const auto countLibraries = [this] {
+    storeTwoComponentInstallFolderNames();
+    return gNumTwoComponentInstallFolders;
+  };
+  const bool isOffered = editionsAreOffered(gInstallMode, readNumberOfVolumes, readPromptIsYes, countLibraries);
+  gInstallationHasLiteVsFullOption = isOffered ? 1 : 0;
+  if (!choiceFileDecides(gInstallMode)) {
+    determineInstallationTypesInLocalTANVOFolder();
+  } else if (isOffered) {
     readEditionChoiceFile();
   }
 }

@@ -1,34 +1,24 @@
+#include "context/install_decisions.h"
+#include "context/install_settings.h"
 #include "context/installation_log.h"
 #include "context/internal_lookups.h"
 #include "pane/install_data_pane.h"
 
 #include <algorithm>
+#include <span>
 
 namespace tavenhall {
 
 void InstallDataPane::determineNumVolumesToInstall() noexcept {
-  if (gInstallationHasLiteVsFullOption != 0) {
-    if (gInstallMode == kModeProductUpdater) {
-      const auto* first = gTwoComponentInstallChoicesAreLite.data();
-      const auto* last = first + std::max(gNumTwoComponentInstallFolders, 0);
-      const bool allAreLite = std::all_of(first, last, [](std::int32_t isLite) { return isLite != 0; });
-      gAllTwoComponentInstallChoicesAreLite = allAreLite ? 1 : 0;
-      gVolumeCount = allAreLite ? 1 : 2;
-      return;
-    }
-    gAllTwoComponentInstallChoicesAreLite = gTwoComponentInstallChoicesAreLite[0];
-    if (gAllTwoComponentInstallChoicesAreLite != 0) {
-      gVolumeCount = 1;
-      return;
-    }
-    if (gInstallMode != kModeVolumes) {
-      gVolumeCount = 2;
-      return;
-    }
+  const bool offersEditions = gInstallationHasLiteVsFullOption != 0;
+  if (offersEditions) {
+    const std::span choices(gTwoComponentInstallChoicesAreLite);
+    const auto libraries = static_cast<std::size_t>(std::max(gNumTwoComponentInstallFolders, 0));
+    const std::size_t count = choiceFileDecides(gInstallMode) ? 1 : libraries;
+    gAllTwoComponentInstallChoicesAreLite = allChoicesAreLite(choices.first(count)) ? 1 : 0;
   }
-  const std::int64_t number = getLongLongFromAttributesFile("NumberOfVolumes");
-  addEventToInstallationLog("Data from attributes file::   num Vol=%lld ", static_cast<long long>(number));
-  gVolumeCount = volumeCountForNumber(number);
+  gVolumeCount = volumeCount(gInstallMode, offersEditions, gAllTwoComponentInstallChoicesAreLite != 0,
+                             readNumberOfVolumes);
 }
 
 void InstallDataPane::getFullPathOfVolumeNumber(std::int32_t number,

@@ -1,5 +1,6 @@
+#include "context/folder_listing.h"
+#include "context/install_decisions.h"
 #include "context/installation_log.h"
-#include "pane/folder_listing.h"
 #include "pane/install_data_pane.h"
 #include "pane/process_wide.h"
 #include "platform/copy_hints.h"
@@ -41,9 +42,8 @@ void InstallDataPane::copySingleVolume() noexcept {
   progressSizeForLoggingUnitBytes = 0;
   progressCounterForLogging = 0;
 
-  if (gInstallMode == kModeProductUpdater && gCurrentVolumeNumber == 1) {
-    // The second component of an update: only for the libraries that the user has in full. The last copy's
-    // result counts.
+  if (holdsLibrariesInFull(gInstallMode, gCurrentVolumeNumber)) {
+    // The last copy's result counts.
     for (std::int32_t i = 0; i < gNumTwoComponentInstallFolders; ++i) {
       if (gTwoComponentInstallChoicesAreLite[i] != 0) {
         continue;

@@ -1,4 +1,5 @@
 #include "context/attributes_line.h"
+#include "context/install_decisions.h"
 #include "context/install_settings.h"
 #include "context/installation_log.h"
 #include "context/internal_lookups.h"
@@ -16,7 +17,6 @@ namespace {
 constexpr std::int32_t kFirstOptionalVolume = 2;
 constexpr std::size_t kVolumesPrefixLength = 9;  // of "/Volumes/"
 constexpr unsigned kSecondsBetweenDiscChecks = 10;
-constexpr std::int64_t kExpectedBytesWhenUnknown = 100000000;
 
 bool exists(const char* path) {
   struct stat found {};
@@ -56,24 +56,25 @@ void InstallDataPane::installAllVolumesForOneOf_TANVOorDOVA() noexcept {
 const OptionalDisc* InstallDataPane::chooseVolumeRoot(bool hasOptionalDiscs) noexcept {
   auto& root = gPathOfSourceDataExcludingTANVOtail;
   if (gCurrentVolumeNumber == 0) {
-    return nullptr;
+    return nullptr;  // the caller of the pass has settled it
   }
-  if (gCurrentVolumeNumber == 1 && gInstallationHasLiteVsFullOption != 0 && gInstallMode != kModeVolumes) {
-    if (gAllTwoComponentInstallChoicesAreLite == 0) {
+  const VolumeRoot chosen =
+      volumeRoot(gCurrentVolumeNumber, gInstallMode, gInstallationHasLiteVsFullOption != 0,
+                 gAllTwoComponentInstallChoicesAreLite != 0, hasOptionalDiscs);
+  switch (chosen.kind) {
+    case RootKind::asBefore:
+    case RootKind::relativePath: break;
+    case RootKind::mounted: getFullPathOfVolumeNumber(gCurrentVolumeNumber, root); break;
+    case RootKind::optionalDisc: root.assign(chosen.disc->mountPath); break;
+    case RootKind::relativePath2: {
       BoundedText<kAttributesValueSize> relativePath;
       getRelativePath2(relativePath.data());
       getFolderContainingPKGfile(relativePath.c_str());
       root.assign(sOutputPathWithCallersSubfolder.view());
+      break;
     }
-    return nullptr;
   }
-  const OptionalDisc* disc = hasOptionalDiscs ? optionalDiscForVolume(gCurrentVolumeNumber) : nullptr;
-  if (disc != nullptr) {
-    root.assign(disc->mountPath);
-  } else {
-    getFullPathOfVolumeNumber(gCurrentVolumeNumber, root);
-  }
-  return disc;
+  return chosen.disc;
 }
 
 bool InstallDataPane::waitForVolume(const OptionalDisc* optionalDisc) noexcept {
@@ -135,7 +136,7 @@ void InstallDataPane::prepareFirstVolume() noexcept {
   instructions->setTitleWithMnemonic(expandFormat(installing.view(), gTANVOorDOVA_destinationPath).c_str());
 
   std::int64_t millions = getLongLongFromAttributesFile("TotalSizeMillionsBytes");
-  if (gInstallationHasLiteVsFullOption != 0 && gAllTwoComponentInstallChoicesAreLite != 0) {
+  if (componentIsAnnounced(gInstallationHasLiteVsFullOption != 0, gAllTwoComponentInstallChoicesAreLite != 0)) {
     millions = getLongLongFromAttributesFile("Component1SizeMillionsBytes");
   }
   totalNumBytesExpectedAcrossAllVolumes = announcedBytes(millions);

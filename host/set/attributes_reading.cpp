@@ -54,23 +54,20 @@ std::optional<std::string> readBytes(const std::filesystem::path& path) {
   return bytes;
 }
 
-// Reading a number leaves what was there when there is none, so only a number gives the same twice.
-bool holdsNumber(std::string_view value) {
-  std::int64_t one = 1;
-  std::int64_t two = 2;
-  readAttributesNumber(value, one);
-  readAttributesNumber(value, two);
-  return one == two;
-}
-
-// Shows the lines that the page searches to `isWanted` until it says yes; the line it said so of.
-template <typename Test>
-const AttributesPiece* searchPieces(const std::vector<AttributesPiece>& pieces, Test isWanted) {
+// Shows the page's search the lines that the page shows it. `source`: the last one whose value it took. The
+// line that has the key, or null.
+template <typename Search>
+const AttributesPiece* searchPieces(const std::vector<AttributesPiece>& pieces, Search& search,
+                                    const AttributesPiece*& source) {
   for (const AttributesPiece& piece : pieces) {
     if (piece.turn > kAttributesLineCount) {
       break;
     }
-    if (isWanted(piece)) {
+    const bool isFound = search.show(piece.parts);
+    if (search.tookValue()) {
+      source = &piece;
+    }
+    if (isFound) {
       return &piece;
     }
   }
@@ -105,32 +102,18 @@ AttributesReading AttributesReading::besidePackage(const std::string& packageFol
 
 FoundText AttributesReading::findText(std::string_view key, std::size_t size) const& {
   FoundText found;
-  found.key = searchPieces(*pieces_, [&](const AttributesPiece& piece) {
-    if (!piece.parts.value.empty()) {
-      found.source = &piece;
-    }
-    return isStringKey(piece.parts.key, key);
-  });
   std::vector<char> buffer(size, '\0');
-  if (found.source != nullptr) {
-    copyCut(buffer.data(), size, found.source->parts.value);
-  }
-  if (found.key != nullptr) {
-    finishAttributesValue(buffer.data());
-  }
+  TextSearch search(key, buffer.data(), size);
+  found.key = searchPieces(*pieces_, search, found.source);
   found.value = buffer.data();
   return found;
 }
 
 FoundNumber AttributesReading::findNumber(std::string_view key) const& {
   FoundNumber found;
-  found.key = searchPieces(*pieces_, [&](const AttributesPiece& piece) {
-    if (holdsNumber(piece.parts.value)) {
-      found.source = &piece;
-      readAttributesNumber(piece.parts.value, found.number);
-    }
-    return isNumberKey(piece.parts.key, key);
-  });
+  NumberSearch search(key);
+  found.key = searchPieces(*pieces_, search, found.source);
+  found.number = search.number();
   return found.key != nullptr ? found : FoundNumber{};
 }
 

@@ -1,6 +1,7 @@
 #include "host/set/install_plan.h"
 
 #include "context/first_line.h"
+#include "context/install_decisions.h"
 #include "context/text_expansion.h"
 #include "host/base/errors.h"
 #include "host/base/text.h"
@@ -9,7 +10,6 @@
 #include "platform/installer_pane.h"
 
 #include <algorithm>
-#include <strings.h>
 #include <sys/stat.h>
 
 namespace tavenhall {
@@ -18,7 +18,6 @@ namespace {
 
 constexpr const char* kNobodysDataRoot = "~/Library/Application Support/Tavenhall";
 constexpr std::int32_t kMostVolumesListed = 100;
-constexpr std::int64_t kExpectedBytesWhenUnknown = 100000000;
 
 bool exists(const std::string& path) {
   struct stat found {};
@@ -49,53 +48,43 @@ void readChoice(const PlanRequest& request, EditionPlan& editions) {
   editions.allAreLite = editions.source != EditionSource::noChoice && choiceIsLite(editions.choice);
 }
 
-bool promptIsWanted(const AttributesReading& attributes) {
-  const FoundText prompt = attributes.findText("LiteVsFullPrompt");
-  return prompt && strcasecmp(prompt.value.c_str(), "Yes") == 0;
-}
-
 void detectEditions(const PlanRequest& request, const std::string& centralFolder, InstallPlan& plan) {
   EditionPlan& editions = plan.editions;
-  if (const FoundText path = plan.attributes.findText("RelativePath2")) {
-    editions.libraries = listLibraries(subfolderOf(plan.packageFolder, path.value) + "/TANVO");
+  editions.source = EditionSource::detection;
+  detectInstalledEditions(request.dataRoot ? centralFolder : std::string(), editions.libraries);
+  std::vector<std::int32_t> choices;
+  for (const PlannedLibrary& library : editions.libraries) {
+    choices.push_back(library.isLite ? 1 : 0);
   }
-  editions.isOffered = !editions.libraries.empty();
+  editions.allAreLite = allChoicesAreLite(choices);
+}
+
+void settleEditions(const PlanRequest& request, const std::string& centralFolder, InstallPlan& plan) {
+  EditionPlan& editions = plan.editions;
+  plan.numberOfVolumes = plan.attributes.findNumber("NumberOfVolumes").number;
+  const auto readPromptIsYes = [&plan] {
+    const FoundText prompt = plan.attributes.findText("LiteVsFullPrompt");
+    return prompt && promptIsYes(prompt.value);
+  };
+  const auto countLibraries = [&plan] {
+    if (const FoundText path = plan.attributes.findText("RelativePath2")) {
+      plan.editions.libraries = listLibraries(subfolderOf(plan.packageFolder, path.value) + "/TANVO");
+    }
+    return plan.editions.libraries.size();
+  };
+  editions.isOffered = editionsAreOffered(
+      plan.mode, [&plan] { return plan.numberOfVolumes; }, readPromptIsYes, countLibraries);
   if (!editions.isOffered) {
     return;
   }
-  editions.source = EditionSource::detection;
-  detectInstalledEditions(request.dataRoot ? centralFolder : std::string(), editions.libraries);
-  editions.allAreLite = std::all_of(editions.libraries.begin(), editions.libraries.end(),
-                                    [](const PlannedLibrary& library) { return library.isLite; });
-}
-
-// Required of the page: the modes differ in what they ask.
-void settleEditions(const PlanRequest& request, const std::string& centralFolder, InstallPlan& plan) {
-  plan.numberOfVolumes = plan.attributes.findNumber("NumberOfVolumes").number;
-  const bool twoVolumes = volumesOfferEditions(plan.numberOfVolumes);
-  EditionPlan& editions = plan.editions;
-  switch (plan.mode) {
-    case kModeProductUpdater: detectEditions(request, centralFolder, plan); return;
-    case kModeVolumes: editions.isOffered = twoVolumes && promptIsWanted(plan.attributes); break;
-    default: editions.isOffered = twoVolumes; break;
-  }
-  if (editions.isOffered) {
+  if (choiceFileDecides(plan.mode)) {
     readChoice(request, editions);
+  } else {
+    detectEditions(request, centralFolder, plan);
   }
 }
 
 // ---- Passes and volumes ----
-
-std::int32_t volumeCountOf(const InstallPlan& plan) {
-  const EditionPlan& editions = plan.editions;
-  if (editions.isOffered && editions.allAreLite) {
-    return 1;
-  }
-  if (editions.isOffered && plan.mode != kModeVolumes) {
-    return 2;
-  }
-  return volumeCountForNumber(plan.numberOfVolumes);
-}
 
 std::string mountPathOf(const Product& product, std::int32_t number) {
   BoundedText<kPathSize> path;
@@ -103,34 +92,46 @@ std::string mountPathOf(const Product& product, std::int32_t number) {
   return path.c_str();
 }
 
+std::string rootAt(const InstallPlan& plan, const VolumeRoot& root, std::int32_t number, std::string before) {
+  switch (root.kind) {
+    case RootKind::asBefore: break;
+    case RootKind::mounted: return mountPathOf(plan.product, number);
+    case RootKind::optionalDisc: return root.disc->mountPath;
+    case RootKind::relativePath:
+      return subfolderOf(plan.packageFolder, plan.attributes.textOrFallback("RelativePath"));
+    case RootKind::relativePath2:
+      // Required of the page: with the key missing, the root is what the lookup left in the buffer.
+      return subfolderOf(plan.packageFolder, plan.attributes.findText("RelativePath2").value);
+  }
+  return before;
+}
+
 PlannedPass planPass(const InstallPlan& plan, const std::string& folderName, const std::string& dataRoot) {
   PlannedPass pass;
   pass.folderName = folderName;
   pass.destination = dataRoot + "/" + folderName;
   pass.text = expandFormat(plan.attributes.textOrFallback("InstallingData"), pass.destination.c_str());
-  pass.volumeCount = volumeCountOf(plan);
+  const EditionPlan& editions = plan.editions;
+  pass.volumeCount =
+      volumeCount(plan.mode, editions.isOffered, editions.allAreLite, [&plan] { return plan.numberOfVolumes; });
 
-  std::string root = plan.mode == kModeVolumes
-                         ? mountPathOf(plan.product, 0)
-                         : subfolderOf(plan.packageFolder, plan.attributes.textOrFallback("RelativePath"));
-  const bool hasOptionalDiscs = rootHasOptionalDiscs(root);
+  std::string root;
+  bool hasOptionalDiscs = false;
   for (std::int32_t number = 0; number < std::min(pass.volumeCount, kMostVolumesListed); ++number) {
+    const VolumeRoot chosen =
+        volumeRoot(number, plan.mode, editions.isOffered, editions.allAreLite, hasOptionalDiscs);
+    root = rootAt(plan, chosen, number, root);
+    if (number == 0) {
+      hasOptionalDiscs = rootHasOptionalDiscs(root);
+    }
     PlannedVolume volume;
     volume.number = number;
-    volume.isMounted = plan.mode == kModeVolumes;
-    if (number == 1 && plan.editions.isOffered && plan.mode != kModeVolumes) {
-      // Required of the page: with the key missing, the root is what the lookup left in the buffer.
-      root = subfolderOf(plan.packageFolder, plan.attributes.findText("RelativePath2").value);
-    } else if (number > 0) {
-      const OptionalDisc* disc = hasOptionalDiscs ? optionalDiscForVolume(number) : nullptr;
-      root = disc != nullptr ? disc->mountPath : mountPathOf(plan.product, number);
-      volume.isOptional = disc != nullptr;
-      volume.isMounted = true;
-    }
+    volume.isMounted = chosen.kind == RootKind::mounted || chosen.kind == RootKind::optionalDisc;
+    volume.isOptional = chosen.kind == RootKind::optionalDisc;
     volume.root = root;
     volume.primary = root + "/" + folderName;
     volume.alternate = root + "/Mac OSX/" + folderName;
-    volume.librariesOnly = plan.mode == kModeProductUpdater && number == 1;
+    volume.librariesOnly = holdsLibrariesInFull(plan.mode, number);
     pass.volumes.push_back(std::move(volume));
   }
   return pass;
@@ -141,20 +142,21 @@ void settlePasses(const std::string& dataRoot, InstallPlan& plan) {
     plan.passes.push_back(planPass(plan, plan.product.folderName, dataRoot));
     return;
   }
-  for (const char* folder : {"/Library", "/Applications"}) {
+  for (const char* folder : kSystemFolders) {
     if (exists(plan.packageFolder + folder)) {
       plan.systemFolders.push_back({plan.packageFolder + folder, std::string(folder) + "/"});
     }
   }
-  plan.passes.push_back(planPass(plan, "TANVO", dataRoot));
-  plan.passes.push_back(planPass(plan, "DOVA", dataRoot));
+  for (const char* folderName : kUpdatePasses) {
+    plan.passes.push_back(planPass(plan, folderName, dataRoot));
+  }
 }
 
 void settleAnnouncedSize(InstallPlan& plan) {
   AnnouncedSize& announced = plan.announced;
   announced.totalMillions = plan.attributes.findNumber("TotalSizeMillionsBytes").number;
   announced.componentMillions = plan.attributes.findNumber("Component1SizeMillionsBytes").number;
-  const bool isComponent = plan.editions.isOffered && plan.editions.allAreLite;
+  const bool isComponent = componentIsAnnounced(plan.editions.isOffered, plan.editions.allAreLite);
   announced.countedKey = isComponent ? "Component1SizeMillionsBytes" : "TotalSizeMillionsBytes";
   announced.countedMillions = isComponent ? announced.componentMillions : announced.totalMillions;
   announced.isKnown = announced.countedMillions != 0;

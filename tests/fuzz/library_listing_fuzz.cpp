@@ -1,6 +1,6 @@
 #include "context/attributes_file.h"
+#include "context/folder_listing.h"
 #include "context/install_settings.h"
-#include "pane/folder_listing.h"
 #include "pane/install_data_pane.h"
 #include "tests/fuzz/fuzzing.h"
 #include "tests/fuzz/page_files.h"

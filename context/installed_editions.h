@@ -1,0 +1,111 @@
+#pragma once
+
+#include "context/folder_listing.h"
+#include "context/install_rules.h"
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <sys/stat.h>
+
+// Which libraries an update carries, and in which edition a user has them: what is looked at, in the order in
+// which the system lists it. Only reads. `Path` holds the paths: a BoundedText, which ends the process where
+// one does not fit, or a std::string. `Observer` is told of each step, and may log it. Any thread.
+namespace tavenhall {
+
+inline constexpr const char* kMirelPacks = "Mirel Packs";
+
+// Gives the observer each library in an update's data folder, until it has no room for more. It has
+//   bool isFull()
+//   void foundLibrary(const char* name)
+//   void foundPacks(const char* path)      the folder that holds the Mirel Packs
+//   void foundPack(const char* name)       its name below that folder
+template <typename Path, typename Observer>
+void listUpdateLibraries(const Path& folder, Observer& observer) {
+  FolderListing listing(folder.c_str());
+  while (!observer.isFull()) {
+    const dirent* entry = listing.next();
+    if (entry == nullptr) {
+      return;
+    }
+    if (std::string_view(entry->d_name) != kMirelPacks) {
+      observer.foundLibrary(entry->d_name);
+      continue;
+    }
+    Path packs = folder;
+    packs.append("/");
+    packs.append(kMirelPacks);
+    observer.foundPacks(packs.c_str());
+    FolderListing packListing(packs.c_str());
+    while (!observer.isFull()) {
+      const dirent* pack = packListing.next();
+      if (pack == nullptr) {
+        break;
+      }
+      observer.foundPack(pack->d_name);
+    }
+  }
+}
+
+// The path with the name of the folder's first database file behind it; false where there is none.
+template <typename Path>
+[[nodiscard]] bool appendDatabaseName(Path& path) {
+  FolderListing listing(path.c_str());
+  while (const dirent* entry = listing.next()) {
+    if (entry->d_type == DT_REG && isDatabaseName(entry->d_name)) {
+      path.append("/");
+      path.append(entry->d_name);
+      return true;
+    }
+  }
+  return false;
+}
+
+// Does the user whose central folder this is have the library in its Lite edition? Nothing where nothing tells;
+// it then counts as Full. The observer, for Mirel Packs alone, has
+//   void searches(const char* path)
+//   void foundDatabase(const char* path, std::int32_t size)    bytes, as a 32-bit number
+template <typename Path, typename Observer>
+[[nodiscard]] std::optional<bool> installedEditionIsLite(std::string_view centralFolder,
+                                                         std::string_view library, Observer& observer) {
+  Path path;
+  path.append(centralFolder);
+  if (library == "Tessaphon") {
+    // The one instrument that a Lite edition lacks.
+    path.append("/Tessaphon/Soundsources/Factory/Tessaphon Library/Keyboards/Glassophone.db");
+    struct stat found {};
+    return stat(path.c_str(), &found) != 0;
+  }
+  if (!isMirelPack(library)) {
+    return std::nullopt;
+  }
+  const std::string_view name = mirelPackLibrary(library);
+  for (const std::string_view part :
+       {std::string_view("/Mirel Packs/"), name, std::string_view("/Soundsources/Factory/"), name,
+        std::string_view(" Library")}) {
+    path.append(part);
+  }
+  observer.searches(path.c_str());
+
+  FolderListing listing(path.c_str());
+  while (const dirent* entry = listing.next()) {
+    if (entry->d_type != DT_DIR) {
+      continue;
+    }
+    // Required: the path only grows. A subfolder without a database stays in it, so in effect the first
+    // subfolder of the listing decides.
+    path.append("/");
+    path.append(entry->d_name);
+    if (!appendDatabaseName(path)) {
+      continue;
+    }
+    struct stat found {};
+    stat(path.c_str(), &found);  // required: a failure counts as a size of 0
+    const auto size = static_cast<std::int32_t>(found.st_size);
+    observer.foundDatabase(path.c_str(), size);
+    return databaseSizeIsLite(size);
+  }
+  return std::nullopt;
+}
+
+}  // namespace tavenhall
