@@ -32,7 +32,7 @@ inline constexpr std::size_t kFolderNameSize = 512;
 // copy thread at a time. Every member is public, since methods and tests are its only readers: hosts see
 // the page as an InstallerPane. There is no lock; each group of members says who writes it and when. The
 // start of a thread orders what the starter wrote before it, copySingleVolumeRunning orders what the copy
-// thread wrote, and a hand-off to the main thread orders both ways.
+// thread wrote, and a dispatch to the main thread orders both ways.
 class InstallDataPane final : public InstallerPane {
  public:
   explicit InstallDataPane(InstallerHost& host) noexcept;

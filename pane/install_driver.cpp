@@ -4,7 +4,7 @@
 #include "context/installation_log.h"
 #include "context/internal_lookups.h"
 #include "pane/install_data_pane.h"
-#include "pane/sleep_holds.h"
+#include "pane/power_assertions.h"
 
 #include <sys/stat.h>
 
@@ -55,7 +55,7 @@ void InstallDataPane::doEntireInstall() noexcept {
   host().setNextEnabled(true);
   addEventToInstallationLog("Enabling Next button 1");
   addEventToInstallationLog("Re-enabling sleep");
-  releaseSleepHolds(host());
+  releasePowerAssertions(host());
   host().setNextEnabled(true);
   host().setPreviousEnabled(false);
   addEventToInstallationLog("Enabling Next button 2");

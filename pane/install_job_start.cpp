@@ -5,8 +5,8 @@
 #include "context/installation_log.h"
 #include "context/internal_lookups.h"
 #include "pane/install_data_pane.h"
+#include "pane/power_assertions.h"
 #include "pane/process_wide.h"
-#include "pane/sleep_holds.h"
 #include "platform/system.h"
 
 namespace tavenhall {
@@ -27,7 +27,7 @@ bool readPromptIsYes() {
 
 void InstallDataPane::spawnBackgroundInstallJob() noexcept {
   gVolumeCount = 1;
-  takeSleepHolds(host());
+  takePowerAssertions(host());
 
   gInstallMode = getInstallationMode();
   gInstallationHasLiteVsFullOption = 0;
@@ -41,7 +41,7 @@ void InstallDataPane::spawnBackgroundInstallJob() noexcept {
   const auto body = [](void* pane) { static_cast<InstallDataPane*>(pane)->doEntireInstall(); };
   if (!detachNewThread(host(), "doEntireInstall", body, this)) {
     addEventToInstallationLog("spawnBackgroundInstallJob: could not start the install thread");
-    releaseSleepHolds(host());
+    releasePowerAssertions(host());
     showSheet(_localizedStringForKey("InstallError").c_str());
   }
 }

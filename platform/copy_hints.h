@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <memory>
 
-// What a system can be told about files that are about to be copied. Hints only: every failure is ignored, and
+// Hints to the system about files that are about to be copied. Hints only: every failure is ignored, and
 // no byte of any file depends on them.
 namespace tavenhall {
 

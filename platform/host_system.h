@@ -7,7 +7,7 @@
 // backend implements all of it.
 namespace tavenhall {
 
-// The executable of this process, absolute and without links; empty where the system does not tell. Any thread.
+// The executable of this process, absolute and without links; empty if unknown. Any thread.
 [[nodiscard]] std::filesystem::path programPath();
 
 // The current user's home folder: HOME, or else the entry in the user database. Returns false, with `home`

@@ -7,7 +7,8 @@ namespace tavenhall {
 
 class InstallerHost;
 
-// The files by which the installer's pre-install step tells the page where the package is, and which edition
+// The files by which the installer's pre-install step passes to the page where the package is, and which
+// edition
 // ("Lite" or "Full") the user chose. Each holds one line.
 inline constexpr const char* kLocationFile = "/tmp/TavInstallLoc";
 inline constexpr const char* kInstallTypeFile = "/tmp/TavInstallType";

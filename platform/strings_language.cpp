@@ -27,7 +27,7 @@ bool isLanguage(std::string_view text) {
   });
 }
 
-// Chinese is written in two scripts, which locales tell by the country and bundles by the script.
+// Chinese is written in two scripts, which locales distinguish by country and bundles by script.
 const char* chineseScript(std::string_view language) {
   if (language == "zh-CN" || language == "zh-SG") {
     return "zh-Hans";

@@ -41,9 +41,9 @@ void releasePowerAssertion(std::uint32_t identifier) noexcept;
 
 // ---- Threads and time ----
 
-// Runs `body(target)` on a new thread that nobody joins. The host is told that the thread has started
+// Runs `body(target)` on a new thread that nobody joins. The host is notified that the thread has started
 // before the body runs, and that it has ended once the body has returned. `name` is a literal. False when
-// no thread can be had; the host is then told nothing.
+// the system cannot start a thread; the host is then not notified.
 [[nodiscard]] bool detachNewThread(InstallerHost& host, const char* name, void (*body)(void*),
                                    void* target) noexcept;
 

@@ -6,7 +6,7 @@
 
 namespace tavenhall {
 
-// A page's thread, between the one that starts it and itself. It sees to the order in which the host is told:
+// A page's thread, between the one that starts it and itself. It ensures the order of the notifications:
 // of the start before the body runs, of the end after it. Both hold it until they are done with it.
 class ThreadStart {
  public:
@@ -14,7 +14,7 @@ class ThreadStart {
   ThreadStart(InstallerHost& host, const char* name, void (*body)(void*), void* target) noexcept
       : host_(host), name_(name), body_(body), target_(target) {}
 
-  // The starter, once there is a thread: tells the host and lets the body run.
+  // The starter, once there is a thread: notifies the host and lets the body run.
   void release() noexcept {
     host_.pageThreadStarted(name_);
     hostKnows_.release();

@@ -1,8 +1,6 @@
 #include "platform/cocoa/controls.h"
 
-#include "platform/cocoa/control_changes.h"
-#include "platform/cocoa/differences.h"
-#include "platform/cocoa/text.h"
+#include "platform/cocoa/adapter.h"
 
 namespace tavenhall {
 
@@ -40,6 +38,18 @@ double LayoutProgressIndicator::doubleValue() const noexcept {
 
 void LayoutProgressIndicator::displayIfNeeded() noexcept {
   changeControl("the bar", [this] { [outlet_ displayIfNeeded]; });
+}
+
+void beginAnimationGroup() noexcept {
+  adapt("an animation", [] { [NSAnimationContext beginGrouping]; });
+}
+
+void setAnimationGroupDuration(double seconds) noexcept {
+  adapt("an animation", [=] { [[NSAnimationContext currentContext] setDuration:seconds]; });
+}
+
+void endAnimationGroup() noexcept {
+  adapt("an animation", [] { [NSAnimationContext endGrouping]; });
 }
 
 }  // namespace tavenhall

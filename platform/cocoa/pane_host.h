@@ -1,12 +1,38 @@
 #pragma once
 
 #include "platform/cocoa/controls.h"
-#include "platform/cocoa/threads.h"
 #include "platform/installer_host.h"
+#include "platform/thread_start.h"
+
+#include <deque>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+
+@class InstallDataPane;
 
 namespace tavenhall {
 
-// What the page in the bundle asks of the installer, put to the pane that the installer shows and to AppKit.
+// The threads of one page. Each starts in the pane's method of the thread's name, without an argument, and
+// finds its body here.
+class PageThreads {
+ public:
+  // Detaches a thread that sends `name` to the pane. Returns false when the system cannot start it; the host is
+  // then not notified.
+  [[nodiscard]] bool detach(::InstallDataPane* pane, InstallerHost& host, const char* name, void (*body)(void*),
+                            void* target) noexcept;
+
+  // Runs the oldest body that waits under this name, if there is one. On the thread, from that method.
+  void run(const char* name) noexcept;
+
+ private:
+  std::mutex mutex_;
+  std::map<std::string, std::deque<std::shared_ptr<ThreadStart>>, std::less<>> waiting_;  // guarded by mutex_
+};
+
+// The installer around the page in the bundle: passes the page's calls on to the pane that the Installer shows
+// and to AppKit.
 class PaneHost final : public InstallerHost {
  public:
   // The pane's outlets, as they are at the time of each call.

@@ -1,12 +1,12 @@
 #include "platform/cocoa/pane_host.h"
 
-#include "platform/cocoa/alerts.h"
-#include "platform/cocoa/animation.h"
-#include "platform/cocoa/control_changes.h"
+#include "platform/cocoa/adapter.h"
+#include "platform/cocoa/dialogs.h"
 #import "platform/cocoa/install_data_pane.h"
-#include "platform/cocoa/sheets.h"
+#include "platform/system.h"
 
 #include <dispatch/dispatch.h>
+#include <utility>
 
 namespace tavenhall {
 
@@ -44,5 +44,47 @@ void PaneHost::beginAnimationGrouping() noexcept { beginAnimationGroup(); }
 void PaneHost::setAnimationDuration(double seconds) noexcept { setAnimationGroupDuration(seconds); }
 
 void PaneHost::endAnimationGrouping() noexcept { endAnimationGroup(); }
+
+bool PageThreads::detach(::InstallDataPane* pane, InstallerHost& host, const char* name, void (*body)(void*),
+                         void* target) noexcept {
+  const auto start = std::make_shared<ThreadStart>(host, name, body, target);
+  {
+    const std::lock_guard lock(mutex_);
+    waiting_[name].push_back(start);
+  }
+  bool isDetached = false;
+  adapt("a thread", [&] {
+    [NSThread detachNewThreadSelector:NSSelectorFromString([NSString stringWithUTF8String:name])
+                             toTarget:pane
+                           withObject:nil];
+    isDetached = true;
+  });
+  if (isDetached) {
+    start->release();
+  } else {
+    const std::lock_guard lock(mutex_);
+    std::erase(waiting_[name], start);
+  }
+  return isDetached;
+}
+
+void PageThreads::run(const char* name) noexcept {
+  std::shared_ptr<ThreadStart> start;
+  {
+    const std::lock_guard lock(mutex_);
+    auto& starts = waiting_[name];
+    if (starts.empty()) {
+      return;
+    }
+    start = std::move(starts.front());
+    starts.pop_front();
+  }
+  start->run();
+}
+
+// In this bundle, every host is a PaneHost.
+bool detachNewThread(InstallerHost& host, const char* name, void (*body)(void*), void* target) noexcept {
+  return static_cast<PaneHost&>(host).detachThread(name, body, target);
+}
 
 }  // namespace tavenhall

@@ -95,7 +95,7 @@ struct CacheFigures {
   std::uint64_t others[4];
 };
 
-// No, too, where the system cannot tell, or not this user: reading what is there costs little.
+// False also if the system does not say, or not to this user: reading what is in memory costs little.
 bool isInMemory(int descriptor) {
   CacheRange whole{0, 0};
   CacheFigures figures{};

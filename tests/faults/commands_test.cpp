@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 #include <set>
 #include <string>
-#include <thread>
 #include <vector>
 
 // The page's commands have a required form; here is what a shell makes of them. docs/security.md says what
@@ -73,14 +72,6 @@ INSTANTIATE_TEST_SUITE_P(SudoMkdir, ReadByTheShell,
                                          Trick{"LineBreak", "x\ntouch owned"}, Trick{"And", "x && touch owned"},
                                          Trick{"Pipe", "x | touch owned"}, Trick{"Redirection", "x > owned"}),
                          [](const auto& instance) { return instance.param.what; });
-
-// The name of each folder has the shell say how many processors its command may use. The copy of the second
-// comes after a hand-off for the first one's file, by which the host keeps the copy on one processor.
-TEST(SudoMkdir, TheHostsKeepingTheCopyOnAProcessorDoesNotReachTheCommand) {
-  EXPECT_EQ(installFoldersThatNeedSudo({"$(nproc >> owned)", "$(nproc  >> owned)"}).status, 1);
-  const std::string all = std::to_string(std::thread::hardware_concurrency()) + "\n";
-  EXPECT_EQ(readFile("/owned"), all + all);
-}
 
 TEST(SudoMkdir, AQuoteWithoutItsPairLeavesTheCommandUndone) {
   EXPECT_EQ(installFoldersThatNeedSudo({"it's"}).status, 1);

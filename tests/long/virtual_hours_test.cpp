@@ -123,7 +123,7 @@ TEST(LongInstall, MoreThanThreeHoursLeaveNeitherMemoryNorDescriptorsBehind) {
   RecordingHost host;
   host.keepsLines = false;
   host.onAlert = [&tray](const std::string& /*line*/) { tray.asked(); };
-  host.beforeHandOff = [] { sleepSeconds(1); };
+  host.beforeDispatch = [] { sleepSeconds(1); };
   InstallDataPane pane(host);
 
   const Figures before = figuresOf(getpid());

@@ -145,7 +145,7 @@ TEST_F(CopyEngine, AFolderThatCannotBeMadeIsMadeByAnUnquotedPrivilegedCommand) {
                           "log mkdir2 sudo mkdir /tmp/no where/to 256 5 /tmp/no where/to"));
 }
 
-TEST_F(CopyEngine, AFileInTheWayOfTheDestinationsFolderIsToldByItsErrno) {
+TEST_F(CopyEngine, AFileInTheWayOfTheDestinationsFolderIsReportedByItsErrno) {
   makeFolder("/tmp/from");
   writeFile("/tmp/file", "in the way");
   platform().shell = [](const std::string&) {

@@ -154,7 +154,7 @@ TEST_F(DetectedEditions, EachLibraryIsLoggedAndThenAnnouncedInOrder) {
   EXPECT_THAT(logMessages(), ElementsAre("Displaying Lite Vs Full Informational Prompt 0",
                                          "Displaying Lite Vs Full Informational Prompt 1",
                                          "Displaying Lite Vs Full Informational Prompt 2"));
-  EXPECT_EQ(host.handOffs(), 0);
+  EXPECT_EQ(host.dispatches(), 0);
 }
 
 TEST_F(DetectedEditions, TheAnswerIsNotLookedAt) {

@@ -100,7 +100,7 @@ TEST_F(InstallDriver, TheInstallThreadHandsTheBarToTheMainThreadTwice) {
   makeFolder("/tmp/Start/TANVO");
   Install install(0);
   install.run();
-  EXPECT_EQ(install.host.handOffs(), 2);
+  EXPECT_EQ(install.host.dispatches(), 2);
   EXPECT_EQ(install.host.barValue(), 1.0);
   EXPECT_EQ(install.host.barMaximum, 1.0);
 }

@@ -334,7 +334,7 @@ TEST_F(InstallJobStart, AThreadThatCannotStartGivesTheHoldsBackLogsAndShowsInsta
   EXPECT_THAT(host.lines(),
               ElementsAre(kDisplayHold, kIdleHold, "assertion.release NoDisplaySleepAssertion",
                           "assertion.release NoIdleSleepAssertion", "sheet OK|Could not install."));
-  EXPECT_EQ(host.handOffs(), 0);
+  EXPECT_EQ(host.dispatches(), 0);
 }
 
 TEST_F(InstallJobStart, AfterAThreadThatCouldNotStartThePageCanBeEnteredAgain) {

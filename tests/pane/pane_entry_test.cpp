@@ -115,7 +115,7 @@ TEST_F(PaneEntry, WithoutACentralFolderNothingIsStarted) {
   EXPECT_THAT(host.linesThatBegin("assertion"), IsEmpty());
   EXPECT_THAT(platform().callsThatBegin("assertion"), IsEmpty());
   EXPECT_THAT(platform().callsThatBegin("thread"), IsEmpty());
-  EXPECT_EQ(host.handOffs(), 0);
+  EXPECT_EQ(host.dispatches(), 0);
   EXPECT_EQ(pane.gTANVOorDOVA_destinationPath, nullptr);
 }
 

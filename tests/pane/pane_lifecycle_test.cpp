@@ -234,7 +234,7 @@ TEST_F(PaneLifecycle, ASheetOfAWorkerIsHandedToTheMainThread) {
   InstallDataPane pane(host);
   pane.showSheetFromWorker("Something to say.");
   EXPECT_THAT(host.lines(), ElementsAre("main: sheet OK|Something to say."));
-  EXPECT_EQ(host.handOffs(), 1);
+  EXPECT_EQ(host.dispatches(), 1);
 }
 
 // ---- Completion ----

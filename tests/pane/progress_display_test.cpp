@@ -37,9 +37,9 @@ std::vector<std::string> statusFor(const std::string& item) {
   return host.linesThatBegin("status ");
 }
 
-// ---- The two hand-offs ----
+// ---- The two dispatches ----
 
-TEST(ProgressDisplay, TheBarAndTheStatusChangeInOrderInsideTwoHandOffs) {
+TEST(ProgressDisplay, TheBarAndTheStatusChangeInOrderInsideTwoDispatches) {
   RecordingHost host;
   host.barMaximum = 1000;
   InstallDataPane pane(host);
@@ -53,26 +53,26 @@ TEST(ProgressDisplay, TheBarAndTheStatusChangeInOrderInsideTwoHandOffs) {
               ElementsAre("main: animation.begin", "main: animation.duration 0", "main: progress.value 640",
                           "main: progress.display", "main: animation.end",
                           "main: status Installing... Keyboards", "main: status.needsDisplay"));
-  EXPECT_EQ(host.handOffs(), 2);
+  EXPECT_EQ(host.dispatches(), 2);
 }
 
-TEST(ProgressDisplay, TheStatusIsAHandOffOfItsOwnAfterTheBars) {
+TEST(ProgressDisplay, TheStatusIsADispatchOfItsOwnAfterTheBars) {
   RecordingHost host;
   InstallDataPane pane(host);
-  std::vector<std::string> handOffOfEachLine;
+  std::vector<std::string> dispatchOfEachLine;
   host.onLine = [&](const std::string& line) {
-    handOffOfEachLine.push_back(std::to_string(host.handOffs()) + " " + line);
+    dispatchOfEachLine.push_back(std::to_string(host.dispatches()) + " " + line);
   };
 
   pane.updateProgress();
 
-  EXPECT_THAT(handOffOfEachLine,
+  EXPECT_THAT(dispatchOfEachLine,
               ElementsAre("1 main: animation.begin", "1 main: animation.duration 0", "1 main: progress.value 0",
                           "1 main: progress.display", "1 main: animation.end", "2 main: status Installing... ",
                           "2 main: status.needsDisplay"));
 }
 
-TEST(ProgressDisplay, AWorkerThreadWaitsForBothHandOffs) {
+TEST(ProgressDisplay, AWorkerThreadWaitsForBothDispatches) {
   RecordingHost host;
   InstallDataPane pane(host);
   pane.kBytesCopied = 7;
@@ -188,7 +188,7 @@ TEST(ProgressDisplay, EveryCallAddsOneToTheAsteriskCounter) {
   EXPECT_EQ(sAsteriskAnimationCounter, before + 2);
 }
 
-TEST(ProgressDisplay, TheCounterGoesUpBetweenTheTwoHandOffs) {
+TEST(ProgressDisplay, TheCounterGoesUpBetweenTheTwoDispatches) {
   RecordingHost host;
   InstallDataPane pane(host);
   const int before = sAsteriskAnimationCounter;

@@ -96,7 +96,7 @@ TEST_F(VolumeLoop, ThePromptNumbersVolumesFromOneAndNamesThemWithoutTheirFolder)
   EXPECT_THAT(page.trace.events(),
               ElementsAre("log Dialog prompting to insert mandatory volume 4 Tessaphon D ",
                           "main: alert Ready for next volume|Please insert Tessaphon D|OK|1"));
-  EXPECT_EQ(page.host.handOffs(), 1);
+  EXPECT_EQ(page.host.dispatches(), 1);
 }
 
 TEST_F(VolumeLoop, ARootOutsideVolumesLosesItsFirstNineBytesAllTheSame) {

@@ -37,7 +37,7 @@ TEST_F(VolumeLoop, TheFirstVolumeSetsTextsSizeAndBarInThisOrder) {
                           "animation.duration 0", "progress.min 0", "progress.max 5859.38", "animation.end",
                           "log Volume count: 4"));
   EXPECT_EQ(pass.pane.gCompletionMessage.view(), "Done in %s");
-  EXPECT_EQ(pass.host.handOffs(), 0);
+  EXPECT_EQ(pass.host.dispatches(), 0);
 }
 
 TEST_F(VolumeLoop, WithoutAttributesTheTextsAreTheBuiltInOnes) {

@@ -122,7 +122,7 @@ bool forbidThreads() {
 // How startAThreadWhereNoneCanBeHad ends.
 constexpr int kRefused = 0;
 constexpr int kStarted = 1;
-constexpr int kHostWasTold = 2;
+constexpr int kHostWasNotified = 2;
 constexpr int kNotForbidden = 3;
 
 [[noreturn]] void startAThreadWhereNoneCanBeHad() {
@@ -133,7 +133,7 @@ constexpr int kNotForbidden = 3;
   if (detachNewThread(host, "doEntireInstall", sayBody, &host)) {
     _exit(kStarted);
   }
-  _exit(host.linesOnceThereAre(0).empty() ? kRefused : kHostWasTold);
+  _exit(host.linesOnceThereAre(0).empty() ? kRefused : kHostWasNotified);
 }
 
 }  // namespace

@@ -9,8 +9,8 @@
 #include <mutex>
 #include <vector>
 
-// The page's threads under test, their virtual clock and their hand-offs: what the recording host and the
-// recording platform share. A hand-off and a sleep look at the same question, who is busy, so one lock
+// The page's threads under test, their virtual clock and their dispatches: what the recording host and the
+// recording platform share. A dispatch and a sleep look at the same question, who is busy, so one lock
 // guards both.
 namespace tavenhall::test {
 
@@ -27,18 +27,18 @@ class PageThreads {
 
   [[nodiscard]] std::size_t alive() const;
 
-  // Sleeps on the virtual clock. The test's own thread serves hand-offs meanwhile, as the main thread.
+  // Sleeps on the virtual clock. The test's own thread serves dispatches meanwhile, as the main thread.
   void sleep(unsigned seconds);
   [[nodiscard]] std::uint64_t now() const;
 
   // Has `block` run on the test's thread, and returns when it has run. For page threads.
-  void handOff(std::function<void()> block);
+  void dispatch(std::function<void()> block);
 
-  // Until every page thread has ended; serves hand-offs if asked to. False after the limit.
-  [[nodiscard]] bool waitForEnd(bool servesHandOffs, std::chrono::seconds limit);
+  // Until every page thread has ended; serves dispatches if asked to. False after the limit.
+  [[nodiscard]] bool waitForEnd(bool servesDispatches, std::chrono::seconds limit);
 
  private:
-  struct HandOff {
+  struct Dispatch {
     std::function<void()> block;
     bool hasRun = false;
   };
@@ -57,7 +57,7 @@ class PageThreads {
   std::uint64_t now_ = 0;
   std::size_t alive_ = 0;
   std::vector<Sleeper*> sleepers_;
-  std::deque<HandOff*> handOffs_;
+  std::deque<Dispatch*> dispatches_;
 };
 
 }  // namespace tavenhall::test

@@ -17,7 +17,7 @@ inline constexpr const char* kHome = "/Users/tester";
 void enterPrivateRoot();
 
 // Ends every other process that lives in this process's private root: a test may leave an engine that has lost
-// its face and waits for an answer for ever. Once all tests have run.
+// its frontend and waits for an answer for ever. Once all tests have run.
 void endWhatIsLeft();
 
 // Is this process the real root, outside any user namespace? Loop mounts need it.

@@ -18,7 +18,7 @@ namespace {
 constexpr std::chrono::seconds kLimit(60);
 constexpr std::string_view kMain = "main: ";
 
-thread_local bool insideHandOff = false;
+thread_local bool insideDispatch = false;
 
 std::string printed(double value) {
   std::array<char, 64> text{};
@@ -98,7 +98,7 @@ struct RecordingHost::State {
         bar(record, mutex, host.barMaximum) {}
 
   void add(RecordingHost& host, std::string line) {
-    if (insideHandOff) {
+    if (insideDispatch) {
       line.insert(0, kMain);
     }
     if (host.keepsLines) {
@@ -113,7 +113,7 @@ struct RecordingHost::State {
   std::mutex mutex;
   std::vector<std::string> lines;
   std::vector<std::string> copies;
-  int handOffs = 0;
+  int dispatches = 0;
   std::function<void(std::string)> record;
   RecordingText instructions;
   RecordingText status;
@@ -167,9 +167,9 @@ std::vector<std::string> RecordingHost::linesThatBegin(const std::string& start)
 
 double RecordingHost::barValue() const { return state_->bar.doubleValue(); }
 
-int RecordingHost::handOffs() const {
+int RecordingHost::dispatches() const {
   const std::lock_guard lock(state_->mutex);
-  return state_->handOffs;
+  return state_->dispatches;
 }
 
 void RecordingHost::serve() {
@@ -214,21 +214,21 @@ void RecordingHost::beginInformationalSheet(const Sheet& sheet) noexcept {
 }
 
 void RecordingHost::dispatchSync(void (*block)(void*), void* context) noexcept {
-  EXPECT_FALSE(insideHandOff) << "a hand-off from inside a hand-off would wait for itself";
-  if (beforeHandOff) {
-    beforeHandOff();
+  EXPECT_FALSE(insideDispatch) << "a dispatch inside a dispatch would deadlock";
+  if (beforeDispatch) {
+    beforeDispatch();
   }
   {
     const std::lock_guard lock(state_->mutex);
-    ++state_->handOffs;
+    ++state_->dispatches;
   }
   const auto run = [block, context] {
-    insideHandOff = true;
+    insideDispatch = true;
     block(context);
-    insideHandOff = false;
+    insideDispatch = false;
   };
   if (PageThreads::isPageThread()) {
-    PageThreads::instance().handOff(run);
+    PageThreads::instance().dispatch(run);
   } else {
     run();
   }

@@ -18,7 +18,7 @@
 //   thread.started <name>   thread.ended <name>
 //   assertion <type> <level> <name>                  assertion.release <type>
 //
-// Values are printed with "%g". A line has the prefix "main: " when it was done inside a hand-off.
+// Values are printed with "%g". A line has the prefix "main: " when it was done inside a dispatch.
 namespace tavenhall::test {
 
 class RecordingHost final : public InstallerHost {
@@ -36,8 +36,8 @@ class RecordingHost final : public InstallerHost {
   // Called after each line is recorded, without any lock held.
   std::function<void(const std::string& line)> onLine;
 
-  // Called for each hand-off, on the thread that makes it, before it is handed off.
-  std::function<void()> beforeHandOff;
+  // Called for each dispatch, on the thread that makes it, before it is dispatched.
+  std::function<void()> beforeDispatch;
 
   double barMaximum = 100.0;
 
@@ -53,12 +53,12 @@ class RecordingHost final : public InstallerHost {
   // The notifications of tree copies, which are not among the lines: "begun SOURCE DESTINATION", "finished
   // SOURCE DESTINATION RESULT".
   [[nodiscard]] std::vector<std::string> copies() const;
-  [[nodiscard]] int handOffs() const;
+  [[nodiscard]] int dispatches() const;
 
-  // Serves hand-offs on the calling thread until every page thread has ended. Until then a page thread's
-  // hand-off waits. A minute's limit fails the test.
+  // Serves dispatches on the calling thread until every page thread has ended. Until then a page thread's
+  // dispatch waits. A minute's limit fails the test.
   //
-  // A hand-off made by the test's own thread (a test that calls a worker's method directly) runs at once,
+  // A dispatch made by the test's own thread (a test that calls a worker's method directly) runs at once,
   // and counts as one.
   void serve();
 

@@ -97,7 +97,7 @@ void PageThreads::sleep(unsigned seconds) {
   sleepers_.push_back(&sleeper);
   advanceWhenAllSleep();
   while (!sleeper.isAwake) {
-    if (!onPageThread && !handOffs_.empty()) {
+    if (!onPageThread && !dispatches_.empty()) {
       serveOne(lock);
     } else {
       changed_.wait(lock);
@@ -127,17 +127,17 @@ void PageThreads::threadEnded() {
   changed_.notify_all();
 }
 
-void PageThreads::handOff(std::function<void()> block) {
+void PageThreads::dispatch(std::function<void()> block) {
   std::unique_lock lock(mutex_);
-  HandOff mine{std::move(block)};
-  handOffs_.push_back(&mine);
+  Dispatch mine{std::move(block)};
+  dispatches_.push_back(&mine);
   changed_.notify_all();
   changed_.wait(lock, [&mine] { return mine.hasRun; });
 }
 
 void PageThreads::serveOne(std::unique_lock<std::mutex>& lock) {
-  HandOff* const next = handOffs_.front();
-  handOffs_.pop_front();
+  Dispatch* const next = dispatches_.front();
+  dispatches_.pop_front();
   lock.unlock();
   next->block();
   lock.lock();
@@ -145,10 +145,12 @@ void PageThreads::serveOne(std::unique_lock<std::mutex>& lock) {
   changed_.notify_all();
 }
 
-bool PageThreads::waitForEnd(bool servesHandOffs, std::chrono::seconds limit) {
+bool PageThreads::waitForEnd(bool servesDispatches, std::chrono::seconds limit) {
   const auto deadline = std::chrono::steady_clock::now() + limit;
   std::unique_lock lock(mutex_);
-  const auto hasWork = [this, servesHandOffs] { return alive_ == 0 || (servesHandOffs && !handOffs_.empty()); };
+  const auto hasWork = [this, servesDispatches] {
+    return alive_ == 0 || (servesDispatches && !dispatches_.empty());
+  };
   while (changed_.wait_until(lock, deadline, hasWork)) {
     if (alive_ == 0) {
       return true;

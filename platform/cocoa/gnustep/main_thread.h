@@ -2,8 +2,8 @@
 
 namespace tavenhall {
 
-// Runs `work(context)` on the main thread, whether it waits for an event, in an alert or for the mouse, and
-// returns when it has run; at once on the main thread itself. Any thread.
+// Runs `work(context)` on the main thread, also while an alert is up or the mouse is tracked, and returns when
+// it has run. Any thread; on the main thread it runs at once.
 void runOnMainThread(void (*work)(void*), void* context) noexcept;
 
 }  // namespace tavenhall

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <dispatch/dispatch.h>
 
-@interface InstallDataHandOff : NSObject {
+@interface InstallDataDispatch : NSObject {
  @public
   void (*work_)(void*);
   void* context_;
@@ -14,7 +14,7 @@
 - (void)run;
 @end
 
-@implementation InstallDataHandOff
+@implementation InstallDataDispatch
 - (void)run {
   work_(context_);
 }
@@ -27,13 +27,13 @@ void runOnMainThread(void (*work)(void*), void* context) noexcept {
     work(context);
     return;
   }
-  adapt("a hand-off", [=] {
-    InstallDataHandOff* handOff = [[[InstallDataHandOff alloc] init] autorelease];
-    handOff->work_ = work;
-    handOff->context_ = context;
+  adapt("a dispatch to the main thread", [=] {
+    InstallDataDispatch* dispatch = [[[InstallDataDispatch alloc] init] autorelease];
+    dispatch->work_ = work;
+    dispatch->context_ = context;
     NSArray* modes = [NSArray
         arrayWithObjects:NSDefaultRunLoopMode, NSModalPanelRunLoopMode, NSEventTrackingRunLoopMode, nil];
-    [handOff performSelectorOnMainThread:@selector(run) withObject:nil waitUntilDone:YES modes:modes];
+    [dispatch performSelectorOnMainThread:@selector(run) withObject:nil waitUntilDone:YES modes:modes];
   });
 }
 
@@ -43,10 +43,10 @@ void runOnMainThread(void (*work)(void*), void* context) noexcept {
 
 dispatch_queue_t dispatch_get_main_queue() { return nullptr; }
 
-// From the main thread it would wait for itself.
+// Would deadlock on the main thread.
 void dispatch_sync_f(dispatch_queue_t /*queue*/, void* context, dispatch_function_t work) {
   if ([NSThread isMainThread]) {
-    NSLog(@"a hand-off to the main queue from the main thread");
+    NSLog(@"dispatch_sync_f to the main queue on the main thread");
     std::abort();
   }
   tavenhall::runOnMainThread(work, context);

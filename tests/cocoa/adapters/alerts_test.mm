@@ -1,4 +1,4 @@
-#include "platform/cocoa/alerts.h"
+#include "platform/cocoa/dialogs.h"
 #include "tests/cocoa/stand-ins/dialogs.h"
 #include "tests/cocoa/stand-ins/recorded_calls.h"
 

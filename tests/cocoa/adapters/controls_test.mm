@@ -1,5 +1,4 @@
 #include "platform/cocoa/controls.h"
-#include "platform/cocoa/animation.h"
 #include "tests/cocoa/main_loop.h"
 #import "tests/cocoa/stand-ins/controls.h"
 #include "tests/cocoa/stand-ins/recorded_calls.h"

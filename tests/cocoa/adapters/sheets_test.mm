@@ -1,4 +1,4 @@
-#include "platform/cocoa/sheets.h"
+#include "platform/cocoa/dialogs.h"
 #include "tests/cocoa/main_loop.h"
 #include "tests/cocoa/stand-ins/recorded_calls.h"
 
@@ -11,7 +11,7 @@ using test::recordedCalls;
 using test::runMainLoopUntil;
 using Calls = std::vector<std::string>;
 
-TEST(Sheets, HaveOneButtonNoTitleAndNothingThatIsToldOfTheirEnd) {
+TEST(Sheets, HaveOneButtonNoTitleAndNothingThatIsReportedOfTheirEnd) {
   @autoreleasepool {
     beginInformationalSheet({"Gut", "Failed to open output file."}, (NSWindow*)@"the window", @"the pane");
     ASSERT_TRUE(runMainLoopUntil([] { return !recordedCalls().empty(); }));

@@ -29,7 +29,7 @@ using test::recordedCalls;
 using test::runMainLoopUntil;
 using Calls = std::vector<std::string>;
 
-class ToldHost final : public InstallerHost {
+class NotifiedHost final : public InstallerHost {
  public:
   TextField& instructions() noexcept override { std::abort(); }
   TextField& status() noexcept override { std::abort(); }
@@ -64,12 +64,12 @@ class Threads : public testing::Test {
     pane_->threads_ = &threads_;
   }
 
-  ToldHost host_;
+  NotifiedHost host_;
   PageThreads threads_;
   ThreadPane* pane_ = nil;
 };
 
-TEST_F(Threads, BeginInThePanesMethodAndTheHostIsToldAroundTheirBody) {
+TEST_F(Threads, BeginInThePanesMethodAndTheHostIsReportedAroundTheirBody) {
   const auto body = [](void* target) {
     recordCall([NSThread isMainThread] ? "the body, on the main thread" : "the body");
     *static_cast<int*>(target) = 7;
@@ -85,7 +85,7 @@ TEST_F(Threads, BeginInThePanesMethodAndTheHostIsToldAroundTheirBody) {
                    "started copySingleVolume", "the body", "ended copySingleVolume"}));
 }
 
-TEST_F(Threads, WhereThereAreNoneTheHostIsToldNothing) {
+TEST_F(Threads, WhereThereAreNoneTheHostIsReportedNothing) {
   test::refuseThreads(true);
   const auto body = [](void* /*target*/) { recordCall("the body"); };
   EXPECT_FALSE(threads_.detach(pane_, host_, "copySingleVolume", body, nullptr));
@@ -96,9 +96,9 @@ TEST_F(Threads, WhereThereAreNoneTheHostIsToldNothing) {
             Calls{"detachNewThreadSelector: copySingleVolume toTarget: ThreadPane withObject: nil"});
 }
 
-// ---- The hand-off ----
+// ---- The dispatch ----
 
-TEST(HandOff, RunsOnTheMainThreadBeforeItReturns) {
+TEST(Dispatch, RunsOnTheMainThreadBeforeItReturns) {
   @autoreleasepool {
     NSTextField* noText = nil;
     NSProgressIndicator* noBar = nil;
@@ -117,7 +117,7 @@ TEST(HandOff, RunsOnTheMainThreadBeforeItReturns) {
 }
 
 // As when an alert is up, which was handed over too.
-TEST(HandOff, IsServedInsideAnother) {
+TEST(Dispatch, IsServedInsideAnother) {
   @autoreleasepool {
     InstallDataPane* pane = [[InstallDataPane alloc] init];
     NSTextField* noText = nil;
@@ -148,7 +148,7 @@ TEST(HandOff, IsServedInsideAnother) {
   }
 }
 
-TEST(HandOffDeathTest, FromTheMainThreadItEndsTheProcess) {
+TEST(DispatchDeathTest, FromTheMainThreadItEndsTheProcess) {
   EXPECT_DEATH(
       {
         NSTextField* noText = nil;
@@ -156,7 +156,7 @@ TEST(HandOffDeathTest, FromTheMainThreadItEndsTheProcess) {
         PaneHost host([[InstallDataPane alloc] init], {noText, noText, noBar});
         host.dispatchSync([](void*) {}, nullptr);
       },
-      "a hand-off to the main queue from the main thread");
+      "dispatch_sync_f to the main queue on the main thread");
 }
 
 }  // namespace

@@ -30,7 +30,7 @@ DesktopProgram::DesktopProgram(ChildProgram::Environment environment) {
     if (!line) {
       program->waitForEnd();
       const std::string error = program->standardError();
-      if (NoFont::isToldIn(error)) {
+      if (NoFont::isReportedIn(error)) {
         throw NoFont(error);
       }
       throw std::runtime_error("there is no window: " + error);

@@ -114,7 +114,7 @@ TEST_F(DesktopRuns, TheSummaryHasTheBytesThatThePageHasWritten) {
   EXPECT_EQ(run_.exitStatus(), ExitStatus::success);
 }
 
-TEST_F(DesktopRuns, AFailureInTheLogIsToldAndMakesTheExitStatus) {
+TEST_F(DesktopRuns, AFailureInTheLogIsReportedAndMakesTheExitStatus) {
   run_.begin();
   writeFile(kLog,
             "May 01 2026 10:00:00 studio: \n\n" + std::string(94, '*') +

@@ -17,7 +17,7 @@ class NoFont : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 
-  [[nodiscard]] static bool isToldIn(const std::string& error) {
+  [[nodiscard]] static bool isReportedIn(const std::string& error) {
     return error.find("The font specified for NSFont, ") != std::string::npos;
   }
 };

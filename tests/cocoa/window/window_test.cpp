@@ -48,7 +48,7 @@ class Window : public testing::Test {
         installer->send(kTitle);
         installer->await("title");
       } catch (const std::exception&) {
-        if (const std::string error = installer->program().standardError(); NoFont::isToldIn(error)) {
+        if (const std::string error = installer->program().standardError(); NoFont::isReportedIn(error)) {
           throw NoFont(error);
         }
         throw;
@@ -60,7 +60,7 @@ class Window : public testing::Test {
   Outcome run(const std::string& program) {
     return startWithFonts([&] {
       Outcome outcome = runThrough(commandLine(program), environment());
-      if (outcome.status != 0 && NoFont::isToldIn(outcome.error)) {
+      if (outcome.status != 0 && NoFont::isReportedIn(outcome.error)) {
         throw NoFont(outcome.error);
       }
       return outcome;
@@ -167,13 +167,13 @@ TEST_F(Window, ASheetDoesNotStopTheCopy) {
   EXPECT_EQ(installer->finish(), 0) << installer->program().standardError();
 }
 
-TEST_F(Window, ASecondHandOffIsServedWhileAnAlertIsUp) {
-  const Outcome outcome = run("hand_offs");
+TEST_F(Window, ASecondDispatchIsServedWhileAnAlertIsUp) {
+  const Outcome outcome = run("dispatches");
 
   EXPECT_EQ(outcome.status, 0) << outcome.error;
   EXPECT_EQ(outcome.output,
             "the alert begins\n"
-            "the second hand-off is served while the alert is up\n"
+            "the second dispatch is served while the alert is up\n"
             "the alert was answered: 1001\n"
             "both threads have ended\n");
 }
@@ -181,7 +181,7 @@ TEST_F(Window, ASecondHandOffIsServedWhileAnAlertIsUp) {
 TEST_F(Window, AStartThatFoundNoFontsIsDoneOnceMoreAndSaid) {
   hideFonts(1);
   const OneRetry retry;
-  const Outcome outcome = run("hand_offs");
+  const Outcome outcome = run("dispatches");
 
   EXPECT_EQ(outcome.status, 0) << outcome.error;
   EXPECT_THAT(outcome.output, StartsWith("the alert begins\n"));
@@ -198,7 +198,7 @@ TEST_F(Window, AnInstallersStartThatFoundNoFontsIsDoneOnceMoreAndSaid) {
 TEST_F(Window, ASecondStartThatFoundNoFontsFails) {
   hideFonts(2);
   const OneRetry retry;
-  EXPECT_THROW(run("hand_offs"), NoFont);
+  EXPECT_THROW(run("dispatches"), NoFont);
 }
 
 TEST_F(Window, AnInstallersSecondStartThatFoundNoFontsFails) {

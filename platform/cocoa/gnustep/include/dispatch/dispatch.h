@@ -1,6 +1,6 @@
 #pragma once
 
-// The hand-off to the main queue, as much of it as the page needs.
+// The dispatch to the main queue, as much of it as the page needs.
 
 typedef void (*dispatch_function_t)(void* context);
 typedef struct MainDispatchQueue* dispatch_queue_t;

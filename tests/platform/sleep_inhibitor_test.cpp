@@ -40,13 +40,13 @@ Clock::duration timeOf(Action action) {
   return Clock::now() - start;
 }
 
-// How many descriptors a command of the page is born with.
+// The number of descriptors that a command of the page inherits.
 int descriptorsOfACommand() {
   EXPECT_EQ(runShellCommand("ls /proc/self/fd | wc -l > /tmp/count"), 0);
   return std::stoi(readFile("/tmp/count"));
 }
 
-// Nothing answers; there is no hold after a while, and nothing is left open.
+// Nothing answers: expects no lock after two seconds, and no descriptor left open.
 void expectToBeGivenUpAfterTwoSeconds(const char* type) {
   const std::ptrdiff_t before = openDescriptors();
   const Clock::duration waited = timeOf([&] { EXPECT_EQ(take(type), 0U); });
@@ -55,7 +55,7 @@ void expectToBeGivenUpAfterTwoSeconds(const char* type) {
   EXPECT_EQ(openDescriptors(), before);
 }
 
-// A bus that takes up the connection and then says nothing.
+// A bus that accepts the connection and never answers.
 class StuckBus {
  public:
   StuckBus() : listener_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
@@ -77,7 +77,7 @@ class StuckBus {
 
 // ---- With both services ----
 
-TEST(SleepHold, TheMachinesAsksTheLoginManagerForAnInhibitor) {
+TEST(InhibitorLock, IdleSleepTakesALockOfTheLoginManager) {
   PrivateBus bus;
   SleepServices services(Manner::grants);
   EXPECT_NE(take(kIdle), 0U);
@@ -86,7 +86,7 @@ TEST(SleepHold, TheMachinesAsksTheLoginManagerForAnInhibitor) {
       ElementsAre("login1.Inhibit sleep:idle|Tavenhall installer|Tavenhall installation in progress|block"));
 }
 
-TEST(SleepHold, TheMachinesHoldsUntilItIsGivenBack) {
+TEST(InhibitorLock, IdleSleepKeepsTheLockUntilItIsReleased) {
   PrivateBus bus;
   SleepServices services(Manner::grants);
   const std::uint32_t identifier = take(kIdle);
@@ -96,7 +96,7 @@ TEST(SleepHold, TheMachinesHoldsUntilItIsGivenBack) {
   EXPECT_EQ(services.calls().size(), 1U);
 }
 
-TEST(SleepHold, TheDisplaysAsksTheScreenSaverAndTakesItsCookieBack) {
+TEST(InhibitorLock, DisplaySleepInhibitsTheScreenSaverAndReturnsItsCookie) {
   PrivateBus bus;
   SleepServices services(Manner::grants);
   const std::uint32_t identifier = take(kDisplay);
@@ -109,7 +109,7 @@ TEST(SleepHold, TheDisplaysAsksTheScreenSaverAndTakesItsCookieBack) {
                           "ScreenSaver.UnInhibit 4711"));
 }
 
-TEST(SleepHold, BothAreGivenBackOnAnotherThreadThanTheyWereTakenOn) {
+TEST(InhibitorLock, BothAreReleasedOnAnotherThread) {
   PrivateBus bus;
   SleepServices services(Manner::grants);
   const std::uint32_t display = take(kDisplay);
@@ -122,7 +122,7 @@ TEST(SleepHold, BothAreGivenBackOnAnotherThreadThanTheyWereTakenOn) {
   EXPECT_TRUE(services.isInhibitorClosed());
 }
 
-TEST(SleepHold, EveryOneHasAnIdentifierOfItsOwn) {
+TEST(InhibitorLock, EachHasItsOwnIdentifier) {
   PrivateBus bus;
   SleepServices services(Manner::grants);
   const std::uint32_t first = take(kDisplay);
@@ -136,7 +136,7 @@ TEST(SleepHold, EveryOneHasAnIdentifierOfItsOwn) {
   EXPECT_NE(second, third);
 }
 
-TEST(SleepHold, IsGivenBackOnce) {
+TEST(InhibitorLock, IsReleasedOnce) {
   PrivateBus bus;
   SleepServices services(Manner::grants);
   const std::uint32_t identifier = take(kDisplay);
@@ -145,7 +145,7 @@ TEST(SleepHold, IsGivenBackOnce) {
   EXPECT_EQ(services.calls().size(), 2U);
 }
 
-TEST(SleepHold, AnUnknownIdentifierGivesNothingBack) {
+TEST(InhibitorLock, ReleasingAnUnknownIdentifierDoesNothing) {
   PrivateBus bus;
   SleepServices services(Manner::grants);
   const std::uint32_t identifier = take(kDisplay);
@@ -154,7 +154,7 @@ TEST(SleepHold, AnUnknownIdentifierGivesNothingBack) {
   EXPECT_EQ(services.calls().size(), 1U);
 }
 
-TEST(SleepHold, IsAskedForAtTheLevelOnAlone) {
+TEST(InhibitorLock, IsTakenAtLevelOnOnly) {
   PrivateBus bus;
   SleepServices services(Manner::grants);
   for (const std::uint32_t level : {0U, 1U, 254U, 256U}) {
@@ -164,14 +164,14 @@ TEST(SleepHold, IsAskedForAtTheLevelOnAlone) {
   EXPECT_THAT(services.calls(), ElementsAre());
 }
 
-TEST(SleepHold, OfAnUnknownTypeIsNone) {
+TEST(InhibitorLock, RefusesAnUnknownType) {
   PrivateBus bus;
   SleepServices services(Manner::grants);
   EXPECT_EQ(take("PreventUserIdleSystemSleep"), 0U);
   EXPECT_THAT(services.calls(), ElementsAre());
 }
 
-TEST(SleepHold, IsNotHandedDownToCommands) {
+TEST(InhibitorLock, IsNotInheritedByCommands) {
   PrivateBus bus;
   SleepServices services(Manner::grants);
   const int before = descriptorsOfACommand();
@@ -180,7 +180,7 @@ TEST(SleepHold, IsNotHandedDownToCommands) {
   EXPECT_EQ(descriptorsOfACommand(), before);
 }
 
-TEST(SleepHold, LeavesNoDescriptorBehind) {
+TEST(InhibitorLock, LeaksNoDescriptor) {
   PrivateBus bus;
   SleepServices services(Manner::grants);
   const std::uint32_t idle = take(kIdle);
@@ -198,7 +198,7 @@ TEST(SleepHold, LeavesNoDescriptorBehind) {
 
 // ---- With less than that ----
 
-TEST(SleepHold, IsNoneWithoutABusAndCostsNoTime) {
+TEST(InhibitorLock, FailsAtOnceWithoutABus) {
   const std::ptrdiff_t before = openDescriptors();
   for (const char* address : {"unix:path=/tmp/no bus", "unix:path=/tmp/not/there", "no address",
                               "unix:", "tcp:host=127.0.0.1,port=1"}) {
@@ -213,13 +213,13 @@ TEST(SleepHold, IsNoneWithoutABusAndCostsNoTime) {
   EXPECT_EQ(openDescriptors(), before);
 }
 
-TEST(SleepHold, IsNoneForADisplayWhereTheUserHasNoBus) {
+TEST(InhibitorLock, FailsForTheDisplayWithoutAUserBus) {
   unsetenv("DBUS_SESSION_BUS_ADDRESS");
   unsetenv("XDG_RUNTIME_DIR");
   EXPECT_EQ(take(kDisplay), 0U);
 }
 
-TEST(SleepHold, IsNoneOnABusWithoutTheServices) {
+TEST(InhibitorLock, FailsOnABusWithoutTheServices) {
   PrivateBus bus;
   const std::ptrdiff_t before = openDescriptors();
   EXPECT_LT(timeOf([] {
@@ -230,7 +230,7 @@ TEST(SleepHold, IsNoneOnABusWithoutTheServices) {
   EXPECT_EQ(openDescriptors(), before);
 }
 
-TEST(SleepHold, IsNoneWhereTheServicesRefuse) {
+TEST(InhibitorLock, FailsWhenTheServicesRefuse) {
   PrivateBus bus;
   SleepServices services(Manner::refuses);
   EXPECT_EQ(take(kDisplay), 0U);
@@ -241,20 +241,20 @@ TEST(SleepHold, IsNoneWhereTheServicesRefuse) {
                   "login1.Inhibit sleep:idle|Tavenhall installer|Tavenhall installation in progress|block"));
 }
 
-TEST(SleepHold, IsGivenUpAfterTwoSecondsWhereTheServicesStaySilent) {
+TEST(InhibitorLock, TimesOutAfterTwoSecondsWhenTheServicesDoNotAnswer) {
   PrivateBus bus;
   SleepServices services(Manner::staysSilent);
   expectToBeGivenUpAfterTwoSeconds(kDisplay);
   expectToBeGivenUpAfterTwoSeconds(kIdle);
 }
 
-TEST(SleepHold, IsGivenUpAfterTwoSecondsWhereTheBusItselfIsStuck) {
+TEST(InhibitorLock, TimesOutAfterTwoSecondsWhenTheBusDoesNotAnswer) {
   StuckBus bus;
   expectToBeGivenUpAfterTwoSeconds(kDisplay);
   expectToBeGivenUpAfterTwoSeconds(kIdle);
 }
 
-TEST(SleepHold, IsGivenBackWithoutWaitingWhenTheBusHasGone) {
+TEST(InhibitorLock, IsReleasedAtOnceWhenTheBusHasGone) {
   PrivateBus bus;
   SleepServices services(Manner::grants);
   const std::ptrdiff_t before = openDescriptors();

@@ -1,4 +1,4 @@
-#include "pane/sleep_holds.h"
+#include "pane/power_assertions.h"
 
 #include "pane/process_wide.h"
 #include "platform/installer_host.h"
@@ -27,12 +27,12 @@ void release(InstallerHost& host, const char* type, std::uint32_t identifier) {
 
 }  // namespace
 
-void takeSleepHolds(InstallerHost& host) noexcept {
+void takePowerAssertions(InstallerHost& host) noexcept {
   take(host, kDisplayType, assertionIDDisplay);
   take(host, kIdleType, assertionIDNoIdle);
 }
 
-void releaseSleepHolds(InstallerHost& host) noexcept {
+void releasePowerAssertions(InstallerHost& host) noexcept {
   release(host, kDisplayType, assertionIDDisplay);
   release(host, kIdleType, assertionIDNoIdle);
 }

@@ -1,4 +1,4 @@
-#include "platform/cocoa/text.h"
+#include "platform/cocoa/adapter.h"
 
 #include "platform/strings_text.h"
 

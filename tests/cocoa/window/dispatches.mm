@@ -44,7 +44,7 @@ bool clickSkip(Shared& shared) {
   auto work = [&] {
     NSButton* skip = buttonWithTitle([[NSApp modalWindow] contentView], @"Skip");
     if (skip != nil) {
-      say("the second hand-off is served while the alert is up");
+      say("the second dispatch is served while the alert is up");
       [skip performClick:nil];
       hasClicked = true;
     }

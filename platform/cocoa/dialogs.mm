@@ -1,10 +1,8 @@
-#include "platform/cocoa/sheets.h"
+#include "platform/cocoa/dialogs.h"
 
 #include "platform/cocoa/adapter.h"
-#include "platform/cocoa/differences.h"
-#include "platform/cocoa/text.h"
 
-// One sheet, from its making to its beginning.
+// A sheet until it has begun.
 @interface InstallDataSheet : NSObject {
  @private
   NSString* defaultButton_;
@@ -35,7 +33,7 @@
   [super dealloc];
 }
 
-// The message is taken for a format, and its percent signs are to be seen.
+// AppKit takes the message for a format, so its percent signs are escaped.
 - (void)begin {
   tavenhall::adapt("a sheet", [&] {
     NSString* format = [message_ stringByReplacingOccurrencesOfString:@"%" withString:@"%%"];
@@ -46,6 +44,22 @@
 @end
 
 namespace tavenhall {
+
+int runModalAlert(const Alert& alert) noexcept {
+  int answer = kAlertFirstButtonReturn;
+  adapt("an alert", [&] {
+    NSAlert* panel = [[NSAlert alloc] init];
+    for (const char* title : alert.buttons) {
+      [panel addButtonWithTitle:stringOfBytes(title)];
+    }
+    [panel setMessageText:stringOfBytes(alert.messageText)];
+    [panel setInformativeText:stringOfBytes(alert.informativeText)];
+    [panel setAlertStyle:static_cast<NSAlertStyle>(alert.style)];
+    answer = static_cast<int>([panel runModal]);
+    [panel release];
+  });
+  return answer;
+}
 
 void beginInformationalSheet(const Sheet& sheet, NSWindow* window, id delegate) noexcept {
   adapt("a sheet", [&] {

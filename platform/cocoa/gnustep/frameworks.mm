@@ -1,7 +1,22 @@
+#import "platform/cocoa/gnustep/file_manager.h"
+
 #import <CoreServices/CoreServices.h>
 #import <Foundation/Foundation.h>
 
-// Finder's aliases are a thing of macOS alone: no path becomes a reference, so nothing asks further.
+// What GNUstep lacks of macOS's frameworks.
+
+@implementation NSFileManager (AttributesWithError)
+
+- (BOOL)setAttributes:(NSDictionary*)attributes ofItemAtPath:(NSString*)path error:(NSError**)error {
+  if (error != NULL) {
+    *error = nil;
+  }
+  return [self changeFileAttributes:attributes atPath:path];
+}
+
+@end
+
+// Only macOS has Finder's aliases: no path becomes a reference, so the page asks no further.
 
 const CFAllocatorRef kCFAllocatorDefault = nullptr;
 

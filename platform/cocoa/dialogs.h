@@ -1,0 +1,17 @@
+#pragma once
+
+#include "platform/installer_host.h"
+
+#import <AppKit/AppKit.h>
+
+namespace tavenhall {
+
+// Shows the alert and returns the code of the button that the user chose; the first button's where the system
+// cannot show it. Main thread.
+[[nodiscard]] int runModalAlert(const Alert& alert) noexcept;
+
+// Begins a sheet with one button on the window, and returns without waiting for the user. `delegate` is sent
+// nothing. Main thread.
+void beginInformationalSheet(const Sheet& sheet, NSWindow* window, id delegate) noexcept;
+
+}  // namespace tavenhall
