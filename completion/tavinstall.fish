@@ -2,30 +2,30 @@
 
 set -l commands run rehearse check log
 complete -c tavinstall -f
-complete -c tavinstall -s h -l help -d 'Say what there is'
-complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -l version -d 'Say which version this is'
-complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a run -d 'Install: show the page and see it through'
-complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a rehearse -d 'Install a whole set in a sandbox'
-complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a check -d 'Say what is wrong with an installer set'
-complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a log -d 'Say what an installation log tells'
+complete -c tavinstall -s h -l help -d 'Show this help'
+complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -l version -d 'Show the version'
+complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a run -d 'Install the data of an installer package'
+complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a rehearse -d 'Install a set in a sandbox and verify the result'
+complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a check -d 'Check an installer set and show what the page would do with it'
+complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a log -d 'Show what an installation log records, run by run'
 
 set -l products 'Tessaphon Lumaweave Bassoria TemporaQX'
 complete -c tavinstall -n '__fish_seen_subcommand_from run rehearse check' -l product -x -a "$products" -d 'The product'
-complete -c tavinstall -n '__fish_seen_subcommand_from run rehearse check' -l install-type -x -a 'Lite Full' -d 'The edition, where there is a choice'
-complete -c tavinstall -n '__fish_seen_subcommand_from run rehearse' -l ui -x -a 'json plain quiet terminal' -d 'How the page is shown'
-complete -c tavinstall -n '__fish_seen_subcommand_from rehearse check' -l installed -x -a '(__fish_complete_directories)' -d 'What the user has'
-complete -c tavinstall -n '__fish_seen_subcommand_from check log' -l format -x -a 'text json' -d 'How to say it'
+complete -c tavinstall -n '__fish_seen_subcommand_from run rehearse check' -l install-type -x -a 'Lite Full' -d 'The edition, if there is a choice'
+complete -c tavinstall -n '__fish_seen_subcommand_from run rehearse' -l ui -x -a 'json plain quiet terminal' -d 'Frontend'
+complete -c tavinstall -n '__fish_seen_subcommand_from rehearse check' -l installed -x -a '(__fish_complete_directories)' -d 'What the user has installed'
+complete -c tavinstall -n '__fish_seen_subcommand_from check log' -l format -x -a 'text json' -d 'Output format'
 
 complete -c tavinstall -n '__fish_seen_subcommand_from run' -l package -r -F -d 'The installer package'
 complete -c tavinstall -n '__fish_seen_subcommand_from run' -l bundle -x -a '(__fish_complete_directories)' -d 'The plug-in bundle'
-complete -c tavinstall -n '__fish_seen_subcommand_from run' -l summary -r -F -d 'Write what happened to this file'
-complete -c tavinstall -n '__fish_seen_subcommand_from run' -l no-preinstall -d 'Use the files in /tmp as they are'
-complete -c tavinstall -n '__fish_seen_subcommand_from run' -l trusted -d 'Install although others can change what the page goes by'
+complete -c tavinstall -n '__fish_seen_subcommand_from run' -l summary -r -F -d 'Write the run summary to this file'
+complete -c tavinstall -n '__fish_seen_subcommand_from run' -l no-preinstall -d 'Use the files that a pre-install step has written to /tmp'
+complete -c tavinstall -n '__fish_seen_subcommand_from run' -l trusted -d 'Install even if other users can change the package'
 
-complete -c tavinstall -n '__fish_seen_subcommand_from rehearse' -l late -x -d 'How often each disc is asked for in vain'
-complete -c tavinstall -n '__fish_seen_subcommand_from rehearse' -l keep -x -a '(__fish_complete_directories)' -d 'Keep what was installed in this new folder'
-complete -c tavinstall -n '__fish_seen_subcommand_from rehearse' -l report -r -F -d 'Write the report to this file too'
+complete -c tavinstall -n '__fish_seen_subcommand_from rehearse' -l late -x -d 'Report each disc as missing N times'
+complete -c tavinstall -n '__fish_seen_subcommand_from rehearse' -l keep -x -a '(__fish_complete_directories)' -d 'Keep the installed files and the log in this new folder'
+complete -c tavinstall -n '__fish_seen_subcommand_from rehearse' -l report -r -F -d 'Also write the report to this file, as JSON'
 complete -c tavinstall -n '__fish_seen_subcommand_from rehearse check' -a '(__fish_complete_directories)'
 
-complete -c tavinstall -n '__fish_seen_subcommand_from log' -l last -d 'Only the last run'
+complete -c tavinstall -n '__fish_seen_subcommand_from log' -l last -d 'Show only the last run'
 complete -c tavinstall -n '__fish_seen_subcommand_from log' -F

@@ -10,7 +10,7 @@
 
 // Which libraries an update carries, and in which edition a user has them: what is looked at, in the order in
 // which the system lists it. Only reads. `Path` holds the paths: a BoundedText, which ends the process where
-// one does not fit, or a std::string. `Observer` is told of each step, and may log it. Any thread.
+// one does not fit, or a std::string. Each step is reported to `Observer`, which may log it. Any thread.
 namespace tavenhall {
 
 inline constexpr const char* kMirelPacks = "Mirel Packs";
@@ -61,7 +61,7 @@ template <typename Path>
   return false;
 }
 
-// Does the user whose central folder this is have the library in its Lite edition? Nothing where nothing tells;
+// Does the user whose central folder this is have the library in its Lite edition? Nothing if that is unknown;
 // it then counts as Full. The observer, for Mirel Packs alone, has
 //   void searches(const char* path)
 //   void foundDatabase(const char* path, std::int32_t size)    bytes, as a 32-bit number

@@ -59,7 +59,7 @@ bool writeAll(int descriptor, std::string_view text) {
     } else if (written < 0 && errno == EAGAIN) {
       pollfd output{descriptor, POLLOUT, 0};  // somebody has made it non-blocking
       poll(&output, 1, -1);
-    } else if (written < 0 && errno != EINTR) {
+    } else if (written == 0 || errno != EINTR) {
       return false;
     }
   }

@@ -12,7 +12,7 @@ enum class ExitStatus : int {
 
   // One number, since no command has both: somebody should look at it.
   noAnswer = 3,
-  remarks = 3,
+  warnings = 3,
 };
 
 struct ExitMeaning {
@@ -24,19 +24,20 @@ struct ExitMeaning {
 // The help prints these; the manual repeats them.
 inline constexpr ExitMeaning kExitMeanings[] = {
     {"run", ExitStatus::success, N_("installed, with nothing missing")},
-    {"run", ExitStatus::failure, N_("the install failed, wholly or for a single file, or it was stopped")},
-    {"run", ExitStatus::badUsage, N_("something that was given cannot be used; nothing was begun")},
-    {"run", ExitStatus::noAnswer, N_("a question needed an answer, and the input was closed")},
-    {"rehearse", ExitStatus::success, N_("everything is installed, and there is nothing to remark")},
-    {"rehearse", ExitStatus::failure, N_("the install failed, or what is installed differs from its source")},
-    {"rehearse", ExitStatus::badUsage, N_("something that was given cannot be used; nothing was begun")},
-    {"rehearse", ExitStatus::remarks, N_("installed, with something to remark")},
-    {"check", ExitStatus::success, N_("nothing is wrong")},
-    {"check", ExitStatus::failure, N_("there are errors")},
-    {"check", ExitStatus::badUsage, N_("something that was given cannot be used")},
-    {"check", ExitStatus::remarks, N_("there are warnings, and no errors")},
-    {"log", ExitStatus::success, N_("the log was told, whatever it tells")},
-    {"log", ExitStatus::badUsage, N_("something that was given cannot be used")},
+    {"run", ExitStatus::failure, N_("the installation failed, for one file at least, or was stopped")},
+    {"run", ExitStatus::badUsage, N_("invalid argument; nothing was installed")},
+    {"run", ExitStatus::noAnswer, N_("a prompt needed an answer, but standard input was closed")},
+    {"rehearse", ExitStatus::success, N_("everything was installed; no problems found")},
+    {"rehearse", ExitStatus::failure,
+     N_("the installation failed, or an installed file differs from its source")},
+    {"rehearse", ExitStatus::badUsage, N_("invalid argument; nothing was installed")},
+    {"rehearse", ExitStatus::warnings, N_("everything was installed, with warnings")},
+    {"check", ExitStatus::success, N_("no problems found")},
+    {"check", ExitStatus::failure, N_("errors")},
+    {"check", ExitStatus::badUsage, N_("invalid argument")},
+    {"check", ExitStatus::warnings, N_("warnings, but no errors")},
+    {"log", ExitStatus::success, N_("the log was read")},
+    {"log", ExitStatus::badUsage, N_("invalid argument")},
 };
 
 }  // namespace tavenhall

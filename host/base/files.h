@@ -17,7 +17,7 @@ void requireNoSpecialFile(const std::filesystem::path& path);
 void requireWritable(const std::filesystem::path& path);
 
 // The bytes that this user can still write on the disk that holds `path`, or would hold it: that of the nearest
-// existing folder above it. None where the system does not tell.
+// existing folder above it. None if unknown.
 [[nodiscard]] std::optional<std::int64_t> freeBytesAt(const std::string& path);
 
 }  // namespace tavenhall

@@ -16,7 +16,7 @@ constexpr const char* kDomain = "tavinstall";
 
 bool isUntranslated() { return std::string_view(std::setlocale(LC_MESSAGES, nullptr)) == "C"; }
 
-// Catalogs are named after locales, which tell the scripts of Chinese by the country. There is none of English,
+// Catalogs are named after locales, which distinguish the Chinese scripts by country. There is none of English,
 // so "C" keeps what comes after it from being taken.
 std::string catalogOf(const std::string& folder) {
   return folder == "zh-Hans" ? "zh_CN" : folder == "English" ? "C" : folder;

@@ -58,7 +58,8 @@ std::vector<Item> itemsOf(const CheckedFolder& folder) {
 
 class BundleRules {
  public:
-  BundleRules(const CheckedFolder& folder, Remarks& remarks) : folder_(folder), remarks_(remarks) {}
+  BundleRules(const CheckedFolder& folder, Diagnostics& diagnostics)
+      : folder_(folder), diagnostics_(diagnostics) {}
 
   void check(const Item& item) {
     if (pluginKindOf(item.destination)) {
@@ -79,15 +80,15 @@ class BundleRules {
     const auto product = productIn(folder_.folder.source + "/" + item.path);
     const auto own = productIn(item.path);
     if (!product) {
-      remarks_.add(
-          "plugin-unknown", {shown(item.path)},
-          _("No product's name is in this path, so the page copies over what the user has of it and leaves "
-            "the old files inside."));
+      diagnostics_.add("plugin-unknown", {shown(item.path)},
+                       _("The path contains no product name, so the page copies over the installed plug-in and "
+                         "leaves old files inside."));
     } else if (product != own) {
-      remarks_.add("product-in-path", {shown(item.path)},
-                   format(_("The package's own folder has the name {0} in its path, so the page takes this for "
-                            "{0}'s, and removes an earlier one only of the first plug-in of its kind."),
-                          {pluginNames[*product]}));
+      diagnostics_.add(
+          "product-in-path", {shown(item.path)},
+          format(_("The package's own folder has the name {0} in its path, so the page takes this for "
+                   "{0}'s, and removes an earlier one only of the first plug-in of its kind."),
+                 {pluginNames[*product]}));
     }
   }
 
@@ -95,20 +96,17 @@ class BundleRules {
     const auto isSplit = [](const TreeEntry* entry) { return entry->path.find(' ') != std::string::npos; };
     const auto isRead = [](const TreeEntry* entry) { return hasShellCharacter(entry->path); };
     if (hasShellCharacter(item.destination) || std::any_of(item.inside.begin(), item.inside.end(), isRead)) {
-      remarks_.add(
-          "app-path-shell", {shown(item.path)},
-          _("A path in the application holds a character that the shell reads as a command, so the command "
-            "that opens its permissions does something else."));
+      diagnostics_.add("app-path-shell", {shown(item.path)},
+                       _("A path in the application contains a shell metacharacter, so the command that sets "
+                         "its permissions does something else."));
     } else if (item.destination.find(' ') != std::string::npos) {
-      remarks_.add(
-          "app-path-blank", {shown(item.path)},
-          _("The blank in this path splits the command that opens the application's permissions, so the "
-            "application may not start."));
+      diagnostics_.add("app-path-blank", {shown(item.path)},
+                       _("The blank in this path breaks the command that sets the application's permissions, "
+                         "so the application may not start."));
     } else if (std::any_of(item.inside.begin(), item.inside.end(), isSplit)) {
-      remarks_.add(
-          "app-path-blank", {shown(item.path)},
-          _("Paths with blanks inside the application split their permission commands; the one for the whole "
-            "application makes up for it, and the log shows the failures."));
+      diagnostics_.add("app-path-blank", {shown(item.path)},
+                       _("Paths with blanks inside the application break their permission commands. The "
+                         "command for the whole application compensates, and the log shows the failures."));
     }
   }
 
@@ -119,12 +117,12 @@ class BundleRules {
     };
     const auto programs = std::count_if(item.inside.begin(), item.inside.end(), isProgram);
     if (programs > 0 && !isOpenedLater) {
-      remarks_.add("bundle-permissions", {shown(item.path)},
-                   plural("{0} program file in the bundle will not be marked as a program once installed, "
-                          "since the copy keeps no permissions.",
-                          "{0} program files in the bundle will not be marked as a program once installed, "
-                          "since the copy keeps no permissions.",
-                          programs));
+      diagnostics_.add("bundle-permissions", {shown(item.path)},
+                       plural("{0} program file in the bundle will not be executable after the installation, "
+                              "because the copy keeps no permissions.",
+                              "{0} program files in the bundle will not be executable after the installation, "
+                              "because the copy keeps no permissions.",
+                              programs));
     }
   }
 
@@ -133,17 +131,17 @@ class BundleRules {
       return entry->kind == EntryKind::linkToFile;
     });
     if (links > 0) {
-      remarks_.add("bundle-link", {shown(item.path)},
-                   plural("{0} link in the bundle will be copies of what they lead to, so the bundle is "
-                          "larger and its signature no longer holds.",
-                          "{0} links in the bundle will be copies of what they lead to, so the bundle is "
-                          "larger and its signature no longer holds.",
-                          links));
+      diagnostics_.add("bundle-link", {shown(item.path)},
+                       plural("{0} link in the bundle will be a copy of its target, so the bundle is larger "
+                              "and its signature is invalid.",
+                              "{0} links in the bundle will be copies of their targets, so the bundle is "
+                              "larger and its signature is invalid.",
+                              links));
     }
   }
 
   const CheckedFolder& folder_;
-  Remarks& remarks_;
+  Diagnostics& diagnostics_;
 };
 
 }  // namespace
@@ -155,9 +153,9 @@ bool isInBundle(std::string_view path) noexcept {
   });
 }
 
-void checkBundles(const CheckedSet& checked, Remarks& remarks) {
+void checkBundles(const CheckedSet& checked, Diagnostics& diagnostics) {
   for (const CheckedFolder& folder : checked.systemFolders) {
-    BundleRules rules(folder, remarks);
+    BundleRules rules(folder, diagnostics);
     for (const Item& item : itemsOf(folder)) {
       rules.check(item);
     }

@@ -8,9 +8,9 @@ CheckResult checkSet(const CheckRequest& request) {
   CheckResult result{openCheckedSet(request), {}};
   for (const auto rule : {checkSettings, checkAttributesFile, checkKeys, checkValues, checkSizes, checkMachine,
                           checkDiscs, checkDataFolders, checkFiles, checkLibraries, checkBundles}) {
-    rule(result.checked, result.remarks);
+    rule(result.checked, result.diagnostics);
   }
-  result.remarks.sort();
+  result.diagnostics.sort();
   return result;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/check/remarks.h"
+#include "host/check/diagnostics.h"
 #include "host/set/checked_set.h"
 
 #include <string>
@@ -9,7 +9,7 @@ namespace tavenhall {
 
 struct CheckResult {
   CheckedSet checked;
-  Remarks remarks;
+  Diagnostics diagnostics;
 };
 
 // Looks at a set with every rule there is. Throws UsageError where it cannot be used at all.

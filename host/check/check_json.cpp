@@ -82,18 +82,18 @@ json planJson(const CheckResult& result) {
 
 std::string checkJson(const CheckResult& result) {
   const CheckedSet& checked = result.checked;
-  const Remarks& remarks = result.remarks;
+  const Diagnostics& diagnostics = result.diagnostics;
   json list = json::array();
-  for (const Remark& remark : remarks.all()) {
-    list.push_back({{"name", remark.name},
-                    {"severity", severityWord(remark.severity)},
-                    {"file", remark.place.file},
-                    {"line", remark.place.line > 0 ? json(remark.place.line) : json()},
-                    {"text", remark.sentence},
-                    {"reference", remark.reference()}});
+  for (const Diagnostic& diagnostic : diagnostics.all()) {
+    list.push_back({{"name", diagnostic.name},
+                    {"severity", severityWord(diagnostic.severity)},
+                    {"file", diagnostic.place.file},
+                    {"line", diagnostic.place.line > 0 ? json(diagnostic.place.line) : json()},
+                    {"text", diagnostic.sentence},
+                    {"reference", diagnostic.reference()}});
   }
   json more = json::object();
-  for (const auto& [name, count] : remarks.more()) {
+  for (const auto& [name, count] : diagnostics.more()) {
     more[std::string(name)] = count;
   }
   const json report{
@@ -103,9 +103,9 @@ std::string checkJson(const CheckResult& result) {
       {"plan", planJson(result)},
       {"remarks", std::move(list)},
       {"more", std::move(more)},
-      {"errors", remarks.count(Severity::error)},
-      {"warnings", remarks.count(Severity::warning)},
-      {"notes", remarks.count(Severity::note)}};
+      {"errors", diagnostics.count(Severity::error)},
+      {"warnings", diagnostics.count(Severity::warning)},
+      {"notes", diagnostics.count(Severity::note)}};
   return report.dump(2, ' ', false, json::error_handler_t::replace) + "\n";
 }
 

@@ -68,13 +68,13 @@ std::string volumeText(const CheckedSet& checked, const PlannedPass& pass, const
   std::string place = printableLine(volume.root);
   const CheckedVolume* contents = contentsOf(checked, pass, volume);
   if (contents == nullptr || !contents->isThere) {
-    return format(volume.isMounted ? _("{0}: not in the set") : _("{0}: not there"), {place});
+    return format(volume.isMounted ? _("{0}: not in the set") : _("{0}: missing"), {place});
   }
   if (volume.isMounted) {
     place = format(_("{0} ({1})"), {place, printableLine(contents->shownRoot)});
   }
   if (!contents->isListed) {
-    return format(_("{0}: cannot be looked into here"), {place});
+    return format(_("{0}: cannot be opened here"), {place});
   }
   if (contents->chosen.empty()) {
     return format(_("{0}: no data folder"), {place});
@@ -102,9 +102,8 @@ std::string planText(const CheckResult& result) {
   text += line(_("Text"), indented(plan.enteringText, kLabelColumns + 2));
   text += line(_("Edition"), printableLine(editionReason(plan)));
   for (const PlannedLibrary& library : plan.editions.libraries) {
-    text += line(
-        "", format(library.isDetected ? _("{0}: {1}, detected") : _("{0}: {1}, since nothing says otherwise"),
-                   {printableLine(library.folderName), library.isLite ? "Lite" : "Full"}));
+    text += line("", format(library.isDetected ? _("{0}: {1}, detected") : _("{0}: {1} by default"),
+                            {printableLine(library.folderName), library.isLite ? "Lite" : "Full"}));
   }
   text += line(_("Size"), sizeText(result));
   for (const PlannedFolder& folder : plan.systemFolders) {
@@ -120,26 +119,27 @@ std::string planText(const CheckResult& result) {
   return text + line(_("At the end"), indented(plan.completionText, kLabelColumns + 2));
 }
 
-std::string remarksText(const Remarks& remarks) {
-  if (remarks.all().empty()) {
-    return std::string(_("Nothing to remark.")) + "\n";
+std::string diagnosticsText(const Diagnostics& diagnostics) {
+  if (diagnostics.all().empty()) {
+    return std::string(_("No problems found.")) + "\n";
   }
-  std::string text = std::string(_("Remarks")) + "\n";
-  for (const Remark& remark : remarks.all()) {
-    const std::string place = printableLine(remark.place.file) +
-                              (remark.place.line > 0 ? ":" + std::to_string(remark.place.line) : "");
+  std::string text = std::string(_("Diagnostics")) + "\n";
+  for (const Diagnostic& diagnostic : diagnostics.all()) {
+    const std::string place = printableLine(diagnostic.place.file) +
+                              (diagnostic.place.line > 0 ? ":" + std::to_string(diagnostic.place.line) : "");
     text += "  " +
-            format(_("{0}: {1}: {2} [{3}]"),
-                   {place, _(severityWord(remark.severity)), printableLine(remark.sentence), remark.name}) +
-            "\n      " + remark.reference() + "\n";
+            format(_("{0}: {1}: {2} [{3}]"), {place, _(severityWord(diagnostic.severity)),
+                                              printableLine(diagnostic.sentence), diagnostic.name}) +
+            "\n      " + diagnostic.reference() + "\n";
   }
-  for (const auto& [name, count] : remarks.more()) {
+  for (const auto& [name, count] : diagnostics.more()) {
     text += "  " + format(_("and {0} more of {1}"), {std::to_string(count), name}) + "\n";
   }
   return text + "\n" +
-         format(_("{0}, {1}, {2}"), {plural("{0} error", "{0} errors", remarks.count(Severity::error)),
-                                     plural("{0} warning", "{0} warnings", remarks.count(Severity::warning)),
-                                     plural("{0} note", "{0} notes", remarks.count(Severity::note))}) +
+         format(_("{0}, {1}, {2}"),
+                {plural("{0} error", "{0} errors", diagnostics.count(Severity::error)),
+                 plural("{0} warning", "{0} warnings", diagnostics.count(Severity::warning)),
+                 plural("{0} note", "{0} notes", diagnostics.count(Severity::note))}) +
          "\n";
 }
 
@@ -151,7 +151,7 @@ std::string checkText(const CheckResult& result) {
          format(_("{0} for {1}, whose data folder is {2}"),
                 {printableLine(checked.set.package.filename().string()), checked.product.pluginName,
                  checked.product.folderName}) +
-         "\n\n" + planText(result) + "\n" + remarksText(result.remarks);
+         "\n\n" + planText(result) + "\n" + diagnosticsText(result.diagnostics);
 }
 
 }  // namespace tavenhall

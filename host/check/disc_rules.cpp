@@ -31,7 +31,7 @@ bool areOptionalDiscsReached(const InstallPlan& plan) {
                      [](const PlannedVolume& volume) { return volume.isOptional; });
 }
 
-void checkDisc(const CheckedSet& checked, const Disc& disc, Remarks& remarks) {
+void checkDisc(const CheckedSet& checked, const Disc& disc, Diagnostics& diagnostics) {
   const PlannedPass& pass = checked.whole.passes[0];
   const Place place{checked.shown(disc.path)};
   const auto volume =
@@ -43,7 +43,7 @@ void checkDisc(const CheckedSet& checked, const Disc& disc, Remarks& remarks) {
     return;
   }
   if (isOptionalName(disc.volumeName) && !areOptionalDiscsReached(checked.whole)) {
-    remarks.add(
+    diagnostics.add(
         "optional-disc-unreachable", place,
         format(
             isExpected
@@ -52,12 +52,12 @@ void checkDisc(const CheckedSet& checked, const Disc& disc, Remarks& remarks) {
                     "installed."),
             {quotedText(disc.volumeName), quotedText(expected)}));
   } else if (isExpected) {
-    remarks.add("disc-name", place,
-                format(_("The page asks for {0} here and does not take a disc that is called {1}, so it asks "
-                         "again without end."),
-                       {quotedText(expected), quotedText(disc.volumeName)}));
+    diagnostics.add(
+        "disc-name", place,
+        format(_("The page asks for {0} here and does not accept a disc named {1}, so it asks forever."),
+               {quotedText(expected), quotedText(disc.volumeName)}));
   } else if (disc.number > pass.volumeCount) {
-    remarks.add(
+    diagnostics.add(
         "disc-surplus", place,
         plural("The page installs {0} volume and never asks for this disc, so its data is not installed.",
                "The page installs {0} volumes and never asks for this disc, so its data is not installed.",
@@ -65,59 +65,59 @@ void checkDisc(const CheckedSet& checked, const Disc& disc, Remarks& remarks) {
   }
 }
 
-void checkVolumeOfDisc(const CheckedVolume& volume, Remarks& remarks) {
+void checkVolumeOfDisc(const CheckedVolume& volume, Diagnostics& diagnostics) {
   if (!volume.isThere) {
     if (!volume.volume.isOptional) {
-      remarks.add(
+      diagnostics.add(
           "disc-missing", {"discs"},
-          format(_("There is no disc {0}, so the page asks for {1} until somebody has one."),
+          format(_("There is no disc {0}, so the page asks for {1} forever."),
                  {std::to_string(volume.volume.number + 1), quotedText(nameOfMount(volume.volume.root))}));
     }
     return;
   }
   if (!volume.isListed) {
-    remarks.add("image-not-read", {volume.shownRoot},
-                _("Nothing here can look into this image, so what is on the disc was not checked."));
+    diagnostics.add("image-not-read", {volume.shownRoot},
+                    _("No tool here can open this image, so its contents were not checked."));
   } else if (volume.chosen.empty()) {
-    remarks.add(
+    diagnostics.add(
         "data-folder-missing", {volume.shownRoot},
-        format(
-            _("The disc has neither a folder {0} nor Mac OSX/{0}, so the page asks for it again without end."),
-            {volume.folderName}));
+        format(_("The disc has neither a folder {0} nor Mac OSX/{0}, so the page asks for it forever."),
+               {volume.folderName}));
   }
 }
 
-void checkFolderOfVolume(const CheckedVolume& volume, Remarks& remarks) {
+void checkFolderOfVolume(const CheckedVolume& volume, Diagnostics& diagnostics) {
   if (volume.chosen.empty() || !volume.isListed) {
     return;
   }
   if (volume.hasPrimary && volume.hasAlternate) {
     const std::string start = volume.shownRoot == "." ? "" : volume.shownRoot + "/";
-    remarks.add("both-folders", {start + "Mac OSX/" + volume.folderName},
-                format(_("The page takes the folder {0} at the root, so nothing of this one is installed."),
-                       {volume.folderName}));
+    diagnostics.add("both-folders", {start + "Mac OSX/" + volume.folderName},
+                    format(_("The page uses the folder {0} at the root, so nothing in this one is installed."),
+                           {volume.folderName}));
   }
   const auto& entries = volume.tree.entries();
   const bool isEmpty =
       std::all_of(entries.begin(), entries.end(), [](const TreeEntry& entry) { return entry.isHidden; });
   if (isEmpty && !volume.volume.librariesOnly) {
-    remarks.add(
+    diagnostics.add(
         "data-folder-empty", {volume.shown()},
         volume.volume.isMounted
-            ? _("The folder holds nothing to install: the page waits 15 seconds for it to fill, and goes on.")
-            : _("The folder holds nothing to install, and the page goes on without a word."));
+            ? _("The folder contains nothing to install. The page waits 15 seconds for the disc and continues.")
+            : _("The folder contains nothing to install, and the page skips it silently."));
   }
 }
 
 }  // namespace
 
-void checkDiscs(const CheckedSet& checked, Remarks& remarks) {
+void checkDiscs(const CheckedSet& checked, Diagnostics& diagnostics) {
   const bool usesDiscs = std::any_of(checked.volumes.begin(), checked.volumes.end(),
                                      [](const CheckedVolume& volume) { return volume.volume.isMounted; });
   if (!usesDiscs) {
     if (!checked.set.discs.empty()) {
-      remarks.add("discs-unused", {"discs"},
-                  _("In this mode the page takes its data from beside the package and never asks for a disc."));
+      diagnostics.add(
+          "discs-unused", {"discs"},
+          _("In this mode the page copies the data from beside the package and never asks for a disc."));
     }
     return;
   }
@@ -125,36 +125,34 @@ void checkDiscs(const CheckedSet& checked, Remarks& remarks) {
     return;  // said of the settings
   }
   for (const std::filesystem::path& path : checked.set.notDiscs) {
-    remarks.add(
-        "disc-not-numbered", {checked.shown(path)},
-        _("This is no disc of the set: a disc is a folder, or a .squashfs or .iso image, named with a number "
-          "of its own, a blank, and the volume's name."));
+    diagnostics.add("disc-not-numbered", {checked.shown(path)},
+                    _("This is not a disc of the set: a disc is a folder, or a .squashfs or .iso image, whose "
+                      "name is a unique number, a blank and the volume's name."));
   }
   for (const Disc& disc : checked.set.discs) {
-    checkDisc(checked, disc, remarks);
+    checkDisc(checked, disc, diagnostics);
   }
 }
 
-void checkDataFolders(const CheckedSet& checked, Remarks& remarks) {
+void checkDataFolders(const CheckedSet& checked, Diagnostics& diagnostics) {
   bool isAnythingThere = !checked.systemFolders.empty();
   for (const CheckedVolume& volume : checked.volumes) {
     const bool isUpdate = checked.whole.mode == kModeProductUpdater;
     isAnythingThere = isAnythingThere || !volume.chosen.empty();
     if (checked.whole.mode == kModeVolumes) {
-      checkVolumeOfDisc(volume, remarks);
+      checkVolumeOfDisc(volume, diagnostics);
     } else if (volume.chosen.empty() && !volume.volume.isMounted && !isUpdate) {
-      remarks.add("data-folder-missing", {checked.shown(volume.volume.primary)},
-                  format(_("There is neither this folder nor {0} beside it, so the page says \"Files to be "
-                           "installed not found.\" and ends."),
-                         {quotedText("Mac OSX/" + volume.folderName)}));
+      diagnostics.add("data-folder-missing", {checked.shown(volume.volume.primary)},
+                      format(_("Neither this folder nor {0} beside it exists, so the page shows \"Files to be "
+                               "installed not found.\" and ends."),
+                             {quotedText("Mac OSX/" + volume.folderName)}));
     }
-    checkFolderOfVolume(volume, remarks);
+    checkFolderOfVolume(volume, diagnostics);
   }
   if (checked.whole.mode == kModeProductUpdater && !isAnythingThere) {
-    remarks.add(
-        "nothing-to-install", {checked.shown(checked.set.package)},
-        _("Beside the package there is no data folder, no Library and no Applications, so the page installs "
-          "nothing and says that it is finished."));
+    diagnostics.add("nothing-to-install", {checked.shown(checked.set.package)},
+                    _("Beside the package there is no data folder, no Library and no Applications, so the page "
+                      "installs nothing and reports success."));
   }
 }
 

@@ -42,7 +42,7 @@ bool isInHiddenFolder(const TreeEntry& entry) {
   return isHiddenName(folder) || folder.find("/.") != std::string::npos;
 }
 
-void checkHidden(const CopiedTree& copied, Remarks& remarks) {
+void checkHidden(const CopiedTree& copied, Diagnostics& diagnostics) {
   int files = 0;
   int litter = 0;
   std::string first;
@@ -57,77 +57,74 @@ void checkHidden(const CopiedTree& copied, Remarks& remarks) {
     ++(isLeftOver ? litter : files);
   }
   if (files > 0) {
-    remarks.add("hidden-file", {copied.shown(first)},
-                format(_("Files and folders whose names begin with a full stop are never installed: the user "
-                         "does not get {0} of them here, of which this is the first."),
-                       {std::to_string(files)}));
+    diagnostics.add("hidden-file", {copied.shown(first)},
+                    format(_("Files and folders whose names begin with a full stop are never installed: {0} of "
+                             "them here, of which this is the first."),
+                           {std::to_string(files)}));
   }
   if (litter > 0) {
-    remarks.add("hidden-litter", {copied.shown(firstLitter)},
-                format(_("The system's own hidden files stay behind, as they should; there are {0} here that "
-                         "only take up room."),
-                       {std::to_string(litter)}));
+    diagnostics.add(
+        "hidden-litter", {copied.shown(firstLitter)},
+        format(_("Hidden files of the system are not installed, as intended. {0} of them take up space here."),
+               {std::to_string(litter)}));
   }
 }
 
-void checkKind(const CopiedTree& copied, const TreeEntry& entry, Remarks& remarks) {
+void checkKind(const CopiedTree& copied, const TreeEntry& entry, Diagnostics& diagnostics) {
   const Place place{copied.shown(entry.path)};
   switch (entry.kind) {
     case EntryKind::linkToFile:
       if (!copied.isSystemFolder || !isInBundle(entry.path)) {
-        remarks.add("link-copied", place,
-                    _("The link does not arrive as one: the user gets a copy of its file."));
+        diagnostics.add("link-copied", place,
+                        _("The link is not installed as a link: the user gets a copy of its file."));
       }
       break;
     case EntryKind::linkToFolder:
-      remarks.add("link-to-folder", place,
-                  _("A link to a folder arrives as an empty file, and the page says \"Failed to copy file.\""));
+      diagnostics.add(
+          "link-to-folder", place,
+          _("A link to a folder is installed as an empty file, and the page shows \"Failed to copy file.\""));
       break;
     case EntryKind::brokenLink:
-      remarks.add(
-          "link-broken", place,
-          _("The link leads nowhere, so the page says \"Failed to open input file.\" and does not call the "
-            "install done."));
+      diagnostics.add("link-broken", place,
+                      _("The link is broken, so the page shows \"Failed to open input file.\" and the "
+                        "installation fails."));
       break;
     case EntryKind::other:
-      remarks.add(
-          "special-file", place,
-          _("This is no file with contents, so the page says \"Failed to open input file.\" and does not call "
-            "the install done."));
+      diagnostics.add("special-file", place,
+                      _("This is not a regular file, so the page shows \"Failed to open input file.\" and the "
+                        "installation fails."));
       break;
     case EntryKind::file:
       if (isAttributesFile(copied.source + "/" + entry.path)) {
-        remarks.add(
+        diagnostics.add(
             "file-skipped", place,
-            _("The path has .InstallationAttributes.dat in it, so the page passes over the file and the "
-              "user does not get it."));
+            _("The path contains .InstallationAttributes.dat, so the page does not install the file."));
       } else if ((entry.permissions & 0444U) == 0) {
-        remarks.add(
-            "not-readable", place,
-            _("Nobody may read the file, so the page says \"Failed to open input file.\" and does not call the "
-              "install done."));
+        diagnostics.add("not-readable", place,
+                        _("The file cannot be read, so the page shows \"Failed to open input file.\" and the "
+                          "installation fails."));
       }
       break;
     case EntryKind::folder:
       if ((entry.permissions & 0444U) == 0 || (entry.permissions & 0111U) == 0) {
-        remarks.add(
+        diagnostics.add(
             "not-readable", place,
-            _("Nobody may look into the folder, so nothing in it is installed, and the page says nothing."));
+            _("The folder cannot be opened, so nothing in it is installed and the page reports nothing."));
       }
       break;
   }
 }
 
-void checkLength(const CopiedTree& copied, const TreeEntry& entry, Remarks& remarks) {
+void checkLength(const CopiedTree& copied, const TreeEntry& entry, Diagnostics& diagnostics) {
   const std::size_t below = 1 + entry.path.size();
   const std::size_t slash = entry.path.rfind('/');
   const std::size_t parent = slash == std::string::npos ? 0 : 1 + slash;
   const std::size_t longer = std::max(copied.source.size(), copied.destination.size());
   // Where the folder above is too long already, it was said of that.
   if (longer + below >= kChildPathSize && longer + parent < kChildPathSize) {
-    remarks.add(
+    diagnostics.add(
         "path-too-long", {copied.shown(entry.path)},
-        format(_("With this name a path gets {0} bytes, of which 1023 fit, and the installer ends at once."),
+        format(_("With this name a path has {0} bytes. The limit is 1023, and the installer aborts."),
                {std::to_string(longer + below)}));
   }
 }
@@ -155,16 +152,16 @@ std::vector<CopiedTree> copiedTrees(const CheckedSet& checked) {
 // Files of one destination whose names differ only in case: on most disks one replaces the other.
 class CaseClashes {
  public:
-  void check(const CopiedTree& copied, const TreeEntry& entry, Remarks& remarks) {
+  void check(const CopiedTree& copied, const TreeEntry& entry, Diagnostics& diagnostics) {
     const std::string path = copied.destination + "/" + entry.path;
     const auto [first, isNew] =
         first_.try_emplace(foldCase(path), First{path, entry.kind == EntryKind::folder});
     const bool bothFolders = first->second.isFolder && entry.kind == EntryKind::folder;
     if (!isNew && first->second.path != path && !bothFolders) {
-      remarks.add("case-clash", {copied.shown(entry.path)},
-                  format(_("Only the case of letters tells this from {0}, so on a usual disk the user gets one "
-                           "file of the two."),
-                         {quotedText(lastPart(first->second.path))}));
+      diagnostics.add(
+          "case-clash", {copied.shown(entry.path)},
+          format(_("The name differs from {0} only in case, so most disks keep only one of the two files."),
+                 {quotedText(lastPart(first->second.path))}));
     }
   }
 
@@ -181,15 +178,15 @@ class CaseClashes {
 
 }  // namespace
 
-void checkFiles(const CheckedSet& checked, Remarks& remarks) {
+void checkFiles(const CheckedSet& checked, Diagnostics& diagnostics) {
   CaseClashes clashes;
   for (const CopiedTree& copied : copiedTrees(checked)) {
-    checkHidden(copied, remarks);
+    checkHidden(copied, diagnostics);
     for (const TreeEntry& entry : copied.tree.entries()) {
       if (!entry.isHidden) {
-        checkKind(copied, entry, remarks);
-        checkLength(copied, entry, remarks);
-        clashes.check(copied, entry, remarks);
+        checkKind(copied, entry, diagnostics);
+        checkLength(copied, entry, diagnostics);
+        clashes.check(copied, entry, diagnostics);
       }
     }
   }

@@ -19,12 +19,11 @@ constexpr Effect kEffects[] = {
     {"InstalledData", N_("the page ends with its built-in text, which asks for the Data Updater")},
     {"RelativePath", N_("the page looks for the data in the folder above the package's")},
     {"RelativePath2", N_("the page does not know the folder of the second component")},
-    {"LiteVsFullPrompt", N_("an install from discs offers no choice between Lite and Full")},
+    {"LiteVsFullPrompt", N_("an installation from discs offers no choice between Lite and Full")},
     {"NumberOfVolumes", N_("the page installs one volume")},
-    {"TotalSizeMillionsBytes",
-     N_("the page does not know how much data there is, and its bar says nothing true")},
+    {"TotalSizeMillionsBytes", N_("the page does not know the size of the data, and its bar is wrong")},
     {"Component1SizeMillionsBytes",
-     N_("the page does not know how much data a Lite install has, and its bar then says nothing true")},
+     N_("the page does not know the size of a Lite installation, and its bar is wrong")},
 };
 
 }  // namespace

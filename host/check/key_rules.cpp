@@ -22,8 +22,8 @@ bool hasLetterOrDigit(std::string_view word) {
 
 class KeyRules {
  public:
-  KeyRules(const CheckedSet& checked, Remarks& remarks)
-      : checked_(checked), attributes_(checked.plan.attributes), remarks_(remarks) {
+  KeyRules(const CheckedSet& checked, Diagnostics& diagnostics)
+      : checked_(checked), attributes_(checked.plan.attributes), diagnostics_(diagnostics) {
     for (const AttributesKey& key : attributesKeys()) {
       counting_[&key] =
           key.kind == KeyKind::text ? attributes_.findText(key.name).key : attributes_.findNumber(key.name).key;
@@ -45,7 +45,7 @@ class KeyRules {
 
  private:
   void add(std::string_view name, const AttributesPiece& piece, std::string sentence) {
-    remarks_.add(name, checked_.attributesPlace(&piece), std::move(sentence));
+    diagnostics_.add(name, checked_.attributesPlace(&piece), std::move(sentence));
   }
 
   [[nodiscard]] bool isFound(const AttributesKey& key) const { return counting_.at(&key) != nullptr; }
@@ -56,8 +56,8 @@ class KeyRules {
       addTwice(piece, key, *counting);
     } else if (hasLetterOrDigit(piece.parts.separator)) {
       add("separator-missing", piece,
-          format(_("The word after a key is skipped, so the page does not see {0} as part of {1}; write \"{1} "
-                   "= ...\", with blanks."),
+          format(_("The page skips the word after a key, so {0} is not part of {1}. Write \"{1} = ...\", with "
+                   "blanks."),
                  {quotedText(piece.parts.separator), key.name}));
     } else if (piece.parts.value.empty()) {
       checkEmpty(piece, key);
@@ -66,7 +66,7 @@ class KeyRules {
 
   void addTwice(const AttributesPiece& piece, const AttributesKey& key, const AttributesPiece& counting) {
     add("key-twice", piece,
-        format(_("{0} stands in line {1} already, and that one counts: nobody sees this one."),
+        format(_("{0} is already in line {1}, which is the one that counts. This line is ignored."),
                {key.name, std::to_string(counting.line)}));
   }
 
@@ -74,8 +74,8 @@ class KeyRules {
     const AttributesPiece* source = key.kind == KeyKind::text ? attributes_.findText(key.name).source
                                                               : attributes_.findNumber(key.name).source;
     add("value-missing", piece,
-        source == nullptr ? format(_("{0} has no value, so it is empty or 0 for the page."), {key.name})
-                          : format(_("{0} has no value, so the page takes what line {1} says, {2}."),
+        source == nullptr ? format(_("{0} has no value, so the page reads it as empty or 0."), {key.name})
+                          : format(_("{0} has no value, so the page uses the value of line {1}, {2}."),
                                    {key.name, std::to_string(source->line), quotedText(source->parts.value)}));
   }
 
@@ -99,7 +99,7 @@ class KeyRules {
     for (const AttributesKey& key : attributesKeys()) {
       if (equalsIgnoringCase(start, key.name)) {
         add("key-joined", piece,
-            format(_("Without a blank behind {0} the page does not know the key, so {1}."),
+            format(_("There is no blank after {0}, so the page does not recognise the key: {1}."),
                    {key.name, missingKeyEffect(key.name)}));
         return true;
       }
@@ -111,7 +111,7 @@ class KeyRules {
     for (const AttributesKey& key : attributesKeys()) {
       if (equalsIgnoringCase(piece.parts.key, key.name) && !isFound(key)) {
         add("key-case", piece,
-            format(_("The page finds a number by its exact key only, {0}, so {1}."),
+            format(_("The key of a number must be spelt exactly {0}, so {1}."),
                    {key.name, missingKeyEffect(key.name)}));
         return true;
       }
@@ -134,21 +134,20 @@ class KeyRules {
           format(_("{0} is probably meant to be {1}, which is missing, so {2}."),
                  {word, nearest->name, missingKeyEffect(nearest->name)}));
     } else {
-      add("key-unknown", piece,
-          format(_("No part of the installer knows the key {0}, so nobody sees this line."), {word}));
+      add("key-unknown", piece, format(_("The key {0} is unknown, so this line is ignored."), {word}));
     }
   }
 
   const CheckedSet& checked_;
   const AttributesReading& attributes_;
-  Remarks& remarks_;
+  Diagnostics& diagnostics_;
   std::map<const AttributesKey*, const AttributesPiece*> counting_;  // the line that counts, or null
 };
 
 }  // namespace
 
-void checkKeys(const CheckedSet& checked, Remarks& remarks) {
-  KeyRules rules(checked, remarks);
+void checkKeys(const CheckedSet& checked, Diagnostics& diagnostics) {
+  KeyRules rules(checked, diagnostics);
   for (const AttributesPiece& piece : checked.plan.attributes.pieces()) {
     rules.check(piece);
   }

@@ -16,8 +16,10 @@ constexpr std::string_view kMirelPacks = "Mirel Packs";
 
 class LibraryRules {
  public:
-  LibraryRules(const CheckedSet& checked, Remarks& remarks)
-      : checked_(checked), remarks_(remarks), path_(checked.whole.attributes.findText("RelativePath2")) {
+  LibraryRules(const CheckedSet& checked, Diagnostics& diagnostics)
+      : checked_(checked),
+        diagnostics_(diagnostics),
+        path_(checked.whole.attributes.findText("RelativePath2")) {
     folder_ = fs::path(checked.whole.packageFolder) / path_.value / "TANVO";
     libraries_ = listLibraries(folder_.string(), std::numeric_limits<std::size_t>::max());
   }
@@ -28,10 +30,9 @@ class LibraryRules {
     }
     std::error_code error;
     if (!fs::exists(folder_, error)) {
-      remarks_.add(
-          "data-folder-missing", checked_.attributesPlace(path_.key),
-          _("RelativePath2 names a place without a folder TANVO, so the page lists no libraries and updates "
-            "everybody alike."));
+      diagnostics_.add("data-folder-missing", checked_.attributesPlace(path_.key),
+                       _("RelativePath2 names a folder without TANVO, so the page lists no libraries and "
+                         "installs the same for every user."));
       return;
     }
     checkCount();
@@ -41,12 +42,12 @@ class LibraryRules {
     for (const CheckedVolume& volume : checked_.volumes) {
       for (const std::string& name : volume.leftOut) {
         if (isBeyondTheLast(name)) {
-          continue;  // the count has been remarked
+          continue;  // the count has been diagnosticed
         }
-        remarks_.add("folder-left-out", {volume.shown(name)},
-                     format(_("Of the second component the page copies the listed libraries only, and none is "
-                              "called {0}, so nobody gets it."),
-                            {quotedText(name)}));
+        diagnostics_.add("folder-left-out", {volume.shown(name)},
+                         format(_("The page copies only the listed libraries of the second component, and {0} "
+                                  "is not among them, so it is never installed."),
+                                {quotedText(name)}));
       }
       if (volume.folderName == "TANVO" && !volume.chosen.empty()) {
         volume.volume.number == 0 ? checkFirstComponent(volume) : checkPacks(volume);
@@ -64,10 +65,10 @@ class LibraryRules {
 
   void checkCount() {
     if (libraries_.size() > kLibrarySlots) {
-      remarks_.add("too-many-libraries", {checked_.shown(folder_)},
-                   format(_("The update carries {0} libraries, of which the page sees {1}, so the rest do not "
-                            "get their second component."),
-                          {std::to_string(libraries_.size()), std::to_string(kLibrarySlots)}));
+      diagnostics_.add("too-many-libraries", {checked_.shown(folder_)},
+                       format(_("The update carries {0} libraries, but the page handles only {1}, so the "
+                                "others do not get their second component."),
+                              {std::to_string(libraries_.size()), std::to_string(kLibrarySlots)}));
     }
   }
 
@@ -75,17 +76,16 @@ class LibraryRules {
     std::error_code error;
     const fs::path path = folder_ / library.folderName;
     if (!fs::is_directory(path, error)) {
-      remarks_.add("library-not-a-folder", {checked_.shown(path)},
-                   format(_("The page takes this file for a library, so the user reads \"Full installation "
-                            "detected for {0}\" and it is not installed."),
-                          {libraryDisplayName(library.folderName).view()}));
+      diagnostics_.add("library-not-a-folder", {checked_.shown(path)},
+                       format(_("The page treats this file as a library, so it shows \"Full installation "
+                                "detected for {0}\" and does not install it."),
+                              {libraryDisplayName(library.folderName).view()}));
     }
     if (library.folderName != kMirelPacks && library.folderName.find('/') == std::string::npos &&
         isMisspellingOf(library.folderName, kMirelPacks)) {
-      remarks_.add(
-          "mirel-pack-unseen", {checked_.shown(path)},
-          _("Only a folder that is called exactly \"Mirel Packs\" holds packs for the page, so these count as "
-            "one library, always Full."));
+      diagnostics_.add("mirel-pack-unseen", {checked_.shown(path)},
+                       _("Only a folder named exactly \"Mirel Packs\" holds packs, so the page treats this one "
+                         "as one library that is always Full."));
     }
   }
 
@@ -96,10 +96,10 @@ class LibraryRules {
                              (entry.path.find('/') == std::string::npos ||
                               (entry.path.starts_with("Mirel Packs/") && depthOf(entry.path) == 1));
       if (isLibrary && !isListed(entry.path)) {
-        remarks_.add("library-not-listed", {volume.shown(entry.path)},
-                     format(_("The folder of RelativePath2 has no {0}, so the page does not look which edition "
-                              "the user has, and says nothing of it."),
-                            {quotedText(entry.path)}));
+        diagnostics_.add("library-not-listed", {volume.shown(entry.path)},
+                         format(_("The folder of RelativePath2 has no {0}, so the page does not detect which "
+                                  "edition the user has."),
+                                {quotedText(entry.path)}));
       }
     }
     checkPacks(volume);
@@ -125,11 +125,10 @@ class LibraryRules {
     if (!isAnywhere([&library](const TreeEntry& entry) {
           return entry.path == library && entry.kind == EntryKind::folder;
         })) {
-      remarks_.add(
-          "mirel-pack-unseen", {volume.shown(factory)},
-          format(
-              _("The pack has no folder {0} here, so the page cannot see its edition and takes it for Full."),
-              {quotedText(pack + " Library")}));
+      diagnostics_.add("mirel-pack-unseen", {volume.shown(factory)},
+                       format(_("The pack has no folder {0} here, so the page cannot detect its edition and "
+                                "treats it as Full."),
+                              {quotedText(pack + " Library")}));
       return;
     }
     const bool bringsDatabases = isAnywhere([&library](const TreeEntry& entry) {
@@ -141,10 +140,9 @@ class LibraryRules {
     for (const TreeEntry& entry : volume.tree.entries()) {
       if (entry.kind == EntryKind::folder && !entry.isHidden && entry.path.starts_with(library + "/") &&
           depthOf(entry.path) == 5 && !hasDatabase(entry.path)) {
-        remarks_.add(
-            "mirel-pack-unseen", {volume.shown(entry.path)},
-            _("There is no .db file right in this folder, so where the system lists it first, the page cannot "
-              "see the pack's edition and takes it for Full."));
+        diagnostics_.add("mirel-pack-unseen", {volume.shown(entry.path)},
+                         _("There is no .db file directly in this folder. If the system lists the folder "
+                           "first, the page cannot detect the pack's edition and treats it as Full."));
       }
     }
   }
@@ -158,9 +156,9 @@ class LibraryRules {
       std::error_code error;
       const fs::path path = central / library.folderName;
       if (isMirelPack(library.folderName) && !library.isDetected && fs::exists(path, error)) {
-        remarks_.add(
-            "mirel-pack-unseen", {checked_.shown(path)},
-            _("The page finds no database of this pack where it looks for one, so it takes it for Full."));
+        diagnostics_.add("mirel-pack-unseen", {checked_.shown(path)},
+                         _("The page finds no database of this pack where it looks for one, so it treats the "
+                           "pack as Full."));
       }
     }
   }
@@ -192,7 +190,7 @@ class LibraryRules {
   }
 
   const CheckedSet& checked_;
-  Remarks& remarks_;
+  Diagnostics& diagnostics_;
   FoundText path_;
   fs::path folder_;
   std::vector<PlannedLibrary> libraries_;
@@ -200,9 +198,9 @@ class LibraryRules {
 
 }  // namespace
 
-void checkLibraries(const CheckedSet& checked, Remarks& remarks) {
+void checkLibraries(const CheckedSet& checked, Diagnostics& diagnostics) {
   if (checked.whole.mode == kModeProductUpdater) {
-    LibraryRules(checked, remarks).check();
+    LibraryRules(checked, diagnostics).check();
   }
 }
 

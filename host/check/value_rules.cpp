@@ -28,15 +28,15 @@ std::string_view withoutBlanksAtEnd(std::string_view value) {
 
 class ValueRules {
  public:
-  ValueRules(const CheckedSet& checked, Remarks& remarks)
-      : checked_(checked), attributes_(checked.plan.attributes), remarks_(remarks) {}
+  ValueRules(const CheckedSet& checked, Diagnostics& diagnostics)
+      : checked_(checked), attributes_(checked.plan.attributes), diagnostics_(diagnostics) {}
 
   void checkMode() {
     const FoundText mode = attributes_.findText("Mode", kModeSize);
     if (!mode) {
       if (attributes_.isFilePresent()) {
-        remarks_.add("mode-missing", checked_.attributesPlace(),
-                     _("No line says which Mode the installer has, so the page installs from discs."));
+        diagnostics_.add("mode-missing", checked_.attributesPlace(),
+                         _("The key Mode is missing, so the page installs from discs."));
       }
       return;
     }
@@ -46,14 +46,14 @@ class ValueRules {
     const std::string_view written = untilCarriageReturn(mode.key->parts.value);
     if (written.size() >= kModeSize) {
       add("value-cut", *mode.key,
-          _("The page reads 63 bytes of a Mode, so the end of this one does not count."));
+          _("The page reads at most 63 bytes of a Mode, so it ignores the end of this one."));
     }
     const auto words = std::count_if(std::begin(kModeWords), std::end(kModeWords),
                                      [&mode](std::string_view word) { return contains(mode.value, word); });
     if (words > 1) {
       add("mode-several", *mode.key,
-          format(_("The Mode names more than one kind of installer, and the page takes the first that it tests "
-                   "for, mode {0}."),
+          format(_("The Mode names more than one kind of installer. The page uses the first that it tests for, "
+                   "mode {0}."),
                  {std::to_string(installModeForValue(mode.value))}));
     } else if (words == 0) {
       checkModeSpelling(mode);
@@ -69,8 +69,9 @@ class ValueRules {
     if (found.source != found.key) {
       add("number-invalid", *found.key,
           found.source == nullptr
-              ? format(_("{0} is {1}, which is no number, so the page takes 0."), {key.name, quotedText(value)})
-              : format(_("{0} is {1}, which is no number, so the page takes {2}, the number of line {3}."),
+              ? format(_("{0} is {1}, which is not a number, so the page uses 0."),
+                       {key.name, quotedText(value)})
+              : format(_("{0} is {1}, which is not a number, so the page uses {2}, the number of line {3}."),
                        {key.name, quotedText(value), std::to_string(found.number),
                         std::to_string(found.source->line)}));
       return;
@@ -79,7 +80,7 @@ class ValueRules {
     const std::size_t end = std::min(value.find_first_not_of("0123456789", sign), value.size());
     if (value.find_first_not_of(" \t\r", end) != std::string_view::npos) {
       add("number-trailing-text", *found.key,
-          format(_("The page reads {0} up to the first character that is no digit, so it is {1}."),
+          format(_("The page reads {0} up to the first character that is not a digit, so it is {1}."),
                  {key.name, std::to_string(found.number)}));
     }
     checkRange(key, found, value.substr(0, end));
@@ -94,14 +95,13 @@ class ValueRules {
     const bool isYes = equalsIgnoringCase(trimmed, "Yes");
     if (isYes && trimmed.size() < prompt.value.size()) {
       add("trailing-blank", *prompt.key,
-          _("A blank follows the Yes of LiteVsFullPrompt, which then does not count, so the user gets no "
-            "choice "
-            "between Lite and Full."));
+          _("A blank follows the Yes of LiteVsFullPrompt, so the page does not recognise it and the user gets "
+            "no choice between Lite and Full."));
       return;
     }
     if (!isYes && !equalsIgnoringCase(trimmed, "No")) {
       add("prompt-value", *prompt.key,
-          format(_("LiteVsFullPrompt is {0}, and the page takes everything but Yes for No."),
+          format(_("LiteVsFullPrompt is {0}. The page treats everything except Yes as No."),
                  {quotedText(trimmed)}));
       return;
     }
@@ -122,12 +122,12 @@ class ValueRules {
     }
     if (places == 0) {
       add("placeholder-missing", *text.key,
-          format(_("{0} has no \"%s\", so the user is not told where the data goes."), {key}));
+          format(_("{0} has no \"%s\", so the page does not show where the data goes."), {key}));
     } else if (places > 1) {
       add("placeholder-repeated", *text.key,
-          format(_("The destination takes the place of the first \"%s\" of {0}, and the user reads the others "
-                   "as they stand."),
-                 {key}));
+          format(
+              _("The destination replaces only the first \"%s\" of {0}; the page shows the others unchanged."),
+              {key}));
     }
   }
 
@@ -139,33 +139,32 @@ class ValueRules {
     const std::string_view written = untilCarriageReturn(path.key->parts.value);
     if (written.find('\\') != std::string_view::npos) {
       add("path-backslash", *path.key,
-          format(_("{0} holds a backslash, which parts no folders and makes a line break before n or r, so the "
-                   "page looks for a folder that is not there."),
+          format(_("{0} contains a backslash, which is not a path separator and becomes a line break before n "
+                   "or r, so the page looks for a folder that does not exist."),
                  {key}));
     } else if (withoutBlanksAtEnd(written).size() < written.size() && !isFolderThere(path.value)) {
       add("trailing-blank", *path.key,
-          format(_("A blank at its end is part of {0}, so the page looks for a folder that is not there."),
+          format(_("The blank at the end is part of {0}, so the page looks for a folder that does not exist."),
                  {key}));
     }
     if (checked_.plan.packageFolder.size() + 1 + path.value.size() >= kFolderSize) {
       add("path-too-long", *path.key,
-          format(_("The package's folder and {0} make more than 1023 bytes together, and the installer ends at "
-                   "once."),
+          format(_("The package's folder and {0} together exceed 1023 bytes, and the installer aborts."),
                  {key}));
     }
   }
 
  private:
   void add(std::string_view name, const AttributesPiece& piece, std::string sentence) {
-    remarks_.add(name, checked_.attributesPlace(&piece), std::move(sentence));
+    diagnostics_.add(name, checked_.attributesPlace(&piece), std::move(sentence));
   }
 
   void checkModeSpelling(const FoundText& mode) {
     for (const std::string_view word : kModeWords) {
       if (isMisspellingOf(withoutBlanksAtEnd(mode.value), word)) {
         add("mode-misspelt", *mode.key,
-            format(_("The Mode {0} is probably meant to be {1}, and the page takes it for an installer that "
-                     "has its data beside the package."),
+            format(_("The Mode {0} is probably meant to be {1}. The page treats it as an installer that has "
+                     "its data beside the package."),
                    {quotedText(mode.value), word}));
         return;
       }
@@ -184,10 +183,10 @@ class ValueRules {
     }
     digits = digits.substr(0, 24);
     add("number-out-of-range", *found.key,
-        isVolumes ? plural("{1} cannot be {2}, of which the page makes what it can: it installs {0} volume.",
-                           "{1} cannot be {2}, of which the page makes what it can: it installs {0} volumes.",
+        isVolumes ? plural("{1} cannot be {2}. The page then installs {0} volume.",
+                           "{1} cannot be {2}. The page then installs {0} volumes.",
                            std::max(volumeCountForNumber(found.number), 0), {key.name, digits})
-                  : format(_("{0} cannot be {1}, of which the page makes what it can: it expects {2} bytes."),
+                  : format(_("{0} cannot be {1}. The page then expects {2} bytes."),
                            {key.name, digits, std::to_string(announcedBytes(found.number))}));
   }
 
@@ -196,15 +195,15 @@ class ValueRules {
     const std::int32_t mode = checked_.plan.mode;
     if (mode == kModeProductUpdater) {
       add("prompt-without-effect", piece,
-          _("LiteVsFullPrompt has no effect here: an updater finds out by itself which edition the user has."));
+          _("LiteVsFullPrompt has no effect here: an updater detects which edition the user has."));
     } else if (isYes && !twoVolumes) {
       add("prompt-without-effect", piece,
-          _("LiteVsFullPrompt has no effect here: only NumberOfVolumes 2 makes a choice, so the user gets "
+          _("LiteVsFullPrompt has no effect here: only NumberOfVolumes 2 offers a choice, so the user gets "
             "everything."));
     } else if (!isYes && twoVolumes && mode != kModeVolumes) {
       add("prompt-without-effect", piece,
-          _("LiteVsFullPrompt has no effect here: in this mode NumberOfVolumes 2 alone makes a choice between "
-            "Lite and Full."));
+          _("LiteVsFullPrompt has no effect here: in this mode, NumberOfVolumes 2 alone offers a choice "
+            "between Lite and Full."));
     }
   }
 
@@ -215,13 +214,13 @@ class ValueRules {
 
   const CheckedSet& checked_;
   const AttributesReading& attributes_;
-  Remarks& remarks_;
+  Diagnostics& diagnostics_;
 };
 
 }  // namespace
 
-void checkValues(const CheckedSet& checked, Remarks& remarks) {
-  ValueRules rules(checked, remarks);
+void checkValues(const CheckedSet& checked, Diagnostics& diagnostics) {
+  ValueRules rules(checked, diagnostics);
   rules.checkMode();
   for (const AttributesKey& key : attributesKeys()) {
     if (key.kind == KeyKind::number) {

@@ -20,8 +20,8 @@ Place placeOfKey(const CheckedSet& checked, const char* key) {
 }
 
 // A size that the file announces, against what is there.
-void checkSize(const CheckedSet& checked, std::string_view remark, const char* key, std::int64_t millions,
-               std::optional<std::int64_t> real, Remarks& remarks) {
+void checkSize(const CheckedSet& checked, std::string_view diagnostic, const char* key, std::int64_t millions,
+               std::optional<std::int64_t> real, Diagnostics& diagnostics) {
   const FoundNumber found = checked.plan.attributes.findNumber(key);
   if (found.source != found.key || millions <= 0 || millions > INT64_MAX / kMillion || !real) {
     return;  // said elsewhere, or not to be known
@@ -32,94 +32,96 @@ void checkSize(const CheckedSet& checked, std::string_view remark, const char* k
   }
   const char* sentence =
       checked.plan.mode == kModeProductUpdater
-          ? _("{0} announces {1} and there are {2}, so the bar starts again, or stops, at the wrong place.")
+          ? _("{0} announces {1}, but there are {2}, so the bar starts again or stops at the wrong place.")
       : announced > *real
-          ? _("{0} announces {1} and there are {2}, so the bar stops at {3} % and then jumps to its end.")
-          : _("{0} announces {1} and there are {2}, so the bar is full when {3} % of the data is copied.");
+          ? _("{0} announces {1}, but there are {2}, so the bar stops at {3} % and then jumps to the end.")
+          : _("{0} announces {1}, but there are {2}, so the bar is full when {3} % of the data is copied.");
   const std::int64_t percent = announced > *real ? *real * 100 / announced : announced * 100 / *real;
-  remarks.add(remark, placeOfKey(checked, key),
-              format(sentence, {key, megabytesText(announced), megabytesText(*real), std::to_string(percent)}));
+  diagnostics.add(
+      diagnostic, placeOfKey(checked, key),
+      format(sentence, {key, megabytesText(announced), megabytesText(*real), std::to_string(percent)}));
 }
 
-void checkSizeIsGiven(const CheckedSet& checked, const char* key, std::int64_t millions, Remarks& remarks) {
+void checkSizeIsGiven(const CheckedSet& checked, const char* key, std::int64_t millions,
+                      Diagnostics& diagnostics) {
   const FoundNumber found = checked.plan.attributes.findNumber(key);
   if (millions == 0 && (!found || found.source == found.key)) {
-    remarks.add("size-missing", checked.attributesPlace(found.key),
-                format(_("Nothing announces a size as {0}, so {1}."), {key, missingKeyEffect(key)}));
+    diagnostics.add("size-missing", checked.attributesPlace(found.key),
+                    format(_("The key {0} is missing, so {1}."), {key, missingKeyEffect(key)}));
   }
 }
 
 }  // namespace
 
-void checkSettings(const CheckedSet& checked, Remarks& remarks) {
+void checkSettings(const CheckedSet& checked, Diagnostics& diagnostics) {
   const InstallPlan& whole = checked.whole;
   const std::string package = checked.set.package.string();
   if (package.find('\\') != std::string::npos || package.find('\n') != std::string::npos) {
-    remarks.add(
-        "package-path", {checked.shown(package)},
-        _("The package's path holds a backslash or a line break, so the page looks for its files in a folder "
-          "that is not there."));
+    diagnostics.add("package-path", {checked.shown(package)},
+                    _("The package's path contains a backslash or a line break, so the page looks for its "
+                      "files in a folder that does not exist."));
   } else if (package.size() > 1022) {
-    remarks.add(
+    diagnostics.add(
         "package-path", {checked.shown(package)},
-        _("The package's path is longer than the 1022 bytes that the page can be told, so it finds nothing."));
+        _("The package's path is longer than the page's limit of 1022 bytes, so the page finds nothing."));
   }
   if (checked.isProductAssumed) {
-    remarks.add("product-assumed", {checked.shown(package)},
-                format(_("Nobody said which product this is for, so it was checked for {0}; name it with "
-                         "--product or in rehearsal.json."),
-                       {checked.product.pluginName}));
+    diagnostics.add("product-assumed", {checked.shown(package)},
+                    format(_("No product was given, so the set was checked for {0}. Name the product with "
+                             "--product or in rehearsal.json."),
+                           {checked.product.pluginName}));
   }
 
   const FoundText secondPath = whole.attributes.findText("RelativePath2");
   if (whole.editions.isOffered && whole.mode != kModeVolumes && !secondPath) {
-    remarks.add("second-path-missing", placeOfKey(checked, "NumberOfVolumes"),
-                format(secondPath.value.empty()
-                           ? _("There is a second component and no RelativePath2, so the page looks for it in "
-                               "the folder {0} beside the package.")
-                           : _("There is a second component and no RelativePath2, so the page looks for it in "
-                               "the folder {0} beside the package, which is another line's value."),
-                       {quotedText(secondPath.value)}));
+    diagnostics.add("second-path-missing", placeOfKey(checked, "NumberOfVolumes"),
+                    format(secondPath.value.empty()
+                               ? _("There is a second component but no RelativePath2, so the page looks for it "
+                                   "in the folder {0} beside the package.")
+                               : _("There is a second component but no RelativePath2, so the page looks for it "
+                                   "in the folder {0} beside the package, which is the value of another line."),
+                           {quotedText(secondPath.value)}));
   }
 
   for (const CheckedVolume& volume : checked.volumes) {
     if (volume.volume.isMounted && whole.mode != kModeVolumes) {
-      remarks.add("volumes-without-prompt", placeOfKey(checked, "NumberOfVolumes"),
-                  format(whole.mode == kModeProductUpdater
-                             ? _("In this mode the page takes volume {0} from {1} and asks nobody to put it "
-                                 "in, so it is passed over without a word.")
-                             : _("In this mode the page takes volume {0} from {1} and asks nobody to put it "
-                                 "in, so it is not found and the install ends there."),
-                         {std::to_string(volume.volume.number + 1), quotedText(volume.volume.root)}));
+      diagnostics.add("volumes-without-prompt", placeOfKey(checked, "NumberOfVolumes"),
+                      format(whole.mode == kModeProductUpdater
+                                 ? _("In this mode the page copies volume {0} from {1} without asking for the "
+                                     "disc, so it is skipped silently.")
+                                 : _("In this mode the page copies volume {0} from {1} without asking for the "
+                                     "disc, so it is not found and the installation ends there."),
+                             {std::to_string(volume.volume.number + 1), quotedText(volume.volume.root)}));
       break;
     }
   }
 }
 
-void checkSizes(const CheckedSet& checked, Remarks& remarks) {
+void checkSizes(const CheckedSet& checked, Diagnostics& diagnostics) {
   const AnnouncedSize& announced = checked.plan.announced;
   const bool hasComponent = checked.whole.editions.isOffered;
   const RealSizes real = checked.realSizes();
   if (checked.plan.attributes.isFilePresent()) {
-    checkSizeIsGiven(checked, "TotalSizeMillionsBytes", announced.totalMillions, remarks);
+    checkSizeIsGiven(checked, "TotalSizeMillionsBytes", announced.totalMillions, diagnostics);
     if (hasComponent) {
-      checkSizeIsGiven(checked, "Component1SizeMillionsBytes", announced.componentMillions, remarks);
+      checkSizeIsGiven(checked, "Component1SizeMillionsBytes", announced.componentMillions, diagnostics);
     }
   }
-  checkSize(checked, "size-total", "TotalSizeMillionsBytes", announced.totalMillions, real.whole, remarks);
+  checkSize(checked, "size-total", "TotalSizeMillionsBytes", announced.totalMillions, real.whole, diagnostics);
   if (hasComponent) {
     checkSize(checked, "size-component", "Component1SizeMillionsBytes", announced.componentMillions,
-              real.component, remarks);
+              real.component, diagnostics);
   }
 }
 
-void checkMachine(const CheckedSet& checked, Remarks& remarks) {
+void checkMachine(const CheckedSet& checked, Diagnostics& diagnostics) {
   const EditionPlan& editions = checked.plan.editions;
   if (editions.source == EditionSource::choiceFile) {
-    remarks.add("choice-file-stale", {kInstallTypeFile},
-                format(_("This file lies here from an earlier install and says {0}, so an install whose "
-                         "package writes none installs the {1} edition on this machine."),
-                       {quotedText(editions.choice), editions.allAreLite ? "Lite" : "Full"}));
+    diagnostics.add(
+        "choice-file-stale", {kInstallTypeFile},
+        format(_("This file remains from an earlier installation and contains {0}, so an installation whose "
+                 "package writes none installs the {1} edition on this machine."),
+               {quotedText(editions.choice), editions.allAreLite ? "Lite" : "Full"}));
   }
   if (!checked.isInstalledKnown) {
     return;
@@ -127,20 +129,19 @@ void checkMachine(const CheckedSet& checked, Remarks& remarks) {
   std::error_code error;
   const fs::path central = fs::path(checked.dataRoot) / checked.product.folderName;
   if (!fs::exists(central, error)) {
-    remarks.add(
+    diagnostics.add(
         "central-folder-missing", {checked.shown(central)},
-        format(_("The user has no folder {0}, so the page says that it was not found and installs nothing."),
+        format(_("The user has no folder {0}, so the page shows that it was not found and installs nothing."),
                {checked.product.folderName}));
     return;
   }
   for (const CheckedVolume& volume : checked.volumes) {
     const fs::path destination = fs::path(checked.dataRoot) / volume.folderName;
     if (!volume.chosen.empty() && volume.volume.number == 0 && !fs::exists(destination, error)) {
-      remarks.add(
-          "central-folder-missing", {checked.shown(destination)},
-          format(
-              _("The user has no folder {0}, so the page copies nothing of it and tells nobody but the log."),
-              {volume.folderName}));
+      diagnostics.add("central-folder-missing", {checked.shown(destination)},
+                      format(_("The user has no folder {0}, so the page copies nothing of it and reports that "
+                               "only in the log."),
+                             {volume.folderName}));
     }
   }
 }

@@ -27,7 +27,7 @@ ExitStatus check(const CheckArguments& arguments) {
       checkSet({arguments.set, arguments.product, arguments.installType, arguments.installed});
   const std::string report = arguments.format == "json" ? checkJson(result) : checkText(result);
   std::fputs(report.c_str(), stdout);
-  return result.remarks.exitStatus();
+  return result.diagnostics.exitStatus();
 }
 
 }  // namespace
@@ -35,25 +35,25 @@ ExitStatus check(const CheckArguments& arguments) {
 void addCheckCommand(CommandLine& commandLine) {
   const auto arguments = std::make_shared<CheckArguments>();
   CLI::App* check = commandLine.program.add_subcommand(
-      "check", _("Say what the page would do with an installer set, and what is wrong with it"));
-  check->add_option("SET", arguments->set, _("A folder with the package, its attributes file, and discs/"))
+      "check", _("Check an installer set and show what the page would do with it"));
+  check->add_option("SET", arguments->set, _("Folder with the package, its attributes file and discs/"))
       ->required();
   check
       ->add_option("--product", arguments->product,
-                   format(_("The product, unless the set's rehearsal.json names it: {0}"),
+                   format(_("Product, unless the set's rehearsal.json names it: {0}"),
                           {CLI::detail::join(productNames(), ", ")}))
       ->check(oneOf(productNames()))
       ->type_name("NAME");
   check
       ->add_option("--install-type", arguments->installType,
-                   _("Lite or Full: the edition to plan for, where there is a choice"))
+                   _("Edition to plan for if there is a choice: Lite or Full"))
       ->check(oneOf({"Lite", "Full"}))
       ->type_name("TYPE");
   check
       ->add_option("--installed", arguments->installed,
-                   _("What the user has: a home, or a folder with TANVO and DOVA in it"))
+                   _("What the user has installed: a home, or a folder with TANVO and DOVA"))
       ->type_name("FOLDER");
-  check->add_option("--format", arguments->format, _("How to say it"))
+  check->add_option("--format", arguments->format, _("Output format of the report"))
       ->check(oneOf({"text", "json"}))
       ->type_name("text|json")
       ->capture_default_str();

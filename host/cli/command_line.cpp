@@ -46,7 +46,7 @@ std::string excludedText(const CLI::App& program, const CLI::ParseError& error) 
   for (const CLI::Option* option : optionsOf(program)) {
     for (const CLI::Option* other : option->get_excludes()) {
       if (option->count() > 0 && other->count() > 0) {
-        return format(_("{0} excludes {1}"), {option->get_name(), other->get_name()});
+        return format(_("{0} cannot be combined with {1}"), {option->get_name(), other->get_name()});
       }
     }
   }
@@ -60,7 +60,7 @@ std::string numberOfValuesText(const CLI::App& program, const std::vector<std::s
       return format(_("{0} can be given only once"), {option->get_name()});
     }
   }
-  return format(_("{0} needs a value"), {arguments.back().substr(0, arguments.back().find('='))});
+  return format(_("{0} requires a value"), {arguments.back().substr(0, arguments.back().find('='))});
 }
 
 // Of a value that is no text; numbers have their own check, so it is "--flag=value".
@@ -96,7 +96,7 @@ CLI::Validator wholeNumber() {
     const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), number);
     return error == std::errc() && end == value.data() + value.size() && number >= 0
                ? std::string()
-               : format(_("{0} is no whole number from 0 on"), {value});
+               : format(_("{0} is not an integer from 0 up"), {value});
   };
   return CLI::Validator(check, "");
 }

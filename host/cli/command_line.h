@@ -13,7 +13,7 @@ namespace tavenhall {
 // options; if the arguments name it, `chosen` afterwards carries it out. What it throws is shown to the user
 // as one line: UsageError for what cannot be used.
 struct CommandLine {
-  CLI::App program{_("Installs sample libraries: the data page of the installer, without one."), "tavinstall"};
+  CLI::App program{_("Check, rehearse and run installers of sample libraries."), "tavinstall"};
   std::function<ExitStatus()> chosen;
 };
 

@@ -52,27 +52,26 @@ EngineOptions readOptions(CLI::App& program, int argumentCount, char** arguments
   std::string bundle;
   program.formatter_fn(
       [](const CLI::App* app, const std::string&, CLI::AppFormatMode) { return helpText(*app); });
-  program.set_help_flag("-h,--help", _("Say this"));
-  program.set_version_flag("--version", std::string("tavinstall-desktop ") + kVersion,
-                           _("Say which version this is"));
-  program.add_option("--package", package, _("The installer package; its data lies beside it or on discs"))
+  program.set_help_flag("-h,--help", _("Show this help"));
+  program.set_version_flag("--version", std::string("tavinstall-desktop ") + kVersion, _("Show the version"));
+  program.add_option("--package", package, _("Installer package; its data is beside it or on discs"))
       ->type_name("PATH")
       ->envname("TAVINSTALL_PACKAGE")
       ->required();
   program
       .add_option("--install-type", options.installType,
-                  _("Lite or Full: the edition to install, where there is a choice"))
+                  _("Edition to install if there is a choice: Lite or Full"))
       ->check(oneOf({"Lite", "Full"}))
       ->type_name("TYPE")
       ->envname("TAVINSTALL_INSTALL_TYPE");
-  CLI::Option* productOption = program
-                                   .add_option("--product", product,
-                                               format(_("The product whose plug-in shows the page: {0}"),
-                                                      {CLI::detail::join(productNames(), ", ")}))
-                                   ->check(oneOf(productNames()))
-                                   ->type_name("NAME")
-                                   ->envname("TAVINSTALL_PRODUCT");
-  program.add_option("--bundle", bundle, _("The plug-in bundle, instead of a product's own"))
+  CLI::Option* productOption =
+      program
+          .add_option("--product", product,
+                      format(_("Product to install: {0}"), {CLI::detail::join(productNames(), ", ")}))
+          ->check(oneOf(productNames()))
+          ->type_name("NAME")
+          ->envname("TAVINSTALL_PRODUCT");
+  program.add_option("--bundle", bundle, _("Load this plug-in bundle instead of the product's"))
       ->type_name("DIR")
       ->envname("TAVINSTALL_BUNDLE")
       ->excludes(productOption);
@@ -94,7 +93,7 @@ void DesktopProgram::setLanguage(const std::string& language) noexcept {
 
 std::optional<ExitStatus> DesktopProgram::read(int argumentCount, char** arguments) noexcept {
   return orElse(std::optional(ExitStatus::badUsage), [&]() -> std::optional<ExitStatus> {
-    CLI::App program{_("Plays the installer around the data page, in a window."), "tavinstall-desktop"};
+    CLI::App program{_("Install the data of an installer package, in a window."), "tavinstall-desktop"};
     try {
       options_ = readOptions(program, argumentCount, arguments);
     } catch (const CLI::Success& request) {
@@ -104,7 +103,7 @@ std::optional<ExitStatus> DesktopProgram::read(int argumentCount, char** argumen
       return ExitStatus::success;
     }
     bundlePath_ = options_.bundle.string();
-    description_ = describeRun(options_);
+    description_ = describeRun(planFor(options_));
     const Lock lock(meterMutex_);
     meter_ = ProgressMeter(description_.introduction.barWraps);
     closeInput();
@@ -125,7 +124,7 @@ DesktopText DesktopProgram::introduction() const noexcept {
 
 std::string DesktopProgram::prepare() noexcept {
   try {
-    if (std::string refusal = refusalToCopyOntoItself(options_); !refusal.empty()) {
+    if (std::string refusal = refusalToCopyOntoItself(planFor(options_)); !refusal.empty()) {
       return refusal;
     }
     lock_ = std::make_unique<InstallLock>(true);

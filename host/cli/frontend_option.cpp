@@ -6,7 +6,7 @@
 namespace tavenhall {
 
 void addFrontendOption(CLI::App& command, std::string& name) {
-  command.add_option("--ui", name, _("How the page is shown: json, plain, quiet or terminal"))
+  command.add_option("--ui", name, _("Frontend: json, plain, quiet or terminal"))
       ->check(oneOf({"json", "plain", "quiet", "terminal"}))
       ->type_name("FRONTEND");
 }

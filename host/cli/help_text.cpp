@@ -48,7 +48,7 @@ std::string textOf(const CLI::Option& option) {
   if (given.empty() && !option.get_envname().empty()) {
     given = "$" + option.get_envname();
   }
-  return option.get_description() + (given.empty() ? "" : " " + format(_("(else {0})"), {given}));
+  return option.get_description() + (given.empty() ? "" : " " + format(_("(default: {0})"), {given}));
 }
 
 bool hasCommands(const CLI::App& command) {
@@ -96,8 +96,7 @@ std::string helpText(const CLI::App& command) {
   }
   text += exitTextOf(command.get_name());
   if (hasCommands(command)) {
-    text += std::string("\n") +
-            _("tavinstall COMMAND --help says more, and so does the manual: man tavinstall") + "\n";
+    text += std::string("\n") + _("See also tavinstall COMMAND --help and man tavinstall") + "\n";
   }
   return text;
 }

@@ -35,30 +35,30 @@ bool isRecent(const std::string& time) {
   return age >= 0 && age < kLongestPause;
 }
 
-// Tells the runs one by one, as they are read, so that a long log needs no more memory than a short one.
-class Teller {
+// Prints each run as soon as it has been read, so that a long log needs no more memory than a short one.
+class RunPrinter {
  public:
-  explicit Teller(const LogArguments& arguments)
+  explicit RunPrinter(const LogArguments& arguments)
       : asJson_(arguments.format == "json"), lastOnly_(arguments.lastOnly) {}
 
   // The run before is then known not to be the last.
-  void tell(const RunStory& story) {
+  void add(const LoggedRun& run) {
     if (!lastOnly_) {
       print(latest_);
     }
     ++runs_;
-    const bool isEndless = story.outcome == RunEnd::never;
-    ++(isEndless                               ? endless_
-       : story.outcome == RunEnd::noDataFolder ? notBegun_
-       : story.failureCount > 0                ? failed_
-                                               : good_);
-    latest_ = formed(story, false);
-    latestIfRunning_ = isEndless && isRecent(story.end) ? formed(story, true) : std::string();
+    const bool isEndless = run.outcome == RunEnd::never;
+    ++(isEndless                             ? endless_
+       : run.outcome == RunEnd::noDataFolder ? notBegun_
+       : run.failureCount > 0                ? failed_
+                                             : good_);
+    latest_ = formed(run, false);
+    latestIfRunning_ = isEndless && isRecent(run.end) ? formed(run, true) : std::string();
   }
 
   void finish(const std::string& file) const {
     if (runs_ == 0) {
-      print(asJson_ ? "[]\n" : format(_("No run of the page is in {0}."), {printableText(file)}) + "\n");
+      print(asJson_ ? "[]\n" : format(_("{0} contains no run of the page."), {printableText(file)}) + "\n");
       return;
     }
     print(latestIfRunning_.empty() ? latest_ : latestIfRunning_);
@@ -70,12 +70,12 @@ class Teller {
   }
 
  private:
-  [[nodiscard]] std::string formed(const RunStory& story, bool mayStillRun) const {
+  [[nodiscard]] std::string formed(const LoggedRun& run, bool mayStillRun) const {
     const bool isFirst = runs_ == 1 || lastOnly_;
     if (!asJson_) {
-      return (isFirst ? "" : "\n") + reportText(story, runs_, mayStillRun);
+      return (isFirst ? "" : "\n") + reportText(run, runs_, mayStillRun);
     }
-    std::string object = reportJson(story, runs_, mayStillRun)
+    std::string object = reportJson(run, runs_, mayStillRun)
                              .dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
     return (isFirst ? "[\n" : ",\n") + object;
   }
@@ -87,8 +87,8 @@ class Teller {
     };
     add(good_, _("{0} ended, nothing failed"));
     add(failed_, _("{0} ended with failures"));
-    add(notBegun_, _("{0} not begun"));
-    add(endless_, _("{0} never ended"));
+    add(notBegun_, _("{0} not started"));
+    add(endless_, _("{0} did not end"));
     return text + ".";
   }
 
@@ -103,7 +103,7 @@ class Teller {
   std::string latestIfRunning_;  // the same, should the log end with it; empty: it makes no difference
 };
 
-ExitStatus tellLog(const LogArguments& arguments) {
+ExitStatus printLog(const LogArguments& arguments) {
   if (arguments.format == "json") {
     speakEnglish();
   }
@@ -114,7 +114,7 @@ ExitStatus tellLog(const LogArguments& arguments) {
   if (descriptor < 0 || fstat(descriptor, &found) != 0) {
     throw UsageError(
         errno == ENOENT && arguments.file.empty()
-            ? format(_("there is no installation log at {0} yet; the first install writes it"), {path})
+            ? format(_("no installation log at {0} yet; the first installation creates it"), {path})
             : format(_("cannot read the log {0}: {1}"), {path, std::strerror(errno)}));
   }
   if (S_ISDIR(found.st_mode)) {
@@ -122,12 +122,12 @@ ExitStatus tellLog(const LogArguments& arguments) {
   }
   fcntl(descriptor, F_SETFL, O_RDONLY);
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(fdopen(descriptor, "rb"), std::fclose);
-  Teller teller(arguments);
-  RunStories stories([&teller](const RunStory& story) { teller.tell(story); });
+  RunPrinter printer(arguments);
+  LoggedRuns runs([&printer](const LoggedRun& run) { printer.add(run); });
   std::int64_t recordCount = 0;
   LogRecords records([&](const LogRecord& record) {
     ++recordCount;
-    stories.add(record);
+    runs.add(record);
   });
   std::array<char, 262144> buffer;
   while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), file.get())) {
@@ -137,11 +137,11 @@ ExitStatus tellLog(const LogArguments& arguments) {
     throw UsageError(format(_("cannot read the log {0}: {1}"), {path, std::strerror(errno)}));
   }
   records.finish();
-  stories.finish();
+  runs.finish();
   if (recordCount == 0 && records.foreignBytes() > 0) {
-    throw UsageError(format(_("{0} is no installation log: the page wrote no line of it"), {path}));
+    throw UsageError(format(_("{0} is not an installation log: no line in it is the page's"), {path}));
   }
-  teller.finish(path);
+  printer.finish(path);
   return ExitStatus::success;
 }
 
@@ -150,15 +150,15 @@ ExitStatus tellLog(const LogArguments& arguments) {
 void addLogCommand(CommandLine& commandLine) {
   const auto arguments = std::make_shared<LogArguments>();
   CLI::App* log =
-      commandLine.program.add_subcommand("log", _("Say what an installation log tells, run by run"));
-  log->add_option("FILE", arguments->file, _("The log; the user's own when none is given"));
-  log->add_flag("--last", arguments->lastOnly, _("Only the last run"));
-  log->add_option("--format", arguments->format, _("How it is said"))
+      commandLine.program.add_subcommand("log", _("Show what an installation log records, run by run"));
+  log->add_option("FILE", arguments->file, _("Log file; by default the user's own"));
+  log->add_flag("--last", arguments->lastOnly, _("Show only the last run"));
+  log->add_option("--format", arguments->format, _("Output format"))
       ->check(oneOf({"text", "json"}))
       ->type_name("text|json")
       ->capture_default_str();
   log->callback(
-      [&commandLine, arguments] { commandLine.chosen = [arguments] { return tellLog(*arguments); }; });
+      [&commandLine, arguments] { commandLine.chosen = [arguments] { return printLog(*arguments); }; });
 }
 
 }  // namespace tavenhall

@@ -46,8 +46,8 @@ ExitStatus runProgram(int argc, char** argv) {
   CLI::App& program = commandLine.program;
   program.formatter_fn(
       [](const CLI::App* app, const std::string&, CLI::AppFormatMode) { return helpText(*app); });
-  program.set_help_flag("-h,--help", _("Say this"));
-  program.set_version_flag("--version", std::string("tavinstall ") + kVersion, _("Say which version this is"));
+  program.set_help_flag("-h,--help", _("Show this help"));
+  program.set_version_flag("--version", std::string("tavinstall ") + kVersion, _("Show the version"));
   program.require_subcommand(1);
   addRunCommand(commandLine);
   addRehearseCommand(commandLine);

@@ -22,7 +22,7 @@ RunDescription describe(const RehearsalScene& scene) {
   RunDescription description;
   Introduction& introduction = description.introduction;
   introduction = introduce(scene.plan, freeBytesAt);
-  introduction.what = join(introduction.what, _("It is a rehearsal, in folders of its own."));
+  introduction.what = join(introduction.what, _("This is a rehearsal in a sandbox."));
   introduction.destination = insidePath(introduction.destination, scene.sandbox);
   for (std::string& place : introduction.to) {
     place = insidePath(place, scene.sandbox);
@@ -30,8 +30,8 @@ RunDescription describe(const RehearsalScene& scene) {
   const bool isKept = !scene.keptFolder.empty();
   description.log = isKept ? scene.log : "";
   description.failures = [log = scene.log] { return failuresInLog(log, 0); };
-  description.afterStop = isKept ? format(_("What was installed so far is in {0}."), {scene.keptFolder})
-                                 : _("Nothing of it is left.");
+  description.afterStop =
+      isKept ? format(_("What was installed so far is in {0}."), {scene.keptFolder}) : _("Nothing was kept.");
   return description;
 }
 
@@ -63,30 +63,31 @@ void addRehearseCommand(CommandLine& commandLine) {
   };
   const auto arguments = std::make_shared<Arguments>();
   RehearsalRequest& request = arguments->request;
-  CLI::App* command = commandLine.program.add_subcommand(
-      "rehearse", _("Install a whole set in a sandbox, and say whether it is right"));
-  command->add_option("SET", request.set, _("A folder with the package, its attributes file, and discs/"))
+  CLI::App* command =
+      commandLine.program.add_subcommand("rehearse", _("Install a set in a sandbox and verify the result"));
+  command->add_option("SET", request.set, _("Folder with the package, its attributes file and discs/"))
       ->required();
   command
       ->add_option("--product", request.product,
-                   format(_("The product, unless the set's rehearsal.json names it: {0}"),
+                   format(_("Product, unless the set's rehearsal.json names it: {0}"),
                           {CLI::detail::join(productNames(), ", ")}))
       ->type_name("NAME");
   command
       ->add_option("--install-type", request.installType,
-                   _("Lite or Full: the edition to install, where there is a choice"))
+                   _("Edition to install if there is a choice: Lite or Full"))
       ->check(oneOf({"Lite", "Full"}))
       ->type_name("TYPE");
   command
-      ->add_option("--installed", request.installed,
-                   _("What the user has: a home, a folder with TANVO and DOVA in it, or what --keep kept"))
+      ->add_option(
+          "--installed", request.installed,
+          _("What the user has installed: a home, a folder with TANVO and DOVA, or a folder from --keep"))
       ->type_name("FOLDER");
-  command->add_option("--late", request.late, _("How often each disc is asked for in vain first"))
+  command->add_option("--late", request.late, _("Report each disc as missing N times before inserting it"))
       ->check(wholeNumber())
       ->type_name("N");
-  command->add_option("--keep", request.keep, _("Keep what was installed, with the log, in this new folder"))
+  command->add_option("--keep", request.keep, _("Keep the installed files and the log in this new folder"))
       ->type_name("DIR");
-  command->add_option("--report", request.report, _("Write the report to this file too, as JSON"))
+  command->add_option("--report", request.report, _("Also write the report to this file, as JSON"))
       ->type_name("FILE");
   addFrontendOption(*command, arguments->ui);
   command->callback([&commandLine, arguments] {

@@ -18,6 +18,7 @@
 #include <fcntl.h>
 #include <iterator>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -57,19 +58,19 @@ void refuse(const std::string& line, Frontend frontend) {
 
 void refuseWhatOthersDecide(const EngineOptions& options, Frontend frontend) {
   if (const std::string line = whatOthersDecide(options); !line.empty()) {
-    refuse(format(_("{0}; --trusted installs all the same"), {line}), frontend);
+    refuse(format(_("{0}; use --trusted to install anyway"), {line}), frontend);
   }
 }
 
-void refuseCopyOntoItself(const EngineOptions& options, Frontend frontend) {
-  std::string refusal;
+// The plan, if there can be one; the page runs without one.
+std::optional<InstallPlan> planOf(const EngineOptions& options, Frontend frontend) {
   try {
-    refusal = refusalToCopyOntoItself(options);
+    return planFor(options);
   } catch (const UsageError&) {
-    return;  // an attributes file that is no file: the page goes on without one, and copies no such folder
-  }
-  if (!refusal.empty()) {
-    refuse(refusal, frontend);
+    if (frontend == Frontend::terminal) {
+      throw;
+    }
+    return std::nullopt;  // the page finds no attributes file, so it copies no folder beside the package
   }
 }
 
@@ -77,7 +78,7 @@ EngineOptions optionsFrom(const RunArguments& arguments, Frontend frontend) {
   EngineOptions options;
   if (!arguments.noPreInstall) {
     if (arguments.package.empty()) {
-      throw UsageError(_("--package is needed (or --no-preinstall)"));
+      throw UsageError(_("--package or --no-preinstall is required"));
     }
     options.package = packageLocation(arguments.package);
     options.installType = arguments.installType;
@@ -91,7 +92,6 @@ EngineOptions optionsFrom(const RunArguments& arguments, Frontend frontend) {
   if (!arguments.isTrusted) {
     refuseWhatOthersDecide(options, frontend);
   }
-  refuseCopyOntoItself(options, frontend);
   return options;
 }
 
@@ -107,6 +107,10 @@ bool hasControllingTerminal() {
 ExitStatus run(const RunArguments& arguments) {
   const Frontend frontend = frontendFor(arguments.ui);
   const EngineOptions options = optionsFrom(arguments, frontend);
+  const std::optional<InstallPlan> plan = planOf(options, frontend);
+  if (const std::string refusal = plan ? refusalToCopyOntoItself(*plan) : ""; !refusal.empty()) {
+    refuse(refusal, frontend);
+  }
   switch (frontend) {
     case Frontend::json:
       runEngine(options, Controller::program, {.requests = STDIN_FILENO, .events = STDOUT_FILENO});
@@ -119,7 +123,7 @@ ExitStatus run(const RunArguments& arguments) {
     }
     case Frontend::terminal: break;
   }
-  const RunDescription description = describeRun(options);
+  const RunDescription description = describeRun(*plan);
   return runTerminalFrontend(startEngine(options, {.capturesErrors = true, .hasPasswordTerminal = true}),
                              description);
 }
@@ -128,29 +132,27 @@ ExitStatus run(const RunArguments& arguments) {
 
 void addRunCommand(CommandLine& commandLine) {
   const auto arguments = std::make_shared<RunArguments>();
-  CLI::App* run = commandLine.program.add_subcommand("run", _("Install: show the page and see it through"));
-  run->add_option("--package", arguments->package,
-                  _("The installer package; its data lies beside it or on discs"))
+  CLI::App* run = commandLine.program.add_subcommand("run", _("Install the data of an installer package"));
+  run->add_option("--package", arguments->package, _("Installer package; its data is beside it or on discs"))
       ->type_name("PATH");
   run->add_option("--install-type", arguments->installType,
-                  _("Lite or Full: the edition to install, where there is a choice"))
+                  _("Edition to install if there is a choice: Lite or Full"))
       ->check(oneOf({"Lite", "Full"}))
       ->type_name("TYPE");
-  CLI::Option* product = run->add_option("--product", arguments->product,
-                                         format(_("The product whose plug-in shows the page: {0}"),
-                                                {CLI::detail::join(productNames(), ", ")}))
-                             ->check(oneOf(productNames()))
-                             ->type_name("NAME");
-  run->add_option("--bundle", arguments->bundle, _("The plug-in bundle, instead of a product's own"))
+  CLI::Option* product =
+      run->add_option("--product", arguments->product,
+                      format(_("Product to install: {0}"), {CLI::detail::join(productNames(), ", ")}))
+          ->check(oneOf(productNames()))
+          ->type_name("NAME");
+  run->add_option("--bundle", arguments->bundle, _("Load this plug-in bundle instead of the product's"))
       ->type_name("DIR")
       ->excludes(product);
   addFrontendOption(*run, arguments->ui);
-  run->add_option("--summary", arguments->summary, _("Write what happened to this file, as JSON"))
+  run->add_option("--summary", arguments->summary, _("Write the run summary to this file, as JSON"))
       ->type_name("FILE");
   run->add_flag("--no-preinstall", arguments->noPreInstall,
-                _("Use the files that a package's pre-install step has left in /tmp"));
-  run->add_flag("--trusted", arguments->isTrusted,
-                _("Install although other users can change what the page goes by"));
+                _("Use the files that a pre-install step has written to /tmp"));
+  run->add_flag("--trusted", arguments->isTrusted, _("Install even if other users can change the package"));
   run->callback(
       [&commandLine, arguments] { commandLine.chosen = [arguments] { return tavenhall::run(*arguments); }; });
 }

@@ -3,7 +3,7 @@
 #include "host/base/files.h"
 #include "host/base/text.h"
 #include "host/log/log_records.h"
-#include "host/log/run_story.h"
+#include "host/log/logged_run.h"
 #include "platform/installer_pane.h"
 #include "platform/strings_file.h"
 #include "platform/system.h"
@@ -92,20 +92,6 @@ std::string packagePath(const EngineOptions& options) {
   return path;
 }
 
-InstallPlan planFor(const EngineOptions& options) {
-  const StringTable strings = loadBundleStrings((options.bundle / "Contents").string());
-  PlanRequest request;
-  request.package = packagePath(options);
-  request.product = {strings.text("PluginName"), strings.text("FolderName")};
-  if (std::string support; firstUserSearchPath(SearchPath::applicationSupport, support)) {
-    request.dataRoot = support + "/Tavenhall";
-  }
-  if (!options.installType.empty()) {
-    request.installType = options.installType;
-  }
-  return planInstall(request);
-}
-
 }  // namespace
 
 Introduction introduce(const InstallPlan& plan, const FreeBytes& freeBytes) {
@@ -145,19 +131,19 @@ Failures failuresInLog(const std::string& log, std::int64_t start) {
   if (start <= sizeOfFile(log)) {
     std::fseek(file.get(), static_cast<long>(start), SEEK_SET);
   }
-  RunStories stories([&failures](const RunStory& story) {
-    for (const RunFailure& failure : story.failures) {
+  LoggedRuns runs([&failures](const LoggedRun& run) {
+    for (const RunFailure& failure : run.failures) {
       failures.first.push_back({failure.kind, failure.file.empty() ? failure.detail : failure.file});
     }
-    failures.count += story.failureCount;
+    failures.count += run.failureCount;
   });
-  LogRecords records([&stories](const LogRecord& record) { stories.add(record); });
+  LogRecords records([&runs](const LogRecord& record) { runs.add(record); });
   std::array<char, 65536> piece{};
   while (const std::size_t count = std::fread(piece.data(), 1, piece.size(), file.get())) {
     records.add({piece.data(), count});
   }
   records.finish();
-  stories.finish();
+  runs.finish();
   return failures;
 }
 
@@ -166,20 +152,34 @@ std::int64_t sizeOfFile(const std::string& path) {
   return stat(path.c_str(), &found) == 0 ? found.st_size : 0;
 }
 
-std::string refusalToCopyOntoItself(const EngineOptions& options) {
-  for (const PlannedFolder& folder : planFor(options).systemFolders) {
+InstallPlan planFor(const EngineOptions& options) {
+  const StringTable strings = loadBundleStrings((options.bundle / "Contents").string());
+  PlanRequest request;
+  request.package = packagePath(options);
+  request.product = {strings.text("PluginName"), strings.text("FolderName")};
+  if (std::string support; firstUserSearchPath(SearchPath::applicationSupport, support)) {
+    request.dataRoot = support + "/Tavenhall";
+  }
+  if (!options.installType.empty()) {
+    request.installType = options.installType;
+  }
+  return planInstall(request);
+}
+
+std::string refusalToCopyOntoItself(const InstallPlan& plan) {
+  for (const PlannedFolder& folder : plan.systemFolders) {
     std::error_code error;
     if (fs::equivalent(folder.source, folder.destination, error)) {
-      return format(_("the update would copy {0} onto itself; move the package into a folder of its own"),
+      return format(_("the update would copy {0} onto itself; move the package into its own folder"),
                     {folder.source});
     }
   }
   return {};
 }
 
-RunDescription describeRun(const EngineOptions& options) {
+RunDescription describeRun(const InstallPlan& plan) {
   RunDescription description;
-  description.introduction = introduce(planFor(options), freeBytesAt);
+  description.introduction = introduce(plan, freeBytesAt);
   description.log = usersInstallationLog();
   const std::int64_t logStart = sizeOfFile(description.log);
   description.failures = [log = description.log, logStart] { return failuresInLog(log, logStart); };

@@ -24,12 +24,15 @@ using FreeBytes = std::function<std::optional<std::int64_t>(const std::string& p
 // A file's size in bytes; 0 where there is none.
 [[nodiscard]] std::int64_t sizeOfFile(const std::string& path);
 
-// Why a product update must not run: it would copy a folder beside the package onto itself, since that is the
-// system's own. Empty where there is none. The page would remove the installed plug-ins before it "copies"
-// them.
-[[nodiscard]] std::string refusalToCopyOntoItself(const EngineOptions& options);
+// The plan of an installation on this machine. Throws UsageError when the attributes file is a pipe or the
+// like.
+[[nodiscard]] InstallPlan planFor(const EngineOptions& options);
 
-// That of an install on this machine. Call it before the engine is started.
-[[nodiscard]] RunDescription describeRun(const EngineOptions& options);
+// The reason to refuse a product update: a folder beside its package is the system's own, and the page would
+// remove the installed plug-ins before it copies them onto themselves. Empty if there is no reason.
+[[nodiscard]] std::string refusalToCopyOntoItself(const InstallPlan& plan);
+
+// The description of an installation on this machine. Call it before the engine is started.
+[[nodiscard]] RunDescription describeRun(const InstallPlan& plan);
 
 }  // namespace tavenhall

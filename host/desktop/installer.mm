@@ -116,7 +116,7 @@ BOOL isFirstButton(const char* message, const std::string& text, const char* fir
 - (void)prepareAndEnter {
   const std::string problem = run_->prepare();
   if (!problem.empty()) {
-    isFirstButton(_("The installation cannot begin."), problem, _("OK"), nullptr);
+    isFirstButton(_("The installation cannot start."), problem, _("OK"), nullptr);
     return;
   }
   stage_ = StageSection;
@@ -221,9 +221,10 @@ BOOL isFirstButton(const char* message, const std::string& text, const char* fir
     endProcess(run_->exitStatus());
   }
   if (stage_ == StageSection &&
-      isFirstButton(_("Stop the installation?"),
-                    _("What was copied so far stays; run the installer again to complete it."), _("Go On"),
-                    _("Stop"))) {
+      isFirstButton(
+          _("Stop the installation?"),
+          _("The files copied so far are kept. Run the installer again to complete the installation."),
+          _("Go On"), _("Stop"))) {
     return NO;
   }
   endProcess(ExitStatus::failure);

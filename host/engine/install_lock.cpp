@@ -25,7 +25,7 @@ InstallLock::InstallLock(bool mayMakeFolder) {
   folder_ = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (folder_ >= 0 && flock(folder_, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
     close(folder_);
-    throw UsageError(_("another installation of yours is running; start this one when it has ended"));
+    throw UsageError(_("another installation of yours is running; start this one after it has ended"));
   }
 }
 

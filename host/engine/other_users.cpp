@@ -60,7 +60,7 @@ std::string changeableByOthers(const fs::path& package) {
   }
   for (const fs::path& path : paths) {
     if (othersCanWrite(path)) {
-      return format(_("other users can change {0}, and with it what is installed"), {path.string()});
+      return format(_("other users can change {0} and thereby what is installed"), {path.string()});
     }
   }
   return "";
@@ -71,7 +71,7 @@ std::string writtenByOthers(const fs::path& file) {
   if (lstat(file.c_str(), &found) != 0 || found.st_uid == geteuid() || found.st_uid == 0) {
     return "";
   }
-  return format(_("another user has written {0}"), {file.string()});
+  return format(_("{0} was written by another user"), {file.string()});
 }
 
 }  // namespace tavenhall

@@ -51,7 +51,7 @@ void makeHomeFolder(SearchPath which) {
   std::error_code error;
   fs::create_directories(path, error);
   if (error) {
-    throw UsageError(format(_("cannot make the folder {0}: {1}"), {path, error.message()}));
+    throw UsageError(format(_("cannot create the folder {0}: {1}"), {path, error.message()}));
   }
 }
 
@@ -61,7 +61,7 @@ fs::path packageLocation(const fs::path& package) {
   std::error_code error;
   if (!fs::exists(package, error)) {
     throw UsageError(
-        format(_("no package at {0}; --package takes the installer package's path"), {package.string()}));
+        format(_("no package at {0}; --package needs the path of an installer package"), {package.string()}));
   }
   fs::path location = package;
   if (package.is_relative()) {
@@ -74,11 +74,11 @@ fs::path packageLocation(const fs::path& package) {
   const std::string& text = location.native();
   if (text.find('\n') != std::string::npos) {
     throw UsageError(
-        format(_("the package's path holds a line break, so the page cannot be told of it: move {0}"), {text}));
+        format(_("the package's path contains a line break, which the page cannot handle: move {0}"), {text}));
   }
   if (text.size() > kLongestLocation) {
     throw UsageError(
-        format(_("the package's path is longer than {0} bytes, so the page cannot be told of it: move {1}"),
+        format(_("the package's path is longer than {0} bytes, which the page cannot handle: move {1}"),
                {std::to_string(kLongestLocation), text}));
   }
   return location;

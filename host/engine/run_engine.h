@@ -17,7 +17,7 @@ struct EngineOptions {
 
 // Who sends the requests, and so who judges the install.
 enum class Controller {
-  program,   // another program; the exit status tells only whether the protocol was served
+  program,   // another program; the exit status says only whether the protocol was served
   frontend,  // one of this program's own; when it goes away, the engine leaves the page forwards for it
   nobody,    // the engine enters, waits and leaves by itself, and answers each alert with its first button
 };

@@ -40,27 +40,27 @@ const char* modeText(int mode) {
   }
 }
 
-const char* outcomeName(const RunStory& story) {
-  switch (story.outcome) {
-    case RunEnd::complete: return story.failureCount == 0 ? "complete" : "complete-with-failures";
+const char* outcomeName(const LoggedRun& run) {
+  switch (run.outcome) {
+    case RunEnd::complete: return run.failureCount == 0 ? "complete" : "complete-with-failures";
     case RunEnd::noDataFolder: return "no-data-folder";
     case RunEnd::never: break;
   }
   return "never-ended";
 }
 
-std::string outcomeText(const RunStory& story, bool mayStillRun) {
-  switch (story.outcome) {
+std::string outcomeText(const LoggedRun& run, bool mayStillRun) {
+  switch (run.outcome) {
     case RunEnd::complete:
-      return story.failureCount == 0
+      return run.failureCount == 0
                  ? _("ended, nothing failed")
-                 : plural("ended, with {0} failure", "ended, with {0} failures", story.failureCount);
-    case RunEnd::noDataFolder: return _("not begun: the data folder was not there");
+                 : plural("ended, with {0} failure", "ended, with {0} failures", run.failureCount);
+    case RunEnd::noDataFolder: return _("not started: the data folder did not exist");
     case RunEnd::never: break;
   }
-  const std::string lastWord = story.lastMessage.substr(story.lastMessage.rfind('\n') + 1);
-  return format(mayStillRun ? _("not ended, and it may still run; its latest word: {0}")
-                            : _("it never ended; its last word: {0}"),
+  const std::string lastWord = run.lastMessage.substr(run.lastMessage.rfind('\n') + 1);
+  return format(mayStillRun ? _("it has not ended and may still be running; last message: {0}")
+                            : _("it did not end; last message: {0}"),
                 {lastWord});
 }
 
@@ -91,7 +91,7 @@ std::string volumeText(const RunVolume& volume) {
   }
   std::string text = number + volume.folder + ", ";
   if (volume.end.empty()) {
-    return text + format(_("begun at {0}, never ended"), {timeOfDay(volume.begin)});
+    return text + format(_("started at {0}, did not end"), {timeOfDay(volume.begin)});
   }
   text += lasted(volume.begin, volume.end);
   if (volume.hundredsOfMegabytes > 0) {
@@ -109,54 +109,54 @@ std::string volumeText(const RunVolume& volume) {
   return text;
 }
 
-std::string reportText(const RunStory& story, int number, bool mayStillRun) {
+std::string reportText(const LoggedRun& run, int number, bool mayStillRun) {
   std::string text =
-      printableText(format(_("Run {0}, {1}, on {2}: {3}"), {std::to_string(number), story.begin, story.host,
-                                                            outcomeText(story, mayStillRun)})) +
+      printableText(format(_("Run {0}, {1}, on {2}: {3}"),
+                           {std::to_string(number), run.begin, run.host, outcomeText(run, mayStillRun)})) +
       "\n";
-  text += row(_("lasted"), lasted(story.begin, story.end));
-  if (!story.title.empty()) {
-    text += row(_("title"), story.title);
+  text += row(_("lasted"), lasted(run.begin, run.end));
+  if (!run.title.empty()) {
+    text += row(_("title"), run.title);
   }
-  if (story.mode) {
-    text += row(_("mode"), std::to_string(*story.mode) + ", " + modeText(*story.mode));
+  if (run.mode) {
+    text += row(_("mode"), std::to_string(*run.mode) + ", " + modeText(*run.mode));
   }
-  text += row(_("settings"), story.attributesFile.empty() ? _("no attributes file") : story.attributesFile);
-  for (const std::string& destination : story.destinations) {
+  text += row(_("settings"), run.attributesFile.empty() ? _("no attributes file") : run.attributesFile);
+  for (const std::string& destination : run.destinations) {
     text += row(_("destination"), destination);
   }
-  if (!story.edition.empty()) {
-    text += row(_("edition"), story.edition);
+  if (!run.edition.empty()) {
+    text += row(_("edition"), run.edition);
   }
-  for (const std::string& detected : story.detectedEditions) {
+  for (const std::string& detected : run.detectedEditions) {
     text += row(_("detected"), detected);
   }
-  for (const RunPrompt& prompt : story.prompts) {
+  for (const RunPrompt& prompt : run.prompts) {
     text += row(_("disc"), promptText(prompt));
   }
-  for (const RunVolume& volume : story.volumes) {
+  for (const RunVolume& volume : run.volumes) {
     text += row(_("volume"), volumeText(volume));
   }
-  for (const std::string& path : story.placed) {
+  for (const std::string& path : run.placed) {
     text += row(_("replaced"), path);
   }
-  for (const RunFailure& failure : story.failures) {
+  for (const RunFailure& failure : run.failures) {
     text += row(_("FAILED"), timeOfDay(failure.time) + "  " + failureText(failure));
   }
-  const auto untold = story.failureCount - static_cast<std::int64_t>(story.failures.size());
+  const auto untold = run.failureCount - static_cast<std::int64_t>(run.failures.size());
   if (untold > 0) {
     text += row(_("FAILED"), format(_("and {0} more"), {std::to_string(untold)}));
   }
-  if (story.refusals > 0) {
-    text += row(_("refused"), plural("to go on before the data was installed, {0} time",
-                                     "to go on before the data was installed, {0} times", story.refusals));
+  if (run.refusals > 0) {
+    text += row(_("refused"), plural("Continue before the data was installed, {0} time",
+                                     "Continue before the data was installed, {0} times", run.refusals));
   }
   return text;
 }
 
-ordered_json reportJson(const RunStory& story, int number, bool mayStillRun) {
+ordered_json reportJson(const LoggedRun& run, int number, bool mayStillRun) {
   ordered_json prompts = ordered_json::array();
-  for (const RunPrompt& prompt : story.prompts) {
+  for (const RunPrompt& prompt : run.prompts) {
     prompts.push_back({{"time", prompt.time},
                        {"volume", prompt.volume},
                        {"optional", prompt.isOptional},
@@ -165,7 +165,7 @@ ordered_json reportJson(const RunStory& story, int number, bool mayStillRun) {
                        {"found", prompt.found}});
   }
   ordered_json volumes = ordered_json::array();
-  for (const RunVolume& volume : story.volumes) {
+  for (const RunVolume& volume : run.volumes) {
     const auto seconds = secondsBetween(volume.begin, volume.end);
     volumes.push_back(
         {{"number", volume.number},
@@ -178,7 +178,7 @@ ordered_json reportJson(const RunStory& story, int number, bool mayStillRun) {
          {"bytesAtLeast", volume.hundredsOfMegabytes * static_cast<std::int64_t>(kProgressUnit)}});
   }
   ordered_json failures = ordered_json::array();
-  for (const RunFailure& failure : story.failures) {
+  for (const RunFailure& failure : run.failures) {
     failures.push_back({{"time", failure.time},
                         {"kind", failure.kind},
                         {"file", failure.file},
@@ -186,28 +186,28 @@ ordered_json reportJson(const RunStory& story, int number, bool mayStillRun) {
                         {"reason", failure.reason},
                         {"detail", failure.detail}});
   }
-  const auto seconds = secondsBetween(story.begin, story.end);
+  const auto seconds = secondsBetween(run.begin, run.end);
   return {{"run", number},
-          {"outcome", outcomeName(story)},
+          {"outcome", outcomeName(run)},
           {"mayStillRun", mayStillRun},
-          {"begin", story.begin},
-          {"end", story.end},
+          {"begin", run.begin},
+          {"end", run.end},
           {"seconds", seconds ? ordered_json(*seconds) : ordered_json()},
-          {"host", story.host},
-          {"page", story.pageVersion},
-          {"title", story.title},
-          {"mode", story.mode ? ordered_json(*story.mode) : ordered_json()},
-          {"attributesFile", story.attributesFile},
-          {"destinations", story.destinations},
-          {"edition", story.edition},
-          {"detected", story.detectedEditions},
+          {"host", run.host},
+          {"page", run.pageVersion},
+          {"title", run.title},
+          {"mode", run.mode ? ordered_json(*run.mode) : ordered_json()},
+          {"attributesFile", run.attributesFile},
+          {"destinations", run.destinations},
+          {"edition", run.edition},
+          {"detected", run.detectedEditions},
           {"prompts", prompts},
           {"volumes", volumes},
-          {"replaced", story.placed},
-          {"failureCount", story.failureCount},
+          {"replaced", run.placed},
+          {"failureCount", run.failureCount},
           {"failures", failures},
-          {"refusals", story.refusals},
-          {"lastMessage", story.lastMessage}};
+          {"refusals", run.refusals},
+          {"lastMessage", run.lastMessage}};
 }
 
 std::string failureText(const RunFailure& failure) {
@@ -222,16 +222,16 @@ std::string failureText(const RunFailure& failure) {
                                   : format(_("cannot write {0}: {1}"), {failure.target, failure.reason});
   }
   if (failure.kind == "size") {
-    return format(_("not copied whole, perhaps since the disk is full: {0}"), {failure.target});
+    return format(_("not copied completely; the disk may be full: {0}"), {failure.target});
   }
   if (failure.kind == "folder") {
-    return format(_("cannot make the folder {0}"), {failure.file});
+    return format(_("cannot create the folder {0}"), {failure.file});
   }
   if (failure.kind == "not-found") {
     return format(_("no data to install: there is no {0}"), {failure.file});
   }
   if (failure.kind == "no-destination") {
-    return format(_("nowhere to copy {0} to: its data folder is missing"), {failure.file});
+    return format(_("no destination for {0}: its data folder is missing"), {failure.file});
   }
   return failure.detail;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/log/run_story.h"
+#include "host/log/logged_run.h"
 
 #include <nlohmann/json_fwd.hpp>
 #include <string>
@@ -9,7 +9,7 @@ namespace tavenhall {
 
 // One run as a person at support reads it: several lines, newline at the end. `number` counts from 1.
 // `mayStillRun`: the log's last record is so young that the run may only be waiting.
-[[nodiscard]] std::string reportText(const RunStory& story, int number, bool mayStillRun = false);
+[[nodiscard]] std::string reportText(const LoggedRun& run, int number, bool mayStillRun = false);
 
 // What became of one volume, in a line without its end.
 [[nodiscard]] std::string volumeText(const RunVolume& volume);
@@ -19,6 +19,6 @@ namespace tavenhall {
 [[nodiscard]] std::string failureText(const RunFailure& failure);
 
 // A run as one JSON object.
-[[nodiscard]] nlohmann::ordered_json reportJson(const RunStory& story, int number, bool mayStillRun = false);
+[[nodiscard]] nlohmann::ordered_json reportJson(const LoggedRun& run, int number, bool mayStillRun = false);
 
 }  // namespace tavenhall

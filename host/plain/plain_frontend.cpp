@@ -113,7 +113,7 @@ class PlainFrontend {
     passwordPrompt_.reset();
     if (passwords.prompt()) {
       printer_.flush();
-      passwordPrompt_.emplace("? " + format(_("A command asks: {0}"), {printableText(*passwords.prompt())}) +
+      passwordPrompt_.emplace("? " + format(_("A command prompts: {0}"), {printableText(*passwords.prompt())}) +
                               " ");
       if (passwordPrompt_->descriptor() < 0) {
         passwords.refuse();
@@ -171,7 +171,7 @@ class PlainFrontend {
     const bool isWhole = std::string_view(end, digits.data() + digits.size()).find_first_not_of(" \t\r") ==
                          std::string_view::npos;
     if (error != std::errc{} || !isWhole || number < 1 || number > buttons_) {
-      printLine("  " + format(_("Please type a number from 1 to {0}."), {std::to_string(buttons_)}));
+      printLine("  " + format(_("Type a number from 1 to {0}."), {std::to_string(buttons_)}));
       return;
     }
     buttons_ = 0;
@@ -185,20 +185,20 @@ class PlainFrontend {
       switch (status) {
         case ExitStatus::success: printLine(format(_("Installed {0}."), {amount})); break;
         case ExitStatus::noAnswer:
-          printLine(
-              "! " +
-              format(_("Stopped: a question needs an answer, and the input is closed. Copied {0}."), {amount}));
+          printLine("! " +
+                    format(_("Stopped: a prompt needs an answer, but standard input is closed. Copied {0}."),
+                           {amount}));
           break;
         default:
           printLine("! " +
-                    format(_("Not installed, or not wholly: see the lines that begin with \"!\". Copied {0}."),
+                    format(_("Not installed completely: see the lines that begin with \"!\". Copied {0}."),
                            {amount}));
           break;
       }
     } else if (isStopped_) {
       printLine("! " + join(_("Stopped."), description_.afterStop));
     } else if (status == ExitStatus::failure) {
-      printLine(std::string("! ") + _("The installer's engine ended before its time."));
+      printLine(std::string("! ") + _("The installer's engine ended unexpectedly."));
     }
     if (status != ExitStatus::badUsage && !description_.log.empty()) {
       printLine(format(_("The log is {0}."), {description_.log}));

@@ -12,7 +12,7 @@ namespace tavenhall {
 // How it can end before the install does:
 //   Ctrl-C, SIGINT, SIGTERM   stops the engine and says so; ExitStatus::failure
 //   SIGHUP                    this process ends; the engine runs on to its end, or to its next alert
-// A reader of standard output that goes away ends nothing: the install runs on, and the exit status tells the
+// A reader of standard output that goes away ends nothing: the install runs on, and the exit status reports the
 // result.
 [[nodiscard]] ExitStatus runPlainFrontend(const EngineConnection& engine, const RunDescription& description);
 

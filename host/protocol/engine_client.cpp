@@ -40,7 +40,7 @@ ExitStatus EngineClient::wait(const std::function<void(const std::string& line)>
   int status = 0;
   while (waitpid(connection_.process, &status, 0) < 0) {
     if (errno != EINTR) {
-      return ExitStatus::failure;  // whether it has succeeded cannot be told
+      return ExitStatus::failure;  // success cannot be known
     }
   }
   // Commands that outlive the engine may keep this open, so only what is there by now is read.

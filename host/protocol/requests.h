@@ -2,8 +2,8 @@
 
 #include <variant>
 
-// What an engine is told to do. Commands form one queue and are performed one after the other; answers form a
-// queue of their own, so an answer may be sent before its alert.
+// What a frontend sends to an engine. Commands form one queue and are performed one after the other; answers
+// form a queue of their own, so an answer may be sent before its alert.
 namespace tavenhall {
 
 enum class Command {

@@ -23,17 +23,17 @@ std::string readWhole(const fs::path& path) {
 // The sandbox is new, so there is one run.
 void readLog(const fs::path& log, RehearsalFindings& findings) {
   findings.logText = readWhole(log);
-  RunStories stories([&findings](const RunStory& story) {
-    findings.story = story;
+  LoggedRuns runs([&findings](const LoggedRun& run) {
+    findings.run = run;
     findings.pageWasEntered = true;
   });
-  LogRecords records([&stories](const LogRecord& record) { stories.add(record); });
+  LogRecords records([&runs](const LogRecord& record) { runs.add(record); });
   records.add(findings.logText);
   records.finish();
-  stories.finish();
+  runs.finish();
 }
 
-// Discs may share a volume name; which of them a copy read is told by its place among the copies from that
+// Discs may share a volume name. Which of them a copy read follows from its position among the copies from that
 // name.
 Locate locatorFor(const Stage& stage, const std::vector<std::size_t>& insertedDiscs) {
   auto copiesOf = std::make_shared<std::map<std::string, std::vector<int>>>();
@@ -90,7 +90,7 @@ void sumUp(const std::vector<CopiedFolder>& folders, RehearsalFindings& findings
     totals.addNext(copied);
     findings.systemFolders.push_back(copied);
   }
-  for (const RunVolume& volume : findings.story.volumes) {
+  for (const RunVolume& volume : findings.run.volumes) {
     CopiedVolume copied;
     copied.number = volume.number;
     copied.folder = volume.folder;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/log/run_story.h"
+#include "host/log/logged_run.h"
 #include "host/rehearse/comparison.h"
 #include "host/rehearse/rehearsal_record.h"
 #include "host/rehearse/stage.h"
@@ -40,7 +40,7 @@ struct RehearsalFindings {
   InstallPlan plan;
   RealSizes realSizes;
   RehearsalRecord record;
-  RunStory story;
+  LoggedRun run;
   bool pageWasEntered = false;
   std::vector<CopiedVolume> systemFolders;
   std::vector<CopiedVolume> volumes;

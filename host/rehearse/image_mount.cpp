@@ -40,7 +40,7 @@ dev_t diskOf(const fs::path& folder) {
 std::string failureText(const fs::path& image, int status, const std::string& lastWords) {
   const char* pattern = _("cannot open the disc image {0}: {1}");
   if (status == kCannotRun) {
-    pattern = _("cannot open the disc image {0}: {2} is not there; install the package {2}");
+    pattern = _("cannot open the disc image {0}: {2} is missing; install the package {2}");
   } else if (lastWords.empty()) {
     pattern = _("cannot open the disc image {0}: {2} failed");
   }

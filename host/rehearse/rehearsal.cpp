@@ -67,7 +67,7 @@ class Rehearsal {
     const auto free = freeBytesAt(stage_->root().string());
     if (free && *free < needed) {
       throw UsageError(
-          format(_("the install takes {0} and there is {1} free in {2}; --keep DIR takes another place"),
+          format(_("the installation needs {0}, but {2} has {1} free; use --keep DIR for another place"),
                  {sizeText(needed), sizeText(*free), stage_->root().string()}));
     }
   }
@@ -183,7 +183,7 @@ ExitStatus rehearse(const RehearsalRequest& request, const RehearsalView& view) 
   try {
     return Rehearsal(request, view, stop).run();
   } catch (const Stopped&) {
-    showError(UsageError(_("the rehearsal was stopped, so there is no report")));
+    showError(UsageError(_("the rehearsal was stopped; there is no report")));
     return ExitStatus::failure;
   }
 }

@@ -94,7 +94,7 @@ std::string volumeRows(const RehearsalFindings& findings) {
 
 // ---- What came of it ----
 
-// Files that nobody expects to be installed; the others are remarks.
+// Files that nobody expects to be installed; the others are diagnostics.
 std::string leftRows(const RehearsalFindings& findings) {
   std::int64_t ofFullEdition = 0;
   std::int64_t others = 0;
@@ -126,8 +126,8 @@ std::string sizeRow(const char* label, const AnnouncedComparison& sizes) {
 
 std::string resultRows(const RehearsalFindings& findings, const Verdict& verdict) {
   std::string text =
-      row(_("files"), plural("{0} file the same, {1} differ, {2} missing, {3} replaced by a later copy",
-                             "{0} files the same, {1} differ, {2} missing, {3} replaced by a later copy",
+      row(_("files"), plural("{0} file identical, {1} differ, {2} missing, {3} replaced by a later copy",
+                             "{0} files identical, {1} differ, {2} missing, {3} replaced by a later copy",
                              countOf(findings.files, Fate::same),
                              {std::to_string(countOf(findings.files, Fate::differs)),
                               std::to_string(countOf(findings.files, Fate::missing)),
@@ -143,7 +143,7 @@ std::string resultRows(const RehearsalFindings& findings, const Verdict& verdict
     text += row(_("bar"), format(_("{0} of {1} at its highest"),
                                  {sizeText(bar.highest * 1024.0), sizeText(bar.maximum * 1024.0)}));
   }
-  return text + row(_("log"), findings.log.empty() ? _("not kept; --keep DIR keeps it") : findings.log);
+  return text + row(_("log"), findings.log.empty() ? _("not kept; use --keep DIR") : findings.log);
 }
 
 // The end of the log, since nobody may have kept it.
@@ -183,11 +183,14 @@ std::string reportText(const RehearsalFindings& findings, const Verdict& verdict
   if (verdict.status() == ExitStatus::failure) {
     text += logEnd(findings);
   }
-  text += "\n" + sentences(_("FAILED: {0}"), verdict.failures) + sentences(_("remark: {0}"), verdict.remarks);
+  text +=
+      "\n" + sentences(_("FAILED: {0}"), verdict.failures) + sentences(_("warning: {0}"), verdict.diagnostics);
   switch (verdict.status()) {
-    case ExitStatus::success: text += _("Everything is installed, and there is nothing to remark."); break;
-    case ExitStatus::remarks: text += _("Everything is installed, with remarks."); break;
-    default: text += _("The install failed."); break;
+    case ExitStatus::success:
+      text += _("Rehearsal passed: everything was installed, no problems found.");
+      break;
+    case ExitStatus::warnings: text += _("Rehearsal passed with warnings: everything was installed."); break;
+    default: text += _("Rehearsal failed."); break;
   }
   return text + "\n";
 }

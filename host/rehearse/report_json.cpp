@@ -97,7 +97,7 @@ ordered_json reportJson(const RehearsalFindings& findings) {
   return {{"set", findings.set},
           {"status", static_cast<int>(verdict.status())},
           {"failures", verdict.failures},
-          {"remarks", verdict.remarks},
+          {"remarks", verdict.diagnostics},
           {"plan", planJson(findings)},
           {"seconds", findings.record.seconds},
           {"left", findings.record.hasLeft},

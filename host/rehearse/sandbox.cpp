@@ -63,7 +63,7 @@ void Sandbox::probe() const {
     throw UsageError(_("rehearsing needs bubblewrap; install the package bubblewrap"));
   }
   if (status != 0) {
-    throw UsageError(format(_("bubblewrap can make no sandbox here, where user namespaces may be off: {0}"),
+    throw UsageError(format(_("bubblewrap cannot create a sandbox; user namespaces may be disabled: {0}"),
                             {tool.lastLine()}));
   }
 }

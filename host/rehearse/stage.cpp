@@ -77,7 +77,7 @@ void Stage::layDiscs(const fs::path& workFolder, const StopRequest& stop) {
 }
 
 // The central data folders come with a package's own small files, so a user has them before the page is
-// shown; where it is told what the user has, nothing is added to it.
+// shown. With --installed, nothing is added to what the user has.
 void Stage::layInstalled(const fs::path& installed, const StopRequest& stop) {
   for (const char* folder : {"Components", "VST", "VST3"}) {
     fs::create_directories(root() / "Library/Audio/Plug-Ins" / folder);  // every system has them

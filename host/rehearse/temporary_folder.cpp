@@ -43,8 +43,8 @@ TemporaryFolder::TemporaryFolder() {
   const fs::path above = wanted != nullptr && *wanted != '\0' ? wanted : "/tmp";
   std::string name = (above / "rehearsal-XXXXXX").string();
   if (mkdtemp(name.data()) == nullptr) {
-    throw UsageError(format(_("cannot make a temporary folder in {0}; TMPDIR may name another place for it"),
-                            {above.string()}));
+    throw UsageError(
+        format(_("cannot create a temporary folder in {0}; set TMPDIR to another folder"), {above.string()}));
   }
   path_ = fs::canonical(name);
 }
@@ -55,7 +55,7 @@ KeptFolder::KeptFolder(const fs::path& path) : path_(fs::absolute(path).lexicall
   std::error_code error;
   if (fs::exists(path_, error) && (!fs::is_directory(path_, error) || !fs::is_empty(path_, error))) {
     throw UsageError(
-        format(_("the folder {0} is not empty; --keep takes a new or an empty one"), {path.string()}));
+        format(_("the folder {0} is not empty; --keep needs a new or empty folder"), {path.string()}));
   }
   for (fs::path above = path_; !fs::exists(above, error); above = above.parent_path()) {
     highest_ = above;
@@ -65,7 +65,7 @@ KeptFolder::KeptFolder(const fs::path& path) : path_(fs::absolute(path).lexicall
     const fs::path made = highest_;
     fs::remove(made, error);
     throw UsageError(
-        format(_("cannot make the folder {0}; --keep takes one that can be written"), {path.string()}));
+        format(_("cannot create the folder {0}; --keep needs a writable folder"), {path.string()}));
   }
   path_ = fs::canonical(path_);
 }

@@ -16,11 +16,11 @@ AnnouncedComparison compareSizes(std::int64_t announcedMillions, std::int64_t re
 }
 
 // The two patterns are for a size that is not announced, {0} being the real one, and for one that is.
-void remarkIfFar(const char* notAnnounced, const char* announced, const AnnouncedComparison& sizes,
-                 Verdict& verdict) {
+void diagnosticIfFar(const char* notAnnounced, const char* announced, const AnnouncedComparison& sizes,
+                     Verdict& verdict) {
   if (sizes.isFar) {
-    verdict.remarks.push_back(format(sizes.announced <= 0 ? notAnnounced : announced,
-                                     {sizeText(sizes.real), sizeText(sizes.announced)}));
+    verdict.diagnostics.push_back(format(sizes.announced <= 0 ? notAnnounced : announced,
+                                         {sizeText(sizes.real), sizeText(sizes.announced)}));
   }
 }
 
@@ -32,8 +32,8 @@ std::string missingDiscText(const RehearsalRecord& record) {
 }
 
 std::string sheetText(const std::string& sheet, int times) {
-  return times > 1 ? plural("a sheet said {0} time: {1}", "a sheet said {0} times: {1}", times, {sheet})
-                   : format(_("a sheet said: {0}"), {sheet});
+  return times > 1 ? plural("a sheet appeared {0} time: {1}", "a sheet appeared {0} times: {1}", times, {sheet})
+                   : format(_("a sheet appeared: {0}"), {sheet});
 }
 
 void judgeRun(const RehearsalFindings& findings, Verdict& verdict) {
@@ -43,12 +43,12 @@ void judgeRun(const RehearsalFindings& findings, Verdict& verdict) {
   }
   if (!findings.record.missingDisc.empty()) {
     verdict.failures.push_back(missingDiscText(findings.record));
-  } else if (findings.story.outcome == RunEnd::noDataFolder) {
-    verdict.failures.emplace_back(_("the data folder was not there, so nothing was begun"));
-  } else if (findings.story.outcome != RunEnd::complete) {
-    verdict.failures.emplace_back(_("the install did not come to its end"));
+  } else if (findings.run.outcome == RunEnd::noDataFolder) {
+    verdict.failures.emplace_back(_("the data folder did not exist, so nothing was installed"));
+  } else if (findings.run.outcome != RunEnd::complete) {
+    verdict.failures.emplace_back(_("the installation did not finish"));
   } else if (!findings.record.hasLeft) {
-    verdict.failures.emplace_back(_("the page did not let itself be left forwards"));
+    verdict.failures.emplace_back(_("the page refused Continue"));
   }
   for (const auto& [sheet, times] : findings.record.countedSheets()) {
     verdict.failures.push_back(sheetText(sheet, times));
@@ -57,7 +57,7 @@ void judgeRun(const RehearsalFindings& findings, Verdict& verdict) {
 
 void judgeFiles(const RehearsalFindings& findings, Verdict& verdict) {
   if (findings.files.empty()) {
-    verdict.failures.emplace_back(_("not one file was copied"));
+    verdict.failures.emplace_back(_("no file was copied"));
   }
   for (const FileFate& file : findings.files) {
     if (file.fate == Fate::differs) {
@@ -68,11 +68,11 @@ void judgeFiles(const RehearsalFindings& findings, Verdict& verdict) {
   }
   for (const LeftFile& file : findings.leftFiles) {
     if (file.isData && !file.isOfFullEdition) {
-      verdict.remarks.push_back(format(_("nothing installs {0}"), {file.path}));
+      verdict.diagnostics.push_back(format(_("nothing installs {0}"), {file.path}));
     }
   }
   for (const std::string& disc : findings.unusedDiscs) {
-    verdict.remarks.push_back(format(_("the page never asked for {0}"), {disc}));
+    verdict.diagnostics.push_back(format(_("the page never asked for {0}"), {disc}));
   }
 }
 
@@ -83,15 +83,16 @@ void judgeSizes(const RehearsalFindings& findings, Verdict& verdict) {
     return;  // without all of the set, the sizes say nothing
   }
   verdict.whole = compareSizes(announced.totalMillions, *real.whole, real);
-  remarkIfFar(_("the size of the whole is not announced (it is {0})"),
-              _("the whole is announced as {1} and is {0}: the bar will end early or late"), verdict.whole,
-              verdict);
+  diagnosticIfFar(_("the total size is not announced (it is {0})"),
+                  _("the total size is announced as {1} but is {0}: the bar will end early or late"),
+                  verdict.whole, verdict);
   if (findings.plan.editions.isOffered && real.component) {
     verdict.hasFirstComponent = true;
     verdict.firstComponent = compareSizes(announced.componentMillions, *real.component, real);
-    remarkIfFar(_("the size of the first component is not announced (it is {0})"),
-                _("the first component is announced as {1} and is {0}: the bar will end early or late"),
-                verdict.firstComponent, verdict);
+    diagnosticIfFar(
+        _("the size of the first component is not announced (it is {0})"),
+        _("the size of the first component is announced as {1} but is {0}: the bar will end early or late"),
+        verdict.firstComponent, verdict);
   }
 }
 
@@ -101,7 +102,7 @@ ExitStatus Verdict::status() const {
   if (!failures.empty()) {
     return ExitStatus::failure;
   }
-  return remarks.empty() ? ExitStatus::success : ExitStatus::remarks;
+  return diagnostics.empty() ? ExitStatus::success : ExitStatus::warnings;
 }
 
 Verdict judge(const RehearsalFindings& findings) {

@@ -17,8 +17,8 @@ struct AnnouncedComparison {
 
 // What a rehearsal's findings mean, in the language that texts are in at the moment.
 struct Verdict {
-  std::vector<std::string> failures;  // each a sentence: the install failed, or content differs
-  std::vector<std::string> remarks;   // likewise: installed, yet worth a word
+  std::vector<std::string> failures;     // each a sentence: the install failed, or content differs
+  std::vector<std::string> diagnostics;  // likewise: installed, yet worth a word
   AnnouncedComparison whole;
   AnnouncedComparison firstComponent;  // where there is a Lite edition
   bool hasFirstComponent = false;

@@ -10,7 +10,7 @@
 #include <vector>
 
 // The InstallationAttributes file as the page reads it, with the place of everything that was read, so that
-// a remark can name its line. Only reads: no log, and nothing that is done once a process. Any thread.
+// a diagnostic can name its line. Only reads: no log, and nothing that is done once a process. Any thread.
 namespace tavenhall {
 
 // What one read of the page's gives: a line, or a part of one that is too long to be read at once. The

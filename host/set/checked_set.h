@@ -25,7 +25,7 @@ struct CheckedVolume {
   PlannedVolume volume;
   std::string folderName;
   std::string destination;
-  std::string shownRoot;  // as a remark names it
+  std::string shownRoot;  // as a diagnostic names it
   bool isThere = false;   // the disc or folder exists
   bool isListed = false;  // it could be looked into
   bool hasPrimary = false;
@@ -34,7 +34,7 @@ struct CheckedVolume {
   SourceTree tree;     // what the page would copy of it, hidden names included
   std::vector<std::string> leftOut;  // at its top, what the page passes over, since no library is called so
 
-  // The data folder, or what lies at `path` in it, as a remark names it.
+  // The data folder, or what lies at `path` in it, as a diagnostic names it.
   [[nodiscard]] std::string shown(const std::string& path = {}) const;
   [[nodiscard]] std::string source() const { return volume.root + "/" + chosen; }
 };
@@ -68,7 +68,7 @@ struct CheckedSet {
   std::vector<CheckedVolume> volumes;
   std::vector<CheckedFolder> systemFolders;
 
-  // A path as a remark names it: below the set's folder where it lies there.
+  // A path as a diagnostic names it: below the set's folder where it lies there.
   [[nodiscard]] std::string shown(const std::filesystem::path& path) const;
   [[nodiscard]] Place attributesPlace(const AttributesPiece* piece = nullptr) const;
 

@@ -173,7 +173,7 @@ Product productNamed(const std::string& name) {
     }
     known += (known.empty() ? "" : ", ") + std::string(row.pluginName);
   }
-  throw UsageError(format(_("no product is called {0}; there are {1}"), {name, known}));
+  throw UsageError(format(_("unknown product {0}; the products are {1}"), {name, known}));
 }
 
 std::string packageFolderOf(const std::string& package) {
@@ -234,10 +234,10 @@ std::string editionReason(const InstallPlan& plan) {
           : _("NumberOfVolumes is 2, so there is a Lite and a Full edition.");
   const char* edition = editions.allAreLite ? "Lite" : "Full";
   switch (editions.source) {
-    case EditionSource::request: return format(_("{0} {1} is asked for."), {offer, edition});
+    case EditionSource::request: return format(_("{0} {1} was requested."), {offer, edition});
     case EditionSource::choiceFile:
       return format(_("{0} {1} says \"{2}\": {3}."), {offer, kInstallTypeFile, editions.choice, edition});
-    default: return format(_("{0} No {1} says which, so it is Full."), {offer, kInstallTypeFile});
+    default: return format(_("{0} There is no {1}, so it is Full."), {offer, kInstallTypeFile});
   }
 }
 

@@ -23,7 +23,7 @@ struct Product {
 [[nodiscard]] Product productNamed(const std::string& name);
 
 struct PlanRequest {
-  std::string package;  // the package's path, as the page is told of it
+  std::string package;  // the package's path, as the page gets it
   Product product;
 
   // The folder that holds the data folders, as "Tavenhall" in the user's Application Support folder does.

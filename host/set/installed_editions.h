@@ -9,7 +9,7 @@
 // order in which the system lists it. Only reads. Any thread.
 namespace tavenhall {
 
-// The libraries in an update's data folder; unless told otherwise, as many as the page has room for.
+// The libraries in an update's data folder; by default at most as many as the page handles.
 [[nodiscard]] std::vector<PlannedLibrary> listLibraries(const std::string& dataFolder,
                                                         std::size_t limit = kLibrarySlots);
 

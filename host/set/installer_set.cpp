@@ -97,14 +97,14 @@ void readRehearsalFile(InstallerSet& set) {
   }
   for (const auto& [key, value] : json.items()) {
     if (key != "product" && key != "package" && key != "installType") {
-      throw UsageError(
-          format(_("{0}: \"{1}\" is none of product, package and installType"), {file.string(), key}));
+      throw UsageError(format(_("{0}: unknown key \"{1}\"; the keys are product, package and installType"),
+                              {file.string(), key}));
     }
   }
   set.product = textIn(json, "product", file);
   set.installType = textIn(json, "installType", file);
   if (!set.installType.empty() && set.installType != "Lite" && set.installType != "Full") {
-    throw UsageError(format(_("{0}: the installType is neither Lite nor Full"), {file.string()}));
+    throw UsageError(format(_("{0}: installType must be Lite or Full"), {file.string()}));
   }
   if (const std::string package = textIn(json, "package", file); !package.empty()) {
     set.package = (set.folder / package).lexically_normal();
@@ -156,13 +156,14 @@ std::optional<Disc> discFromName(const fs::path& path, bool isFolder) {
 InstallerSet openInstallerSet(const fs::path& folder) {
   std::error_code error;
   if (!fs::is_directory(folder, error)) {
-    throw UsageError(format(_("no set at {0}; it is a folder with an installer package"), {folder.string()}));
+    throw UsageError(
+        format(_("no installer set at {0}; a set is a folder with an installer package"), {folder.string()}));
   }
   InstallerSet set;
   set.folder = fs::canonical(folder, error);
   if (error || fs::directory_iterator(set.folder, error) == fs::directory_iterator()) {
-    throw UsageError(format(_("nothing can be read in {0}; a set is a folder with an installer package"),
-                            {folder.string()}));
+    throw UsageError(
+        format(_("cannot list {0}; a set is a folder with an installer package"), {folder.string()}));
   }
   readRehearsalFile(set);
   if (set.package.empty()) {
@@ -176,7 +177,7 @@ std::string dataRootIn(const fs::path& installed) {
   std::error_code error;
   if (!fs::is_directory(installed, error)) {
     throw UsageError(
-        format(_("no folder at {0}; --installed takes one that holds the data folders as the user has them"),
+        format(_("no folder at {0}; --installed needs a folder that holds the user's data folders"),
                {installed.string()}));
   }
   for (const char* home : {"", "Users/rehearsal"}) {

@@ -205,8 +205,8 @@ std::vector<PageButton> fittingButtons(std::vector<PageButton> buttons, int colu
 
 Layer layOutTooSmall(const PageModel& model, Size size, const Signs& signs) {
   LayerWriter page({0, 0, size.rows, size.columns}, signs);
-  const char* why = model.isWaitingForUser() ? _("A question waits: please make this window larger (60x20).")
-                                             : _("Please make this window larger (60x20).");
+  const char* why = model.isWaitingForUser() ? _("A prompt is waiting. Make this window larger (60x20).")
+                                             : _("Make this window larger (60x20).");
   page.put(0, 0, truncateEnd(why, size.columns), Style::text);
   return page.take();
 }

@@ -103,7 +103,7 @@ void PageModel::end(RunResult result, Time now) {
   textScroll_ = 0;
 }
 
-// Nothing runs, no button is enabled and no window is up: the last page tells the rest.
+// Nothing runs, no button is enabled and no window is up: the last page has the rest.
 void PageModel::endIfStuck() {
   const bool canMove = nextIsEnabled_ || previousIsEnabled_ || isLeaving_ || isClosing_ || hasWindow();
   if (stage_ == Stage::page && isIdle_ && !canMove) {
@@ -279,13 +279,12 @@ void PageModel::ask(Question question) {
     window.paragraphs = {{leaveText(), Style::text}};
     window.buttons = ownButtons({N_("Go On"), N_("Leave")});
   } else {
-    window.heading = _("There may not be enough room.");
+    window.heading = _("There may not be enough space.");
     window.headingStyle = Style::warning;
     window.paragraphs = {
         {shortRoomText(introduction_), Style::text},
         {},
-        {_("The installation would then end with files that are missing or cut short. Data that is "
-           "replaced needs no room of its own."),
+        {_("Files would then be missing or truncated. Data that is replaced needs no additional space."),
          Style::text}};
     window.buttons = ownButtons({N_("Do Not Install"), N_("Install Anyway")});
   }
@@ -310,19 +309,18 @@ std::string PageModel::leaveText() const {
     return _("Nothing has been installed yet.");
   }
   if (isIdle_) {
-    return hasFailed_
-               ? _("The installation has ended, and not everything was installed. The last page, which says "
-                   "what is missing, is still to come.")
-               : _("The data is installed; only the last page is still to come.");
+    return hasFailed_ ? _("The installation has ended, but not everything was installed. The last page shows "
+                          "what is missing.")
+                      : _("The data is installed. Only the last page remains.");
   }
-  std::string text = _("The installation is not finished, and leaving stops it.");
+  std::string text = _("The installation is not finished. Leaving stops it.");
   if (const std::string amount = amountText(meter_); !amount.empty()) {
-    const char* stays = alert_
-                            ? _("{0} is copied and stays in {1}.")
-                            : _("{0} is copied and stays in {1}; the file that is being copied is cut short.");
+    const char* stays =
+        alert_ ? _("{0} is copied and kept in {1}.")
+               : _("{0} is copied and kept in {1}. The file that is being copied will be truncated.");
     text = join(text, format(stays, {amount, introduction_.destination}));
   }
-  return join(text, _("To complete it, run the installer again: it copies everything anew."));
+  return join(text, _("To complete it, run the installer again. It copies everything again."));
 }
 
 }  // namespace tavenhall

@@ -31,7 +31,7 @@ void PageModel::setPasswordPrompt(const std::optional<std::string>& prompt, Time
   if (passwordSentAt_ && now - *passwordSentAt_ < kSoon && hasMessageSince_) {
     window.paragraphs = {{messages_.back(), Style::warning}, {}};
   }
-  window.paragraphs.push_back({_("A command of the installation asks:")});
+  window.paragraphs.push_back({_("A command of the installation prompts:")});
   window.paragraphs.push_back({*prompt, Style::strong});
   window.paragraphs.emplace_back();
   window.paragraphs.push_back({"", Style::field});

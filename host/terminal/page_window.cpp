@@ -85,7 +85,7 @@ PageWindow SheetList::window(bool installGoesOn) const {
   }
   if (installGoesOn) {
     window.paragraphs.emplace_back();
-    window.paragraphs.push_back({_("The installation goes on meanwhile."), Style::dim});
+    window.paragraphs.push_back({_("The installation continues meanwhile."), Style::dim});
   }
   window.buttons = button_.empty() ? ownButtons({N_("OK")}) : buttonsWithKeys({button_});
   return window;

@@ -23,7 +23,7 @@ void appendPlaces(std::vector<Line>& lines, const std::string& label, const std:
 }  // namespace
 
 std::string shortRoomText(const Introduction& introduction) {
-  return format(_("The data takes {0}, and the disk has {1} free."),
+  return format(_("The data needs {0}; the disk has {1} free."),
                 {sizeText(*introduction.neededBytes), sizeText(*introduction.freeBytes)});
 }
 
@@ -49,14 +49,15 @@ std::vector<Line> introductionLines(const Introduction& introduction, int width)
   }
   if (introduction.isRoomShort()) {
     lines.emplace_back();
-    append(lines, wrappedLines(join(_("There may not be enough room."), shortRoomText(introduction)), width,
+    append(lines, wrappedLines(join(_("There may not be enough space."), shortRoomText(introduction)), width,
                                Style::bad));
   }
   if (!introduction.isDestinationThere) {
     lines.emplace_back();
-    append(lines, wrappedLines(format(_("The folder for the data is not there yet. Install {0} itself first."),
-                                      {introduction.productName}),
-                               width, Style::bad));
+    append(lines,
+           wrappedLines(format(_("The folder for the data does not exist yet. Install {0} itself first."),
+                               {introduction.productName}),
+                        width, Style::bad));
   }
   lines.emplace_back();
   append(lines, wrappedLines(_("Press Continue to begin."), width, Style::dim));

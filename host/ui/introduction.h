@@ -19,7 +19,7 @@ struct Introduction {
   std::string destination;        // the data folder, for later texts
   bool isDestinationThere = true;
   std::optional<std::int64_t> neededBytes;  // none: not announced
-  std::optional<std::int64_t> freeBytes;    // none: the system does not tell
+  std::optional<std::int64_t> freeBytes;    // none: unknown
   bool barWraps = false;
 
   [[nodiscard]] bool isRoomShort() const { return neededBytes && freeBytes && *freeBytes < *neededBytes; }

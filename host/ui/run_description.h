@@ -25,7 +25,8 @@ struct Failures {
 struct RunDescription {
   Introduction introduction;
   std::string log;  // the path of the installation log, as the user is shown it; empty: it is not shown
-  std::string afterStop = _("What was copied so far stays; run the installer again to complete it.");
+  std::string afterStop =
+      _("The files copied so far are kept. Run the installer again to complete the installation.");
   std::function<Failures()> failures;  // called once, after the engine has ended; none: nothing is known
 };
 

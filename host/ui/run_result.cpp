@@ -19,12 +19,12 @@ struct FailureKind {
 
 // In the order in which they are listed.
 constexpr std::array<FailureKind, 6> kFailureKinds{{
-    {"no-destination", N_("Had nowhere to go")},
+    {"no-destination", N_("No destination")},
     {"not-found", N_("Not found on the disc or beside the package")},
-    {"folder", N_("Folders that could not be made")},
+    {"folder", N_("Folders that could not be created")},
     {"source", N_("Files that could not be read")},
     {"target", N_("Files that could not be written")},
-    {"size", N_("Files that were not copied whole")},
+    {"size", N_("Files that were not copied completely")},
 }};
 
 std::string installedAmountText(const RunResult& result) {
@@ -55,9 +55,9 @@ void appendFailures(std::vector<Line>& lines, const RunResult& result, int width
   const std::int64_t more = result.failures.count - static_cast<std::int64_t>(result.failures.first.size());
   if (more > 0) {
     lines.emplace_back();
-    append(lines, wrappedLines(plural("and {0} more failure: the log has them all.",
-                                      "and {0} more failures: the log has them all.", more),
-                               width));
+    append(lines, wrappedLines(
+                      plural("and {0} more failure; see the log.", "and {0} more failures; see the log.", more),
+                      width));
   }
 }
 
@@ -66,7 +66,7 @@ void appendMessages(std::vector<Line>& lines, const RunResult& result, int width
     return;
   }
   lines.emplace_back();
-  append(lines, wrappedLines(_("Commands that ran on the way said"), width, Style::strong));
+  append(lines, wrappedLines(_("Output of commands"), width, Style::strong));
   const std::size_t first = result.messages.size() - std::min(result.messages.size(), kMostMessagesShown);
   for (std::size_t i = first; i < result.messages.size(); ++i) {
     append(lines, labelledLines("", result.messages[i], 2, width, Style::dim));
@@ -84,7 +84,7 @@ Span resultHeading(const RunResult& result) {
     return {_("The installation was successful."), Style::good};
   }
   if (!result.hasSummary) {
-    return {_("The installation ended before its time."), Style::bad};
+    return {_("The installation ended unexpectedly."), Style::bad};
   }
   return {result.bytesWritten != 0.0 ? _("The installation is not complete.") : _("The installation failed."),
           Style::bad};
@@ -105,10 +105,10 @@ std::vector<Line> resultLines(const RunResult& result, int width) {
   } else {
     const std::string whatToDo =
         result.failures.count > 0
-            ? plural("{0} failure. Put right what is named below, then run the installer again.",
-                     "{0} failures. Put right what is named below, then run the installer again.",
+            ? plural("{0} failure. Fix the problem below, then run the installer again.",
+                     "{0} failures. Fix the problems below, then run the installer again.",
                      result.failures.count)
-            : _("Nothing in the log names a file. Run the installer again to complete it.");
+            : _("The log names no file. Run the installer again to complete the installation.");
     append(lines, wrappedLines(whatToDo, width));
     lines.emplace_back();
     append(lines, labelledLines(copied, installedAmountText(result), indent, width));

@@ -11,8 +11,8 @@ namespace {
 void expectAnAnswer(const std::string& product) {
   const CheckResult result = checkFor(product, "");
   ASSERT_TRUE(nlohmann::json::accept(checkJson(result)));
-  const bool isSound = checkText(result).ends_with("Nothing to remark.\n");
-  ASSERT_EQ(isSound, result.remarks.all().empty());
+  const bool isSound = checkText(result).ends_with("No problems found.\n");
+  ASSERT_EQ(isSound, result.diagnostics.all().empty());
 }
 
 }  // namespace

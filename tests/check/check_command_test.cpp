@@ -15,51 +15,35 @@ Outcome runCheck(const std::string& arguments) {
 
 }  // namespace
 
-TEST(CheckCommand, SaysThatThereIsNothingToRemark) {
+TEST(CheckCommand, ReportsNoProblems) {
   makeDiscSet();
   const Outcome outcome = runCheck(kSetFolder + " --product Lumaweave");
   EXPECT_EQ(outcome.status, 0) << outcome.output;
   EXPECT_EQ(
       outcome.output,
-      "The set /Users/tester/Installer\n"
-      "  Installer.pkg for Lumaweave, whose data folder is DOVA\n"
-      "\n"
-      "What the page would do\n"
-      "  Mode           2, install from discs. The Mode in line 1 of .InstallationAttributes.dat reads "
-      "\"InstallFromVolumes\".\n"
-      "  Title          Installing Lumaweave\n"
-      "  Text           Now installing to\n"
-      "\n"
-      "                 ~/Library/Application Support/Tavenhall/DOVA\n"
-      "  Edition        There is one edition.\n"
-      "  Size           1.0 MB announced by TotalSizeMillionsBytes; there are 0.0 MB\n"
-      "  DOVA           to ~/Library/Application Support/Tavenhall/DOVA, 2 volumes\n"
-      "    1            /Volumes/Tavenhall Lumaweave (discs/1 Tavenhall Lumaweave): DOVA, 1 file, 0.0 MB\n"
-      "    2            /Volumes/Tavenhall Lumaweave (discs/2 Tavenhall Lumaweave): DOVA, 1 file, 0.0 MB\n"
-      "  At the end     Installed in\n"
-      "\n"
-      "                 ~/Library/Application Support/Tavenhall/DOVA\n"
-      "\n"
-      "Nothing to remark.\n");
+      "The set /Users/tester/Installer\n  Installer.pkg for Lumaweave, whose data folder is DOVA\n\nWhat the "
+      "page would do\n  Mode           2, install from discs. The Mode in line 1 of "
+      ".InstallationAttributes.dat reads \"InstallFromVolumes\".\n  Title          Installing Lumaweave\n  "
+      "Text           Now installing to\n\n                 ~/Library/Application Support/Tavenhall/DOVA\n  "
+      "Edition        There is one edition.\n  Size           1.0 MB announced by TotalSizeMillionsBytes; "
+      "there are 0.0 MB\n  DOVA           to ~/Library/Application Support/Tavenhall/DOVA, 2 volumes\n    1    "
+      "        /Volumes/Tavenhall Lumaweave (discs/1 Tavenhall Lumaweave): DOVA, 1 file, 0.0 MB\n    2         "
+      "   /Volumes/Tavenhall Lumaweave (discs/2 Tavenhall Lumaweave): DOVA, 1 file, 0.0 MB\n  At the end     "
+      "Installed in\n\n                 ~/Library/Application Support/Tavenhall/DOVA\n\nNo problems found.\n");
 }
 
-TEST(CheckCommand, ShowsEachRemarkWithItsPlaceAndReference) {
+TEST(CheckCommand, ShowsEachDiagnosticWithItsPlaceAndReference) {
   makeDiscSet("Publisher = Tavenhall\n" + kDiscLines);
   std::filesystem::create_symlink("nothing", inSet("discs/1 Tavenhall Lumaweave/DOVA/broken"));
   const Outcome outcome = runCheck(kSetFolder + " --product Lumaweave");
   EXPECT_EQ(outcome.status, 1) << outcome.output;
-  EXPECT_THAT(
-      outcome.output,
-      testing::EndsWith(
-          "Remarks\n"
-          "  .InstallationAttributes.dat:1: warning: No part of the installer knows the key \"Publisher\", so "
-          "nobody sees this line. [key-unknown]\n"
-          "      docs/attributes.md#key-unknown\n"
-          "  discs/1 Tavenhall Lumaweave/DOVA/broken: error: The link leads nowhere, so the page says \"Failed "
-          "to open input file.\" and does not call the install done. [link-broken]\n"
-          "      docs/attributes.md#link-broken\n"
-          "\n"
-          "1 error, 1 warning, 0 notes\n"));
+  EXPECT_THAT(outcome.output,
+              testing::EndsWith(
+                  "Diagnostics\n  .InstallationAttributes.dat:1: warning: The key \"Publisher\" is unknown, "
+                  "so this line is ignored. [key-unknown]\n      docs/attributes.md#key-unknown\n  "
+                  "discs/1 Tavenhall Lumaweave/DOVA/broken: error: The link is broken, so the page shows "
+                  "\"Failed to open input file.\" and the installation fails. [link-broken]\n      "
+                  "docs/attributes.md#link-broken\n\n1 error, 1 warning, 0 notes\n"));
 }
 
 TEST(CheckCommand, EndsWithThreeWhereThereAreWarningsOnly) {
@@ -71,7 +55,7 @@ TEST(CheckCommand, EndsWithNothingWrongWhereThereAreNotesOnly) {
   makeDataUpdateSet();
   const Outcome outcome = runCheck(kSetFolder);
   EXPECT_EQ(outcome.status, 0) << outcome.output;
-  EXPECT_THAT(outcome.output, testing::HasSubstr("note: Nobody said which product this is for"));
+  EXPECT_THAT(outcome.output, testing::HasSubstr("note: No product was given"));
 }
 
 TEST(CheckCommand, GivesJson) {
@@ -95,13 +79,12 @@ TEST(CheckCommand, GivesJson) {
   EXPECT_EQ(json["plan"]["passes"][0]["volumeCount"], 1);
   EXPECT_EQ(json["plan"]["passes"][0]["volumes"][0]["primary"], inSet("First/TANVO"));
   EXPECT_EQ(json["remarks"],
-            nlohmann::json::array(
-                {{{"name", "key-unknown"},
-                  {"severity", "warning"},
-                  {"file", ".InstallationAttributes.dat"},
-                  {"line", 1},
-                  {"text", "No part of the installer knows the key \"Publisher\", so nobody sees this line."},
-                  {"reference", "docs/attributes.md#key-unknown"}}}));
+            nlohmann::json::array({{{"name", "key-unknown"},
+                                    {"severity", "warning"},
+                                    {"file", ".InstallationAttributes.dat"},
+                                    {"line", 1},
+                                    {"text", "The key \"Publisher\" is unknown, so this line is ignored."},
+                                    {"reference", "docs/attributes.md#key-unknown"}}}));
   EXPECT_EQ(json["errors"], 0);
   EXPECT_EQ(json["warnings"], 1);
   EXPECT_EQ(json["notes"], 0);
@@ -138,11 +121,10 @@ TEST(CheckCommand, SaysWhichEditionAKnownUserGets) {
 TEST(CheckCommand, SaysInOneLineWhatCannotBeUsed) {
   const std::vector<std::pair<std::string, std::string>> cases{
       {"/Users/tester/none",
-       "tavinstall: no set at /Users/tester/none; it is a folder with an installer package\n"},
+       "tavinstall: no installer set at /Users/tester/none; a set is a folder with an installer package\n"},
       {"", "tavinstall: SET is required\n"},
       {kSetFolder + " --installed /none",
-       "tavinstall: no folder at /none; --installed takes one that holds the data folders as the user has "
-       "them\n"},
+       "tavinstall: no folder at /none; --installed needs a folder that holds the user's data folders\n"},
   };
   makeDiscSet();
   for (const auto& [arguments, message] : cases) {

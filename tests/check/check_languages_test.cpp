@@ -147,7 +147,7 @@ TEST(CheckLanguages, ChineseOfTwoEditions) {
   }
 }
 
-// The effect of a missing key ends a sentence of any remark on keys.
+// The effect of a missing key ends a sentence of any diagnostic on keys.
 TEST(CheckLanguages, SentencesInSentences) {
   makeDiscSet("Mode=InstallFromVolumes\nTotalSizeMillionBytes = 1\n");
   EXPECT_THAT(checkIn("de", kLumaweave).output,
@@ -171,7 +171,7 @@ TEST(CheckLanguages, GermanTellsOneFromSeveral) {
   EXPECT_THAT(outcome.output, EndsWith("\n1 Fehler, 1 Warnung, 0 Hinweise\n"));
 }
 
-TEST(CheckLanguages, GermanOfRemarksThatAreNotKept) {
+TEST(CheckLanguages, GermanOfDiagnosticsThatAreNotKept) {
   makeDiscSet();
   for (int i = 0; i < 22; ++i) {
     std::filesystem::create_symlink("nothing", inSet("discs/1 Tavenhall Lumaweave/DOVA/" + std::to_string(i)));
@@ -200,8 +200,7 @@ TEST(CheckLanguages, JsonIsEnglish) {
             "The Mode in line 2 of .InstallationAttributes.dat reads \"InstallFromVolumes\".");
   EXPECT_EQ(json["plan"]["edition"]["reason"], "There is one edition.");
   EXPECT_EQ(json["remarks"][0]["severity"], "warning");
-  EXPECT_EQ(json["remarks"][0]["text"],
-            "No part of the installer knows the key \"Publisher\", so nobody sees this line.");
+  EXPECT_EQ(json["remarks"][0]["text"], "The key \"Publisher\" is unknown, so this line is ignored.");
 }
 
 TEST(CheckLanguages, WithoutOneItIsEnglish) {

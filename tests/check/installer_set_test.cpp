@@ -60,7 +60,7 @@ TEST(InstallerSet, ADiscsNameIsANumberABlankAndAName) {
 
 TEST(InstallerSet, MustBeAFolder) {
   EXPECT_EQ(complaintAbout("/Users/tester/none"),
-            "no set at /Users/tester/none; it is a folder with an installer package");
+            "no installer set at /Users/tester/none; a set is a folder with an installer package");
 }
 
 TEST(InstallerSet, MustHaveAPackage) {
@@ -86,16 +86,17 @@ TEST(InstallerSet, TellsWhatIsWrongWithItsRehearsalFile) {
   writeFile(file, "{\"product\": ");
   EXPECT_EQ(complaintAbout(kSetFolder), file + " is not a JSON object; write it as {\"product\": \"NAME\"}");
   writeFile(file, R"({"Product": "Tessaphon"})");
-  EXPECT_EQ(complaintAbout(kSetFolder), file + ": \"Product\" is none of product, package and installType");
+  EXPECT_EQ(complaintAbout(kSetFolder),
+            file + ": unknown key \"Product\"; the keys are product, package and installType");
   writeFile(file, R"({"product": 7})");
   EXPECT_EQ(complaintAbout(kSetFolder), file + ": \"product\" is not a text; put it in quotes");
   writeFile(file, R"({"installType": "lite"})");
-  EXPECT_EQ(complaintAbout(kSetFolder), file + ": the installType is neither Lite nor Full");
+  EXPECT_EQ(complaintAbout(kSetFolder), file + ": installType must be Lite or Full");
   writeFile(file, R"({"package": "C.pkg"})");
   EXPECT_EQ(complaintAbout(kSetFolder), file + ": there is no package /Users/tester/Installer/C.pkg");
   writeFile(file, R"({"product": "Obonia"})");
   EXPECT_EQ(complaintAbout(kSetFolder),
-            "no product is called Obonia; there are Tessaphon, Lumaweave, Bassoria, TemporaQX");
+            "unknown product Obonia; the products are Tessaphon, Lumaweave, Bassoria, TemporaQX");
 }
 
 TEST(InstallerSet, TheUsersFolderMayBeAHome) {

@@ -1,5 +1,5 @@
 #include "context/install_rules.h"
-#include "host/check/remarks.h"
+#include "host/check/diagnostics.h"
 #include "tests/check/sets.h"
 
 #include <algorithm>
@@ -22,15 +22,15 @@ std::size_t timesIn(const std::string& text, const std::string& part) {
 
 }  // namespace
 
-TEST(Reference, HasAnAnchorAndTheSeverityOfEveryRemark) {
+TEST(Reference, HasAnAnchorAndTheSeverityOfEveryDiagnostic) {
   const std::string reference = source("docs/attributes.md");
-  for (const RemarkKind& kind : remarkKinds()) {
+  for (const DiagnosticKind& kind : diagnosticKinds()) {
     const std::string name(kind.name);
     const std::string start =
         "<a id=\"" + name + "\"></a>**" + name + "** (" + severityWord(kind.severity) + ") ";
     EXPECT_EQ(timesIn(reference, start), 1U) << start;
   }
-  EXPECT_EQ(timesIn(reference, "<a id="), remarkKinds().size());
+  EXPECT_EQ(timesIn(reference, "<a id="), diagnosticKinds().size());
 }
 
 TEST(Reference, ExplainsEveryKeyWithAnExample) {
@@ -67,29 +67,29 @@ TEST(Reference, StatesWhatEachDiscIsCalled) {
   }
 }
 
-// The reference is what a remark links to.
-TEST(Reference, IsWhatARemarkPointsTo) {
+// The reference is what a diagnostic links to.
+TEST(Reference, IsLinkedFromDiagnostics) {
   makeDiscSet("Publisher = Tavenhall\n" + kDiscLines);
   const CheckResult result = checkFor("Lumaweave");
-  ASSERT_EQ(result.remarks.all().size(), 1U);
-  EXPECT_EQ(result.remarks.all()[0].reference(), "docs/attributes.md#key-unknown");
+  ASSERT_EQ(result.diagnostics.all().size(), 1U);
+  EXPECT_EQ(result.diagnostics.all()[0].reference(), "docs/attributes.md#key-unknown");
 }
 
-TEST(Reference, EveryRemarkIsProvokedByATest) {
+TEST(Reference, EveryDiagnosticIsProvokedByATest) {
   std::string tests;
   for (const char* topic : {"attributes", "value", "setting", "disc", "file", "update"}) {
-    tests += source("tests/check/" + std::string(topic) + "_remarks_test.cpp");
+    tests += source("tests/check/" + std::string(topic) + "_diagnostics_test.cpp");
   }
-  for (const RemarkKind& kind : remarkKinds()) {
+  for (const DiagnosticKind& kind : diagnosticKinds()) {
     const std::string expected =
         "{\"" + std::string(kind.name) + "\", \"" + severityWord(kind.severity) + "\", ";
     EXPECT_GE(timesIn(tests, expected), 1U) << expected;
   }
 }
 
-TEST(Reference, NoTwoRemarksHaveOneName) {
+TEST(Reference, NoTwoDiagnosticsHaveOneName) {
   std::vector<std::string_view> names;
-  for (const RemarkKind& kind : remarkKinds()) {
+  for (const DiagnosticKind& kind : diagnosticKinds()) {
     names.push_back(kind.name);
   }
   std::sort(names.begin(), names.end());

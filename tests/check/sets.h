@@ -111,24 +111,24 @@ inline CheckResult checkFor(const std::string& product, const std::string& insta
 
 inline std::vector<Found> foundIn(const CheckResult& result) {
   std::vector<Found> found;
-  for (const Remark& remark : result.remarks.all()) {
-    found.push_back(
-        {std::string(remark.name), severityWord(remark.severity), remark.place.file, remark.place.line});
+  for (const Diagnostic& diagnostic : result.diagnostics.all()) {
+    found.push_back({std::string(diagnostic.name), severityWord(diagnostic.severity), diagnostic.place.file,
+                     diagnostic.place.line});
   }
   return found;
 }
 
-// Every remark that there is, and how the command ends.
-inline void expectRemarks(const CheckResult& result, const std::vector<Found>& expected, int exitStatus) {
+// Every diagnostic that there is, and how the command ends.
+inline void expectDiagnostics(const CheckResult& result, const std::vector<Found>& expected, int exitStatus) {
   EXPECT_THAT(foundIn(result), testing::UnorderedElementsAreArray(expected)) << checkText(result);
-  EXPECT_EQ(static_cast<int>(result.remarks.exitStatus()), exitStatus);
+  EXPECT_EQ(static_cast<int>(result.diagnostics.exitStatus()), exitStatus);
 }
 
-// The sentence of the only remark of that name.
+// The sentence of the only diagnostic of that name.
 inline std::string sentenceOf(const CheckResult& result, const std::string& name) {
   std::string sentence;
-  for (const Remark& remark : result.remarks.all()) {
-    sentence = remark.name == name ? remark.sentence : sentence;
+  for (const Diagnostic& diagnostic : result.diagnostics.all()) {
+    sentence = diagnostic.name == name ? diagnostic.sentence : sentence;
   }
   return sentence;
 }

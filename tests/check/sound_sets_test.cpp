@@ -36,7 +36,7 @@ class Sample : public testing::TestWithParam<const char*> {};
 TEST_P(Sample, GivesNothing) {
   laySample(GetParam());
   const CheckResult result = checkSet({kSetFolder, "", "", ""});
-  expectRemarks(result, {}, 0);
+  expectDiagnostics(result, {}, 0);
   EXPECT_GT(result.checked.realSizes().whole.value_or(0), 20000000);
 }
 
@@ -56,8 +56,8 @@ TEST(SoundSet, OfTheWholeInstallFromTwoDiscsGivesNothing) {
   writeFile(inSet("Installer.pkg"), "");
   writeFile(inSet("discs/1 Tavenhall Tessaphon A/TANVO/Tessaphon/lite.db"), someBytes(4096));
   writeFile(inSet("discs/2 Tessaphon B/Mac OSX/TANVO/Tessaphon/full.db"), someBytes(4096));
-  expectRemarks(checkFor("Tessaphon", "Lite"), {}, 0);
-  expectRemarks(checkFor("Tessaphon", "Full"), {}, 0);
+  expectDiagnostics(checkFor("Tessaphon", "Lite"), {}, 0);
+  expectDiagnostics(checkFor("Tessaphon", "Full"), {}, 0);
 }
 
 TEST(SoundSet, OfTheWholeInstallOfADownloadGivesNothing) {
@@ -65,7 +65,7 @@ TEST(SoundSet, OfTheWholeInstallOfADownloadGivesNothing) {
       "mode = Downloaded\ninstalldatatitle = Tessaphon\nTotalSizeMillionsBytes = 1\nNumberOfVolumes = 1\n");
   writeFile(inSet("Packages/Installer.pkg"), "");
   writeFile(inSet("TANVO/Tessaphon/a.db"), someBytes(1024));
-  expectRemarks(checkFor("Tessaphon"), {}, 0);
+  expectDiagnostics(checkFor("Tessaphon"), {}, 0);
 }
 
 TEST(SoundSet, OfTheWholeInstallOfAnUpdateGivesNothing) {
@@ -77,18 +77,18 @@ TEST(SoundSet, OfTheWholeInstallOfAnUpdateGivesNothing) {
                            "Part 2/TANVO/Mirel Packs/Velmora/velmora.db", "Part 2/TANVO/Tessaphon/full.db"}) {
     writeFile(inSet(path), someBytes(1024));
   }
-  expectRemarks(checkFor("Tessaphon"), {}, 0);
+  expectDiagnostics(checkFor("Tessaphon"), {}, 0);
 }
 
 TEST(SoundSet, OnDiscsGivesNothing) {
   makeDiscSet();
-  expectRemarks(checkFor("Lumaweave"), {}, 0);
+  expectDiagnostics(checkFor("Lumaweave"), {}, 0);
 }
 
 TEST(SoundSet, OnDiscsWithTwoEditionsGivesNothing) {
   makeDiscSet(kDiscLines + "LiteVsFullPrompt = Yes\nComponent1SizeMillionsBytes = 1\n");
-  expectRemarks(checkFor("Lumaweave"), {}, 0);
-  expectRemarks(checkFor("Lumaweave", "Lite"), {}, 0);
+  expectDiagnostics(checkFor("Lumaweave"), {}, 0);
+  expectDiagnostics(checkFor("Lumaweave", "Lite"), {}, 0);
 }
 
 TEST(SoundSet, OnThreeDiscsOfTessaphonGivesNothing) {
@@ -97,23 +97,23 @@ TEST(SoundSet, OnThreeDiscsOfTessaphonGivesNothing) {
   writeFile(inSet("discs/1 Tavenhall Tessaphon A/TANVO/a"), "a");
   writeFile(inSet("discs/2 Tessaphon B/TANVO/b"), "b");
   writeFile(inSet("discs/3 Tessaphon C/Mac OSX/TANVO/c"), "c");
-  expectRemarks(checkFor("Tessaphon"), {}, 0);
+  expectDiagnostics(checkFor("Tessaphon"), {}, 0);
 }
 
 TEST(SoundSet, OfADataUpdateGivesNothing) {
   makeDataUpdateSet();
-  expectRemarks(checkFor("Tessaphon"), {}, 0);
-  expectRemarks(checkFor("Tessaphon", "Lite"), {}, 0);
+  expectDiagnostics(checkFor("Tessaphon"), {}, 0);
+  expectDiagnostics(checkFor("Tessaphon", "Lite"), {}, 0);
 }
 
 TEST(SoundSet, OfADownloadedInstallerGivesNothing) {
   makeDownloadSet();
-  expectRemarks(checkFor("Tessaphon"), {}, 0);
+  expectDiagnostics(checkFor("Tessaphon"), {}, 0);
 }
 
 TEST(SoundSet, OfAProductUpdateGivesNothing) {
   makeUpdateSet();
-  expectRemarks(checkFor("Tessaphon"), {}, 0);
+  expectDiagnostics(checkFor("Tessaphon"), {}, 0);
 }
 
 TEST(SoundSet, OfAProductUpdateForAKnownUserGivesNothing) {
@@ -122,7 +122,7 @@ TEST(SoundSet, OfAProductUpdateForAKnownUserGivesNothing) {
             "stub");
   makeFolder("/Users/tester/Has/DOVA");
   const CheckResult result = checkFor("Tessaphon", "", "/Users/tester/Has");
-  expectRemarks(result, {}, 0);
+  expectDiagnostics(result, {}, 0);
   EXPECT_TRUE(result.checked.plan.editions.allAreLite);
 }
 
@@ -130,18 +130,18 @@ TEST(SoundSet, WithoutLibrariesOrDataOfItsOwnGivesNothing) {
   makeUpdateSet("Mode = SupportHub\nInstalledData = %s\nTotalSizeMillionsBytes = 1\n");
   std::filesystem::remove_all(inSet("First"));
   std::filesystem::remove_all(inSet("Second"));
-  expectRemarks(checkFor("Tessaphon"), {}, 0);
+  expectDiagnostics(checkFor("Tessaphon"), {}, 0);
 }
 
 TEST(SoundSet, MayHaveCommentsAndEmptyLines) {
   makeDiscSet(kDiscLines + "\n# Made for the second edition\n; and so on\n// and on\n");
-  expectRemarks(checkFor("Lumaweave"), {}, 0);
+  expectDiagnostics(checkFor("Lumaweave"), {}, 0);
 }
 
 TEST(SoundSet, MayWriteTextKeysInAnyCase) {
   makeDiscSet(
       "MODE = InstallFromVolumes\ninstalleddata = In %s\nNumberOfVolumes = 2\nTotalSizeMillionsBytes = 1\n");
-  expectRemarks(checkFor("Lumaweave"), {}, 0);
+  expectDiagnostics(checkFor("Lumaweave"), {}, 0);
 }
 
 TEST(SoundSet, MayNameItsProductAndTypeItself) {
@@ -149,7 +149,7 @@ TEST(SoundSet, MayNameItsProductAndTypeItself) {
   writeFile(inSet("rehearsal.json"),
             R"({"product": "Tessaphon", "package": "Installer.pkg", "installType": "Lite"})");
   const CheckResult result = checkFor("", "");
-  expectRemarks(result, {}, 0);
+  expectDiagnostics(result, {}, 0);
   EXPECT_EQ(result.checked.plan.editions.source, EditionSource::request);
   EXPECT_TRUE(result.checked.plan.editions.allAreLite);
 }

@@ -30,20 +30,20 @@ TEST_F(OtherUsers, CannotChangeAFolderOfTheUsersOwn) { EXPECT_EQ(changeableByOth
 TEST_F(OtherUsers, CanChangeAPackageWhoseFolderEverybodyCanWrite) {
   allow("/Users/tester/Downloads/Set", 0777);
   EXPECT_EQ(changeableByOthers(kPackagePath),
-            "other users can change /Users/tester/Downloads/Set, and with it what is installed");
+            "other users can change /Users/tester/Downloads/Set and thereby what is installed");
 }
 
 TEST_F(OtherUsers, CanChangeAPackageBelowAFolderThatEverybodyCanWrite) {
   allow("/Users/tester", 0757);
   EXPECT_EQ(changeableByOthers(kPackagePath),
-            "other users can change /Users/tester, and with it what is installed");
+            "other users can change /Users/tester and thereby what is installed");
 }
 
 TEST_F(OtherUsers, CanChangeAnAttributesFileThatEverybodyCanWrite) {
   writeFile("/Users/tester/Downloads/.InstallationAttributes.dat", "Mode = DataUpdater\n");
   allow("/Users/tester/Downloads/.InstallationAttributes.dat", 0666);
   EXPECT_EQ(changeableByOthers(kPackagePath),
-            "other users can change /Users/tester/Downloads/.InstallationAttributes.dat, and with it what is "
+            "other users can change /Users/tester/Downloads/.InstallationAttributes.dat and thereby what is "
             "installed");
 }
 
@@ -58,7 +58,7 @@ TEST_F(OtherUsers, AFolderIsLookedAtWhereItReallyLies) {
   writeFile("/Volumes/Shared/Set/Installer.pkg", "");
   ASSERT_EQ(symlink("/Volumes/Shared/Set", "/Users/tester/Set"), 0);
   EXPECT_EQ(changeableByOthers("/Users/tester/Set/Installer.pkg"),
-            "other users can change /Volumes/Shared, and with it what is installed");
+            "other users can change /Volumes/Shared and thereby what is installed");
 }
 
 TEST_F(OtherUsers, CannotChangeADiscThatIsReadOnly) {
@@ -80,7 +80,7 @@ TEST_F(OtherUsers, AGroupCountsUnlessItIsItsOwnersAlone) {
   }
   ASSERT_EQ(chown("/Users/tester/Downloads/Set", 0, 54321), 0);
   EXPECT_EQ(changeableByOthers(kPackagePath),
-            "other users can change /Users/tester/Downloads/Set, and with it what is installed");
+            "other users can change /Users/tester/Downloads/Set and thereby what is installed");
 }
 
 TEST_F(OtherUsers, AFileInTmpIsTheirsUnlessItIsTheUsersOrTheAdministrators) {
@@ -92,7 +92,7 @@ TEST_F(OtherUsers, AFileInTmpIsTheirsUnlessItIsTheUsersOrTheAdministrators) {
     GTEST_SKIP() << "only the machine's own root may give a file away";
   }
   ASSERT_EQ(chown("/tmp/TavInstallLoc", 54321, 54321), 0);
-  EXPECT_EQ(writtenByOthers("/tmp/TavInstallLoc"), "another user has written /tmp/TavInstallLoc");
+  EXPECT_EQ(writtenByOthers("/tmp/TavInstallLoc"), "/tmp/TavInstallLoc was written by another user");
 }
 
 }  // namespace

@@ -204,7 +204,7 @@ class Gate {
         return std::nullopt;
       }
       if ((flags & CLONE_THREAD) == 0 && (flags & CLONE_VFORK) == 0) {
-        return std::nullopt;  // a copy of the program, as a face makes one for the engine
+        return std::nullopt;  // a copy of the program, as a frontend makes one for the engine
       }
       if (!atWork_.contains(processOf(asker))) {
         return std::nullopt;  // still starting, where a sanitizer has threads of its own

@@ -261,7 +261,7 @@ TEST_F(FailingDisc, AScratchAtAByteCostsThatFileAloneAndItIsNamed) {
 
 // What comes after the pull cannot be opened: files are named. Folders count as copied, so a whole folder
 // behind the pull is missing without a word of its own; its files are in the comparison of a rehearsal.
-TEST_F(FailingDisc, OnePulledOutWhileAFileIsReadIsToldOfAndCompletedByTheNextRun) {
+TEST_F(FailingDisc, OnePulledOutWhileAFileIsReadIsReportedOfAndCompletedByTheNextRun) {
   putIn(kBigSize / 2, "end");
   const GatedRun run = install();
   EXPECT_EQ(run.status, 1) << run.output;

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-// Whole installs with the plain face, whose waits cost nothing.
+// Whole installs with the plain frontend, whose waits cost nothing.
 namespace tavenhall::test {
 
 // Installs from the tests' package; every question gets its first button, at most a hundred times. Fails the

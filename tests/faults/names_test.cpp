@@ -111,7 +111,7 @@ TEST(Names, APathOfTenTwentyFourBytesEndsTheInstallBeforeItIsCutShort) {
   const GatedRun run = install();
   EXPECT_EQ(run.status, 1);
   EXPECT_EQ(run.error, "InstallDataPane: a text does not fit its buffer of 1024 bytes; stopping\n");
-  EXPECT_THAT(run.output, HasSubstr("! The installer's engine ended before its time.\n"));
+  EXPECT_THAT(run.output, HasSubstr("! The installer's engine ended unexpectedly.\n"));
   for (const std::string& path : treeOf(kTanvo)) {
     EXPECT_TRUE(path.ends_with("/")) << path;
   }

@@ -19,8 +19,8 @@ using testing::ElementsAre;
 
 constexpr uid_t kOtherUser = 54321;
 constexpr const char* kSharedLine =
-    "tavinstall: other users can change /Users/tester/Downloads/Set, and with it what is installed; "
-    "--trusted installs all the same\n";
+    "tavinstall: other users can change /Users/tester/Downloads/Set and thereby what is installed; use "
+    "--trusted to install anyway\n";
 
 void layUpdate(const std::string& attributes = "") {
   layTree(kSet, {textFile(".InstallationAttributes.dat", "Mode = DataUpdater\nRelativePath = .\n" + attributes),
@@ -33,8 +33,8 @@ void openToAll(const std::string& path) { ASSERT_EQ(chmod(path.c_str(), 0777), 0
 TEST(SharedPackageFolder, IsRefusedInOneLineAndNothingIsBegun) {
   layUpdate();
   openToAll(kSet);
-  for (const char* face : {"plain", "quiet"}) {
-    const Outcome outcome = runThrough({kTavinstall, "run", "--ui", face, "--package", kPackage});
+  for (const char* frontend : {"plain", "quiet"}) {
+    const Outcome outcome = runThrough({kTavinstall, "run", "--ui", frontend, "--package", kPackage});
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.output, "");
     EXPECT_EQ(outcome.error, kSharedLine);
@@ -52,7 +52,7 @@ TEST(SharedPackageFolder, IsInstalledFromWhenItIsTrusted) {
   EXPECT_TRUE(exists(std::string(kTanvo) + "/a.db"));
 }
 
-TEST(SharedPackageFolder, IsOnlyRemarkedOnToAProgramThatJudgesForItself) {
+TEST(SharedPackageFolder, WarnsOnlyWithUiJson) {
   layUpdate();
   openToAll(kSet);
   JsonInstaller installer({"--package", kPackage});
@@ -72,7 +72,7 @@ TEST(FilesInTmp, AnotherUsersAreRefusedUnlessTheyAreTrusted) {
   const Outcome refused = runThrough({kTavinstall, "run", "--ui", "quiet", "--no-preinstall"});
   EXPECT_EQ(refused.status, 2);
   EXPECT_EQ(refused.error,
-            "tavinstall: another user has written /tmp/TavInstallLoc; --trusted installs all the same\n");
+            "tavinstall: / was written by another usertmp/TavInstallLoc; use --trusted to install anyway\n");
 
   const Outcome trusted = runThrough({kTavinstall, "run", "--ui", "quiet", "--no-preinstall", "--trusted"});
   EXPECT_EQ(trusted.status, 0) << trusted.error;
@@ -88,7 +88,7 @@ TEST(FilesInTmp, AnotherUsersChoiceOfEditionIsRefusedUnlessTheUserChooses) {
   const GatedRun refused = install();
   EXPECT_EQ(refused.status, 2);
   EXPECT_EQ(refused.error,
-            "tavinstall: another user has written /tmp/TavInstallType; --trusted installs all the same\n");
+            "tavinstall: / was written by another usertmp/TavInstallType; use --trusted to install anyway\n");
 
   const GatedRun chosen = install({"--install-type", "Full"});
   EXPECT_EQ(chosen.status, 0) << chosen.error;

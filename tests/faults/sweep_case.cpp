@@ -189,8 +189,8 @@ CaseResult judgeRun(const SweepScenario& scenario, const GatedRun& run, const Hi
   }
   for (const InstalledFile* file : wrong) {
     const auto isAbout = [file](const Silence& silence) { return covers(silence, file->source); };
-    const bool isTold = isNamed(*file, log) || (hits.onLog && sheetsOfFiles(run) > 0);
-    if (!isTold && std::ranges::none_of(hits.silences, isAbout)) {
+    const bool isReported = isNamed(*file, log) || (hits.onLog && sheetsOfFiles(run) > 0);
+    if (!isReported && std::ranges::none_of(hits.silences, isAbout)) {
       return {Ending::lost, "status " + std::to_string(run.status) + ", and nothing tells of " +
                                 file->destination + "\n" + run.output};
     }
@@ -204,10 +204,10 @@ CaseResult judgeRun(const SweepScenario& scenario, const GatedRun& run, const Hi
   return {Ending::silent, hits.silences.front().why};
 }
 
-// The engine is gone, and its face says so; or the face itself, before it had started the engine.
+// The engine is gone, and its frontend says so; or the frontend itself, before it had started the engine.
 CaseResult judgeKilled(const GatedRun& run) {
-  const bool saysSo = run.status == 1 &&
-                      run.output.find("! The installer's engine ended before its time.\n") != std::string::npos;
+  const bool saysSo =
+      run.status == 1 && run.output.find("! The installer's engine ended unexpectedly.\n") != std::string::npos;
   if (run.isHung || (!saysSo && run.status != 128 + SIGKILL)) {
     return {Ending::lost, "killed, it ended with " + std::to_string(run.status) + "\n" + run.output};
   }

@@ -24,7 +24,7 @@ enum class Ending {
   stopped,     // nothing more was begun, and the last word says so
   sheetsOnly,  // the log could not be written; sheets tell of the failures
   silent,      // the page has to keep silent about it, and does; a rehearsal's comparison finds it
-  killed,      // the process was ended in the middle of it, and its face says so
+  killed,      // the process was ended in the middle of it, and its frontend says so
   notReached,  // there was no such call in this run: threads may divide a large read differently
   lost,        // anything else: an error of ours
 };

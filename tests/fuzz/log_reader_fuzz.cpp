@@ -1,6 +1,6 @@
 #include "host/log/log_records.h"
 #include "host/log/log_report.h"
-#include "host/log/run_story.h"
+#include "host/log/logged_run.h"
 #include "tests/fuzz/fuzzing.h"
 
 #include <algorithm>
@@ -108,29 +108,29 @@ bool isHarmless(std::string_view text) {
   return noBytes && text.find("\xC2\x9B") == std::string_view::npos;
 }
 
-void checkStory(const RunStory& story, int number) {
+void checkRun(const LoggedRun& run, int number) {
   const bool areFailuresCounted =
-      story.failures.size() <= RunStory::kMostFailures &&
-      story.failures.size() ==
-          std::min<std::size_t>(static_cast<std::size_t>(story.failureCount), RunStory::kMostFailures);
+      run.failures.size() <= LoggedRun::kMostFailures &&
+      run.failures.size() ==
+          std::min<std::size_t>(static_cast<std::size_t>(run.failureCount), LoggedRun::kMostFailures);
   require(areFailuresCounted, "the failures' number");
-  const std::string text = reportText(story, number);
+  const std::string text = reportText(run, number);
   require(isHarmless(text), "a report could steer the terminal");
   require(text.ends_with('\n'), "a report does not end its line");
   const std::string line =
-      reportJson(story, number).dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+      reportJson(run, number).dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
   require(isValidUtf8(line), "a report is not UTF-8");
   const auto report = nlohmann::ordered_json::parse(line);
   require(report["run"] == number, "a report's number");
-  require(report["failures"].size() == story.failures.size(), "a report's failures");
+  require(report["failures"].size() == run.failures.size(), "a report's failures");
 }
 
-void checkStories(std::string_view log) {
-  int runs = 0;
-  RunStories stories([&runs](const RunStory& story) { checkStory(story, ++runs); });
+void checkRuns(std::string_view log) {
+  int count = 0;
+  LoggedRuns runs([&count](const LoggedRun& run) { checkRun(run, ++count); });
   std::size_t entries = 0;
   LogRecords records([&](const LogRecord& record) {
-    stories.add(record);
+    runs.add(record);
     entries += record.message.starts_with("\n\n*") &&
                        record.message.find("  Install Data Pane Enter: ") != std::string_view::npos
                    ? 1
@@ -138,8 +138,8 @@ void checkStories(std::string_view log) {
   });
   records.add(log);
   records.finish();
-  stories.finish();
-  require(static_cast<std::size_t>(runs) == entries, "not every entry of the page is a run");
+  runs.finish();
+  require(static_cast<std::size_t>(count) == entries, "not every entry of the page is a run");
 }
 
 }  // namespace
@@ -151,6 +151,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (!log.empty()) {
     tavenhall::fuzz::checkReading(log);
   }
-  tavenhall::fuzz::checkStories(log);
+  tavenhall::fuzz::checkRuns(log);
   return 0;
 }

@@ -1,6 +1,6 @@
 #include "context/internal_lookups.h"
 #include "host/log/log_records.h"
-#include "host/log/run_story.h"
+#include "host/log/logged_run.h"
 #include "pane/install_data_pane.h"
 #include "tests/fuzz/fuzzing.h"
 #include "tests/fuzz/page_files.h"
@@ -122,18 +122,18 @@ void checkCopied(const std::string& source, const std::string& destination, std:
 }
 
 void checkLog(const std::string& log, int sheets) {
-  int runs = 0;
-  RunStories stories([&](const RunStory& story) {
-    ++runs;
-    require(story.outcome != RunEnd::never, "the log does not tell of the end");
-    require(sheets == 0 || story.failureCount > 0 || story.outcome == RunEnd::noDataFolder,
-            "a sheet of which the log does not tell");
+  int count = 0;
+  LoggedRuns runs([&](const LoggedRun& run) {
+    ++count;
+    require(run.outcome != RunEnd::never, "the log does not record the end");
+    require(sheets == 0 || run.failureCount > 0 || run.outcome == RunEnd::noDataFolder,
+            "a sheet without a failure in the log");
   });
-  LogRecords records([&stories](const LogRecord& record) { stories.add(record); });
+  LogRecords records([&runs](const LogRecord& record) { runs.add(record); });
   records.add(log);
   records.finish();
-  stories.finish();
-  require(runs == 1, "the log tells of another number of runs");
+  runs.finish();
+  require(count == 1, "the log records another number of runs");
 }
 
 int lowestFreeDescriptor() {

@@ -57,7 +57,7 @@ std::vector<BadInput> badInputs() {
   std::vector<BadInput> inputs;
   // A set, for each of the commands that take one.
   for (const char* command : {"check", "rehearse"}) {
-    const char* none = "no set at /tmp/thing; it is a folder with an installer package";
+    const char* none = "no installer set at /tmp/thing; a set is a folder with an installer package";
     for (const auto& [name, lay] :
          std::vector<std::pair<const char*, void (*)()>>{{"missing", nothing},
                                                          {"text", text},
@@ -69,7 +69,7 @@ std::vector<BadInput> badInputs() {
       inputs.push_back({name, lay, forSet(command), none});
     }
     inputs.push_back({"emptyFolder", folder, forSet(command),
-                      "nothing can be read in /tmp/thing; a set is a folder with an installer package"});
+                      "cannot list /tmp/thing; a set is a folder with an installer package"});
     inputs.push_back({"noPackage", [] { writeFile("/tmp/thing/readme.txt", "text"); }, forSet(command),
                       "no installer package in /tmp/thing; put one there, its name ending in .pkg"});
     inputs.push_back({"twoPackages", [] { setWith("Other.pkg", "package"); }, forSet(command),
@@ -85,11 +85,12 @@ std::vector<BadInput> badInputs() {
                       "/tmp/thing/rehearsal.json is a pipe, a socket or a device; put a file in its place"});
     inputs.push_back({"noText", [] { setWith("rehearsal.json", R"({"product": 7})"); }, forSet(command),
                       "/tmp/thing/rehearsal.json: \"product\" is not a text; put it in quotes"});
-    inputs.push_back({"noKey", [] { setWith("rehearsal.json", R"({"produkt": "Bassoria"})"); }, forSet(command),
-                      "/tmp/thing/rehearsal.json: \"produkt\" is none of product, package and installType"});
+    inputs.push_back(
+        {"noKey", [] { setWith("rehearsal.json", R"({"produkt": "Bassoria"})"); }, forSet(command),
+         "/tmp/thing/rehearsal.json: unknown key \"produkt\"; the keys are product, package and installType"});
     inputs.push_back({"noSuchProduct", [] { setWith("rehearsal.json", R"({"product": "Obonia"})"); },
                       forSet(command),
-                      "no product is called Obonia; there are Tessaphon, Lumaweave, Bassoria, TemporaQX"});
+                      "unknown product Obonia; the products are Tessaphon, Lumaweave, Bassoria, TemporaQX"});
     inputs.push_back({"noSuchPackage", [] { setWith("rehearsal.json", R"({"package": "x.pkg"})"); },
                       forSet(command), "/tmp/thing/rehearsal.json: there is no package /tmp/thing/x.pkg"});
     inputs.push_back(
@@ -104,19 +105,18 @@ std::vector<BadInput> badInputs() {
   inputs.push_back(
       {"brokenLink", brokenLink, log, "cannot read the log /tmp/thing: No such file or directory"});
   for (const auto& lay : {text, binary, hugeLine}) {
-    inputs.push_back({"noLog", lay, log, "/tmp/thing is no installation log: the page wrote no line of it"});
+    inputs.push_back({"noLog", lay, log, "/tmp/thing is not an installation log: no line in it is the page's"});
   }
-  inputs.push_back(
-      {"noneYet",
-       nothing,
-       {"log"},
-       "there is no installation log at /Users/tester/Library/Caches/Tavenhall/installationLog.txt "
-       "yet; the first install writes it"});
+  inputs.push_back({"noneYet",
+                    nothing,
+                    {"log"},
+                    "no installation log at /Users/tester/Library/Caches/Tavenhall/installationLog.txt yet; "
+                    "the first installation creates it"});
   // A package and a plug-in.
   const std::vector<std::string> package{"run", "--ui", "plain", "--package", kThing};
   for (const auto& lay : {nothing, brokenLink}) {
-    inputs.push_back(
-        {"noPackage", lay, package, "no package at /tmp/thing; --package takes the installer package's path"});
+    inputs.push_back({"noPackage", lay, package,
+                      "no package at /tmp/thing; --package needs the path of an installer package"});
   }
   const std::string good = std::string(kGoodSet) + "/Installer.pkg";
   const std::vector<std::string> bundle{"run", "--ui", "plain", "--package", good, "--bundle", kThing};
@@ -146,13 +146,11 @@ std::vector<BadInput> badInputs() {
   inputs.push_back({"keepInAFile",
                     text,
                     {"rehearse", kGoodSet, "--keep", kThing},
-                    "the folder /tmp/thing is not empty; --keep takes a new or an empty one"});
-  inputs.push_back(
-      {"installedIsAFile",
-       text,
-       {"check", kGoodSet, "--installed", kThing},
-       "no folder at /tmp/thing; --installed takes one that holds the data folders as the user has "
-       "them"});
+                    "the folder /tmp/thing is not empty; --keep needs a new or empty folder"});
+  inputs.push_back({"installedIsAFile",
+                    text,
+                    {"check", kGoodSet, "--installed", kThing},
+                    "no folder at /tmp/thing; --installed needs a folder that holds the user's data folders"});
   return inputs;
 }
 

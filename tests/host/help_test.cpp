@@ -201,7 +201,7 @@ TEST(Help, OfTheProgramFitsAScreenAndNamesEveryCommand) {
   EXPECT_THAT(optionsOf(""), UnorderedElementsAreArray({"--help", "--version"}));
 }
 
-TEST(Manual, HasNothingThatItsCheckerRemarks) {
+TEST(Manual, HasNothingThatItsCheckerDiagnostics) {
   if (!hasProgram("mandoc")) {
     GTEST_SKIP() << "mandoc is not installed";
   }

@@ -90,7 +90,7 @@ TEST(Languages, WithoutTheUsersLocaleTheColumnsAreStillThoseOfLetters) {
 }
 
 TEST(Languages, WithoutOneOrWithAnUnknownOneItIsEnglish) {
-  const std::string english = "tavinstall: there is no installation log at ";
+  const std::string english = "tavinstall: no installation log at ";
   EXPECT_THAT(runThrough({kTavinstall, "log"}, {{"LC_ALL", "C"}, {"LANGUAGE", "de"}}).error,
               StartsWith(english));
   EXPECT_THAT(inLanguage("tlh", {"log"}).error, StartsWith(english));
@@ -178,16 +178,17 @@ TEST(Languages, ArgumentsThatAreMissingOrTooManyAreNamedInThem) {
 }
 
 TEST(Languages, OptionsThatDoNotGoTogetherAreNamedInThem) {
-  expectRefusal({"run", "--bundle", "/x", "--product", "Bassoria"}, "--product excludes --bundle",
-                "--product schließt --bundle aus", "--product と --bundle は同時に指定できません");
+  expectRefusal({"run", "--bundle", "/x", "--product", "Bassoria"},
+                "--product cannot be combined with --bundle", "--product schließt --bundle aus",
+                "--product と --bundle は同時に指定できません");
   expectRefusal({"run", "--ui", "plain", "--ui", "json"}, "--ui can be given only once",
                 "--ui kann nur einmal angegeben werden", "--ui は 1 回しか指定できません");
 }
 
 TEST(Languages, ValuesThatAreMissingOrNotAllowedAreNamedInThem) {
-  expectRefusal({"run", "--trusted", "--package"}, "--package needs a value", "--package braucht einen Wert",
+  expectRefusal({"run", "--trusted", "--package"}, "--package requires a value", "--package braucht einen Wert",
                 "--package には値が必要です");
-  expectRefusal({"run", "--package="}, "--package needs a value", "--package braucht einen Wert",
+  expectRefusal({"run", "--package="}, "--package requires a value", "--package braucht einen Wert",
                 "--package には値が必要です");
   expectRefusal({"run", "--trusted=perhaps"}, "--trusted takes no value", "--trusted nimmt keinen Wert",
                 "--trusted に値は指定できません");
@@ -195,7 +196,7 @@ TEST(Languages, ValuesThatAreMissingOrNotAllowedAreNamedInThem) {
                 "--ui: loud ist nicht in {json,plain,quiet,terminal}",
                 "--ui: loud は {json,plain,quiet,terminal} のどれでもありません");
   for (const std::string number : {"-1", "often", "1.5", "99999999999"}) {
-    expectRefusal({"rehearse", "/x", "--late", number}, "--late: " + number + " is no whole number from 0 on",
+    expectRefusal({"rehearse", "/x", "--late", number}, "--late: " + number + " is not an integer from 0 up",
                   "--late: " + number + " ist keine ganze Zahl ab 0",
                   "--late: " + number + " は 0 以上の整数ではありません");
   }
@@ -206,7 +207,7 @@ TEST(Languages, WhatOtherUsersCanChangeIsRefusedInThem) {
   ASSERT_EQ(chmod("/tmp/open", 0777), 0);
   expectRefusal(
       {"run", "--ui", "plain", "--package", "/tmp/open/Installer.pkg"},
-      "other users can change /tmp/open, and with it what is installed; --trusted installs all the same",
+      "other users can change /tmp/open and thereby what is installed; use --trusted to install anyway",
       "andere Benutzer können /tmp/open ändern und damit, was installiert wird; --trusted installiert "
       "trotzdem",
       "他のユーザーが /tmp/open を変更でき、インストールされるものも変わります。--trusted を付ければイン"

@@ -61,29 +61,29 @@ TEST_F(BadUsage, ABundleBesideAProduct) {
 
 TEST_F(BadUsage, WithoutAPackage) { expectBadUsage({"run", "--ui", "json"}, "--package"); }
 
-class BadUsageInEveryFace : public BadUsage, public testing::WithParamInterface<const char*> {};
+class BadUsageInEveryFrontend : public BadUsage, public testing::WithParamInterface<const char*> {};
 
-TEST_P(BadUsageInEveryFace, APackageThatDoesNotExist) {
+TEST_P(BadUsageInEveryFrontend, APackageThatDoesNotExist) {
   expectBadUsage({"run", "--ui", GetParam(), "--package", "/Users/tester/Gone.pkg"}, "/Users/tester/Gone.pkg");
 }
 
-TEST_P(BadUsageInEveryFace, APackageWithALineBreakInItsPath) {
+TEST_P(BadUsageInEveryFrontend, APackageWithALineBreakInItsPath) {
   expectBadUsage({"run", "--ui", GetParam(), "--package", "/Users/tester/Gone\nFar.pkg"}, "Far.pkg");
 }
 
-TEST_P(BadUsageInEveryFace, ABundleThatDoesNotExist) {
+TEST_P(BadUsageInEveryFrontend, ABundleThatDoesNotExist) {
   expectBadUsage({"run", "--ui", GetParam(), "--package", package, "--install-type", "Lite", "--bundle",
                   "/Volumes/Gone.bundle"},
                  "/Volumes/Gone.bundle");
 }
 
-TEST_P(BadUsageInEveryFace, ABundleWhoseProgramIsNone) {
+TEST_P(BadUsageInEveryFrontend, ABundleWhoseProgramIsNone) {
   writeFile("/Volumes/Text.bundle/Contents/MacOS/InstallDataPane", "not a program\n");
   expectBadUsage({"run", "--ui", GetParam(), "--package", package, "--bundle", "/Volumes/Text.bundle"},
                  "/Volumes/Text.bundle");
 }
 
-INSTANTIATE_TEST_SUITE_P(Faces, BadUsageInEveryFace, testing::Values("json", "plain", "quiet"),
+INSTANTIATE_TEST_SUITE_P(Frontends, BadUsageInEveryFrontend, testing::Values("json", "plain", "quiet"),
                          [](const auto& tested) { return std::string(tested.param); });
 
 TEST(CommandLine, ABundleIsFoundThroughARelativePath) {

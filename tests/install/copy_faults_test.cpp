@@ -175,13 +175,13 @@ TEST(CopyFaults, WhatCameBeforeTheStopIsHeard) {
   EXPECT_EQ(moves, files + 1);  // the first is the empty bar's
 }
 
-TEST(CopyFaults, AProgramThatHadToStopIsReportedByThePlainFace) {
+TEST(CopyFaults, AProgramThatHadToStopIsReportedByThePlainFrontend) {
   layTooLongPath();
 
   const Outcome outcome = runThrough({kTavinstall, "run", "--ui", "plain", "--package", kPackage});
 
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_THAT(outcome.output, testing::HasSubstr("! The installer's engine ended before its time.\n"));
+  EXPECT_THAT(outcome.output, testing::HasSubstr("! The installer's engine ended unexpectedly.\n"));
   EXPECT_EQ(outcome.error, "InstallDataPane: a text does not fit its buffer of 1024 bytes; stopping\n");
 }
 

@@ -118,8 +118,7 @@ TEST(Updater, IsRefusedWhereItsOwnFoldersAreTheSystems) {
   layTree(kTanvo, {});
   const std::string complaint =
       "tavinstall: the update would copy /Users/tester/Downloads/Set/Library onto itself; move the package "
-      "into a "
-      "folder of its own\n";
+      "into its own folder\n";
 
   const Outcome outcome = runThrough({kTavinstall, "run", "--ui", "quiet", "--package", kPackage});
   EXPECT_EQ(outcome.status, 2);

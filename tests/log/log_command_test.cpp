@@ -42,34 +42,24 @@ TEST(LogCommand, TellsTheUsersOwnLog) {
   writeFile(kLog, fourEnds());
   const Outcome outcome = tellLog({});
   EXPECT_EQ(outcome.status, 0) << outcome.error;
-  EXPECT_EQ(outcome.output,
-            "Run 1, May 01 2026 10:00:00, on studio: ended, nothing failed\n"
-            "    lasted         5 s\n"
-            "    settings       no attributes file\n"
-            "\n"
-            "Run 2, May 01 2026 11:00:00, on studio: ended, with 1 failure\n"
-            "    lasted         5 s\n"
-            "    settings       no attributes file\n"
-            "    FAILED         11:00:01  cannot read /V/a\n"
-            "\n"
-            "Run 3, May 01 2026 12:00:00, on studio: not begun: the data folder was not there\n"
-            "    lasted         1 s\n"
-            "    settings       no attributes file\n"
-            "\n"
-            "Run 4, May 01 2026 13:00:00, on studio: it never ended; its last word: Copying folder /V /U\n"
-            "    lasted         1 s\n"
-            "    settings       no attributes file\n"
-            "\n"
-            "4 runs in the log; 1 ended, nothing failed; 1 ended with failures; 1 not begun; 1 never ended.\n");
+  EXPECT_EQ(
+      outcome.output,
+      "Run 1, May 01 2026 10:00:00, on studio: ended, nothing failed\n    lasted         5 s\n    settings     "
+      "  no attributes file\n\nRun 2, May 01 2026 11:00:00, on studio: ended, with 1 failure\n    lasted       "
+      "  5 s\n    settings       no attributes file\n    FAILED         11:00:01  cannot read /V/a\n\nRun 3, "
+      "May 01 2026 12:00:00, on studio: not started: the data folder did not exist\n    lasted         1 s\n   "
+      " settings       no attributes file\n\nRun 4, May 01 2026 13:00:00, on studio: it did not end; last "
+      "message: Copying folder /V /U\n    lasted         1 s\n    settings       no attributes file\n\n4 runs "
+      "in the log; 1 ended, nothing failed; 1 ended with failures; 1 not started; 1 did not end.\n");
 }
 
 TEST(LogCommand, TellsTheLastRunAlone) {
   writeFile("/tmp/a.log", fourEnds());
   const Outcome outcome = tellLog({"--last", "/tmp/a.log"});
   EXPECT_EQ(outcome.status, 0) << outcome.error;
-  EXPECT_THAT(outcome.output, StartsWith("Run 4, May 01 2026 13:00:00, on studio: it never ended"));
+  EXPECT_THAT(outcome.output, StartsWith("Run 4, May 01 2026 13:00:00, on studio: it did not end"));
   EXPECT_THAT(outcome.output, EndsWith("\n\n4 runs in the log; 1 ended, nothing failed; 1 ended with failures; "
-                                       "1 not begun; 1 never ended.\n"));
+                                       "1 not started; 1 did not end.\n"));
 }
 
 TEST(LogCommand, TellsJson) {
@@ -92,7 +82,8 @@ TEST(LogCommand, ARunThatIsGoingOnIsNotCalledEndless) {
   std::tm local{};
   std::strftime(now.data(), now.size(), "%B %d %Y %T", localtime_r(&time, &local));
   writeFile("/tmp/a.log", std::string(now.data()) + " studio: " + kEntry + "\n");
-  EXPECT_THAT(tellLog({"/tmp/a.log"}).output, HasSubstr("not ended, and it may still run; its latest word: "));
+  EXPECT_THAT(tellLog({"/tmp/a.log"}).output,
+              HasSubstr("it has not ended and may still be running; last message: "));
   EXPECT_THAT(tellLog({"/tmp/a.log", "--format", "json"}).output, HasSubstr("\"mayStillRun\":true"));
   const std::string later = record("10:00:00", kEntry);
   writeFile("/tmp/a.log", std::string(now.data()) + " studio: " + kEntry + "\n" + later);
@@ -101,17 +92,17 @@ TEST(LogCommand, ARunThatIsGoingOnIsNotCalledEndless) {
 
 TEST(LogCommand, ReadsAPipe) {
   const Outcome outcome = tellLog({"/dev/stdin"}, fourEnds());
-  EXPECT_THAT(outcome.output, EndsWith("1 never ended.\n")) << outcome.error;
+  EXPECT_THAT(outcome.output, EndsWith("1 did not end.\n")) << outcome.error;
 }
 
 TEST(LogCommand, ALogWithoutARunIsNoError) {
   writeFile("/tmp/empty.log", "");
-  EXPECT_EQ(tellLog({"/tmp/empty.log"}).output, "No run of the page is in /tmp/empty.log.\n");
+  EXPECT_EQ(tellLog({"/tmp/empty.log"}).output, "/tmp/empty.log contains no run of the page.\n");
   EXPECT_EQ(tellLog({"/tmp/empty.log", "--format", "json"}).output, "[]\n");
   writeFile("/tmp/title.log", record("10:00:00", "Data from attributes file::  InstallData title=T "));
-  EXPECT_EQ(tellLog({"/tmp/title.log"}).output, "No run of the page is in /tmp/title.log.\n");
+  EXPECT_EQ(tellLog({"/tmp/title.log"}).output, "/tmp/title.log contains no run of the page.\n");
   mkfifo("/tmp/pipe.log", 0600);
-  EXPECT_EQ(tellLog({"/tmp/pipe.log"}).output, "No run of the page is in /tmp/pipe.log.\n");
+  EXPECT_EQ(tellLog({"/tmp/pipe.log"}).output, "/tmp/pipe.log contains no run of the page.\n");
 }
 
 }  // namespace

@@ -40,10 +40,10 @@ class PasswordTerminalTest : public testing::Test {
   void ask(const std::string& prompt) {
     showTyped(false);
     write(prompt);
-    hear();
+    receive();
   }
 
-  void hear() {
+  void receive() {
     terminal.read([this](const std::string& line) { lines.push_back(line); });
   }
 
@@ -96,7 +96,7 @@ TEST_F(PasswordTerminalTest, WhatIsAskedWithoutShowingTheAnswerIsAQuestion) {
 
 TEST_F(PasswordTerminalTest, WhatIsSaidIsNoQuestion) {
   write("We trust you.\r\n\r\nThink before you type.\npart of a line");
-  hear();
+  receive();
   EXPECT_THAT(lines, ElementsAre("We trust you.", "Think before you type."));
   EXPECT_EQ(terminal.prompt(), std::nullopt);
 }
@@ -110,20 +110,20 @@ TEST_F(PasswordTerminalTest, LinesBeforeAQuestionAreSaid) {
 TEST_F(PasswordTerminalTest, AQuestionThatComesInPiecesIsOne) {
   ask("[sudo] pass");
   write("word for tester: ");
-  hear();
+  receive();
   EXPECT_EQ(terminal.prompt(), "[sudo] password for tester:");
   tell(terminal, "sesame");
   EXPECT_EQ(read(), "sesame\n");
   showTyped(true);
   write("\r\nSorry, try again.\r\n");
-  hear();
+  receive();
   EXPECT_THAT(lines, ElementsAre("Sorry, try again."));
 }
 
 TEST_F(PasswordTerminalTest, WhoRelaysAWholeTerminalAsksNothing) {
   relayAll();
   write("50 %");
-  hear();
+  receive();
   EXPECT_EQ(terminal.prompt(), std::nullopt);
 }
 
@@ -132,11 +132,11 @@ TEST_F(PasswordTerminalTest, StarsForWhatIsTypedAreNoQuestion) {
   tell(terminal, "abc");
   static_cast<void>(read());
   write("***");
-  hear();
+  receive();
   EXPECT_EQ(terminal.prompt(), std::nullopt);
   write("\b \b\b \b\b \b\r\n");
   showTyped(true);
-  hear();
+  receive();
   EXPECT_EQ(terminal.prompt(), std::nullopt);
   EXPECT_THAT(lines, IsEmpty());
 }
@@ -152,7 +152,7 @@ TEST_F(PasswordTerminalTest, AQuestionThatIsTakenBackIsNoneAnyMore) {
   ask("Password: ");
   showTyped(true);
   write("\r\ntimed out\r\n");
-  hear();
+  receive();
   EXPECT_EQ(terminal.prompt(), std::nullopt);
   EXPECT_THAT(lines, ElementsAre("timed out"));
 }
@@ -167,7 +167,7 @@ TEST_F(PasswordTerminalTest, AnAnswerThatComesTooLateReachesNobody) {
 TEST_F(PasswordTerminalTest, WhenNobodyHasTheTerminalItIsClosed) {
   ask("Password: ");
   closeCommand();
-  hear();
+  receive();
   EXPECT_EQ(terminal.descriptor(), -1);
   EXPECT_EQ(terminal.prompt(), std::nullopt);
 }

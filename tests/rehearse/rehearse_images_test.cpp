@@ -86,10 +86,9 @@ TEST(RehearseImages, AToolThatIsMissingIsNamed) {
   }
   const Outcome outcome = runThrough(rehearseCommand({"--product", "Lumaweave"}), {{"PATH", "/tmp/bin"}});
   EXPECT_EQ(outcome.status, 2);
-  EXPECT_EQ(
-      outcome.error,
-      "tavinstall: cannot open the disc image /Users/tester/Installer/discs/1 Tavenhall Lumaweave.squashfs: "
-      "squashfuse is not there; install the package squashfuse\n");
+  EXPECT_EQ(outcome.error,
+            "tavinstall: cannot open the disc image /Users/tester/Installer/discs/1 Tavenhall "
+            "Lumaweave.squashfs: squashfuse is missing; install the package squashfuse\n");
 }
 
 }  // namespace

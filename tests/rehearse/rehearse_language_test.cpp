@@ -65,7 +65,7 @@ TEST(RehearseLanguage, WithoutOneTheReportIsEnglish) {
   EXPECT_EQ(outcome.status, 0) << outcome.error;
   EXPECT_THAT(outcome.output,
               StartsWith("\nRehearsal of /Users/tester/Installer\n\n  mode         3: The Mode in"));
-  EXPECT_THAT(outcome.output, EndsWith("\nEverything is installed, and there is nothing to remark.\n"));
+  EXPECT_THAT(outcome.output, EndsWith("\nRehearsal passed: everything was installed, no problems found.\n"));
 }
 
 TEST(RehearseLanguage, TheJsonOfTheSameRunStaysEnglish) {
@@ -77,7 +77,7 @@ TEST(RehearseLanguage, TheJsonOfTheSameRunStaysEnglish) {
   const json english = report();
   const Outcome outcome = rehearseIn("de", arguments);
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_THAT(outcome.output, EndsWith("  Bemerkung: First/DOVA/Bassoria/lost.db wird von nichts installiert\n"
+  EXPECT_THAT(outcome.output, EndsWith("  Warnung: First/DOVA/Bassoria/lost.db wird von nichts installiert\n"
                                        "Die Installation schlug fehl.\n"));
   const json german = report();
   EXPECT_EQ(german["remarks"], json({"nothing installs First/DOVA/Bassoria/lost.db"}));

@@ -79,7 +79,7 @@ TEST(RehearseInstalled, WithoutADataFolderThePageBeginsNothing) {
   makeFolder(kHad);
   const Outcome outcome = rehearse({"--installed", kHad});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_THAT(outcome.output, HasSubstr("FAILED: the data folder was not there, so nothing was begun\n"));
+  EXPECT_THAT(outcome.output, HasSubstr("FAILED: the data folder did not exist, so nothing was installed\n"));
 }
 
 TEST(RehearseInstalled, WhatOneRehearsalKeptIsWhatTheNextOneFinds) {
@@ -98,10 +98,9 @@ TEST(RehearseInstalled, AFolderThatIsNotThereIsBadUsage) {
   makeDownloadSet();
   const Outcome outcome = rehearse({"--installed", "/Users/tester/none"});
   EXPECT_EQ(outcome.status, 2);
-  EXPECT_EQ(
-      outcome.error,
-      "tavinstall: no folder at /Users/tester/none; --installed takes one that holds the data folders as the "
-      "user has them\n");
+  EXPECT_EQ(outcome.error,
+            "tavinstall: no folder at /Users/tester/none; --installed needs a folder that holds the user's "
+            "data folders\n");
 }
 
 // ---- The edition ----
@@ -163,7 +162,7 @@ TEST(RehearseKeep, AFolderThatIsNotEmptyIsRefused) {
   const Outcome outcome = rehearse({"--keep", "/Users/tester/kept"});
   EXPECT_EQ(outcome.status, 2);
   EXPECT_EQ(outcome.error,
-            "tavinstall: the folder /Users/tester/kept is not empty; --keep takes a new or an empty one\n");
+            "tavinstall: the folder /Users/tester/kept is not empty; --keep needs a new or empty folder\n");
   EXPECT_THAT(treeOf("/Users/tester/kept"), ElementsAre("mine"));
 }
 
@@ -173,8 +172,7 @@ TEST(RehearseKeep, AFolderThatCannotBeMadeIsBadUsage) {
   const Outcome outcome = rehearse({"--keep", "/Users/tester/file/kept"});
   EXPECT_EQ(outcome.status, 2);
   EXPECT_EQ(outcome.error,
-            "tavinstall: cannot make the folder /Users/tester/file/kept; --keep takes one that can be "
-            "written\n");
+            "tavinstall: cannot create the folder /Users/tester/file/kept; --keep needs a writable folder\n");
 }
 
 // ---- What cannot be used ----
@@ -182,8 +180,9 @@ TEST(RehearseKeep, AFolderThatCannotBeMadeIsBadUsage) {
 TEST(RehearseBadUsage, ASetThatIsNotThere) {
   const Outcome outcome = rehearse();
   EXPECT_EQ(outcome.status, 2);
-  EXPECT_EQ(outcome.error,
-            "tavinstall: no set at /Users/tester/Installer; it is a folder with an installer package\n");
+  EXPECT_EQ(
+      outcome.error,
+      "tavinstall: no installer set at /Users/tester/Installer; a set is a folder with an installer package\n");
 }
 
 TEST(RehearseBadUsage, AProductThatIsNone) {
@@ -191,7 +190,7 @@ TEST(RehearseBadUsage, AProductThatIsNone) {
   const Outcome outcome = rehearse({"--product", "Nosuch"});
   EXPECT_EQ(outcome.status, 2);
   EXPECT_EQ(outcome.error,
-            "tavinstall: no product is called Nosuch; there are Tessaphon, Lumaweave, Bassoria, TemporaQX\n");
+            "tavinstall: unknown product Nosuch; the products are Tessaphon, Lumaweave, Bassoria, TemporaQX\n");
 }
 
 TEST(RehearseBadUsage, AReportThatCannotBeWrittenIsSaidBeforeAnythingIsInstalled) {
@@ -218,9 +217,9 @@ TEST(RehearseBadUsage, NoPlaceForATemporaryFolder) {
   makeDownloadSet();
   const Outcome outcome = runThrough(rehearseCommand(), {{"TMPDIR", "/Users/tester/none"}});
   EXPECT_EQ(outcome.status, 2);
-  EXPECT_EQ(outcome.error,
-            "tavinstall: cannot make a temporary folder in /Users/tester/none; TMPDIR may name another "
-            "place for it\n");
+  EXPECT_EQ(
+      outcome.error,
+      "tavinstall: cannot create a temporary folder in /Users/tester/none; set TMPDIR to another folder\n");
 }
 
 // A set that says it is larger than any disk: sparse, so that it takes none here.
@@ -230,8 +229,8 @@ TEST(RehearseBadUsage, TooLittleRoomIsSaidBeforeAnythingIsInstalled) {
   std::filesystem::resize_file(inSet("TANVO/Tessaphon/huge.db"), 8'000'000'000'000);
   const Outcome outcome = rehearse();
   EXPECT_EQ(outcome.status, 2);
-  EXPECT_THAT(outcome.error, StartsWith("tavinstall: the install takes 8.0 TB and there is "));
-  EXPECT_THAT(outcome.error, EndsWith("; --keep DIR takes another place\n"));
+  EXPECT_THAT(outcome.error, StartsWith("tavinstall: the installation needs 8.0 TB, but "));
+  EXPECT_THAT(outcome.error, EndsWith("; use --keep DIR for another place\n"));
   expectNothingLeft();
 }
 

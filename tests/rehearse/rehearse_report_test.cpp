@@ -26,13 +26,13 @@ Rehearsal of /Users/tester/Installer
   prompt       Tavenhall Lumaweave: inserted
   volume       1: /Volumes/Tavenhall Lumaweave/DOVA, 990.0 kB in TIME, 2 files in 2 folders
   volume       2: /Volumes/Tavenhall Lumaweave/DOVA, 3 bytes in TIME, 1 file in 2 folders
-  files        3 files the same, 0 differ, 0 missing, 0 replaced by a later copy
+  files        3 files identical, 0 differ, 0 missing, 0 replaced by a later copy
   not data     1 file beside the data folders: discs/1 Tavenhall Lumaweave/Read me.txt
   size         1.0 MB announced, 990.0 kB real
   bar          989.2 kB of 1.0 MB at its highest
-  log          not kept; --keep DIR keeps it
+  log          not kept; use --keep DIR
 
-Everything is installed, and there is nothing to remark.
+Rehearsal passed: everything was installed, no problems found.
 )");
 }
 
@@ -57,14 +57,14 @@ Rehearsal of /Users/tester/Installer
   beside       /Applications/, 7 bytes, 1 file in 3 folders
   volume       1: /Users/rehearsal/Downloads/Installer/First/TANVO, 4 bytes in TIME, 1 file in 2 folders
   volume       1: nothing was copied
-  files        4 files the same, 0 differ, 0 missing, 0 replaced by a later copy
+  files        4 files identical, 0 differ, 0 missing, 0 replaced by a later copy
   left out     1 file of the Full edition
   size         1.0 MB announced, 8 bytes real
   component    1.0 MB announced, 4 bytes real
   bar          0 bytes of 1.0 MB at its highest
-  log          not kept; --keep DIR keeps it
+  log          not kept; use --keep DIR
 
-Everything is installed, and there is nothing to remark.
+Rehearsal passed: everything was installed, no problems found.
 )");
 }
 
@@ -142,7 +142,7 @@ TEST(RehearseReport, OfManyFailuresNamesTheFirstInTheTextAndAllInTheJson) {
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(report()["sheets"].size(), 31U);
   EXPECT_EQ(report()["failures"].size(), 33U) << "it cannot be left, two kinds of sheets, a difference each";
-  EXPECT_EQ(report()["failures"][1], "a sheet said 30 times: Failed to open output file.");
+  EXPECT_EQ(report()["failures"][1], "a sheet appeared 30 times: Failed to open output file.");
   EXPECT_THAT(outcome.output, HasSubstr("  sheet        Failed to open output file. (30 times)\n"));
   EXPECT_THAT(outcome.output, HasSubstr("  FAILED: and 13 more\n"));
 }

@@ -13,7 +13,7 @@ namespace {
 using testing::HasSubstr;
 using testing::SizeIs;
 
-constexpr const char* kStopped = "tavinstall: the rehearsal was stopped, so there is no report\n";
+constexpr const char* kStopped = "tavinstall: the rehearsal was stopped; there is no report\n";
 
 std::vector<std::string> stoppableCommand(const std::vector<std::string>& arguments) {
   makeDiscSet();
@@ -43,9 +43,9 @@ std::vector<pid_t> expectProcesses(pid_t program) {
 class RehearseStop : public testing::TestWithParam<std::pair<const char*, int>> {};
 
 TEST_P(RehearseStop, TakesEverythingWithIt) {
-  const auto [face, signal] = GetParam();
-  ChildProgram program(stoppableCommand({"--ui", face}));
-  if (std::string(face) == "json") {
+  const auto [frontend, signal] = GetParam();
+  ChildProgram program(stoppableCommand({"--ui", frontend}));
+  if (std::string(frontend) == "json") {
     program.write("{\"do\":\"enter\"}\n{\"do\":\"wait\"}\n");
   }
   waitUntilUnderWay();
@@ -58,7 +58,7 @@ TEST_P(RehearseStop, TakesEverythingWithIt) {
   expectNothingLeft(processes);
 }
 
-INSTANTIATE_TEST_SUITE_P(Faces, RehearseStop,
+INSTANTIATE_TEST_SUITE_P(Frontends, RehearseStop,
                          testing::Values(std::pair("quiet", SIGTERM), std::pair("quiet", SIGINT),
                                          std::pair("quiet", SIGHUP), std::pair("json", SIGTERM),
                                          std::pair("json", SIGINT), std::pair("plain", SIGTERM),
@@ -110,7 +110,7 @@ TEST(RehearseStop, CtrlCInATerminalEndsAPlainRehearsal) {
   const std::vector<pid_t> processes = expectProcesses(terminal.program());
   terminal.press({"C-c"});
   const std::string shown = terminal.waitFor("[ended with 1]");
-  EXPECT_THAT(shown, HasSubstr("! Stopped. Nothing of it is left."));
+  EXPECT_THAT(shown, HasSubstr("! Stopped. Nothing was kept."));
   EXPECT_THAT(shown, HasSubstr("the rehearsal was stopped"));
   expectNothingLeft(processes);
 }

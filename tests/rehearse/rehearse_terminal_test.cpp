@@ -20,7 +20,7 @@ TEST_F(RehearseTerminal, TheDiscsFollowThePageAndTheReportFollowsTheLastPage) {
   makeDiscSet();
   TmuxTerminal terminal(100, kRows, rehearseCommand({"--product", "Lumaweave"}));
   const std::string introduction = terminal.waitFor("Press Continue to begin.");
-  EXPECT_THAT(introduction, HasSubstr("It is a rehearsal, in"));
+  EXPECT_THAT(introduction, HasSubstr("This is a rehearsal in"));
   EXPECT_THAT(introduction, HasSubstr("/Users/rehearsal/Library/Application Support/Tavenhall/DOVA"));
   EXPECT_THAT(introduction, Not(HasSubstr("/tmp/rehearsal-")));
   terminal.press({"Enter"});
@@ -37,8 +37,8 @@ TEST_F(RehearseTerminal, TheDiscsFollowThePageAndTheReportFollowsTheLastPage) {
   const std::string last = terminal.waitFor("[ended with 0]");
   EXPECT_THAT(last, HasSubstr("Rehearsal of /Users/tester/Installer\n"));
   EXPECT_THAT(last,
-              HasSubstr("  files        2 files the same, 0 differ, 0 missing, 0 replaced by a later copy\n"));
-  EXPECT_THAT(last, HasSubstr("Everything is installed, and there is nothing to remark.\n"));
+              HasSubstr("  files        2 files identical, 0 differ, 0 missing, 0 replaced by a later copy\n"));
+  EXPECT_THAT(last, HasSubstr("Rehearsal passed: everything was installed, no problems found.\n"));
   EXPECT_THAT(last, Not(HasSubstr("The log is"))) << "it went with the sandbox";
   EXPECT_EQ(terminal.ask("#{alternate_on} #{cursor_flag} #{mouse_any_flag}"), "0 1 0");
   EXPECT_THAT(promptsReported(), ElementsAre("Tavenhall Lumaweave: inserted", "Tavenhall Lumaweave: inserted"));
@@ -50,7 +50,7 @@ TEST_F(RehearseTerminal, AMissingDiscEndsThePageAndIsNamedInTheReport) {
   TmuxTerminal terminal(100, kRows, rehearseCommand({"--product", "Bassoria", "--ui", "terminal"}));
   terminal.waitFor("Press Continue to begin.");
   terminal.press({"Enter"});
-  const std::string shown = terminal.waitFor("The installation ended before its time.");
+  const std::string shown = terminal.waitFor("The installation ended unexpectedly.");
   EXPECT_THAT(shown, HasSubstr("the set has no disc Tavenhall Bassoria"));
   terminal.press({"Enter"});
   EXPECT_THAT(terminal.waitFor("[ended with 1]"),
@@ -66,8 +66,8 @@ TEST_F(RehearseTerminal, LeavingBeforeItBeginsInstallsNothing) {
   terminal.waitFor("Leave the installer?");
   terminal.press({"l"});
   const std::string shown = terminal.waitFor("[ended with 1]");
-  EXPECT_THAT(shown, HasSubstr("Nothing was installed.\ntavinstall: the rehearsal was stopped, so there is no "
-                               "report\n"));
+  EXPECT_THAT(shown,
+              HasSubstr("Nothing was installed.\ntavinstall: the rehearsal was stopped; there is no report\n"));
   expectNothingLeft();
 }
 
@@ -80,11 +80,11 @@ TEST_F(RehearseTerminal, LeavingInTheMiddleSaysThatNothingIsLeft) {
   terminal.press({"C-c"});
   terminal.waitFor("Leave the installer?");
   terminal.press({"l"});
-  EXPECT_THAT(terminal.waitFor("[ended with 1]"), HasSubstr("Stopped. Nothing of it is left.\n"));
+  EXPECT_THAT(terminal.waitFor("[ended with 1]"), HasSubstr("Stopped. Nothing was kept.\n"));
   expectNothingLeft();
 }
 
-TEST(RehearsePlain, IsTheFaceWhereThereIsNoTerminal) {
+TEST(RehearsePlain, IsTheFrontendWhereThereIsNoTerminal) {
   makeDownloadSet();
   const Outcome outcome = runThrough(rehearseCommand());
   EXPECT_EQ(outcome.status, 0) << outcome.error;
@@ -106,7 +106,7 @@ TEST(RehearsePlain, AQuestionThatNobodyAnswersFails) {
   makeDiscSet();
   const Outcome outcome = runThrough(rehearseCommand({"--product", "Lumaweave", "--ui", "plain"}));
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_THAT(outcome.output, HasSubstr("FAILED: the install did not come to its end\n"));
+  EXPECT_THAT(outcome.output, HasSubstr("FAILED: the installation did not finish\n"));
 }
 
 TEST(RehearseJson, AProgramGivesTheAnswersAndTheReportStaysOutOfItsLines) {
@@ -116,7 +116,7 @@ TEST(RehearseJson, AProgramGivesTheAnswersAndTheReportStaysOutOfItsLines) {
                  "{\"answer\":1000}\n{\"do\":\"enter\"}\n{\"answer\":1001}\n{\"do\":\"wait\"}\n"
                  "{\"do\":\"forward\"}\n{\"do\":\"quit\"}\n");
   EXPECT_EQ(outcome.status, 0) << outcome.error;
-  EXPECT_THAT(outcome.error, HasSubstr("Everything is installed, and there is nothing to remark.\n"));
+  EXPECT_THAT(outcome.error, HasSubstr("Rehearsal passed: everything was installed, no problems found.\n"));
   EXPECT_THAT(outcome.output, Not(HasSubstr("Rehearsal of")));
   EXPECT_THAT(outcome.output, HasSubstr(R"({"event":"exit","direction":0,"allowed":true})"));
   EXPECT_EQ(report()["alerts"][0]["answer"], 1000) << "given before its question";

@@ -9,16 +9,16 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-TEST(Rehearse, ADownloadedInstallerIsInstalledWithNothingToRemark) {
+TEST(Rehearse, InstallsADownloadedSetWithoutProblems) {
   makeDownloadSet();
   const Outcome outcome = rehearse();
   EXPECT_EQ(outcome.status, 0) << outcome.output << outcome.error;
-  EXPECT_THAT(outcome.output, HasSubstr("Everything is installed, and there is nothing to remark."));
+  EXPECT_THAT(outcome.output, HasSubstr("Rehearsal passed: everything was installed, no problems found."));
   EXPECT_THAT(fatesReported(), ElementsAre("Tessaphon/one.db same"));
   EXPECT_EQ(report()["status"], 0);
 }
 
-TEST(Rehearse, ADataUpdateIsInstalledWithNothingToRemark) {
+TEST(Rehearse, InstallsADataUpdateWithoutProblems) {
   makeDataUpdateSet();
   const Outcome outcome = rehearse();
   EXPECT_EQ(outcome.status, 0) << outcome.output << outcome.error;
@@ -91,25 +91,24 @@ TEST(Rehearse, AFileThatCannotBeInstalledFailsWithItsSheet) {
   const Outcome outcome = rehearse({"--installed", "/Users/tester/had"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_THAT(report()["sheets"], Contains("Failed to open output file."));
-  EXPECT_THAT(outcome.output, HasSubstr("FAILED: a sheet said: Failed to open output file.\n"));
+  EXPECT_THAT(outcome.output, HasSubstr("FAILED: a sheet appeared: Failed to open output file.\n"));
   EXPECT_THAT(outcome.output, HasSubstr("FAILED: content differs: "));
   EXPECT_THAT(outcome.output, HasSubstr("\nThe log ends with:\n"));
 }
 
 // 12.0 MB where 10.0 MB lie: wrong by a fifth.
-TEST(Rehearse, AnAnnouncedSizeThatIsFarFromTheRealOneIsRemarked) {
+TEST(Rehearse, WarnsOfAWrongTotalSize) {
   makeDownloadSet("Mode = Downloaded\nInstalledData = Installed in %s\nTotalSizeMillionsBytes = 12\n");
   writeFile(inSet("TANVO/Tessaphon/large.db"), someBytes(10'000'000));
   const Outcome outcome = rehearse();
   EXPECT_EQ(outcome.status, 3);
   EXPECT_THAT(outcome.output, HasSubstr("  size         12.0 MB announced, 10.0 MB real\n"));
-  EXPECT_THAT(outcome.output,
-              HasSubstr("  remark: the whole is announced as 12.0 MB and is 10.0 MB: the bar will "
-                        "end early or late\n"));
-  EXPECT_THAT(outcome.output, HasSubstr("Everything is installed, with remarks.\n"));
+  EXPECT_THAT(outcome.output, HasSubstr("  warning: the total size is announced as 12.0 MB but is 10.0 MB: the "
+                                        "bar will end early or late\n"));
+  EXPECT_THAT(outcome.output, HasSubstr("Rehearsal passed with warnings: everything was installed.\n"));
 }
 
-TEST(Rehearse, AComponentsSizeThatIsFarFromTheRealOneIsRemarked) {
+TEST(Rehearse, WarnsOfAWrongComponentSize) {
   makeDataUpdateSet(
       "Mode = DataUpdater\nRelativePath = First\nRelativePath2 = Second\nNumberOfVolumes = 2\n"
       "TotalSizeMillionsBytes = 20\nComponent1SizeMillionsBytes = 8\n");
@@ -117,14 +116,13 @@ TEST(Rehearse, AComponentsSizeThatIsFarFromTheRealOneIsRemarked) {
   writeFile(inSet("Second/TANVO/Tessaphon/more.db"), someBytes(10'000'000, 2));
   const Outcome outcome = rehearse();
   EXPECT_EQ(outcome.status, 3);
-  EXPECT_THAT(report()["remarks"],
-              ElementsAre("the first component is announced as 8.0 MB and is 10.0 MB: the bar "
-                          "will end early or late"));
+  EXPECT_THAT(report()["remarks"], ElementsAre("the size of the first component is announced as 8.0 MB but is "
+                                               "10.0 MB: the bar will end early or late"));
   EXPECT_EQ(report()["firstComponent"]["announcedBytes"], 8'000'000);
   EXPECT_EQ(report()["firstComponent"]["realBytes"], 10'000'003);
 }
 
-TEST(Rehearse, DataThatNothingInstallsIsRemarked) {
+TEST(Rehearse, WarnsOfDataThatIsNotInstalled) {
   makeDataUpdateSet();
   writeFile(inSet("First/DOVA/Bassoria/lost.db"), "x");
   writeFile(inSet("First/Read me.txt"), "x");
@@ -135,7 +133,7 @@ TEST(Rehearse, DataThatNothingInstallsIsRemarked) {
   EXPECT_THAT(outcome.output, HasSubstr("  not data     1 file beside the data folders: First/Read me.txt\n"));
 }
 
-TEST(Rehearse, ADiscThatThePageNeverAsksForIsRemarked) {
+TEST(Rehearse, WarnsOfAnUnusedDisc) {
   makeDiscSet("Mode = InstallFromVolumes\nNumberOfVolumes = 1\nTotalSizeMillionsBytes = 1\n");
   const Outcome outcome = rehearse({"--product", "Lumaweave"});
   EXPECT_EQ(outcome.status, 3);
@@ -144,7 +142,7 @@ TEST(Rehearse, ADiscThatThePageNeverAsksForIsRemarked) {
                           "the page never asked for discs/2 Tavenhall Lumaweave"));
 }
 
-TEST(Rehearse, WhatOnlyAFullEditionHasIsNoRemark) {
+TEST(Rehearse, DoesNotWarnOfDataOfTheFullEdition) {
   makeDataUpdateSet();
   const Outcome outcome = rehearse({"--install-type", "Lite"});
   EXPECT_EQ(outcome.status, 0) << outcome.output;

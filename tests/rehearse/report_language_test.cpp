@@ -37,7 +37,7 @@ RehearsalFindings manyFindings() {
   findings.record.sheets = {"One", "Other", "One"};
   findings.record.bars = {{1000.0, 500.0}, {1.0, 1.0}};
   findings.pageWasEntered = true;
-  findings.story.outcome = RunEnd::complete;
+  findings.run.outcome = RunEnd::complete;
   findings.systemFolders = {{0, "/Library/", std::nullopt, 14, 2, 9}};
   findings.volumes = {{0, "/Volumes/A", 2.0, 1'500'000, 3, 1},
                       {1, "/Volumes/B", 0.0, 5, 1, 2},
@@ -105,10 +105,10 @@ Das Protokoll endet mit:
   FEHLER: eine Meldung erschien: Other
   FEHLER: Inhalt weicht ab: /e
   FEHLER: nicht installiert: /g
-  Bemerkung: lost.db wird von nichts installiert
-  Bemerkung: die Seite hat discs/3 Spare nie verlangt
-  Bemerkung: das Ganze ist mit 12.0 MB angekündigt und hat 10.0 MB: der Balken endet zu früh oder zu spät
-  Bemerkung: die Größe der ersten Komponente ist nicht angekündigt (es sind 5.0 MB)
+  Warnung: lost.db wird von nichts installiert
+  Warnung: die Seite hat discs/3 Spare nie verlangt
+  Warnung: das Ganze ist mit 12.0 MB angekündigt und hat 10.0 MB: der Balken endet zu früh oder zu spät
+  Warnung: die Größe der ersten Komponente ist nicht angekündigt (es sind 5.0 MB)
 Die Installation schlug fehl.
 )");
 }
@@ -150,10 +150,10 @@ TEST(RehearsalReportText, IsJapaneseForTheJapanese) {
   失敗: メッセージが表示されました: Other
   失敗: 内容が異なります: /e
   失敗: インストールされていません: /g
-  指摘: lost.db をインストールするものがありません
-  指摘: ページは discs/3 Spare を一度も要求しませんでした
-  指摘: 全体は公称 12.0 MB、実際は 10.0 MB です。バーの終わりが早すぎるか遅すぎます
-  指摘: 最初の構成要素の公称サイズがありません（実際は 5.0 MB）
+  警告: lost.db をインストールするものがありません
+  警告: ページは discs/3 Spare を一度も要求しませんでした
+  警告: 全体は公称 12.0 MB、実際は 10.0 MB です。バーの終わりが早すぎるか遅すぎます
+  警告: 最初の構成要素の公称サイズがありません（実際は 5.0 MB）
 インストールに失敗しました。
 )");
 }
@@ -187,13 +187,13 @@ TEST_P(EveryLanguagesReport, IsEnglishForPrograms) {
   const std::string report = reportIn(GetParam());
   const nlohmann::ordered_json json = reportJson(manyFindings());
   EXPECT_THAT(json["failures"],
-              testing::ElementsAre("the page did not let itself be left forwards", "a sheet said 2 times: One",
-                                   "a sheet said: Other", "content differs: /e", "not installed: /g"));
-  EXPECT_THAT(
-      json["remarks"],
-      testing::ElementsAre("nothing installs lost.db", "the page never asked for discs/3 Spare",
-                           "the whole is announced as 12.0 MB and is 10.0 MB: the bar will end early or late",
-                           "the size of the first component is not announced (it is 5.0 MB)"));
+              testing::ElementsAre("the page refused Continue", "a sheet appeared 2 times: One",
+                                   "a sheet appeared: Other", "content differs: /e", "not installed: /g"));
+  EXPECT_THAT(json["remarks"],
+              testing::ElementsAre(
+                  "nothing installs lost.db", "the page never asked for discs/3 Spare",
+                  "the total size is announced as 12.0 MB but is 10.0 MB: the bar will end early or late",
+                  "the size of the first component is not announced (it is 5.0 MB)"));
   EXPECT_EQ(json["prompts"][1]["reply"], "late");
   EXPECT_EQ(reportText(manyFindings(), judge(manyFindings())), report) << "it is the user's language again";
 }

@@ -1,6 +1,6 @@
 #include "tests/rehearse/rehearsals.h"
 
-// The sample sets are what they are said to be: each is installed, and there is nothing to remark.
+// The sample sets are what they are said to be: each is installed, and there is nothing to diagnostic.
 namespace tavenhall::test {
 namespace {
 

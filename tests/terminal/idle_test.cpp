@@ -1,4 +1,4 @@
-// Who has nothing to do uses no processor: not the face, and not its engine.
+// Who has nothing to do uses no processor: not the frontend, and not its engine.
 #include "tests/install/child_program.h"
 #include "tests/support/children.h"
 #include "tests/terminal/in_utf8.h"
@@ -27,9 +27,9 @@ class Idle : public InUtf8 {
 constexpr int kSeconds = 3;
 constexpr const char* kDiscQuestion = "thread\nmax 1953125\nvalue 840000\nalert Next disc|Please insert B|OK\n";
 
-void expectIdle(pid_t face) {
-  const std::vector<pid_t> engine = childrenOf(face);
-  waitForIdle(face, engine.empty() ? face : engine[0], kSeconds);
+void expectIdle(pid_t frontend) {
+  const std::vector<pid_t> engine = childrenOf(frontend);
+  waitForIdle(frontend, engine.empty() ? frontend : engine[0], kSeconds);
 }
 
 TEST_F(Idle, OnTheFirstPage) {

@@ -42,7 +42,7 @@ TEST_F(IntroductionPage, DiscsAreToldByTheirNames) {
   EXPECT_THAT(introduceSet(kTwoDiscs).from, ElementsAre("Disc Tavenhall Tessaphon A", "Disc Tessaphon B"));
 }
 
-TEST_F(IntroductionPage, AFolderIsToldByItsTidyPath) {
+TEST_F(IntroductionPage, AFolderIsReportedByItsTidyPath) {
   const Introduction introduction = introduceSet("Mode = DataUpdater\nRelativePath = ../Data\n");
   EXPECT_THAT(introduction.from, ElementsAre("/Users/tester/Downloads/Data"));
 }
@@ -66,7 +66,7 @@ TEST_F(IntroductionPage, AnUpdateNamesAllItsFoldersAndItsBarWraps) {
   EXPECT_TRUE(introduction.barWraps);
 }
 
-TEST_F(IntroductionPage, TheEditionIsTold) {
+TEST_F(IntroductionPage, TheEditionIsReported) {
   const std::string choice =
       std::string(kTwoDiscs) + "LiteVsFullPrompt = Yes\nComponent1SizeMillionsBytes = 300\n";
   const Introduction lite = introduceSet(choice, "Lite");
@@ -91,7 +91,7 @@ TEST_F(IntroductionPage, TooLittleRoomIsAClearWarning) {
   const Introduction introduction = introduceSet(kTwoDiscs);
   EXPECT_TRUE(introduction.isRoomShort());
   EXPECT_THAT(textOf(introductionLines(introduction, 100)),
-              Contains("There may not be enough room. The data takes 1.2 GB, and the disk has 300.0 MB free."));
+              Contains("There may not be enough space. The data needs 1.2 GB; the disk has 300.0 MB free."));
 }
 
 TEST_F(IntroductionPage, JustEnoughRoomIsNoWarning) {
@@ -112,9 +112,9 @@ TEST_F(IntroductionPage, ADiskThatDoesNotSayWhatIsFreeIsPassedOver) {
   EXPECT_THAT(textOf(introductionLines(introduction, 60)), Not(Contains(HasSubstr("Free"))));
 }
 
-TEST_F(IntroductionPage, AMissingDataFolderIsToldBeforeAnythingIsBegun) {
+TEST_F(IntroductionPage, AMissingDataFolderIsReportedBeforeAnythingIsBegun) {
   EXPECT_THAT(textOf(introductionLines(introduceSet(kTwoDiscs), 100)),
-              Contains("The folder for the data is not there yet. Install Tessaphon itself first."));
+              Contains("The folder for the data does not exist yet. Install Tessaphon itself first."));
 }
 
 TEST_F(IntroductionPage, TheFreeRoomOfAMissingFolderIsThatOfTheNearestOneAbove) {

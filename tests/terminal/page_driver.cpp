@@ -29,7 +29,7 @@ PageModel::Time::duration PageDriver::since(double seconds) {
   return std::chrono::duration_cast<PageModel::Time::duration>(std::chrono::duration<double>(seconds));
 }
 
-void PageDriver::hear(std::string line) {
+void PageDriver::receive(std::string line) {
   std::replace(line.begin(), line.end(), '\'', '"');
   auto event = decodeEvent(line);
   ASSERT_TRUE(event) << line;

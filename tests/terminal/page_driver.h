@@ -21,7 +21,7 @@ class PageDriver {
   [[nodiscard]] PageModel::Time now() const { return now_; }
 
   // Handles an event, given as its line with ' for ". A value of the bar counts for as many bytes, 1024 a unit.
-  void hear(std::string line);
+  void receive(std::string line);
 
   void act(Action action) { page.act(action, {5, 20}, now_); }
   void press(char key) { page.pressKey(key, now_); }

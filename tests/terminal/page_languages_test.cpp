@@ -30,10 +30,10 @@ Introduction shortOfRoom() {
 void copyForAnHour(PageDriver& driver) {
   driver.at(0);
   driver.enter();
-  driver.hear("{'event':'progress.max','value':195312500}");
+  driver.receive("{'event':'progress.max','value':195312500}");
   for (int second = 1; second <= 3599; ++second) {
     driver.at(second);
-    driver.hear("{'event':'progress.value','value':" + std::to_string(second * 22000) + "}");
+    driver.receive("{'event':'progress.value','value':" + std::to_string(second * 22000) + "}");
   }
 }
 
@@ -79,14 +79,14 @@ const std::vector<State>& states() {
       {"two sheets",
        [](PageDriver& driver) {
          copyForAnHour(driver);
-         driver.hear("{'event':'sheet','button':'','message':'Failed to copy file.'}");
-         driver.hear("{'event':'sheet','button':'','message':'Failed to copy file.'}");
+         driver.receive("{'event':'sheet','button':'','message':'Failed to copy file.'}");
+         driver.receive("{'event':'sheet','button':'','message':'Failed to copy file.'}");
        }},
       {"leaving after a failure",
        [](PageDriver& driver) {
          driver.enter();
-         driver.hear("{'event':'sheet','button':'','message':'Failed to copy file.'}");
-         driver.hear("{'event':'idle'}");
+         driver.receive("{'event':'sheet','button':'','message':'Failed to copy file.'}");
+         driver.receive("{'event':'idle'}");
          driver.act(Action::leave);
        }},
       {"a failed installation", [](PageDriver& driver) { driver.page.end(failedResult(), driver.now()); }},
@@ -138,7 +138,7 @@ TEST_P(PageInEveryLanguage, EachButtonHasItsKey) {
 }
 
 // Where there are few signs the keys' names are longer; how to leave is told all the same.
-TEST_P(PageInEveryLanguage, HowToLeaveIsToldInTheSmallestWindow) {
+TEST_P(PageInEveryLanguage, HowToLeaveIsReportedInTheSmallestWindow) {
   PageDriver driver;
   copyForAnHour(driver);
   driver.act(Action::leave);
@@ -153,7 +153,7 @@ TEST_P(PageInEveryLanguage, TheLineOfATooSmallWindowFits) {
   PageDriver driver;
   EXPECT_THAT(rowsOf(driver, {19, 59})[0], AllOf(HasSubstr("60x20"), Not(HasSubstr("…"))));
   driver.enter();
-  driver.hear("{'event':'alert','message':'Next','informative':'Insert B','buttons':['OK'],'style':1}");
+  driver.receive("{'event':'alert','message':'Next','informative':'Insert B','buttons':['OK'],'style':1}");
   EXPECT_THAT(rowsOf(driver, {19, 59})[0], AllOf(HasSubstr("60x20"), Not(HasSubstr("…"))));
 }
 
@@ -199,7 +199,7 @@ TEST(PageLanguage, TheGermanNumbersBelowTheBarGiveWayToEachOther) {
   EXPECT_EQ(small[16], "                     59 min 59 s    noch etwa 1 h 30 min");
 }
 
-TEST(PageLanguage, AFailureThatIsToldInJapaneseHasItsFile) {
+TEST(PageLanguage, AFailureThatIsReportedInJapaneseHasItsFile) {
   speak("ja");
   RunResult result = failedResult();
   result.failures.count = 1;
@@ -238,10 +238,10 @@ TEST(PageLanguage, GermanProblemsAreCounted) {
   PageDriver driver;
   driver.enter();
   const std::string sheet = "{'event':'sheet','button':'','message':'Failed to copy file.'}";
-  driver.hear(sheet);
+  driver.receive(sheet);
   EXPECT_THAT(driver.windowTexts(),
               ElementsAre("Ein Problem", "Failed to copy file.", "Die Installation läuft inzwischen weiter."));
-  driver.hear(sheet);
+  driver.receive(sheet);
   EXPECT_THAT(driver.windowTexts(), ElementsAre("2 Probleme", "Failed to copy file.", "(2-mal)",
                                                 "Die Installation läuft inzwischen weiter."));
 }

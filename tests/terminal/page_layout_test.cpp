@@ -45,12 +45,12 @@ TEST_F(PageLayout, TheStepsAreAsWideAsTheirLongestWordAsFarAsAThirdGoes) {
 void copyFor(PageDriver& driver, int seconds) {
   driver.at(0);
   driver.enter();
-  driver.hear("{'event':'progress.max','value':1953125}");
+  driver.receive("{'event':'progress.max','value':1953125}");
   for (int tenth = 1; tenth <= seconds * 10; ++tenth) {
     driver.at(tenth / 10.0);
-    driver.hear("{'event':'progress.value','value':" + std::to_string(tenth * 1953.125) + "}");
+    driver.receive("{'event':'progress.value','value':" + std::to_string(tenth * 1953.125) + "}");
   }
-  driver.hear("{'event':'status','text':'Installing... Keyboards'}");
+  driver.receive("{'event':'status','text':'Installing... Keyboards'}");
 }
 
 TEST_F(PageLayout, TheBarHasItsNumbersBelow) {
@@ -80,14 +80,14 @@ TEST_F(PageLayout, ABarThatWrapsHasNeitherPercentNorTimeRemaining) {
   EXPECT_EQ(rows[20], "                        20 s passed");
 }
 
-TEST_F(PageLayout, ALongTimeLeftIsToldInHoursAndMinutes) {
+TEST_F(PageLayout, ALongTimeLeftIsReportedInHoursAndMinutes) {
   PageDriver driver;
   driver.at(0);
   driver.enter();
-  driver.hear("{'event':'progress.max','value':100000}");
+  driver.receive("{'event':'progress.max','value':100000}");
   for (int second = 1; second <= 60; ++second) {
     driver.at(second);
-    driver.hear("{'event':'progress.value','value':" + std::to_string(second * 20) + "}");
+    driver.receive("{'event':'progress.value','value':" + std::to_string(second * 20) + "}");
   }
   EXPECT_THAT(rowsOf(driver)[20], HasSubstr("about 1 h 30 min left"));
 }
@@ -95,7 +95,7 @@ TEST_F(PageLayout, ALongTimeLeftIsToldInHoursAndMinutes) {
 TEST_F(PageLayout, AWindowStandsInTheMiddleAbovePage) {
   PageDriver driver;
   driver.enter();
-  driver.hear(
+  driver.receive(
       "{'event':'alert','message':'Ready for next volume','informative':'Please insert Tessaphon B',"
       "'buttons':['OK','Skip'],'style':1}");
   const auto rows = rowsOf(driver);
@@ -113,7 +113,7 @@ TEST_F(PageLayout, ALongTextInAWindowScrolls) {
   for (int i = 1; i <= 50; ++i) {
     text += "line " + std::to_string(i) + "\\n";
   }
-  driver.hear("{'event':'alert','message':'Long','informative':'" + text + "','buttons':['OK'],'style':1}");
+  driver.receive("{'event':'alert','message':'Long','informative':'" + text + "','buttons':['OK'],'style':1}");
   auto layers = layOut(driver.page, driver.now(), kUsual, unicodeSigns());
   EXPECT_GT(layers.back().extent.maximum, 30);
   driver.page.act(Action::toEnd, layers.back().extent, driver.now());
@@ -129,7 +129,7 @@ TEST_F(PageLayout, ALongTextOnThePageHasAScrollBar) {
   for (int i = 1; i <= 50; ++i) {
     text += "line " + std::to_string(i) + "\\n";
   }
-  driver.hear("{'event':'instructions','text':'" + text + "'}");
+  driver.receive("{'event':'instructions','text':'" + text + "'}");
   const auto rows = rowsOf(driver);
   EXPECT_THAT(rows[5], AllOf(HasSubstr("line 1"), HasSubstr("┃")));
   EXPECT_THAT(rows[12], HasSubstr("│"));
@@ -155,25 +155,25 @@ TEST_F(PageLayout, AClickBesideAWindowReachesNoButtonBehindIt) {
 
 TEST_F(PageLayout, ATooSmallWindowGetsOneLine) {
   PageDriver driver;
-  EXPECT_THAT(rowsOf(driver, {3, 59}), ElementsAre("Please make this window larger (60x20).", "", ""));
-  EXPECT_THAT(rowsOf(driver, {1, 10}), ElementsAre("Please ma…"));
+  EXPECT_THAT(rowsOf(driver, {3, 59}), ElementsAre("Make this window larger (60x20).", "", ""));
+  EXPECT_THAT(rowsOf(driver, {1, 10}), ElementsAre("Make this…"));
 }
 
 TEST_F(PageLayout, ATooSmallWindowSaysWhenAQuestionWaits) {
   PageDriver driver;
   driver.enter();
-  driver.hear("{'event':'alert','message':'Next','informative':'Insert B','buttons':['OK'],'style':1}");
-  EXPECT_EQ(rowsOf(driver, {19, 80})[0], "A question waits: please make this window larger (60x20).");
+  driver.receive("{'event':'alert','message':'Next','informative':'Insert B','buttons':['OK'],'style':1}");
+  EXPECT_EQ(rowsOf(driver, {19, 80})[0], "A prompt is waiting. Make this window larger (60x20).");
 }
 
 TEST_F(PageLayout, EverythingHasItsPlaceAtEverySize) {
   PageDriver driver;
   copyFor(driver, 43);
   driver.page.addMessage("sudo: a terminal is required to read the password; either use the -S option");
-  driver.hear("{'event':'instructions','text':'日本語のテキスト and e\u0301 more\\n\\nand more'}");
-  driver.hear(
+  driver.receive("{'event':'instructions','text':'日本語のテキスト and e\u0301 more\\n\\nand more'}");
+  driver.receive(
       "{'event':'sheet','button':'OK','message':'A message that is rather long, and wraps in most windows'}");
-  driver.hear(
+  driver.receive(
       "{'event':'alert','message':'音源 Outrider','informative':'','buttons':['Weitermachen','Überspringen',"
       "'Ganz und gar nicht'],'style':1}");
   driver.act(Action::leave);

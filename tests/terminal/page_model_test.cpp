@@ -44,7 +44,7 @@ TEST(PageModel, ContinueOnTheFirstPageEntersThePage) {
 
 TEST(PageModel, ThePagesOwnTitleIsAStepAndTheHeading) {
   PageDriver driver;
-  driver.hear("{'event':'title','text':'Installing DOVA'}");
+  driver.receive("{'event':'title','text':'Installing DOVA'}");
   driver.enter();
   EXPECT_EQ(driver.page.steps()[2].title, "Installing DOVA");
   EXPECT_EQ(driver.page.heading().text, "Installing DOVA");
@@ -56,7 +56,7 @@ TEST(PageModel, ContinueIsEnabledAsThePageSays) {
   EXPECT_FALSE(isEnabled(driver.page, "Continue"));
   driver.act(Action::press);
   EXPECT_THAT(driver.requests(), IsEmpty());
-  driver.hear("{'event':'next','enabled':true}");
+  driver.receive("{'event':'next','enabled':true}");
   EXPECT_TRUE(isEnabled(driver.page, "Continue"));
   driver.act(Action::press);
   EXPECT_THAT(driver.requests(), ElementsAre("forward"));
@@ -65,10 +65,10 @@ TEST(PageModel, ContinueIsEnabledAsThePageSays) {
 TEST(PageModel, AnAllowedExitForwardsQuitsTheEngine) {
   PageDriver driver;
   driver.enter();
-  driver.hear("{'event':'next','enabled':true}");
-  driver.hear("{'event':'idle'}");
+  driver.receive("{'event':'next','enabled':true}");
+  driver.receive("{'event':'idle'}");
   driver.act(Action::press);
-  driver.hear("{'event':'exit','direction':0,'allowed':true}");
+  driver.receive("{'event':'exit','direction':0,'allowed':true}");
   EXPECT_THAT(driver.requests(), ElementsAre("forward", "quit"));
   EXPECT_FALSE(isEnabled(driver.page, "Continue"));
 }
@@ -76,7 +76,7 @@ TEST(PageModel, AnAllowedExitForwardsQuitsTheEngine) {
 TEST(PageModel, ContinueIsPressedOnlyOnceWhileThePageIsAsked) {
   PageDriver driver;
   driver.enter();
-  driver.hear("{'event':'next','enabled':true}");
+  driver.receive("{'event':'next','enabled':true}");
   driver.act(Action::press);
   driver.act(Action::press);
   EXPECT_THAT(driver.requests(), ElementsAre("forward"));
@@ -86,9 +86,9 @@ TEST(PageModel, GoBackIsEnabledAsThePageSaysAndLeadsToTheFirstPage) {
   PageDriver driver;
   EXPECT_FALSE(isEnabled(driver.page, "Go Back"));
   driver.enter();
-  driver.hear("{'event':'previous','enabled':true}");
+  driver.receive("{'event':'previous','enabled':true}");
   driver.press('g');
-  driver.hear("{'event':'exit','direction':1,'allowed':true}");
+  driver.receive("{'event':'exit','direction':1,'allowed':true}");
   EXPECT_THAT(driver.requests(), ElementsAre("back"));
   EXPECT_EQ(driver.page.stage(), PageModel::Stage::introduction);
   driver.act(Action::press);
@@ -98,12 +98,12 @@ TEST(PageModel, GoBackIsEnabledAsThePageSaysAndLeadsToTheFirstPage) {
 TEST(PageModel, ARefusedExitStaysOnThePageUntilItsSheetIsRead) {
   PageDriver driver;
   driver.enter();
-  driver.hear("{'event':'next','enabled':true}");
-  driver.hear("{'event':'idle'}");
+  driver.receive("{'event':'next','enabled':true}");
+  driver.receive("{'event':'idle'}");
   driver.act(Action::press);
-  driver.hear("{'event':'next','enabled':false}");
-  driver.hear("{'event':'sheet','button':'OK','message':'The installation has not finished.'}");
-  driver.hear("{'event':'exit','direction':0,'allowed':false}");
+  driver.receive("{'event':'next','enabled':false}");
+  driver.receive("{'event':'sheet','button':'OK','message':'The installation has not finished.'}");
+  driver.receive("{'event':'exit','direction':0,'allowed':false}");
   EXPECT_THAT(driver.requests(), ElementsAre("forward"));
   driver.act(Action::press);
   EXPECT_THAT(driver.requests(), ElementsAre("quit"));
@@ -112,9 +112,9 @@ TEST(PageModel, ARefusedExitStaysOnThePageUntilItsSheetIsRead) {
 TEST(PageModel, APageThatCanDoNothingAnyMoreGoesToTheLastPage) {
   PageDriver driver;
   driver.enter();
-  driver.hear("{'event':'sheet','button':'OK','message':'The folder was not found.'}");
-  driver.hear("{'event':'entered'}");
-  driver.hear("{'event':'idle'}");
+  driver.receive("{'event':'sheet','button':'OK','message':'The folder was not found.'}");
+  driver.receive("{'event':'entered'}");
+  driver.receive("{'event':'idle'}");
   EXPECT_THAT(driver.requests(), IsEmpty());
   driver.act(Action::press);
   EXPECT_THAT(driver.requests(), ElementsAre("quit"));
@@ -123,16 +123,16 @@ TEST(PageModel, APageThatCanDoNothingAnyMoreGoesToTheLastPage) {
 TEST(PageModel, TheStatusOfOneBlankIsAnEmptyLine) {
   PageDriver driver;
   driver.enter();
-  driver.hear("{'event':'status','text':'Installing... Keyboards'}");
+  driver.receive("{'event':'status','text':'Installing... Keyboards'}");
   EXPECT_EQ(driver.page.statusLine().text, "Installing... Keyboards");
-  driver.hear("{'event':'status','text':' '}");
+  driver.receive("{'event':'status','text':' '}");
   EXPECT_EQ(driver.page.statusLine().text, "");
 }
 
 TEST(PageModel, ThePagesTextIsWrapped) {
   PageDriver driver;
   driver.enter();
-  driver.hear("{'event':'instructions','text':'Now installing the library.'}");
+  driver.receive("{'event':'instructions','text':'Now installing the library.'}");
   ASSERT_EQ(driver.page.textLines(16).size(), 2U);
   EXPECT_EQ(driver.page.textLines(16)[0][0].text, "Now installing");
 }
@@ -140,13 +140,13 @@ TEST(PageModel, ThePagesTextIsWrapped) {
 TEST(PageModel, ANewTextIsShownFromItsBeginning) {
   PageDriver driver;
   driver.enter();
-  driver.hear("{'event':'instructions','text':'one'}");
+  driver.receive("{'event':'instructions','text':'one'}");
   driver.act(Action::lineDown);
   driver.act(Action::lineDown);
   EXPECT_EQ(driver.page.textScroll(), 2);
-  driver.hear("{'event':'instructions','text':'one'}");
+  driver.receive("{'event':'instructions','text':'one'}");
   EXPECT_EQ(driver.page.textScroll(), 2);
-  driver.hear("{'event':'instructions','text':'two'}");
+  driver.receive("{'event':'instructions','text':'two'}");
   EXPECT_EQ(driver.page.textScroll(), 0);
 }
 
@@ -187,9 +187,9 @@ TEST(PageModel, TooLittleRoomIsAskedAboutBeforeThePageIsEntered) {
   EXPECT_THAT(driver.requests(), IsEmpty());
   EXPECT_THAT(
       driver.windowTexts(),
-      ElementsAre("There may not be enough room.", "The data takes 2.0 GB, and the disk has 300.0 MB free.",
-                  "The installation would then end with files that are missing or cut short. Data that is "
-                  "replaced needs no room of its own."));
+      ElementsAre(
+          "There may not be enough space.", "The data needs 2.0 GB; the disk has 300.0 MB free.",
+          "Files would then be missing or truncated. Data that is replaced needs no additional space."));
 }
 
 TEST(PageModel, WithTooLittleRoomNotToInstallIsWhatEnterMeans) {
@@ -236,10 +236,10 @@ TEST(PageModel, AFailedInstallIsAFailedStep) {
 TEST(PageModel, ThePagesLastTextOverAFailedInstallIsSetRight) {
   PageDriver driver;
   driver.enter();
-  driver.hear("{'event':'sheet','button':'OK','message':'Failed to open input file.'}");
-  driver.hear("{'event':'instructions','text':'Step 1 finished.'}");
-  driver.hear("{'event':'next','enabled':true}");
-  driver.hear("{'event':'idle'}");
+  driver.receive("{'event':'sheet','button':'OK','message':'Failed to open input file.'}");
+  driver.receive("{'event':'instructions','text':'Step 1 finished.'}");
+  driver.receive("{'event':'next','enabled':true}");
+  driver.receive("{'event':'idle'}");
   EXPECT_EQ(driver.page.statusLine().text, "Not everything was installed.");
 }
 
@@ -290,31 +290,31 @@ TEST(PageModel, AskedToLeaveTwiceTheSecondButtonIsTheOneThatEnterPresses) {
 TEST(PageModel, LeavingSaysWhatIsLeftHalfDone) {
   PageDriver driver;
   driver.enter();
-  driver.hear("{'event':'progress.max','value':2000000}");
-  driver.hear("{'event':'progress.value','value':500000}");
-  EXPECT_EQ(
-      driver.page.leaveText(),
-      "The installation is not finished, and leaving stops it. 512.0 MB of 2.0 GB is copied and stays in "
-      "/Users/tester/Library/Application Support/Tavenhall/TANVO; the file that is being copied is cut short. "
-      "To complete it, run the installer again: it copies everything anew.");
+  driver.receive("{'event':'progress.max','value':2000000}");
+  driver.receive("{'event':'progress.value','value':500000}");
+  EXPECT_EQ(driver.page.leaveText(),
+            "The installation is not finished. Leaving stops it. 512.0 MB of 2.0 GB is copied and kept in "
+            "/Users/tester/Library/Application Support/Tavenhall/TANVO. The file that is being copied will be "
+            "truncated. To complete it, run the installer again. It copies everything again.");
 }
 
 TEST(PageModel, WhileAQuestionWaitsNoFileIsCutShort) {
   PageDriver driver;
   driver.enter();
-  driver.hear("{'event':'progress.max','value':2000000}");
-  driver.hear("{'event':'progress.value','value':500000}");
-  driver.hear("{'event':'alert','message':'Next','informative':'Please insert B','buttons':['OK'],'style':1}");
+  driver.receive("{'event':'progress.max','value':2000000}");
+  driver.receive("{'event':'progress.value','value':500000}");
+  driver.receive(
+      "{'event':'alert','message':'Next','informative':'Please insert B','buttons':['OK'],'style':1}");
   EXPECT_THAT(driver.page.leaveText(),
-              HasSubstr("stays in /Users/tester/Library/Application Support/Tavenhall/TANVO."));
+              HasSubstr("kept in /Users/tester/Library/Application Support/Tavenhall/TANVO."));
 }
 
 TEST(PageModel, WhenAllIsDoneLeavingSaysSo) {
   PageDriver driver;
   driver.enter();
-  driver.hear("{'event':'next','enabled':true}");
-  driver.hear("{'event':'idle'}");
-  EXPECT_EQ(driver.page.leaveText(), "The data is installed; only the last page is still to come.");
+  driver.receive("{'event':'next','enabled':true}");
+  driver.receive("{'event':'idle'}");
+  EXPECT_EQ(driver.page.leaveText(), "The data is installed. Only the last page remains.");
 }
 
 TEST(PageModel, EscapeOnThePageAsksWhetherToLeave) {

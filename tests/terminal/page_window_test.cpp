@@ -23,7 +23,7 @@ constexpr const char* kSheet = "{'event':'sheet','button':'OK','message':'Failed
 TEST(PageWindows, AnAlertIsAWindowWithItsButtons) {
   PageDriver driver;
   driver.enter();
-  driver.hear(kDiscAlert);
+  driver.receive(kDiscAlert);
   EXPECT_THAT(driver.windowTexts(), ElementsAre("Ready for next volume", "Please insert Tessaphon B"));
   driver.act(Action::press);
   EXPECT_THAT(driver.requests(), ElementsAre("answer 1000"));
@@ -33,15 +33,15 @@ TEST(PageWindows, AnAlertIsAWindowWithItsButtons) {
 TEST(PageWindows, TheSecondButtonOfAnAlertIsReachedByTabAndArrowsAndKey) {
   PageDriver driver;
   driver.enter();
-  driver.hear(kOptionalDiscAlert);
+  driver.receive(kOptionalDiscAlert);
   driver.act(Action::focusNext);
   driver.act(Action::press);
   EXPECT_THAT(driver.requests(), ElementsAre("answer 1001"));
-  driver.hear(kOptionalDiscAlert);
+  driver.receive(kOptionalDiscAlert);
   driver.act(Action::focusPrevious);
   driver.act(Action::press);
   EXPECT_THAT(driver.requests(), ElementsAre("answer 1001"));
-  driver.hear(kOptionalDiscAlert);
+  driver.receive(kOptionalDiscAlert);
   driver.press('s');
   EXPECT_THAT(driver.requests(), ElementsAre("answer 1001"));
 }
@@ -49,7 +49,7 @@ TEST(PageWindows, TheSecondButtonOfAnAlertIsReachedByTabAndArrowsAndKey) {
 TEST(PageWindows, EscapeNeverSkipsADiscByItself) {
   PageDriver driver;
   driver.enter();
-  driver.hear(kOptionalDiscAlert);
+  driver.receive(kOptionalDiscAlert);
   driver.act(Action::cancel);
   EXPECT_THAT(driver.requests(), IsEmpty());
   driver.act(Action::press);
@@ -59,7 +59,7 @@ TEST(PageWindows, EscapeNeverSkipsADiscByItself) {
 TEST(PageWindows, EscapeAnswersAnAlertWithOneButton) {
   PageDriver driver;
   driver.enter();
-  driver.hear(kDiscAlert);
+  driver.receive(kDiscAlert);
   driver.act(Action::cancel);
   EXPECT_THAT(driver.requests(), ElementsAre("answer 1000"));
 }
@@ -69,7 +69,7 @@ TEST(PageWindows, TheClockStandsStillWhileAnAlertWaits) {
   driver.at(0);
   driver.enter();
   driver.at(10);
-  driver.hear(kDiscAlert);
+  driver.receive(kDiscAlert);
   driver.at(600);
   EXPECT_FALSE(driver.page.meter().isRunning());
   driver.act(Action::press);
@@ -80,10 +80,10 @@ TEST(PageWindows, TheClockStandsStillWhileAnAlertWaits) {
 TEST(PageWindows, ASheetDoesNotStopTheClockAndWantsNothingOfTheEngine) {
   PageDriver driver;
   driver.enter();
-  driver.hear(kSheet);
+  driver.receive(kSheet);
   EXPECT_TRUE(driver.page.meter().isRunning());
   EXPECT_THAT(driver.windowTexts(),
-              ElementsAre("A problem", "Failed to open input file.", "The installation goes on meanwhile."));
+              ElementsAre("A problem", "Failed to open input file.", "The installation continues meanwhile."));
   driver.act(Action::press);
   EXPECT_THAT(driver.requests(), IsEmpty());
   EXPECT_FALSE(driver.page.hasWindow());
@@ -92,10 +92,10 @@ TEST(PageWindows, ASheetDoesNotStopTheClockAndWantsNothingOfTheEngine) {
 TEST(PageWindows, SheetsThatComeWhileOneIsUpJoinIt) {
   PageDriver driver;
   driver.enter();
-  driver.hear(kSheet);
-  driver.hear("{'event':'sheet','button':'OK','message':'Failed to copy file.'}");
-  driver.hear(kSheet);
-  driver.hear("{'event':'idle'}");
+  driver.receive(kSheet);
+  driver.receive("{'event':'sheet','button':'OK','message':'Failed to copy file.'}");
+  driver.receive(kSheet);
+  driver.receive("{'event':'idle'}");
   EXPECT_THAT(driver.windowTexts(),
               ElementsAre("3 problems", "Failed to open input file.", "(2 times)", "Failed to copy file."));
 }
@@ -104,9 +104,9 @@ TEST(PageWindows, FiftyThousandFailuresAreOneWindow) {
   PageDriver driver;
   driver.enter();
   for (int i = 0; i < 50000; ++i) {
-    driver.hear(kSheet);
+    driver.receive(kSheet);
   }
-  driver.hear("{'event':'idle'}");
+  driver.receive("{'event':'idle'}");
   EXPECT_THAT(driver.windowTexts(),
               ElementsAre("50 000 problems", "Failed to open input file.", "(50 000 times)"));
   driver.act(Action::press);
@@ -127,18 +127,18 @@ TEST(PageWindows, MessagesThatAllDifferDoNotGrowWithoutEnd) {
 TEST(PageWindows, AnAlertStandsAboveASheetWhichComesAfterIt) {
   PageDriver driver;
   driver.enter();
-  driver.hear(kSheet);
-  driver.hear(kDiscAlert);
+  driver.receive(kSheet);
+  driver.receive(kDiscAlert);
   driver.act(Action::press);
   EXPECT_THAT(driver.requests(), ElementsAre("answer 1000"));
   EXPECT_THAT(driver.windowTexts(),
-              ElementsAre("A problem", "Failed to open input file.", "The installation goes on meanwhile."));
+              ElementsAre("A problem", "Failed to open input file.", "The installation continues meanwhile."));
 }
 
 TEST(PageWindows, TheQuestionWhetherToLeaveStandsAboveAll) {
   PageDriver driver;
   driver.enter();
-  driver.hear(kDiscAlert);
+  driver.receive(kDiscAlert);
   driver.act(Action::leave);
   driver.act(Action::press);
   EXPECT_THAT(driver.requests(), IsEmpty());
@@ -148,7 +148,7 @@ TEST(PageWindows, TheQuestionWhetherToLeaveStandsAboveAll) {
 TEST(PageWindows, AWindowScrollsByItself) {
   PageDriver driver;
   driver.enter();
-  driver.hear(kSheet);
+  driver.receive(kSheet);
   driver.act(Action::lineDown);
   EXPECT_EQ(driver.page.windows().back().scroll, 1);
   EXPECT_EQ(driver.page.textScroll(), 0);
@@ -157,8 +157,8 @@ TEST(PageWindows, AWindowScrollsByItself) {
 TEST(PageWindows, ThePagesButtonsAreOutOfReachBehindAWindow) {
   PageDriver driver;
   driver.enter();
-  driver.hear("{'event':'next','enabled':true}");
-  driver.hear(kSheet);
+  driver.receive("{'event':'next','enabled':true}");
+  driver.receive(kSheet);
   EXPECT_EQ(driver.page.focus(), std::nullopt);
   driver.press('c');
   EXPECT_THAT(driver.requests(), IsEmpty());

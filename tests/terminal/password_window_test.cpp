@@ -33,8 +33,9 @@ class PasswordWindow : public InUtf8 {
 TEST_F(PasswordWindow, SaysWhoAsksAndShowsStars) {
   ask();
   type("abc");
-  EXPECT_THAT(driver.windowTexts(), ElementsAre("A password is needed", "A command of the installation asks:",
-                                                kPrompt, "***_____________________________"));
+  EXPECT_THAT(driver.windowTexts(),
+              ElementsAre("A password is needed", "A command of the installation prompts:", kPrompt,
+                          "***_____________________________"));
   driver.act(Action::press);
   EXPECT_THAT(driver.requests(), ElementsAre("send password"));
   EXPECT_EQ(driver.page.typedPassword().text(), "abc");
@@ -80,7 +81,7 @@ TEST_F(PasswordWindow, GoesWhenTheCommandAsksNoMore) {
 TEST_F(PasswordWindow, AskedAgainItSaysWhatTheCommandHasSaid) {
   driver.page.addMessage("something of before");
   ask();
-  EXPECT_EQ(driver.windowTexts()[1], "A command of the installation asks:");
+  EXPECT_EQ(driver.windowTexts()[1], "A command of the installation prompts:");
   driver.act(Action::press);
   driver.at(2);
   driver.page.addMessage("Sorry, try again.");
@@ -90,7 +91,7 @@ TEST_F(PasswordWindow, AskedAgainItSaysWhatTheCommandHasSaid) {
   driver.page.addMessage("cp: something else");
   driver.at(60);
   ask();
-  EXPECT_EQ(driver.windowTexts()[1], "A command of the installation asks:");
+  EXPECT_EQ(driver.windowTexts()[1], "A command of the installation prompts:");
 }
 
 TEST_F(PasswordWindow, TheClockStandsStillWhileItIsUp) {
@@ -103,7 +104,7 @@ TEST_F(PasswordWindow, TheClockStandsStillWhileItIsUp) {
 }
 
 TEST_F(PasswordWindow, TheClockStandsStillUntilBothQuestionsAreAnswered) {
-  driver.hear("{'event':'alert','message':'Next','informative':'B','buttons':['OK']}");
+  driver.receive("{'event':'alert','message':'Next','informative':'B','buttons':['OK']}");
   driver.at(10);
   ask();
   driver.act(Action::press);
@@ -125,7 +126,7 @@ TEST_F(PasswordWindow, StandsBelowTheQuestionWhetherToLeaveWhichTakesTheKeys) {
 TEST_F(PasswordWindow, APageThatIsTooSmallForItSaysThatAQuestionWaits) {
   ask();
   const Size small{10, 50};
-  EXPECT_THAT(rowsOf(driver, small), Contains(HasSubstr("A question waits: please make this window larger")));
+  EXPECT_THAT(rowsOf(driver, small), Contains(HasSubstr("A prompt is waiting. Make this window larger")));
 }
 
 TEST_F(PasswordWindow, TheEndOfTheInstallForgetsIt) {

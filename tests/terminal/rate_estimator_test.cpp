@@ -17,13 +17,13 @@ double copy(RateEstimator& estimator, double from, double to, double rate, doubl
   return bytes + (to - from) * rate;
 }
 
-TEST(RateEstimator, ASteadyRateIsTold) {
+TEST(RateEstimator, ASteadyRateIsReported) {
   RateEstimator estimator;
   copy(estimator, 0, 20, 50 * kMegabyte, 0);
   EXPECT_NEAR(estimator.rate(Seconds(20)).value_or(0), 50 * kMegabyte, kMegabyte);
 }
 
-TEST(RateEstimator, NoRateIsToldInTheFirstTwoSeconds) {
+TEST(RateEstimator, NoRateIsReportedInTheFirstTwoSeconds) {
   RateEstimator estimator;
   copy(estimator, 0, 1.9, 50 * kMegabyte, 0);
   EXPECT_FALSE(estimator.rate(Seconds(1.9)));
@@ -48,26 +48,26 @@ TEST(RateEstimator, TheTimeLeftIsWhatTheRestTakes) {
   EXPECT_NEAR(estimator.remaining(Seconds(60), 1200 * kMegabyte).value_or(Seconds(0)).count(), 60, 2);
 }
 
-TEST(RateEstimator, NoTimeLeftIsToldAtTheStart) {
+TEST(RateEstimator, NoTimeLeftIsReportedAtTheStart) {
   RateEstimator estimator;
   copy(estimator, 0, 7, 10 * kMegabyte, 0);
   EXPECT_FALSE(estimator.remaining(Seconds(7), 1200 * kMegabyte));
 }
 
-TEST(RateEstimator, NoTimeLeftIsToldBeforeHalfAPercentIsDone) {
+TEST(RateEstimator, NoTimeLeftIsReportedBeforeHalfAPercentIsDone) {
   RateEstimator estimator;
   copy(estimator, 0, 20, kMegabyte, 0);
   EXPECT_FALSE(estimator.remaining(Seconds(20), 5000 * kMegabyte));
 }
 
-TEST(RateEstimator, NoTimeLeftIsToldWhenNothingHasComeForAWhile) {
+TEST(RateEstimator, NoTimeLeftIsReportedWhenNothingHasComeForAWhile) {
   RateEstimator estimator;
   copy(estimator, 0, 20, 10 * kMegabyte, 0);
   EXPECT_TRUE(estimator.remaining(Seconds(30), 1200 * kMegabyte));
   EXPECT_FALSE(estimator.remaining(Seconds(36), 1200 * kMegabyte));
 }
 
-TEST(RateEstimator, NoTimeLeftIsToldWhenMoreIsDoneThanWasAnnounced) {
+TEST(RateEstimator, NoTimeLeftIsReportedWhenMoreIsDoneThanWasAnnounced) {
   RateEstimator estimator;
   copy(estimator, 0, 20, 10 * kMegabyte, 0);
   EXPECT_FALSE(estimator.remaining(Seconds(20), 150 * kMegabyte));

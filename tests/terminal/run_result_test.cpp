@@ -56,7 +56,7 @@ TEST_F(RunResults, WhatNobodyCountedIsNotSaid) {
   EXPECT_EQ(resultHeading(result).text, "The installation is not complete.");
 }
 
-TEST_F(RunResults, EachFailureIsToldWithItsFile) {
+TEST_F(RunResults, EachFailureIsReportedWithItsFile) {
   writeFile(kLogFile,
             banner() + record("Source error /Volumes/A/TANVO/a b/1.db /Users/tester/TANVO/a b/1.db\n") +
                 record("Target error /Volumes/A/TANVO/2.db /Users/tester/TANVO/2.db No space left\n") +
@@ -67,13 +67,13 @@ TEST_F(RunResults, EachFailureIsToldWithItsFile) {
   EXPECT_EQ(result.failures.count, 3);
   EXPECT_EQ(resultHeading(result).text, "The installation is not complete.");
   EXPECT_THAT(textOf(resultLines(result, 80)),
-              ElementsAre("3 failures. Put right what is named below, then run the installer again.", "",
+              ElementsAre("3 failures. Fix the problems below, then run the installer again.", "",
                           "Copied     204.8 MB in 1 min 15 s",
                           "Into       /Users/tester/Library/Application Support/Tavenhall/TANVO",
                           "Log        /Users/tester/Library/Caches/Tavenhall/installationLog.txt", "",
                           "Files that could not be read", "  /Volumes/A/TANVO/a b/1.db", "",
                           "Files that could not be written", "  /Volumes/A/TANVO/2.db", "",
-                          "Files that were not copied whole", "  /Volumes/A/TANVO/3.db"));
+                          "Files that were not copied completely", "  /Volumes/A/TANVO/3.db"));
 }
 
 TEST_F(RunResults, ALongPathKeepsItsName) {
@@ -105,7 +105,7 @@ TEST_F(RunResults, WithoutALogThereIsStillAnOutcome) {
   result.failures = failuresInLog("/tmp/no log", 0);
   EXPECT_EQ(result.failures.count, 0);
   EXPECT_THAT(textOf(resultLines(result, 100)),
-              Contains("Nothing in the log names a file. Run the installer again to complete it."));
+              Contains("The log names no file. Run the installer again to complete the installation."));
 }
 
 TEST_F(RunResults, MoreFailuresThanCanBeNamedAreCounted) {
@@ -118,7 +118,7 @@ TEST_F(RunResults, MoreFailuresThanCanBeNamedAreCounted) {
   RunResult result = resultWith(ExitStatus::failure);
   result.failures = failuresInLog(kLogFile, 0);
   EXPECT_EQ(result.failures.count, 1203);
-  EXPECT_THAT(textOf(resultLines(result, 80)), Contains("and 203 more failures: the log has them all."));
+  EXPECT_THAT(textOf(resultLines(result, 80)), Contains("and 203 more failures; see the log."));
 }
 
 TEST_F(RunResults, NothingCopiedIsAFailedInstallation) {
@@ -130,7 +130,7 @@ TEST_F(RunResults, NothingCopiedIsAFailedInstallation) {
 TEST_F(RunResults, AnEngineThatCameToNoEndIsSaidToHave) {
   RunResult result = resultWith(ExitStatus::failure);
   result.hasSummary = false;
-  EXPECT_EQ(resultHeading(result).text, "The installation ended before its time.");
+  EXPECT_EQ(resultHeading(result).text, "The installation ended unexpectedly.");
 }
 
 TEST_F(RunResults, SuccessNeverStandsOverAFailureThatOnlyTheLogTells) {
@@ -147,7 +147,7 @@ TEST_F(RunResults, WhatCommandsSaidComesLast) {
   RunResult result = resultWith(ExitStatus::success);
   result.messages = {"sudo: a password is required"};
   const auto lines = textOf(resultLines(result, 80));
-  EXPECT_EQ(lines[lines.size() - 2], "Commands that ran on the way said");
+  EXPECT_EQ(lines[lines.size() - 2], "Output of commands");
   EXPECT_EQ(lines.back(), "  sudo: a password is required");
 }
 

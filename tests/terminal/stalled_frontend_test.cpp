@@ -38,7 +38,7 @@ TEST(StalledFrontend, PlainLinesShowEveryFailureToTheEnd) {
     ++failures;
   }
   EXPECT_EQ(failures, 5000U);
-  EXPECT_THAT(shown, HasSubstr("! Not installed, or not wholly"));
+  EXPECT_THAT(shown, HasSubstr("! Not installed completely"));
 }
 
 TEST(StalledFrontend, AStoppedPlainFrontendStopsNoInstall) {
@@ -48,7 +48,7 @@ TEST(StalledFrontend, AStoppedPlainFrontendStopsNoInstall) {
   let("go");
   EXPECT_TRUE(comesTrue([] { return exists("/tmp/finished"); })) << "the install waits for its frontend";
   kill(program.pid(), SIGCONT);
-  EXPECT_THAT(program.readAll(), HasSubstr("! Not installed, or not wholly"));
+  EXPECT_THAT(program.readAll(), HasSubstr("! Not installed completely"));
   EXPECT_EQ(program.waitForEnd(), 1);
 }
 
@@ -57,7 +57,7 @@ TEST(StalledFrontend, AFullStandardOutputStopsNoInstall) {
   ASSERT_TRUE(comesTrue(copyRuns));
   let("go");  // nobody reads what the frontend prints, which is more than its pipe holds
   EXPECT_TRUE(comesTrue([] { return exists("/tmp/finished"); }));
-  EXPECT_THAT(program.readAll(), HasSubstr("! Not installed, or not wholly"));
+  EXPECT_THAT(program.readAll(), HasSubstr("! Not installed completely"));
   EXPECT_EQ(program.waitForEnd(), 1);
 }
 

@@ -99,7 +99,7 @@ TEST_F(TerminalInstall, TooLittleRoomIsAWarningWithAChoice) {
   layTwoDiscSet();
   setAttributes("Mode = InstallFromVolumes\nTotalSizeMillionsBytes = 900000000\n");
   TmuxTerminal terminal(80, 24, runCommand());
-  EXPECT_THAT(terminal.waitFor("Press Continue to begin."), HasSubstr("There may not be enough room."));
+  EXPECT_THAT(terminal.waitFor("Press Continue to begin."), HasSubstr("There may not be enough space."));
   terminal.press({"Enter"});
   terminal.waitFor("[ Install Anyway ]");
   terminal.press({"Enter"});

@@ -79,8 +79,7 @@ TEST_F(TerminalLeaving, LeavingEndsTheEngineAndGivesTheTerminalBack) {
   install.terminal.waitFor("Leave the installer?");
   install.terminal.press({"l"});
   const std::string shown = install.terminal.waitFor("[ended with");
-  EXPECT_THAT(shown,
-              HasSubstr("Stopped. What was copied so far stays; run the installer again to complete it."));
+  EXPECT_THAT(shown, HasSubstr("Stopped. The files copied so far are kept. Run the installer again to"));
   EXPECT_THAT(shown, HasSubstr("[ended with 1]"));
   waitForEndOf(install.engine);
   EXPECT_FALSE(exists("/tmp/finished"));
@@ -181,10 +180,10 @@ TEST_F(TerminalLeaving, ACrashOfThePageGivesTheTerminalBackAndHarmsNothing) {
   EXPECT_TRUE(exists("/tmp/finished"));
 }
 
-TEST_F(TerminalLeaving, AnEngineThatIsKilledIsToldOfOnTheLastPage) {
+TEST_F(TerminalLeaving, AnEngineThatIsKilledIsReportedOfOnTheLastPage) {
   RunningInstall install;
   kill(install.engine, SIGKILL);
-  install.terminal.waitFor("The installation ended before its time.");
+  install.terminal.waitFor("The installation ended unexpectedly.");
   expectScreen(install.terminal, "ended-before-its-time");
   install.terminal.press({"Enter"});
   EXPECT_THAT(install.terminal.waitFor("[ended with"), HasSubstr("[ended with 1]"));

@@ -142,7 +142,7 @@ TEST_F(TerminalPageTest, TheWindowMayBeResizedDuringTheCopy) {
   terminal.resize(60, 20);
   expectScreen(terminal, "copy-60x20");
   terminal.resize(50, 10);
-  terminal.waitFor("Please make this window larger (60x20).");
+  terminal.waitFor("Make this window larger (60x20).");
   terminal.resize(80, 24);
   expectScreen(terminal, "copy-80x24");
 }
@@ -224,7 +224,7 @@ TEST_F(TerminalPageTest, WhatCommandsSayNeverWritesOverThePage) {
   terminal.waitFor("[ Continue ]");
   terminal.press({"Enter"});
   EXPECT_THAT(terminal.waitFor("The installation was successful."),
-              AllOf(HasSubstr("Commands that ran on the way said"), HasSubstr("sudo: a password is required")));
+              AllOf(HasSubstr("Output of commands"), HasSubstr("sudo: a password is required")));
 }
 
 TEST_F(TerminalPageTest, ALongTextIsScrolled) {

@@ -216,12 +216,12 @@ TEST_F(TerminalPassword, PlainLinesAskOnTheTerminalWithoutShowingIt) {
   TmuxTerminal terminal(80, 24, asPlainLines(askingPage()));
   terminal.waitFor("Now installing");
   let("go");
-  terminal.waitFor("? A command asks: [sudo] password for tester:");
+  terminal.waitFor("? A command prompts: [sudo] password for tester:");
   terminal.press({"s", "e", "s", "a", "m", "e", "Enter"});
   const std::string shown = terminal.waitFor("[ended with 0]");
   expectAsked("got sesame\n");
   EXPECT_THAT(shown, Not(HasSubstr("sesame")));
-  EXPECT_THAT(shown, HasSubstr("? A command asks: [sudo] password for tester:\nInstalled"));
+  EXPECT_THAT(shown, HasSubstr("? A command prompts: [sudo] password for tester:\nInstalled"));
   // The terminal shows again what is typed.
   terminal.press({"h", "i"});
   terminal.waitFor("hi");
@@ -234,7 +234,8 @@ TEST_F(TerminalPassword, PlainLinesAskThoughTheyGoElsewhere) {
   }
   TmuxTerminal terminal(80, 24, {"/bin/sh", "-c", line + " >/tmp/lines </dev/null"});
   let("go");
-  EXPECT_THAT(terminal.waitFor("? A command asks: [sudo] password for tester:"), Not(HasSubstr("Installing")));
+  EXPECT_THAT(terminal.waitFor("? A command prompts: [sudo] password for tester:"),
+              Not(HasSubstr("Installing")));
   terminal.press({"s", "Enter"});
   terminal.waitFor("[ended with 0]");
   expectAsked("got s\n");
@@ -244,7 +245,7 @@ TEST_F(TerminalPassword, PlainLinesAskThoughTheyGoElsewhere) {
 TEST_F(TerminalPassword, PlainLinesTakeTheEndOfInputAsARefusal) {
   TmuxTerminal terminal(80, 24, asPlainLines(askingPage()));
   let("go");
-  terminal.waitFor("? A command asks:");
+  terminal.waitFor("? A command prompts:");
   terminal.press({"C-d"});
   terminal.waitFor("[ended with 0]");
   expectAsked("refused\n");
@@ -253,7 +254,7 @@ TEST_F(TerminalPassword, PlainLinesTakeTheEndOfInputAsARefusal) {
 TEST_F(TerminalPassword, StoppingPlainLinesAtAQuestionGivesTheTerminalBack) {
   TmuxTerminal terminal(80, 24, asPlainLines(askingPage()));
   let("go");
-  terminal.waitFor("? A command asks:");
+  terminal.waitFor("? A command prompts:");
   terminal.press({"C-c"});
   EXPECT_THAT(terminal.waitFor("[ended with 1]"), HasSubstr("! Stopped."));
   terminal.press({"h", "i"});

@@ -61,11 +61,11 @@ TEST_F(TerminalStart, ASecondInstallOfTheSameUserIsRefused) {
   const auto command = runScript(kShortPage);
   TmuxTerminal terminal(80, 24, command);
   terminal.waitFor("Press Continue to begin.");
-  for (const char* face : {"quiet", "json"}) {
-    const Outcome second = runThrough(with(command, {"--ui", face}));
-    EXPECT_EQ(second.status, 2) << face;
+  for (const char* frontend : {"quiet", "json"}) {
+    const Outcome second = runThrough(with(command, {"--ui", frontend}));
+    EXPECT_EQ(second.status, 2) << frontend;
     EXPECT_EQ(second.error,
-              "tavinstall: another installation of yours is running; start this one when it has ended\n");
+              "tavinstall: another installation of yours is running; start this one after it has ended\n");
   }
 }
 
@@ -75,10 +75,8 @@ TEST_F(TerminalStart, ASecondInstallIsRefusedBeforeItShowsAPage) {
   for (auto line = first.readLine(); line && line != "  1) OK"; line = first.readLine()) {
   }
   TmuxTerminal second(100, 24, command);
-  EXPECT_THAT(
-      second.waitFor("[ended with"),
-      HasSubstr("tavinstall: another installation of yours is running; start this one when it has ended\n"
-                "[ended with 2]"));
+  EXPECT_THAT(second.waitFor("[ended with"), HasSubstr("tavinstall: another installation of yours is running; "
+                                                       "start this one after it has ended\n[ended with 2]"));
 }
 
 TEST_F(TerminalStart, AnotherUsersInstallIsNotRefused) {

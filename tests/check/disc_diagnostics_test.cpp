@@ -21,130 +21,132 @@ void makeImage(const std::string& name, const std::string& extension) {
 
 }  // namespace
 
-TEST(DiscRemark, ADiscIsMissing) {
+TEST(DiscDiagnostic, ADiscIsMissing) {
   makeDiscSet();
   std::filesystem::remove_all(inSet("discs/2 Tavenhall Lumaweave"));
   const CheckResult result = checkFor("Lumaweave");
-  expectRemarks(result, {{"disc-missing", "error", "discs"}}, 1);
+  expectDiagnostics(result, {{"disc-missing", "error", "discs"}}, 1);
   EXPECT_EQ(sentenceOf(result, "disc-missing"),
-            "There is no disc 2, so the page asks for \"Tavenhall Lumaweave\" until somebody has one.");
+            "There is no disc 2, so the page asks for \"Tavenhall Lumaweave\" forever.");
 }
 
-TEST(DiscRemark, ADiscHasAnotherName) {
+TEST(DiscDiagnostic, ADiscHasAnotherName) {
   makeDiscSet();
   renameDisc("2 Tavenhall Lumaweave", "2 Lumaweave B");
-  expectRemarks(checkFor("Lumaweave"), {{"disc-name", "error", "discs/2 Lumaweave B"}}, 1);
+  expectDiagnostics(checkFor("Lumaweave"), {{"disc-name", "error", "discs/2 Lumaweave B"}}, 1);
 }
 
-TEST(DiscRemark, ADiscThatIsNeverAskedFor) {
+TEST(DiscDiagnostic, ADiscThatIsNeverAskedFor) {
   makeDiscSet();
   writeFile(inSet("discs/3 Tavenhall Lumaweave/DOVA/three"), "three");
-  expectRemarks(checkFor("Lumaweave"), {{"disc-surplus", "warning", "discs/3 Tavenhall Lumaweave"}}, 3);
+  expectDiagnostics(checkFor("Lumaweave"), {{"disc-surplus", "warning", "discs/3 Tavenhall Lumaweave"}}, 3);
 }
 
-TEST(DiscRemark, SomethingThatIsNoDisc) {
+TEST(DiscDiagnostic, SomethingThatIsNoDisc) {
   makeDiscSet();
   writeFile(inSet("discs/readme.txt"), "text");
   makeFolder(inSet("discs/Tavenhall Lumaweave"));
   makeFolder(inSet("discs/02 Tavenhall Lumaweave"));
-  expectRemarks(checkFor("Lumaweave"),
-                {{"disc-not-numbered", "warning", "discs/readme.txt"},
-                 {"disc-not-numbered", "warning", "discs/Tavenhall Lumaweave"},
-                 {"disc-not-numbered", "warning", "discs/2 Tavenhall Lumaweave"},
-                 {"data-folder-missing", "error", "discs/02 Tavenhall Lumaweave"}},
-                1);
+  expectDiagnostics(checkFor("Lumaweave"),
+                    {{"disc-not-numbered", "warning", "discs/readme.txt"},
+                     {"disc-not-numbered", "warning", "discs/Tavenhall Lumaweave"},
+                     {"disc-not-numbered", "warning", "discs/2 Tavenhall Lumaweave"},
+                     {"data-folder-missing", "error", "discs/02 Tavenhall Lumaweave"}},
+                    1);
 }
 
-TEST(DiscRemark, DiscsThatNobodyAsksFor) {
+TEST(DiscDiagnostic, DiscsThatNobodyAsksFor) {
   makeDataUpdateSet();
   writeFile(inSet("discs/1 Tavenhall Tessaphon A/TANVO/a"), "a");
-  expectRemarks(checkFor("Tessaphon"), {{"discs-unused", "warning", "discs"}}, 3);
+  expectDiagnostics(checkFor("Tessaphon"), {{"discs-unused", "warning", "discs"}}, 3);
 }
 
-TEST(DiscRemark, AnOptionalDiscThatNoPromptReaches) {
+TEST(DiscDiagnostic, AnOptionalDiscThatNoPromptReaches) {
   makeDiscSet("Mode = InstallFromVolumes\nNumberOfVolumes = 3\nTotalSizeMillionsBytes = 1\n");
   renameDisc("1 Tavenhall Lumaweave", "1 Tavenhall Tempora QX");
   renameDisc("2 Tavenhall Lumaweave", "2 Tavenhall Tempora QX");
   writeFile(inSet("discs/3 Northfield DOVA Outrider/DOVA/three"), "three");
   writeFile(inSet("discs/4 Tin Parade DOVA Outrider/DOVA/four"), "four");
   const CheckResult result = checkFor("TemporaQX");
-  expectRemarks(result,
-                {{"optional-disc-unreachable", "error", "discs/3 Northfield DOVA Outrider"},
-                 {"optional-disc-unreachable", "error", "discs/4 Tin Parade DOVA Outrider"}},
-                1);
+  expectDiagnostics(result,
+                    {{"optional-disc-unreachable", "error", "discs/3 Northfield DOVA Outrider"},
+                     {"optional-disc-unreachable", "error", "discs/4 Tin Parade DOVA Outrider"}},
+                    1);
 }
 
-TEST(DiscRemark, AnImageIsLookedInto) {
+TEST(DiscDiagnostic, AnImageIsLookedInto) {
   makeDiscSet();
   makeFolder(inSet("discs/2 Tavenhall Lumaweave/Mac OSX/DOVA"));
   makeImage("2 Tavenhall Lumaweave", ".squashfs");
-  expectRemarks(checkFor("Lumaweave"),
-                {{"both-folders", "warning", "discs/2 Tavenhall Lumaweave.squashfs/Mac OSX/DOVA"}}, 3);
+  expectDiagnostics(checkFor("Lumaweave"),
+                    {{"both-folders", "warning", "discs/2 Tavenhall Lumaweave.squashfs/Mac OSX/DOVA"}}, 3);
 }
 
-TEST(DiscRemark, AnImageThatNothingHereCanRead) {
+TEST(DiscDiagnostic, AnImageThatNothingHereCanRead) {
   makeDiscSet();
   std::filesystem::remove_all(inSet("discs/2 Tavenhall Lumaweave"));
   writeFile(inSet("discs/2 Tavenhall Lumaweave.iso"), "an image");
   const CheckResult result = checkFor("Lumaweave");
-  expectRemarks(result, {{"image-not-read", "note", "discs/2 Tavenhall Lumaweave.iso"}}, 0);
+  expectDiagnostics(result, {{"image-not-read", "note", "discs/2 Tavenhall Lumaweave.iso"}}, 0);
   EXPECT_FALSE(result.checked.realSizes().whole.has_value());
 }
 
-TEST(DiscRemark, AnImageThatIsNone) {
+TEST(DiscDiagnostic, AnImageThatIsNone) {
   makeDiscSet();
   std::filesystem::remove_all(inSet("discs/2 Tavenhall Lumaweave"));
   writeFile(inSet("discs/2 Tavenhall Lumaweave.squashfs"), "no image");
-  expectRemarks(checkFor("Lumaweave"), {{"image-not-read", "note", "discs/2 Tavenhall Lumaweave.squashfs"}}, 0);
+  expectDiagnostics(checkFor("Lumaweave"), {{"image-not-read", "note", "discs/2 Tavenhall Lumaweave.squashfs"}},
+                    0);
 }
 
 // ---- Data folders ----
 
-TEST(FolderRemark, ADiscWithoutItsDataFolder) {
+TEST(FolderDiagnostic, ADiscWithoutItsDataFolder) {
   makeDiscSet();
   renameDisc("2 Tavenhall Lumaweave/DOVA", "2 Tavenhall Lumaweave/dova");
-  expectRemarks(checkFor("Lumaweave"), {{"data-folder-missing", "error", "discs/2 Tavenhall Lumaweave"}}, 1);
+  expectDiagnostics(checkFor("Lumaweave"), {{"data-folder-missing", "error", "discs/2 Tavenhall Lumaweave"}},
+                    1);
 }
 
-TEST(FolderRemark, APackageWithoutItsDataFolder) {
+TEST(FolderDiagnostic, APackageWithoutItsDataFolder) {
   makeDownloadSet();
   std::filesystem::remove_all(inSet("TANVO"));
   const CheckResult result = checkFor("Tessaphon");
-  expectRemarks(result, {{"data-folder-missing", "error", "TANVO"}}, 1);
+  expectDiagnostics(result, {{"data-folder-missing", "error", "TANVO"}}, 1);
   EXPECT_THAT(sentenceOf(result, "data-folder-missing"),
-              testing::HasSubstr("says \"Files to be installed not found.\" and ends"));
+              testing::HasSubstr("shows \"Files to be installed not found.\" and ends"));
 }
 
-TEST(FolderRemark, AnUpdateWithoutTheFolderOfItsSecondPath) {
+TEST(FolderDiagnostic, AnUpdateWithoutTheFolderOfItsSecondPath) {
   makeUpdateSet();
   std::filesystem::remove_all(inSet("Second"));
-  expectRemarks(checkFor("Tessaphon"), {{"data-folder-missing", "error", kAttributes, 3}}, 1);
+  expectDiagnostics(checkFor("Tessaphon"), {{"data-folder-missing", "error", kAttributes, 3}}, 1);
 }
 
-TEST(FolderRemark, AnEmptyDataFolder) {
+TEST(FolderDiagnostic, AnEmptyDataFolder) {
   makeDiscSet();
   std::filesystem::remove_all(inSet("discs/2 Tavenhall Lumaweave/DOVA/Factory"));
-  expectRemarks(checkFor("Lumaweave"), {{"data-folder-empty", "warning", "discs/2 Tavenhall Lumaweave/DOVA"}},
-                3);
+  expectDiagnostics(checkFor("Lumaweave"),
+                    {{"data-folder-empty", "warning", "discs/2 Tavenhall Lumaweave/DOVA"}}, 3);
 }
 
-TEST(FolderRemark, BothDataFolders) {
+TEST(FolderDiagnostic, BothDataFolders) {
   makeDownloadSet();
   writeFile(inSet("Mac OSX/TANVO/never.db"), "never");
-  expectRemarks(checkFor("Tessaphon"), {{"both-folders", "warning", "Mac OSX/TANVO"}}, 3);
+  expectDiagnostics(checkFor("Tessaphon"), {{"both-folders", "warning", "Mac OSX/TANVO"}}, 3);
 }
 
-TEST(FolderRemark, TheAlternateFolderAloneIsSound) {
+TEST(FolderDiagnostic, TheAlternateFolderAloneIsSound) {
   makeDiscSet();
   makeFolder(inSet("discs/2 Tavenhall Lumaweave/Mac OSX"));
   renameDisc("2 Tavenhall Lumaweave/DOVA", "2 Tavenhall Lumaweave/Mac OSX/DOVA");
-  expectRemarks(checkFor("Lumaweave"), {}, 0);
+  expectDiagnostics(checkFor("Lumaweave"), {}, 0);
 }
 
-TEST(FolderRemark, AnUpdateWithNothingInIt) {
+TEST(FolderDiagnostic, AnUpdateWithNothingInIt) {
   writeFile(inSet("Installer.pkg"), "package");
   writeAttributes("Mode = SupportHub\nRelativePath = First\nTotalSizeMillionsBytes = 1\n");
-  expectRemarks(checkFor("Tessaphon"), {{"nothing-to-install", "error", "Installer.pkg"}}, 1);
+  expectDiagnostics(checkFor("Tessaphon"), {{"nothing-to-install", "error", "Installer.pkg"}}, 1);
 }
 
 }  // namespace tavenhall::test

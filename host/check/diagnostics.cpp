@@ -1,4 +1,4 @@
-#include "host/check/remarks.h"
+#include "host/check/diagnostics.h"
 
 #include "host/base/text.h"
 
@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kMostOfOneKind = 20;
 
-constexpr RemarkKind kKinds[] = {
+constexpr DiagnosticKind kKinds[] = {
     // The attributes file
     {"attributes-missing", Severity::warning},
     {"attributes-twice", Severity::warning},
@@ -94,9 +94,9 @@ constexpr RemarkKind kKinds[] = {
     {"product-assumed", Severity::note},
 };
 
-const RemarkKind& kindNamed(std::string_view name) {
+const DiagnosticKind& kindNamed(std::string_view name) {
   const auto* found = std::find_if(std::begin(kKinds), std::end(kKinds),
-                                   [name](const RemarkKind& kind) { return kind.name == name; });
+                                   [name](const DiagnosticKind& kind) { return kind.name == name; });
   if (found == std::end(kKinds)) {
     throw std::logic_error("no remark is called " + std::string(name));
   }
@@ -114,21 +114,21 @@ const char* severityWord(Severity severity) {
   return N_("error");
 }
 
-std::span<const RemarkKind> remarkKinds() { return kKinds; }
+std::span<const DiagnosticKind> diagnosticKinds() { return kKinds; }
 
-std::string Remark::reference() const { return "docs/attributes.md#" + std::string(name); }
+std::string Diagnostic::reference() const { return "docs/attributes.md#" + std::string(name); }
 
-void Remarks::add(std::string_view name, Place place, std::string sentence) {
-  const RemarkKind& kind = kindNamed(name);
+void Diagnostics::add(std::string_view name, Place place, std::string sentence) {
+  const DiagnosticKind& kind = kindNamed(name);
   if (kept_[kind.name] == kMostOfOneKind) {
     ++more_[kind.name];
     return;
   }
   ++kept_[kind.name];
-  remarks_.push_back({kind.name, kind.severity, std::move(place), std::move(sentence)});
+  diagnostics_.push_back({kind.name, kind.severity, std::move(place), std::move(sentence)});
 }
 
-int Remarks::count(Severity severity) const {
+int Diagnostics::count(Severity severity) const {
   int number = 0;
   for (const auto& counts : {kept_, more_}) {
     for (const auto& [name, count] : counts) {
@@ -138,17 +138,18 @@ int Remarks::count(Severity severity) const {
   return number;
 }
 
-ExitStatus Remarks::exitStatus() const {
+ExitStatus Diagnostics::exitStatus() const {
   if (count(Severity::error) > 0) {
     return ExitStatus::failure;
   }
-  return count(Severity::warning) > 0 ? ExitStatus::remarks : ExitStatus::success;
+  return count(Severity::warning) > 0 ? ExitStatus::warnings : ExitStatus::success;
 }
 
-void Remarks::sort() {
-  std::stable_sort(remarks_.begin(), remarks_.end(), [](const Remark& one, const Remark& other) {
-    return std::tie(one.place.file, one.place.line) < std::tie(other.place.file, other.place.line);
-  });
+void Diagnostics::sort() {
+  std::stable_sort(
+      diagnostics_.begin(), diagnostics_.end(), [](const Diagnostic& one, const Diagnostic& other) {
+        return std::tie(one.place.file, one.place.line) < std::tie(other.place.file, other.place.line);
+      });
 }
 
 }  // namespace tavenhall

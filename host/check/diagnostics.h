@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-// What a check has to say of a set. Each kind of remark has a stable name, which programs and people may
+// What a check has to say of a set. Each kind of diagnostic has a stable name, which programs and people may
 // rely on, and an anchor of that name in docs/attributes.md.
 namespace tavenhall {
 
@@ -22,15 +22,15 @@ enum class Severity {
 // In English, as programs know it.
 [[nodiscard]] const char* severityWord(Severity severity);
 
-struct RemarkKind {
+struct DiagnosticKind {
   std::string_view name;
   Severity severity;
 };
 
 // Every kind there is.
-[[nodiscard]] std::span<const RemarkKind> remarkKinds();
+[[nodiscard]] std::span<const DiagnosticKind> diagnosticKinds();
 
-struct Remark {
+struct Diagnostic {
   std::string_view name;
   Severity severity = Severity::note;
   Place place;
@@ -39,12 +39,12 @@ struct Remark {
   [[nodiscard]] std::string reference() const;  // "docs/attributes.md#<name>"
 };
 
-class Remarks {
+class Diagnostics {
  public:
   // `name` is that of a kind. Of one kind only so many are kept; how many more there are is counted.
   void add(std::string_view name, Place place, std::string sentence);
 
-  [[nodiscard]] const std::vector<Remark>& all() const { return remarks_; }
+  [[nodiscard]] const std::vector<Diagnostic>& all() const { return diagnostics_; }
 
   // How many were not kept, by kind.
   [[nodiscard]] const std::map<std::string_view, int>& more() const { return more_; }
@@ -58,7 +58,7 @@ class Remarks {
   void sort();
 
  private:
-  std::vector<Remark> remarks_;
+  std::vector<Diagnostic> diagnostics_;
   std::map<std::string_view, int> kept_;
   std::map<std::string_view, int> more_;
 };

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-// What an installation log tells of one run: from entering the page to the next entry, or to the log's end.
+// What an installation log records of one run: from entering the page to the next entry, or to the log's end.
 namespace tavenhall {
 
 enum class RunEnd {
@@ -47,7 +47,7 @@ struct RunVolume {
   int hundredsOfMegabytes = 0;  // at least so much was copied, in units of 100000000 bytes
 };
 
-struct RunStory {
+struct LoggedRun {
   std::string begin;  // times as they stand in the log
   std::string end;    // of the last record
   std::string host;
@@ -70,11 +70,11 @@ struct RunStory {
   static constexpr std::size_t kMostFailures = 1000;
 };
 
-// Makes stories of records. One thread; the memory it needs is one run's, and bounded.
-class RunStories {
+// Makes runs of records. One thread; the memory it needs is one run's, and bounded.
+class LoggedRuns {
  public:
-  // `tell` gets each run when it has ended.
-  explicit RunStories(std::function<void(const RunStory&)> tell) : tell_(std::move(tell)) {}
+  // Calls `report` with each run that has ended.
+  explicit LoggedRuns(std::function<void(const LoggedRun&)> report) : report_(std::move(report)) {}
 
   void add(const LogRecord& record);
 
@@ -91,8 +91,8 @@ class RunStories {
   [[nodiscard]] bool isWaitingFor(std::string_view volumeName) const;
   RunVolume& volume();
 
-  std::function<void(const RunStory&)> tell_;
-  std::optional<RunStory> story_;
+  std::function<void(const LoggedRun&)> report_;
+  std::optional<LoggedRun> run_;
   std::string titleBefore_;  // the title is asked for before the page is entered
   std::string attributesBefore_;
 };

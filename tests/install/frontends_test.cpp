@@ -8,16 +8,17 @@
 #include <regex>
 #include <sstream>
 
-// The faces that see an install through by themselves.
+// The frontends that see an install through by themselves.
 namespace tavenhall::test {
 namespace {
 
 using testing::Contains;
 using testing::HasSubstr;
 
-Outcome run(const std::string& face, std::string_view input = "",
+Outcome run(const std::string& frontend, std::string_view input = "",
             const std::string& summary = "/tmp/summary.json") {
-  return runThrough({kTavinstall, "run", "--ui", face, "--package", kPackage, "--summary", summary}, {}, input);
+  return runThrough({kTavinstall, "run", "--ui", frontend, "--package", kPackage, "--summary", summary}, {},
+                    input);
 }
 
 bool isProgressLine(const std::string& line) { return std::regex_match(line, std::regex(" *[0-9]+ %.*")); }
@@ -53,7 +54,7 @@ void layTwoDiscs() {
   layTree(kDiscA, {file("TANVO/Tessaphon/a.db", 12288)});
 }
 
-TEST(PlainFace, AGoodInstallIsToldInLinesAndAnAlertIsAnsweredByNumber) {
+TEST(PlainFrontend, AGoodInstallIsReportedInLinesAndAnAlertIsAnsweredByNumber) {
   layTwoDiscs();
 
   ChildProgram program({kTavinstall, "run", "--ui", "plain", "--package", kPackage});
@@ -69,54 +70,42 @@ TEST(PlainFace, AGoodInstallIsToldInLinesAndAnAlertIsAnsweredByNumber) {
   }
 
   EXPECT_EQ(program.waitForEnd(), 0);
-  EXPECT_EQ(steadyLines(output),
-            "Tessaphon\n"
-            "  Installing into:\n"
-            "  /Users/tester/Library/Application Support/Tavenhall/TANVO\n"
-            "? Ready for next volume\n"
-            "  Please insert Tessaphon B\n"
-            "  1) OK\n"
-            "  Please type a number from 1 to 1.\n"
-            "  Please type a number from 1 to 1.\n"
-            "  All is in:\n"
-            "  /Users/tester/Library/Application Support/Tavenhall/TANVO\n"
-            "Installed 22.5 kB in <time>.\n"
-            "The log is /Users/tester/Library/Caches/Tavenhall/installationLog.txt.\n");
+  EXPECT_EQ(
+      steadyLines(output),
+      "Tessaphon\n  Installing into:\n  /Users/tester/Library/Application Support/Tavenhall/TANVO\n? Ready for "
+      "next volume\n  Please insert Tessaphon B\n  1) OK\n  Type a number from 1 to 1.\n  Type a number from 1 "
+      "to 1.\n  All is in:\n  /Users/tester/Library/Application Support/Tavenhall/TANVO\nInstalled 22.5 kB in "
+      "<time>.\nThe log is /Users/tester/Library/Caches/Tavenhall/installationLog.txt.\n");
   EXPECT_EQ(program.standardError(), "");
   EXPECT_EQ(progressLines(output).front(), "  0 %");
   EXPECT_EQ(progressLines(output).back(), "100 %");
 }
 
-TEST(PlainFace, AFailedInstallEndsWithStatusOneAndSaysWhatWasMissing) {
+TEST(PlainFrontend, AFailedInstallEndsWithStatusOneAndSaysWhatWasMissing) {
   layPackage("Mode = DataUpdater\nInstalledData = Done.\nInstallingData = Going on.\nRelativePath = Nowhere\n");
 
   const Outcome outcome = run("plain");
 
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(steadyLines(outcome.output),
-            "Installing Data\n"
-            "  Going on.\n"
-            "! Files to be installed not found.\n"
-            "  Done.\n"
-            "! The installation of the Tessaphon data has not finished.\n"
-            "! Not installed, or not wholly: see the lines that begin with \"!\". Copied 0 bytes in <time>.\n"
-            "The log is /Users/tester/Library/Caches/Tavenhall/installationLog.txt.\n");
+  EXPECT_EQ(
+      steadyLines(outcome.output),
+      "Installing Data\n  Going on.\n! Files to be installed not found.\n  Done.\n! The installation of the "
+      "Tessaphon data has not finished.\n! Not installed completely: see the lines that begin with \"!\". "
+      "Copied 0 bytes in <time>.\nThe log is /Users/tester/Library/Caches/Tavenhall/installationLog.txt.\n");
   EXPECT_EQ(outcome.error, "");
 }
 
-TEST(PlainFace, WithoutTheCentralFolderThePageIsNotLeft) {
+TEST(PlainFrontend, WithoutTheCentralFolderThePageIsNotLeft) {
   layPackage("Mode = DataUpdater\nInstallingData = Going on.\n", {});
 
   const Outcome outcome = run("plain");
 
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(steadyLines(outcome.output),
-            "Installing Data\n"
-            "  Going on.\n"
-            "! The folder for the Tessaphon data was not found. Please install Tessaphon first, then run this "
-            "installer again.\n"
-            "! Not installed, or not wholly: see the lines that begin with \"!\". Copied 0 bytes in <time>.\n"
-            "The log is /Users/tester/Library/Caches/Tavenhall/installationLog.txt.\n");
+            "Installing Data\n  Going on.\n! The folder for the Tessaphon data was not found. Please install "
+            "Tessaphon first, then run this installer again.\n! Not installed completely: see the lines that "
+            "begin with \"!\". Copied 0 bytes in <time>.\nThe log is "
+            "/Users/tester/Library/Caches/Tavenhall/installationLog.txt.\n");
   EXPECT_THAT(readFile("/tmp/summary.json"), HasSubstr(R"("left":false)"));
 }
 
@@ -129,7 +118,7 @@ void layTwoEditions() {
   layTree(kTanvo, {});
 }
 
-TEST(PlainFace, AnswersMayBeTypedAhead) {
+TEST(PlainFrontend, AnswersMayBeTypedAhead) {
   layTwoEditions();
 
   const Outcome outcome = run("plain", "\n1\n");
@@ -149,27 +138,22 @@ TEST(PlainFace, AnswersMayBeTypedAhead) {
             "The log is /Users/tester/Library/Caches/Tavenhall/installationLog.txt.\n");
 }
 
-TEST(PlainFace, InputThatIsClosedAtAQuestionEndsWithStatusThree) {
+TEST(PlainFrontend, InputThatIsClosedAtAQuestionEndsWithStatusThree) {
   layTwoEditions();
 
   const Outcome outcome = run("plain", "1\n");
 
   EXPECT_EQ(outcome.status, 3);
   EXPECT_EQ(steadyLines(outcome.output),
-            "Installing Data\n"
-            "  Going on.\n"
-            "? Detected Installation Type\n"
-            "  Full installation detected for Choirs. Performing a Full data update.\n"
-            "  1) Continue\n"
-            "? Detected Installation Type\n"
-            "  Lite installation detected for Tessaphon. Performing a Lite data update.\n"
-            "  1) Continue\n"
-            "! Stopped: a question needs an answer, and the input is closed. Copied 0 bytes in <time>.\n"
-            "The log is /Users/tester/Library/Caches/Tavenhall/installationLog.txt.\n");
+            "Installing Data\n  Going on.\n? Detected Installation Type\n  Full installation detected for "
+            "Choirs. Performing a Full data update.\n  1) Continue\n? Detected Installation Type\n  Lite "
+            "installation detected for Tessaphon. Performing a Lite data update.\n  1) Continue\n! Stopped: a "
+            "prompt needs an answer, but standard input is closed. Copied 0 bytes in <time>.\nThe log is "
+            "/Users/tester/Library/Caches/Tavenhall/installationLog.txt.\n");
   EXPECT_FALSE(exists(std::string(kTanvo) + "/a.db"));
 }
 
-TEST(PlainFace, ControlCharactersOfAFileDoNotReachTheReader) {
+TEST(PlainFrontend, ControlCharactersOfAFileDoNotReachTheReader) {
   layTree(kSet, {textFile(".InstallationAttributes.dat",
                           "Mode = DataUpdater\nInstallDataTitle = Red \x1b[31m and \a\n"
                           "InstallingData = A\tB\x7f\nInstalledData = C\bD\nRelativePath = .\n"
@@ -189,7 +173,7 @@ TEST(PlainFace, ControlCharactersOfAFileDoNotReachTheReader) {
   EXPECT_EQ(outcome.output.find('\x1b'), std::string::npos);
 }
 
-TEST(PlainFace, IsTheFaceWhereThereIsNoTerminal) {
+TEST(PlainFrontend, IsTheFrontendWhereThereIsNoTerminal) {
   layPackage("Mode = DataUpdater\nInstallDataTitle = Plain\nRelativePath = Nowhere\n");
 
   const Outcome outcome = runThrough({kTavinstall, "run", "--package", kPackage});
@@ -199,7 +183,7 @@ TEST(PlainFace, IsTheFaceWhereThereIsNoTerminal) {
   EXPECT_THAT(outcome.output, HasSubstr("! Files to be installed not found.\n"));
 }
 
-TEST(PlainFace, AnInterruptStopsTheInstallAndSaysSo) {
+TEST(PlainFrontend, AnInterruptStopsTheInstallAndSaysSo) {
   layTwoDiscs();
 
   ChildProgram program({kTavinstall, "run", "--ui", "plain", "--package", kPackage});
@@ -208,13 +192,13 @@ TEST(PlainFace, AnInterruptStopsTheInstallAndSaysSo) {
   kill(program.pid(), SIGINT);
 
   EXPECT_EQ(program.readAll(),
-            "! Stopped. What was copied so far stays; run the installer again to complete it.\n"
-            "The log is /Users/tester/Library/Caches/Tavenhall/installationLog.txt.\n");
+            "! Stopped. The files copied so far are kept. Run the installer again to complete the "
+            "installation.\nThe log is /Users/tester/Library/Caches/Tavenhall/installationLog.txt.\n");
   EXPECT_EQ(program.waitForEnd(), 1);
   EXPECT_TRUE(exists(std::string(kTanvo) + "/Tessaphon/a.db"));
 }
 
-TEST(QuietFace, SaysNothingAndAnswersEveryAlertWithItsFirstButton) {
+TEST(QuietFrontend, SaysNothingAndAnswersEveryAlertWithItsFirstButton) {
   layTwoEditions();
 
   const Outcome outcome = run("quiet");
@@ -229,7 +213,7 @@ TEST(QuietFace, SaysNothingAndAnswersEveryAlertWithItsFirstButton) {
   EXPECT_THAT(logMessages(), Contains("Displaying Lite Vs Full Informational Prompt 1"));
 }
 
-TEST(QuietFace, AnInstallThatFailsEndsWithStatusOne) {
+TEST(QuietFrontend, AnInstallThatFailsEndsWithStatusOne) {
   layPackage("Mode = DataUpdater\nRelativePath = Nowhere\n");
 
   const Outcome outcome = run("quiet");
@@ -239,7 +223,7 @@ TEST(QuietFace, AnInstallThatFailsEndsWithStatusOne) {
   EXPECT_THAT(readFile("/tmp/summary.json"), HasSubstr(R"({"left":false,"ready":0,"mode":0,)"));
 }
 
-TEST(QuietFace, AnUpdateThatIsLeftForwardsButShowedASheetEndsWithStatusOne) {
+TEST(QuietFrontend, AnUpdateThatIsLeftForwardsButShowedASheetEndsWithStatusOne) {
   layTree(kSet, {textFile(".InstallationAttributes.dat", "Mode = TavenhallUpdater\nRelativePath = .\n"),
                  pipe("Applications/pipe"), textFile("Installer.pkg", ""), file("TANVO/a.db", 1024)});
   layTree(kTanvo, {});
@@ -252,7 +236,7 @@ TEST(QuietFace, AnUpdateThatIsLeftForwardsButShowedASheetEndsWithStatusOne) {
 }
 
 // The first volume's copy fails and the last one's succeeds, so the page may be left.
-TEST(QuietFace, AnInstallOfWhichOneVolumeFailedEndsWithStatusOne) {
+TEST(QuietFrontend, AnInstallOfWhichOneVolumeFailedEndsWithStatusOne) {
   layTree(kSet, {textFile(".InstallationAttributes.dat",
                           "Mode = Downloaded\nNumberOfVolumes = 2\nRelativePath = 1\nRelativePath2 = 2\n"),
                  link("1/TANVO/a.db", "nowhere"), file("2/TANVO/b.db", 1024), textFile("Installer.pkg", "")});
@@ -264,7 +248,7 @@ TEST(QuietFace, AnInstallOfWhichOneVolumeFailedEndsWithStatusOne) {
   EXPECT_THAT(readFile("/tmp/summary.json"), HasSubstr(R"({"left":true,"ready":1,"mode":3,)"));
 }
 
-TEST(QuietFace, ASummaryThatCouldNotBeWrittenIsSaidOnStandardError) {
+TEST(QuietFrontend, ASummaryThatCouldNotBeWrittenIsSaidOnStandardError) {
   layPackage("Mode = DataUpdater\nRelativePath = Nowhere\n");
 
   const Outcome outcome = run("quiet", "", "/dev/full");
@@ -273,7 +257,7 @@ TEST(QuietFace, ASummaryThatCouldNotBeWrittenIsSaidOnStandardError) {
   EXPECT_EQ(outcome.error, "tavinstall: cannot write the summary /dev/full: No space left on device\n");
 }
 
-TEST(QuietFace, NothingIsInstalledWhereTheSummaryCouldNotBeWritten) {
+TEST(QuietFrontend, NothingIsInstalledWhereTheSummaryCouldNotBeWritten) {
   layPackage("Mode = DataUpdater\nRelativePath = Nowhere\n");
 
   const Outcome outcome = run("quiet", "", "/nowhere/summary.json");

@@ -1,4 +1,5 @@
-// What signals and closed pipes do to each face but the terminal page, whose own are in terminal_leaving_test.
+// What signals and closed pipes do to each frontend but the terminal page, whose own are in
+// terminal_leaving_test.
 #include "tests/install/child_program.h"
 #include "tests/support/children.h"
 #include "tests/support/files.h"
@@ -22,9 +23,9 @@ constexpr const char* kLoggedCopy =
     "thread\ninstructions Now installing.\nmax 1953125\nvalue 840000\nlog The copy runs.\nwait /tmp/go\n"
     "ready 1\nnext 1\nrun touch /tmp/finished\n";
 
-std::vector<std::string> copyIn(const char* face, const std::string& script = kLoggedCopy) {
+std::vector<std::string> copyIn(const char* frontend, const std::string& script = kLoggedCopy) {
   std::vector<std::string> command = runScript(script);
-  command.insert(command.end(), {"--ui", face, "--summary", "/tmp/summary.json"});
+  command.insert(command.end(), {"--ui", frontend, "--summary", "/tmp/summary.json"});
   return command;
 }
 
@@ -46,25 +47,25 @@ pid_t engineOf(const ChildProgram& program) {
 
 // ---- Plain lines ----
 
-class PlainFaceIsEnded : public testing::TestWithParam<int> {};
+class PlainFrontendIsEnded : public testing::TestWithParam<int> {};
 
-TEST_P(PlainFaceIsEnded, WithItsEngineAndTheCommandThatRuns) {
+TEST_P(PlainFrontendIsEnded, WithItsEngineAndTheCommandThatRuns) {
   ChildProgram program(copyIn("plain", "thread\nrun touch /tmp/begun; sleep 600; touch /tmp/slept\n"));
   waitForFile("/tmp/begun");
   const pid_t engine = engineOf(program);
   kill(program.pid(), GetParam());
-  EXPECT_THAT(program.readAll(),
-              HasSubstr("! Stopped. What was copied so far stays; run the installer again to complete it.\n"));
+  EXPECT_THAT(program.readAll(), HasSubstr("! Stopped. The files copied so far are kept. Run the installer "
+                                           "again to complete the installation.\n"));
   EXPECT_EQ(program.waitForEnd(), 1);
   waitForEndOf(engine);
   EXPECT_FALSE(exists("/tmp/slept"));
 }
 
-INSTANTIATE_TEST_SUITE_P(By, PlainFaceIsEnded, testing::Values(SIGINT, SIGTERM), [](const auto& parameter) {
+INSTANTIATE_TEST_SUITE_P(By, PlainFrontendIsEnded, testing::Values(SIGINT, SIGTERM), [](const auto& parameter) {
   return parameter.param == SIGINT ? "SIGINT" : "SIGTERM";
 });
 
-TEST(PlainFaceSignals, AHangUpLeavesTheInstallToGoOn) {
+TEST(PlainFrontendSignals, AHangUpLeavesTheInstallToGoOn) {
   ChildProgram program(copyIn("plain"));
   waitForCopy();
   const pid_t engine = engineOf(program);
@@ -77,7 +78,7 @@ TEST(PlainFaceSignals, AHangUpLeavesTheInstallToGoOn) {
   EXPECT_EQ(nlohmann::json::parse(readFile("/tmp/summary.json"))["left"], true);
 }
 
-TEST(PlainFaceSignals, ATerminalThatGoesAwayLeavesTheInstallToGoOn) {
+TEST(PlainFrontendSignals, ATerminalThatGoesAwayLeavesTheInstallToGoOn) {
   TmuxTerminal terminal(80, 24, copyIn("plain"));
   waitForCopy();
   const pid_t program = terminal.program();
@@ -90,20 +91,20 @@ TEST(PlainFaceSignals, ATerminalThatGoesAwayLeavesTheInstallToGoOn) {
   EXPECT_TRUE(exists("/tmp/finished"));
 }
 
-TEST(PlainFaceSignals, ACrashEndsTheLinesAlone) {
+TEST(PlainFrontendSignals, ACrashEndsTheLinesAlone) {
   ChildProgram program(copyIn("plain"));
   waitForCopy();
   const pid_t engine = engineOf(program);
   kill(program.pid(), SIGABRT);
   EXPECT_EQ(program.waitForEnd(), 128 + SIGABRT);
-  EXPECT_EQ(kill(engine, 0), 0) << "the engine went with its face";
+  EXPECT_EQ(kill(engine, 0), 0) << "the engine ended with its frontend";
   let("go");
   waitForEndOf(engine);
   EXPECT_TRUE(exists("/tmp/finished"));
   EXPECT_EQ(nlohmann::json::parse(readFile("/tmp/summary.json"))["left"], true);
 }
 
-TEST(PlainFaceSignals, AReaderThatGoesAwayEndsNothing) {
+TEST(PlainFrontendSignals, AReaderThatGoesAwayEndsNothing) {
   std::string line = "exec 3>&1; { ";
   for (const std::string& word : copyIn("plain")) {
     line += "'" + word + "' ";
@@ -117,14 +118,14 @@ TEST(PlainFaceSignals, AReaderThatGoesAwayEndsNothing) {
   EXPECT_TRUE(exists("/tmp/finished"));
 }
 
-// ---- No face ----
+// ---- No frontend ----
 
-class FacelessIsEnded : public testing::TestWithParam<std::tuple<const char*, int>> {};
+class QuietIsEnded : public testing::TestWithParam<std::tuple<const char*, int>> {};
 
-TEST_P(FacelessIsEnded, AtOnceAsBySuchASignal) {
-  const auto& [face, signal] = GetParam();
-  ChildProgram program(copyIn(face));
-  if (std::string_view(face) == "json") {
+TEST_P(QuietIsEnded, AtOnceAsBySuchASignal) {
+  const auto& [frontend, signal] = GetParam();
+  ChildProgram program(copyIn(frontend));
+  if (std::string_view(frontend) == "json") {
     program.write("{\"do\":\"enter\"}\n{\"do\":\"wait\"}\n");
   }
   waitForCopy();
@@ -135,7 +136,7 @@ TEST_P(FacelessIsEnded, AtOnceAsBySuchASignal) {
 }
 
 // The last is a crash.
-INSTANTIATE_TEST_SUITE_P(By, FacelessIsEnded,
+INSTANTIATE_TEST_SUITE_P(By, QuietIsEnded,
                          testing::Combine(testing::Values("quiet", "json"),
                                           testing::Values(SIGINT, SIGTERM, SIGHUP, SIGABRT)),
                          [](const auto& parameter) {
@@ -143,7 +144,7 @@ INSTANTIATE_TEST_SUITE_P(By, FacelessIsEnded,
                                   std::to_string(std::get<1>(parameter.param));
                          });
 
-TEST(JsonFaceSignals, AReaderThatGoesAwayEndsNothing) {
+TEST(JsonFrontendSignals, AReaderThatGoesAwayEndsNothing) {
   std::string line = "exec 3>&1; { ";
   for (const std::string& word : copyIn("json")) {
     line += "'" + word + "' ";

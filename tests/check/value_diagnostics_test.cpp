@@ -17,106 +17,106 @@ std::string discLinesWith(const std::string& key, const std::string& line) {
 
 // ---- The mode ----
 
-TEST(ModeRemark, NoModeAtAll) {
+TEST(ModeDiagnostic, NoModeAtAll) {
   makeDiscSet(discLinesWith("Mode", "# no mode"));
-  expectRemarks(checkFor("Lumaweave"), {{"mode-missing", "warning", kAttributes}}, 3);
+  expectDiagnostics(checkFor("Lumaweave"), {{"mode-missing", "warning", kAttributes}}, 3);
 }
 
-TEST(ModeRemark, AMisspeltMode) {
+TEST(ModeDiagnostic, AMisspeltMode) {
   makeDownloadSet("Mode = DataUpdate\nTotalSizeMillionsBytes = 1\n");
-  expectRemarks(checkFor("Tessaphon"), {{"mode-misspelt", "error", "Package/.InstallationAttributes.dat", 1}},
-                1);
+  expectDiagnostics(checkFor("Tessaphon"),
+                    {{"mode-misspelt", "error", "Package/.InstallationAttributes.dat", 1}}, 1);
 }
 
-TEST(ModeRemark, AModeInAnotherCase) {
+TEST(ModeDiagnostic, AModeInAnotherCase) {
   makeDownloadSet("Mode = supporthub\nTotalSizeMillionsBytes = 1\n");
   const CheckResult result = checkFor("Tessaphon");
-  expectRemarks(result, {{"mode-misspelt", "error", "Package/.InstallationAttributes.dat", 1}}, 1);
+  expectDiagnostics(result, {{"mode-misspelt", "error", "Package/.InstallationAttributes.dat", 1}}, 1);
   EXPECT_THAT(sentenceOf(result, "mode-misspelt"), testing::HasSubstr("meant to be SupportHub"));
 }
 
-TEST(ModeRemark, EveryModeWordIsOneOfThePages) {
+TEST(ModeDiagnostic, EveryModeWordIsOneOfThePages) {
   for (const char* word : {"DataUpdater", "InstallFromVolumes", "TavenhallUpdater", "SupportHub"}) {
     EXPECT_NE(installModeForValue(word), 3) << word;
   }
 }
 
-TEST(ModeRemark, AModeThatNamesTwo) {
+TEST(ModeDiagnostic, AModeThatNamesTwo) {
   makeDataUpdateSet("Mode = TavenhallUpdater DataUpdater\n" +
                     kDataUpdateLines.substr(kDataUpdateLines.find('\n') + 1));
   const CheckResult result = checkFor("Tessaphon");
-  expectRemarks(result, {{"mode-several", "warning", kAttributes, 1}}, 3);
+  expectDiagnostics(result, {{"mode-several", "warning", kAttributes, 1}}, 3);
   EXPECT_THAT(sentenceOf(result, "mode-several"), testing::HasSubstr("mode 0."));
 }
 
-TEST(ModeRemark, AModeThatDoesNotFit) {
+TEST(ModeDiagnostic, AModeThatDoesNotFit) {
   makeDiscSet(discLinesWith("Mode", "Mode = InstallFromVolumes" + std::string(46, '-')));
   const CheckResult result = checkFor("Lumaweave");
-  expectRemarks(result, {{"value-cut", "error", kAttributes, 1}}, 1);
+  expectDiagnostics(result, {{"value-cut", "error", kAttributes, 1}}, 1);
 }
 
-TEST(ModeRemark, AModeThatIsCutInItsWord) {
+TEST(ModeDiagnostic, AModeThatIsCutInItsWord) {
   makeDiscSet(discLinesWith("Mode", "Mode = " + std::string(46, '-') + "InstallFromVolumes"));
   const CheckResult result = checkFor("Lumaweave");
   EXPECT_THAT(foundIn(result), testing::Contains(Found{"value-cut", "error", kAttributes, 1}));
   EXPECT_EQ(result.checked.plan.mode, 3);
 }
 
-TEST(ModeRemark, AModeOf63BytesIsSound) {
+TEST(ModeDiagnostic, AModeOf63BytesIsSound) {
   makeDiscSet(discLinesWith("Mode", "Mode = " + std::string(45, '-') + "InstallFromVolumes"));
-  expectRemarks(checkFor("Lumaweave"), {}, 0);
+  expectDiagnostics(checkFor("Lumaweave"), {}, 0);
 }
 
 // ---- Numbers ----
 
-TEST(NumberRemark, AValueThatIsNoNumber) {
+TEST(NumberDiagnostic, AValueThatIsNoNumber) {
   makeDiscSet(discLinesWith("TotalSizeMillionsBytes", "TotalSizeMillionsBytes = one"));
   const CheckResult result = checkFor("Lumaweave");
-  expectRemarks(result, {{"number-invalid", "error", kAttributes, 6}}, 1);
+  expectDiagnostics(result, {{"number-invalid", "error", kAttributes, 6}}, 1);
   EXPECT_EQ(
       sentenceOf(result, "number-invalid"),
-      "TotalSizeMillionsBytes is \"one\", which is no number, so the page takes 2, the number of line 5.");
+      "TotalSizeMillionsBytes is \"one\", which is not a number, so the page uses 2, the number of line 5.");
 }
 
-TEST(NumberRemark, AValueThatIsNoNumberAndHasNoneBefore) {
+TEST(NumberDiagnostic, AValueThatIsNoNumberAndHasNoneBefore) {
   makeDiscSet("NumberOfVolumes = two\nMode = InstallFromVolumes\nTotalSizeMillionsBytes = 1\n");
   std::filesystem::remove_all(inSet("discs/2 Tavenhall Lumaweave"));
   const CheckResult result = checkFor("Lumaweave");
-  expectRemarks(result, {{"number-invalid", "error", kAttributes, 1}}, 1);
-  EXPECT_THAT(sentenceOf(result, "number-invalid"), testing::HasSubstr("so the page takes 0."));
+  expectDiagnostics(result, {{"number-invalid", "error", kAttributes, 1}}, 1);
+  EXPECT_THAT(sentenceOf(result, "number-invalid"), testing::HasSubstr("so the page uses 0."));
 }
 
-TEST(NumberRemark, TextBehindANumber) {
+TEST(NumberDiagnostic, TextBehindANumber) {
   makeDiscSet(discLinesWith("TotalSizeMillionsBytes", "TotalSizeMillionsBytes = 1,000"));
   const CheckResult result = checkFor("Lumaweave");
-  expectRemarks(result, {{"number-trailing-text", "warning", kAttributes, 6}}, 3);
+  expectDiagnostics(result, {{"number-trailing-text", "warning", kAttributes, 6}}, 3);
   EXPECT_THAT(sentenceOf(result, "number-trailing-text"), testing::HasSubstr("so it is 1."));
 }
 
-TEST(NumberRemark, BlanksBehindANumberAreSound) {
+TEST(NumberDiagnostic, BlanksBehindANumberAreSound) {
   makeDiscSet(discLinesWith("TotalSizeMillionsBytes", "TotalSizeMillionsBytes = 1 \t\r"));
-  expectRemarks(checkFor("Lumaweave"), {}, 0);
+  expectDiagnostics(checkFor("Lumaweave"), {}, 0);
 }
 
-TEST(NumberRemark, ANumberBeyond64Bits) {
+TEST(NumberDiagnostic, ANumberBeyond64Bits) {
   makeDiscSet(discLinesWith("TotalSizeMillionsBytes", "TotalSizeMillionsBytes = 99999999999999999999"));
-  expectRemarks(checkFor("Lumaweave"), {{"number-out-of-range", "error", kAttributes, 6}}, 1);
+  expectDiagnostics(checkFor("Lumaweave"), {{"number-out-of-range", "error", kAttributes, 6}}, 1);
 }
 
-TEST(NumberRemark, ASizeWhoseBytesWrap) {
+TEST(NumberDiagnostic, ASizeWhoseBytesWrap) {
   makeDiscSet(discLinesWith("TotalSizeMillionsBytes", "TotalSizeMillionsBytes = 9223372036855"));
-  expectRemarks(checkFor("Lumaweave"), {{"number-out-of-range", "error", kAttributes, 6}}, 1);
+  expectDiagnostics(checkFor("Lumaweave"), {{"number-out-of-range", "error", kAttributes, 6}}, 1);
 }
 
-TEST(NumberRemark, ANegativeNumberOfVolumes) {
+TEST(NumberDiagnostic, ANegativeNumberOfVolumes) {
   makeDiscSet(discLinesWith("NumberOfVolumes", "NumberOfVolumes = -2"));
   std::filesystem::remove_all(inSet("discs/2 Tavenhall Lumaweave"));
   const CheckResult result = checkFor("Lumaweave");
-  expectRemarks(result, {{"number-out-of-range", "error", kAttributes, 5}}, 1);
+  expectDiagnostics(result, {{"number-out-of-range", "error", kAttributes, 5}}, 1);
   EXPECT_THAT(sentenceOf(result, "number-out-of-range"), testing::HasSubstr("cannot be -2"));
 }
 
-TEST(NumberRemark, ANumberOfVolumesBeyond32Bits) {
+TEST(NumberDiagnostic, ANumberOfVolumesBeyond32Bits) {
   makeDiscSet(discLinesWith("NumberOfVolumes", "NumberOfVolumes = 4294967296"));
   EXPECT_THAT(foundIn(checkFor("Lumaweave")),
               testing::Contains(Found{"number-out-of-range", "error", kAttributes, 5}));
@@ -124,70 +124,70 @@ TEST(NumberRemark, ANumberOfVolumesBeyond32Bits) {
 
 // ---- The prompt ----
 
-TEST(PromptRemark, ABlankBehindTheYes) {
+TEST(PromptDiagnostic, ABlankBehindTheYes) {
   makeDiscSet(kDiscLines + "LiteVsFullPrompt = Yes \nComponent1SizeMillionsBytes = 1\n");
   const CheckResult result = checkFor("Lumaweave");
-  expectRemarks(result, {{"trailing-blank", "error", kAttributes, 7}}, 1);
+  expectDiagnostics(result, {{"trailing-blank", "error", kAttributes, 7}}, 1);
   EXPECT_FALSE(result.checked.plan.editions.isOffered);
 }
 
-TEST(PromptRemark, AnAnswerThatIsNone) {
+TEST(PromptDiagnostic, AnAnswerThatIsNone) {
   makeDiscSet(kDiscLines + "LiteVsFullPrompt = true\n");
-  expectRemarks(checkFor("Lumaweave"), {{"prompt-value", "warning", kAttributes, 7}}, 3);
+  expectDiagnostics(checkFor("Lumaweave"), {{"prompt-value", "warning", kAttributes, 7}}, 3);
 }
 
-TEST(PromptRemark, APromptWithOneVolume) {
+TEST(PromptDiagnostic, APromptWithOneVolume) {
   makeDiscSet("Mode = InstallFromVolumes\nTotalSizeMillionsBytes = 1\nLiteVsFullPrompt = Yes\n");
   std::filesystem::remove_all(inSet("discs/2 Tavenhall Lumaweave"));
-  expectRemarks(checkFor("Lumaweave"), {{"prompt-without-effect", "warning", kAttributes, 3}}, 3);
+  expectDiagnostics(checkFor("Lumaweave"), {{"prompt-without-effect", "warning", kAttributes, 3}}, 3);
 }
 
-TEST(PromptRemark, ANoWhereTwoVolumesAreAChoiceAnyway) {
+TEST(PromptDiagnostic, ANoWhereTwoVolumesAreAChoiceAnyway) {
   makeDataUpdateSet(kDataUpdateLines + "LiteVsFullPrompt = No\n");
-  expectRemarks(checkFor("Tessaphon"), {{"prompt-without-effect", "warning", kAttributes, 8}}, 3);
+  expectDiagnostics(checkFor("Tessaphon"), {{"prompt-without-effect", "warning", kAttributes, 8}}, 3);
 }
 
-TEST(PromptRemark, APromptInAnUpdater) {
+TEST(PromptDiagnostic, APromptInAnUpdater) {
   makeUpdateSet(kUpdateLines + "LiteVsFullPrompt = Yes\n");
-  expectRemarks(checkFor("Tessaphon"), {{"prompt-without-effect", "warning", kAttributes, 7}}, 3);
+  expectDiagnostics(checkFor("Tessaphon"), {{"prompt-without-effect", "warning", kAttributes, 7}}, 3);
 }
 
 // ---- Texts ----
 
-TEST(TextRemark, ATextThatDoesNotSayWhere) {
+TEST(TextDiagnostic, ATextThatDoesNotSayWhere) {
   makeDiscSet(discLinesWith("InstalledData", "InstalledData = Done, 100 %%s"));
-  expectRemarks(checkFor("Lumaweave"), {{"placeholder-missing", "note", kAttributes, 4}}, 0);
+  expectDiagnostics(checkFor("Lumaweave"), {{"placeholder-missing", "note", kAttributes, 4}}, 0);
 }
 
-TEST(TextRemark, ATextThatSaysWhereTwice) {
+TEST(TextDiagnostic, ATextThatSaysWhereTwice) {
   makeDiscSet(discLinesWith("InstallingData", "InstallingData = To %s, yes, %s"));
   const CheckResult result = checkFor("Lumaweave");
-  expectRemarks(result, {{"placeholder-repeated", "warning", kAttributes, 3}}, 3);
+  expectDiagnostics(result, {{"placeholder-repeated", "warning", kAttributes, 3}}, 3);
   EXPECT_EQ(result.checked.plan.enteringText, "To ~/Library/Application Support/Tavenhall/DOVA, yes, %s");
 }
 
 // ---- Paths ----
 
-TEST(PathRemark, ABackslashInAPath) {
+TEST(PathDiagnostic, ABackslashInAPath) {
   makeDataUpdateSet("Mode = DataUpdater\nRelativePath = First\\nested\nTotalSizeMillionsBytes = 1\n");
   EXPECT_THAT(foundIn(checkFor("Tessaphon")),
               testing::Contains(Found{"path-backslash", "error", kAttributes, 2}));
 }
 
-TEST(PathRemark, ABlankAtAPathsEnd) {
+TEST(PathDiagnostic, ABlankAtAPathsEnd) {
   makeDataUpdateSet("Mode = DataUpdater\nRelativePath = First \nTotalSizeMillionsBytes = 1\n");
-  expectRemarks(checkFor("Tessaphon"),
-                {{"trailing-blank", "error", kAttributes, 2}, {"data-folder-missing", "error", "First /TANVO"}},
-                1);
+  expectDiagnostics(
+      checkFor("Tessaphon"),
+      {{"trailing-blank", "error", kAttributes, 2}, {"data-folder-missing", "error", "First /TANVO"}}, 1);
 }
 
-TEST(PathRemark, ABlankAtTheEndOfAFolderThatHasOneIsSound) {
+TEST(PathDiagnostic, ABlankAtTheEndOfAFolderThatHasOneIsSound) {
   makeDataUpdateSet("Mode = DataUpdater\nRelativePath = First \nTotalSizeMillionsBytes = 1\n");
   std::filesystem::rename(inSet("First"), inSet("First "));
-  expectRemarks(checkFor("Tessaphon"), {}, 0);
+  expectDiagnostics(checkFor("Tessaphon"), {}, 0);
 }
 
-TEST(PathRemark, ARelativePathThatDoesNotFit) {
+TEST(PathDiagnostic, ARelativePathThatDoesNotFit) {
   makeDataUpdateSet("Mode = DataUpdater\nRelativePath = " + std::string(1100, 'p') +
                     "\nTotalSizeMillionsBytes = 1\n");
   EXPECT_THAT(foundIn(checkFor("Tessaphon")),

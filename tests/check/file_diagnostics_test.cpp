@@ -14,79 +14,79 @@ void makeLink(const std::string& target, const std::string& path) {
 
 }  // namespace
 
-TEST(FileRemark, AHiddenFile) {
+TEST(FileDiagnostic, AHiddenFile) {
   makeDiscSet();
   writeFile(inSet(kData + ".settings/one"), "one");
   writeFile(inSet(kData + "Factory/.index"), "two");
   const CheckResult result = checkFor("Lumaweave");
-  expectRemarks(result, {{"hidden-file", "warning", kData + ".settings"}}, 3);
+  expectDiagnostics(result, {{"hidden-file", "warning", kData + ".settings"}}, 3);
   EXPECT_THAT(sentenceOf(result, "hidden-file"), testing::HasSubstr("2 of them here"));
 }
 
-TEST(FileRemark, TheSystemsOwnHiddenFiles) {
+TEST(FileDiagnostic, TheSystemsOwnHiddenFiles) {
   makeDiscSet();
   writeFile(inSet(kData + "Factory/.DS_Store"), "x");
   writeFile(inSet(kData + "Factory/._one.db"), "x");
-  expectRemarks(checkFor("Lumaweave"), {{"hidden-litter", "note", kData + "Factory/.DS_Store"}}, 0);
+  expectDiagnostics(checkFor("Lumaweave"), {{"hidden-litter", "note", kData + "Factory/.DS_Store"}}, 0);
 }
 
-TEST(FileRemark, HiddenFilesBesideTheDataFolderAreSound) {
+TEST(FileDiagnostic, HiddenFilesBesideTheDataFolderAreSound) {
   makeDiscSet();
   writeFile(inSet("discs/1 Tavenhall Lumaweave/.Trashes/one"), "x");
   writeFile(inSet("discs/1 Tavenhall Lumaweave/.background.png"), "x");
-  expectRemarks(checkFor("Lumaweave"), {}, 0);
+  expectDiagnostics(checkFor("Lumaweave"), {}, 0);
 }
 
-TEST(FileRemark, AFileThatIsTakenForAnAttributesFile) {
+TEST(FileDiagnostic, AFileThatIsTakenForAnAttributesFile) {
   makeDiscSet();
   writeFile(inSet(kData + "Factory/Copy of.InstallationAttributes.dat"), "x");
-  expectRemarks(checkFor("Lumaweave"),
-                {{"file-skipped", "warning", kData + "Factory/Copy of.InstallationAttributes.dat"}}, 3);
+  expectDiagnostics(checkFor("Lumaweave"),
+                    {{"file-skipped", "warning", kData + "Factory/Copy of.InstallationAttributes.dat"}}, 3);
 }
 
-TEST(FileRemark, ALinkToAFile) {
+TEST(FileDiagnostic, ALinkToAFile) {
   makeDiscSet();
   makeLink("Factory/one.db", kData + "alias.db");
-  expectRemarks(checkFor("Lumaweave"), {{"link-copied", "warning", kData + "alias.db"}}, 3);
+  expectDiagnostics(checkFor("Lumaweave"), {{"link-copied", "warning", kData + "alias.db"}}, 3);
 }
 
-TEST(FileRemark, ALinkToAFolder) {
+TEST(FileDiagnostic, ALinkToAFolder) {
   makeDiscSet();
   makeLink("Factory", kData + "Presets");
-  expectRemarks(checkFor("Lumaweave"), {{"link-to-folder", "error", kData + "Presets"}}, 1);
+  expectDiagnostics(checkFor("Lumaweave"), {{"link-to-folder", "error", kData + "Presets"}}, 1);
 }
 
-TEST(FileRemark, ALinkThatLeadsNowhere) {
+TEST(FileDiagnostic, ALinkThatLeadsNowhere) {
   makeDiscSet();
   makeLink("nothing", kData + "broken");
-  expectRemarks(checkFor("Lumaweave"), {{"link-broken", "error", kData + "broken"}}, 1);
+  expectDiagnostics(checkFor("Lumaweave"), {{"link-broken", "error", kData + "broken"}}, 1);
 }
 
-TEST(FileRemark, ADataFolderThatIsALinkIsSound) {
+TEST(FileDiagnostic, ADataFolderThatIsALinkIsSound) {
   makeDiscSet();
   std::filesystem::rename(inSet("discs/1 Tavenhall Lumaweave/DOVA"), inSet("discs/1 Tavenhall Lumaweave/Data"));
   makeLink("Data", "discs/1 Tavenhall Lumaweave/DOVA");
-  expectRemarks(checkFor("Lumaweave"), {}, 0);
+  expectDiagnostics(checkFor("Lumaweave"), {}, 0);
 }
 
-TEST(FileRemark, ANamedPipe) {
+TEST(FileDiagnostic, ANamedPipe) {
   makeDiscSet();
   ASSERT_EQ(mkfifo(inSet(kData + "pipe").c_str(), 0600), 0);
-  expectRemarks(checkFor("Lumaweave"), {{"special-file", "error", kData + "pipe"}}, 1);
+  expectDiagnostics(checkFor("Lumaweave"), {{"special-file", "error", kData + "pipe"}}, 1);
 }
 
-TEST(FileRemark, AFileThatNobodyMayRead) {
+TEST(FileDiagnostic, AFileThatNobodyMayRead) {
   makeDiscSet();
   ASSERT_EQ(chmod(inSet(kData + "Factory/one.db").c_str(), 0200), 0);
-  expectRemarks(checkFor("Lumaweave"), {{"not-readable", "error", kData + "Factory/one.db"}}, 1);
+  expectDiagnostics(checkFor("Lumaweave"), {{"not-readable", "error", kData + "Factory/one.db"}}, 1);
 }
 
-TEST(FileRemark, AFolderThatNobodyMayLookInto) {
+TEST(FileDiagnostic, AFolderThatNobodyMayLookInto) {
   makeDiscSet();
   ASSERT_EQ(chmod(inSet(kData + "Factory").c_str(), 0600), 0);
   const CheckResult result = checkFor("Lumaweave");
-  expectRemarks(result, {{"not-readable", "error", kData + "Factory"}}, 1);
-  EXPECT_THAT(sentenceOf(result, "not-readable"), testing::HasSubstr("the page says nothing"));
+  expectDiagnostics(result, {{"not-readable", "error", kData + "Factory"}}, 1);
+  EXPECT_THAT(sentenceOf(result, "not-readable"), testing::HasSubstr("the page reports nothing"));
 }
 
 namespace {
@@ -102,60 +102,60 @@ std::string deepPath(std::size_t length) {
 
 }  // namespace
 
-TEST(FileRemark, APathThatGetsTooLong) {
+TEST(FileDiagnostic, APathThatGetsTooLong) {
   makeDiscSet();
   const std::string destination = "/Users/12345678901234567890/Library/Application Support/Tavenhall/DOVA/";
   const std::string fits = deepPath(1023 - destination.size());
   writeFile(inSet(kData + fits), "fits");
-  expectRemarks(checkFor("Lumaweave"), {}, 0);
+  expectDiagnostics(checkFor("Lumaweave"), {}, 0);
   writeFile(inSet(kData + fits + "f"), "does not");
-  expectRemarks(checkFor("Lumaweave"), {{"path-too-long", "error", kData + fits + "f"}}, 1);
+  expectDiagnostics(checkFor("Lumaweave"), {{"path-too-long", "error", kData + fits + "f"}}, 1);
 }
 
-TEST(FileRemark, ATooLongPathIsSaidOnceOfAWholeFolder) {
+TEST(FileDiagnostic, ATooLongPathIsSaidOnceOfAWholeFolder) {
   makeDiscSet();
   writeFile(inSet(kData + deepPath(940) + "/a"), "a");
   writeFile(inSet(kData + deepPath(940) + "/" + std::string(100, 'g') + "/b"), "b");
   const CheckResult result = checkFor("Lumaweave");
-  ASSERT_EQ(result.remarks.all().size(), 1U) << checkText(result);
-  EXPECT_EQ(result.remarks.all()[0].name, "path-too-long");
+  ASSERT_EQ(result.diagnostics.all().size(), 1U) << checkText(result);
+  EXPECT_EQ(result.diagnostics.all()[0].name, "path-too-long");
 }
 
-TEST(FileRemark, NamesThatDifferInCaseAlone) {
+TEST(FileDiagnostic, NamesThatDifferInCaseAlone) {
   makeDiscSet();
   writeFile(inSet(kData + "Factory/ONE.db"), "other");
-  expectRemarks(checkFor("Lumaweave"), {{"case-clash", "error", kData + "Factory/one.db"}}, 1);
+  expectDiagnostics(checkFor("Lumaweave"), {{"case-clash", "error", kData + "Factory/one.db"}}, 1);
 }
 
-TEST(FileRemark, NamesThatDifferInTheCaseOfALetterWithAnAccent) {
+TEST(FileDiagnostic, NamesThatDifferInTheCaseOfALetterWithAnAccent) {
   makeDiscSet();
   writeFile(inSet(kData + "Factory/\xC3\x9C.db"), "one");
   writeFile(inSet(kData + "Factory/\xC3\xBC.db"), "two");
-  expectRemarks(checkFor("Lumaweave"), {{"case-clash", "error", kData + "Factory/\xC3\xBC.db"}}, 1);
+  expectDiagnostics(checkFor("Lumaweave"), {{"case-clash", "error", kData + "Factory/\xC3\xBC.db"}}, 1);
 }
 
-TEST(FileRemark, NamesOnTwoDiscsThatDifferInCaseAlone) {
+TEST(FileDiagnostic, NamesOnTwoDiscsThatDifferInCaseAlone) {
   makeDiscSet();
   writeFile(inSet("discs/2 Tavenhall Lumaweave/DOVA/Factory/One.db"), "other");
-  expectRemarks(checkFor("Lumaweave"),
-                {{"case-clash", "error", "discs/2 Tavenhall Lumaweave/DOVA/Factory/One.db"}}, 1);
+  expectDiagnostics(checkFor("Lumaweave"),
+                    {{"case-clash", "error", "discs/2 Tavenhall Lumaweave/DOVA/Factory/One.db"}}, 1);
 }
 
-TEST(FileRemark, AFileThatALaterDiscReplacesIsSound) {
+TEST(FileDiagnostic, AFileThatALaterDiscReplacesIsSound) {
   makeDiscSet();
   writeFile(inSet("discs/2 Tavenhall Lumaweave/DOVA/Factory/one.db"), "the full one");
-  expectRemarks(checkFor("Lumaweave"), {}, 0);
+  expectDiagnostics(checkFor("Lumaweave"), {}, 0);
 }
 
-TEST(FileRemark, OfOneKindOnlySoManyAreShown) {
+TEST(FileDiagnostic, OfOneKindOnlySoManyAreShown) {
   makeDiscSet();
   for (int i = 0; i < 25; ++i) {
     makeLink("nothing", kData + "broken" + std::to_string(i));
   }
   const CheckResult result = checkFor("Lumaweave");
-  EXPECT_EQ(result.remarks.all().size(), 20U);
-  EXPECT_EQ(result.remarks.more().at("link-broken"), 5);
-  EXPECT_EQ(result.remarks.count(Severity::error), 25);
+  EXPECT_EQ(result.diagnostics.all().size(), 20U);
+  EXPECT_EQ(result.diagnostics.more().at("link-broken"), 5);
+  EXPECT_EQ(result.diagnostics.count(Severity::error), 25);
 }
 
 }  // namespace tavenhall::test

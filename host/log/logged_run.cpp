@@ -1,4 +1,4 @@
-#include "host/log/run_story.h"
+#include "host/log/logged_run.h"
 
 #include <algorithm>
 #include <charconv>
@@ -42,7 +42,7 @@ struct PathPair {
   std::string_view rest;
 };
 
-// Paths hold blanks, so where the first ends is told by the name that both have in common. Where there is no
+// Paths hold blanks, so the name that both have in common shows where the first ends. Where there is no
 // such place, the source is the whole text.
 PathPair pathPair(std::string_view text) {
   for (std::size_t at = text.find(" /"); at != std::string_view::npos; at = text.find(" /", at + 1)) {
@@ -89,94 +89,93 @@ std::string_view failedFolder(std::string_view text) {
 
 }  // namespace
 
-void RunStories::add(const LogRecord& record) {
+void LoggedRuns::add(const LogRecord& record) {
   std::string_view message = record.message;
   if (const std::size_t banner = message.find("  Install Data Pane Enter: ");
       message.starts_with("\n\n*") && banner != std::string_view::npos) {
     finish();
-    story_.emplace();
-    story_->begin = record.time;
-    story_->host = record.host;
-    story_->pageVersion = withoutEnd(message.substr(message.find(": ", banner) + 2));
-    story_->title = std::exchange(titleBefore_, {});
-    story_->attributesFile = attributesBefore_;
+    run_.emplace();
+    run_->begin = record.time;
+    run_->host = record.host;
+    run_->pageVersion = withoutEnd(message.substr(message.find(": ", banner) + 2));
+    run_->title = std::exchange(titleBefore_, {});
+    run_->attributesFile = attributesBefore_;
   }
   takeSetting(message);
-  if (!story_ || story_->outcome == RunEnd::complete) {
+  if (!run_ || run_->outcome == RunEnd::complete) {
     return;  // what follows a run that is complete belongs to the next one
   }
-  story_->end = record.time;
-  story_->lastMessage = withoutEnd(message);
+  run_->end = record.time;
+  run_->lastMessage = withoutEnd(message);
   takeVolume(record);
   takePrompt(record);
   takeFailure(record);
   if (message.starts_with("Installation complete")) {
-    story_->outcome = RunEnd::complete;
+    run_->outcome = RunEnd::complete;
   } else if (message.starts_with("InstallData fatal error")) {
-    story_->outcome = RunEnd::noDataFolder;
+    run_->outcome = RunEnd::noDataFolder;
   }
 }
 
-void RunStories::finish() {
-  if (story_) {
-    tell_(*story_);
-    story_.reset();
+void LoggedRuns::finish() {
+  if (run_) {
+    report_(*run_);
+    run_.reset();
   }
 }
 
 // The attributes file is named once a process, and the title is asked for at any time, so both may come
 // before the run that they belong to.
-void RunStories::takeSetting(std::string_view message) {
+void LoggedRuns::takeSetting(std::string_view message) {
   if (take(message, "Found Installation Attribute File at  ")) {
     attributesBefore_ = withoutEnd(message);
-    if (story_) {
-      story_->attributesFile = attributesBefore_;
+    if (run_) {
+      run_->attributesFile = attributesBefore_;
     }
   } else if (message == "Did not find Installation Attribute File.") {
     attributesBefore_.clear();
   } else if (take(message, "Data from attributes file::  InstallData title=")) {
-    (story_ && story_->outcome == RunEnd::never ? story_->title : titleBefore_) = withoutEnd(message);
+    (run_ && run_->outcome == RunEnd::never ? run_->title : titleBefore_) = withoutEnd(message);
   }
-  if (!story_) {
+  if (!run_) {
     return;
   }
   if (take(message, "Installation mode is ")) {
-    story_->mode = takeNumber(message);
+    run_->mode = takeNumber(message);
   } else if (take(message, "Install Type = ")) {
-    story_->edition = message;
+    run_->edition = message;
   } else if (take(message, "After resolve 1 ")) {
     // The page's own is looked for on entering, and in an updater once more for its pass.
-    if (std::find(story_->destinations.begin(), story_->destinations.end(), message) ==
-        story_->destinations.end()) {
-      story_->destinations.emplace_back(message);
+    if (std::find(run_->destinations.begin(), run_->destinations.end(), message) == run_->destinations.end()) {
+      run_->destinations.emplace_back(message);
     }
   } else if (take(message, "Confirmed ")) {
     constexpr std::string_view kMiddle = " Library Installation is ";
     if (const std::size_t middle = message.find(kMiddle); middle != std::string_view::npos) {
-      story_->detectedEditions.push_back(std::string(message.substr(0, middle)) + ": " +
-                                         std::string(withoutEnd(message.substr(middle + kMiddle.size()))));
+      run_->detectedEditions.push_back(std::string(message.substr(0, middle)) + ": " +
+                                       std::string(withoutEnd(message.substr(middle + kMiddle.size()))));
     }
   } else if (take(message, "Successfully deleted existing p/w/a at ")) {
-    story_->placed.emplace_back(message);
+    run_->placed.emplace_back(message);
   } else if (message.starts_with("readyToProceed is False")) {
-    ++story_->refusals;
+    ++run_->refusals;
   }
 }
 
-RunVolume& RunStories::volume() {
-  if (story_->volumes.empty()) {
-    story_->volumes.emplace_back();
+RunVolume& LoggedRuns::volume() {
+  if (run_->volumes.empty()) {
+    run_->volumes.emplace_back();
   }
-  return story_->volumes.back();
+  return run_->volumes.back();
 }
 
-void RunStories::takeVolume(const LogRecord& record) {
+void LoggedRuns::takeVolume(const LogRecord& record) {
   std::string_view message = record.message;
   if (take(message, "Volume ")) {
     const auto number = takeNumber(message);
     if (number && message.starts_with(" /")) {
-      story_->volumes.emplace_back();
-      story_->volumes.back().number = *number;
+      run_->volumes.emplace_back();
+      run_->volumes.back().number = *number;
     }
   } else if (take(message, "Begin copySingleVolume: copySrcPath ") ||
              take(message, "Begin copySingleVolume for copySrcPathWithSubFolder ")) {
@@ -187,45 +186,45 @@ void RunStories::takeVolume(const LogRecord& record) {
     }
   } else if (take(message, "End copySingleVolume: copySrcPath ")) {
     volume().end = record.time;
-  } else if (!story_->volumes.empty()) {  // what is copied before the first volume is none
-    story_->volumes.back().folders += message.starts_with("Copying folder ") ? 1 : 0;
-    story_->volumes.back().timesEmpty +=
+  } else if (!run_->volumes.empty()) {  // what is copied before the first volume is none
+    run_->volumes.back().folders += message.starts_with("Copying folder ") ? 1 : 0;
+    run_->volumes.back().timesEmpty +=
         message.starts_with("copySingleVolume: no items found in top level folder") ? 1 : 0;
-    story_->volumes.back().hundredsOfMegabytes += message.starts_with("Data copy progress ") ? 1 : 0;
+    run_->volumes.back().hundredsOfMegabytes += message.starts_with("Data copy progress ") ? 1 : 0;
   }
 }
 
 // Is the latest prompt for that volume, and still open? Some products' discs all bear one name.
-bool RunStories::isWaitingFor(std::string_view volumeName) const {
-  return !story_->prompts.empty() && story_->prompts.back().volume == volumeName &&
-         story_->prompts.back().found.empty() && !story_->prompts.back().isSkipped;
+bool LoggedRuns::isWaitingFor(std::string_view volumeName) const {
+  return !run_->prompts.empty() && run_->prompts.back().volume == volumeName &&
+         run_->prompts.back().found.empty() && !run_->prompts.back().isSkipped;
 }
 
-void RunStories::takePrompt(const LogRecord& record) {
+void LoggedRuns::takePrompt(const LogRecord& record) {
   std::string_view message = record.message;
   const bool isOptional = take(message, "Dialog prompting to insert optional disc: ");
   if (isOptional || take(message, "Dialog prompting to insert mandatory volume ")) {
     takeNumber(message);
     const std::string name(withoutEnd(message.substr(message.empty() ? 0 : 1)));
     if (!isWaitingFor(name)) {
-      RunPrompt& prompt = story_->prompts.emplace_back();
+      RunPrompt& prompt = run_->prompts.emplace_back();
       prompt.time = record.time;
       prompt.volume = name;
       prompt.isOptional = isOptional;
     }
-    ++story_->prompts.back().times;
+    ++run_->prompts.back().times;
   } else if (message.starts_with("Skipping an optional disc")) {
-    if (!story_->prompts.empty()) {
-      story_->prompts.back().isSkipped = true;
+    if (!run_->prompts.empty()) {
+      run_->prompts.back().isSkipped = true;
     }
   } else if (message.starts_with("Using primary folder ") || message.starts_with("Using alternate folder ")) {
-    if (!story_->prompts.empty() && isWaitingFor(story_->prompts.back().volume)) {
-      story_->prompts.back().found = record.time;
+    if (!run_->prompts.empty() && isWaitingFor(run_->prompts.back().volume)) {
+      run_->prompts.back().found = record.time;
     }
   }
 }
 
-void RunStories::takeFailure(const LogRecord& record) {
+void LoggedRuns::takeFailure(const LogRecord& record) {
   std::string_view message = record.message;
   if (take(message, "Source error ")) {
     const PathPair paths = pathPair(withoutEnd(message));
@@ -249,12 +248,12 @@ void RunStories::takeFailure(const LogRecord& record) {
   }
 }
 
-void RunStories::fail(const LogRecord& record, const char* kind, std::string_view file, std::string_view target,
+void LoggedRuns::fail(const LogRecord& record, const char* kind, std::string_view file, std::string_view target,
                       std::string_view reason) {
-  ++story_->failureCount;
-  if (story_->failures.size() < RunStory::kMostFailures) {
-    story_->failures.push_back({std::string(record.time), kind, std::string(file), std::string(target),
-                                std::string(reason), std::string(withoutEnd(record.message))});
+  ++run_->failureCount;
+  if (run_->failures.size() < LoggedRun::kMostFailures) {
+    run_->failures.push_back({std::string(record.time), kind, std::string(file), std::string(target),
+                              std::string(reason), std::string(withoutEnd(record.message))});
   }
 }
 
