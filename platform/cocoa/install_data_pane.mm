@@ -1,7 +1,7 @@
 #import "platform/cocoa/install_data_pane.h"
 
+#include "platform/cocoa/adapter.h"
 #include "platform/cocoa/pane_host.h"
-#include "platform/cocoa/text.h"
 #include "platform/installer_pane.h"
 
 #include <memory>
