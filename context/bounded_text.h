@@ -6,8 +6,8 @@
 #include <cstring>
 #include <string_view>
 
-// Text in fixed buffers. What does not fit ends the process: a path or a command that was cut short
-// would send data to a place nobody named, and a stop is the lesser evil.
+// Text in fixed buffers. Overflow aborts the process: a truncated path or command could write data to a wrong
+// place.
 namespace tavenhall {
 
 // Writes one line on standard error that names the limit (bytes, terminator included) and aborts.

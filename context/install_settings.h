@@ -5,7 +5,7 @@
 #include <cstdint>
 
 // What the InstallationAttributes file says of this installer. Each getter looks one key up in the file,
-// anew at every call, and logs what it found. A missing file or key gives the built-in text and a log line
+// at every call, and logs what it found. A missing file or key gives the built-in text and a log line
 // that says so; no getter fails. Every buffer holds at least kAttributesValueSize bytes. Any thread.
 namespace tavenhall {
 

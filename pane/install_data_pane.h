@@ -93,8 +93,8 @@ class InstallDataPane final : public InstallerPane {
   // The folder being copied. Written by the thread that runs the copy engine.
   BoundedText<kFolderNameSize> gItemCurrentlyBeingInstalled;
 
-  // ---- Editions: written before the install thread starts, only read by it, save the second, which it
-  // ---- settles anew with the volume count
+  // ---- Editions: written before the install thread starts, which only reads them, except the second, which it
+  // ---- updates with the volume count
 
   std::int32_t gInstallationHasLiteVsFullOption = 0;  // not reset on entry
   std::int32_t gAllTwoComponentInstallChoicesAreLite = 0;

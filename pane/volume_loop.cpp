@@ -29,7 +29,7 @@ void InstallDataPane::installAllVolumesForOneOf_TANVOorDOVA() noexcept {
   // Asked of the root as the caller left it, before a volume changes it.
   const bool hasOptionalDiscs = rootHasOptionalDiscs(gPathOfSourceDataExcludingTANVOtail.view());
   determineNumVolumesToInstall();
-  // The count is read anew after each volume, since the first one may change it.
+  // Read the count after each volume: the first one may change it.
   for (gCurrentVolumeNumber = 0; gCurrentVolumeNumber < gVolumeCount; ++gCurrentVolumeNumber) {
     const OptionalDisc* optionalDisc = chooseVolumeRoot(hasOptionalDiscs);
     auto& root = gPathOfSourceDataExcludingTANVOtail;
@@ -188,7 +188,7 @@ void InstallDataPane::copyVolumeOnItsThread(const char* folder) noexcept {
   copySingleVolumeRunning = 1;
   const auto body = [](void* pane) { static_cast<InstallDataPane*>(pane)->copySingleVolume(); };
   if (!detachNewThread(host(), "copySingleVolume", body, this)) {
-    copySingleVolume();  // no thread to be had: here, then
+    copySingleVolume();  // cannot start a thread: copy on this one
   }
   while (copySingleVolumeRunning.load(std::memory_order_acquire) != 0) {
     sleepSeconds(1);

@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <string>
 
-// What the page asks of the operating system under it, as plain functions that are chosen at link time: one
-// backend for real systems, one that records for the tests, one for AppKit. Every backend fills every one.
-// Unless a function says otherwise, any thread may call it, and it never fails the caller.
+// The page's interface to the operating system: plain functions, implemented by the backend that is linked
+// (POSIX, AppKit, or the recording one of the tests). Every backend implements all of them. Unless a function
+// says otherwise, any thread may call it, and its failure is not reported.
 namespace tavenhall {
 
 class InstallerHost;
@@ -16,12 +16,12 @@ class InstallerHost;
 // The values are the ones macOS uses for the directories.
 enum class SearchPath { caches = 13, applicationSupport = 14 };
 
-// The current user's folder of that kind, absolute, without a trailing slash, whether or not it exists.
-// False when there is none.
+// Stores the absolute path of the user's folder, without a trailing slash; the folder need not exist. Returns
+// false if there is none.
 [[nodiscard]] bool firstUserSearchPath(SearchPath which, std::string& path) noexcept;
 
-// If something lies at `path` and is an alias, stores the path of what it stands for, through whole chains
-// of aliases. False, with `target` untouched, in every other case, also where the system has no aliases.
+// If the file at `path` is an alias, stores the path that it resolves to, through chains of aliases, and
+// returns true. Otherwise, also on systems without aliases, returns false and leaves `target` unchanged.
 [[nodiscard]] bool resolveAlias(const char* path, std::string& target) noexcept;
 
 // Is the file system at `path` there and readable?
@@ -31,23 +31,23 @@ enum class SearchPath { caches = 13, applicationSupport = 14 };
 
 inline constexpr std::uint32_t kAssertionLevelOn = 255;
 
-// Takes a hold that keeps the display ("NoDisplaySleepAssertion") or the machine
-// ("NoIdleSleepAssertion") awake, and stores its identifier; 0 when the system does not grant one.
+// Takes a power assertion that keeps the display ("NoDisplaySleepAssertion") or the machine
+// ("NoIdleSleepAssertion") awake, and stores its identifier, or 0 if the system refuses.
 void createPowerAssertion(const char* type, std::uint32_t level, const char* name,
                           std::uint32_t& identifier) noexcept;
 
-// Gives the hold back. 0 and unknown identifiers are ignored.
+// Releases the assertion. Ignores 0 and unknown identifiers.
 void releasePowerAssertion(std::uint32_t identifier) noexcept;
 
 // ---- Threads and time ----
 
-// Runs `body(target)` on a new thread that nobody joins. The host is notified that the thread has started
-// before the body runs, and that it has ended once the body has returned. `name` is a literal. False when
-// the system cannot start a thread; the host is then not notified.
+// Runs `body(target)` on a detached thread. The host is notified that the thread has started
+// before the body runs, and that it has ended once the body has returned. `name` is a literal. Returns
+// false if the system cannot start a thread; the host is then not notified.
 [[nodiscard]] bool detachNewThread(InstallerHost& host, const char* name, void (*body)(void*),
                                    void* target) noexcept;
 
-// Sleeps that long on the calling thread, whatever signals arrive.
+// Blocks the calling thread for that time; signals do not shorten it.
 void sleepSeconds(unsigned seconds) noexcept;
 
 // ---- Commands and files ----

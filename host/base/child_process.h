@@ -20,14 +20,13 @@ struct Pipe {
 // Throws std::system_error when the process is out of file descriptors.
 [[nodiscard]] Pipe makePipe();
 
-// Writes all of `text`, whatever signals arrive. Returns false when the descriptor does not take it. Any
-// thread.
+// Writes all of `text`, also after signals. Returns false if a write fails. Any thread.
 bool writeAll(int descriptor, std::string_view text);
 
 // Runs `command` (a program of the PATH, and its arguments) in a child process, without a shell, after
 // setsid() so that a terminal's Ctrl-C does not reach it, with these standard streams. The child gets SIGTERM
-// when this process ends, where the system can do that. Throws std::system_error when there can be no process;
-// a program that cannot be run exits with kCannotRun.
+// when this process ends, if the system supports that. Throws std::system_error if the process cannot be
+// created; the child exits with kCannotRun if the program cannot be executed.
 inline constexpr int kCannotRun = 127;
 struct StandardStreams {
   int input;
@@ -36,13 +35,12 @@ struct StandardStreams {
 };
 [[nodiscard]] pid_t startProgram(const std::vector<std::string>& command, const StandardStreams& streams);
 
-// A program that runs beside this one with /dev/null as input and its output kept in memory. Ended when the
-// object is destroyed.
+// A child process with /dev/null as standard input, whose output is kept in memory. The destructor ends it.
 class ToolProcess {
  public:
   enum class Keep { outputAndErrors, output };
 
-  // Throws std::system_error when there can be no process.
+  // Throws std::system_error if the process cannot be created.
   explicit ToolProcess(const std::vector<std::string>& command, Keep keep = Keep::outputAndErrors);
   ToolProcess(const ToolProcess&) = delete;
   ToolProcess& operator=(const ToolProcess&) = delete;
@@ -57,10 +55,10 @@ class ToolProcess {
   // Sends SIGTERM and waits.
   void end();
 
-  // What it has printed so far.
+  // Its output so far.
   [[nodiscard]] std::string output() const;
 
-  // The last line of that; empty when there is none.
+  // The last line of its output, or an empty string.
   [[nodiscard]] std::string lastLine() const;
 
  private:

@@ -2,13 +2,13 @@
 
 #include "host/base/text.h"
 
-// How the program ends. One table for all commands.
+// The program's exit statuses, for all commands.
 namespace tavenhall {
 
 enum class ExitStatus : int {
-  success = 0,   // what was asked for was done
-  failure = 1,   // it was done, and it is not right
-  badUsage = 2,  // something that was given cannot be used; nothing was begun
+  success = 0,   // the command succeeded
+  failure = 1,   // the command ran, and found or had a failure
+  badUsage = 2,  // invalid argument; nothing was done
 
   // One number, since no command has both: somebody should look at it.
   noAnswer = 3,

@@ -6,13 +6,13 @@
 // UTF-8, by libunistring. Pure. Any thread.
 namespace tavenhall {
 
-// What some editors put before the first character of a UTF-8 file.
+// The byte-order mark that some editors write.
 inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 // The code points of `text`, one element each. Each maximal run of bytes that is not UTF-8 becomes one U+FFFD.
 [[nodiscard]] std::u32string decodeUtf8(std::string_view text);
 
-// The code points as UTF-8. What is no code point (a surrogate, a value out of range) becomes U+FFFD.
+// The code points as UTF-8. Surrogates and values out of range become U+FFFD.
 [[nodiscard]] std::string encodeUtf8(std::u32string_view text);
 
 [[nodiscard]] bool isValidUtf8(std::string_view text);

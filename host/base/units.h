@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-// Numbers as people read them. Pure. Any thread.
+// Numbers for display. Pure. Any thread.
 namespace tavenhall {
 
 // "1.2 GB", "17 bytes": in powers of 1000, with one decimal from kB on. `bytes` is not negative.

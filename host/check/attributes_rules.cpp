@@ -1,6 +1,5 @@
 #include "host/base/text.h"
 #include "host/base/unicode.h"
-#include "host/check/key_effects.h"
 #include "host/check/rules.h"
 #include "host/check/spelling.h"
 
@@ -37,7 +36,7 @@ void checkPlace(const CheckedSet& checked, Diagnostics& diagnostics) {
   }
 }
 
-// Before a comment the mark harms nobody.
+// A mark before a comment does no harm.
 void checkByteOrderMark(const CheckedSet& checked, const AttributesPiece& first, Diagnostics& diagnostics) {
   if (!first.parts.key.starts_with(kByteOrderMark)) {
     return;

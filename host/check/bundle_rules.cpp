@@ -1,6 +1,5 @@
 #include "context/placement_rules.h"
 #include "host/base/text.h"
-#include "host/check/bundles.h"
 #include "host/check/rules.h"
 
 #include <algorithm>

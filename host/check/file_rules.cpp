@@ -2,7 +2,6 @@
 #include "context/placement_rules.h"
 #include "host/base/text.h"
 #include "host/base/unicode.h"
-#include "host/check/bundles.h"
 #include "host/check/rules.h"
 #include "host/check/spelling.h"
 
@@ -16,7 +15,7 @@ namespace {
 
 constexpr std::size_t kChildPathSize = 1024;  // the page's buffers for a source and a destination
 
-// Stands for a home whose length nobody knows: a name of 20 bytes.
+// Represents a home of unknown length: a name of 20 bytes.
 constexpr std::string_view kLongHome = "/Users/12345678901234567890";
 
 // A folder with everything below it that is copied to one place.
@@ -28,7 +27,7 @@ struct CopiedTree {
   bool isSystemFolder;
 };
 
-// What systems leave lying about in folders, and nobody means to install.
+// Hidden files that systems create in folders.
 bool isLitter(const std::string& name) {
   static constexpr std::array<std::string_view, 10> kLitter{
       ".DS_Store", ".localized",  ".Trashes",         ".Spotlight-V100", ".fseventsd",

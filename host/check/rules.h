@@ -1,21 +1,32 @@
 #pragma once
 
+#include "context/install_rules.h"
 #include "host/check/diagnostics.h"
 #include "host/set/checked_set.h"
 
-// What can be wrong with a set, one function a topic, each in a file of its name. They only look.
+#include <string>
+#include <string_view>
+
+// The rules of a check, one function for each topic, in the file that the comment names. They read only.
 namespace tavenhall {
 
 // attributes_rules: the file's place and bytes
 void checkAttributesFile(const CheckedSet& checked, Diagnostics& diagnostics);
 
-// key_rules: how its lines and keys are written
+// key_rules: its lines and keys
 void checkKeys(const CheckedSet& checked, Diagnostics& diagnostics);
 
-// value_rules: what the keys that count say
+// Returns the key that a lookup finds by `word` (a text key in any case, a number key exactly), or null.
+[[nodiscard]] const AttributesKey* knownKey(std::string_view word) noexcept;
+
+// Returns the effect of a missing key on the user: a main clause for the end of a sentence that gives the
+// cause.
+[[nodiscard]] std::string missingKeyEffect(std::string_view key);
+
+// value_rules: the values of the keys
 void checkValues(const CheckedSet& checked, Diagnostics& diagnostics);
 
-// volume_rules: how the settings go together, the sizes and editions
+// volume_rules: combinations of settings, sizes and editions
 void checkSettings(const CheckedSet& checked, Diagnostics& diagnostics);
 void checkSizes(const CheckedSet& checked, Diagnostics& diagnostics);
 void checkMachine(const CheckedSet& checked, Diagnostics& diagnostics);
@@ -24,7 +35,7 @@ void checkMachine(const CheckedSet& checked, Diagnostics& diagnostics);
 void checkDiscs(const CheckedSet& checked, Diagnostics& diagnostics);
 void checkDataFolders(const CheckedSet& checked, Diagnostics& diagnostics);
 
-// file_rules: what the copy makes of each file
+// file_rules: the effect of the copy on each file
 void checkFiles(const CheckedSet& checked, Diagnostics& diagnostics);
 
 // library_rules: the libraries of an update
@@ -32,5 +43,8 @@ void checkLibraries(const CheckedSet& checked, Diagnostics& diagnostics);
 
 // bundle_rules: the plug-ins and applications of an update
 void checkBundles(const CheckedSet& checked, Diagnostics& diagnostics);
+
+// Whether the path is inside a bundle (a plug-in, an application, a framework). The bundle itself is not.
+[[nodiscard]] bool isInBundle(std::string_view path) noexcept;
 
 }  // namespace tavenhall

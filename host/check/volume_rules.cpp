@@ -1,6 +1,5 @@
 #include "host/base/text.h"
 #include "host/base/units.h"
-#include "host/check/key_effects.h"
 #include "host/check/rules.h"
 #include "host/check/spelling.h"
 #include "platform/installer_pane.h"

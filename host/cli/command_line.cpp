@@ -2,6 +2,7 @@
 
 #include "host/base/build_facts.h"
 #include "host/base/text.h"
+#include "host/terminal/terminal_facts.h"
 
 #include <algorithm>
 #include <charconv>
@@ -113,6 +114,22 @@ std::string argumentErrorText(const CLI::App& program, const std::vector<std::st
     case CLI::ExitCodes::ConversionError: return flagValueText(program, arguments, error);
     default: return error.what();  // of a value that a check above does not take, behind the option's name
   }
+}
+
+void addFrontendOption(CLI::App& command, std::string& name) {
+  command.add_option("--ui", name, _("Frontend: json, plain, quiet or terminal"))
+      ->check(oneOf({"json", "plain", "quiet", "terminal"}))
+      ->type_name("FRONTEND");
+}
+
+Frontend frontendFor(const std::string& name) {
+  if (name == "json") {
+    return Frontend::json;
+  }
+  if (name == "quiet") {
+    return Frontend::quiet;
+  }
+  return name != "plain" && terminalIsUsable() ? Frontend::terminal : Frontend::plain;
 }
 
 }  // namespace tavenhall

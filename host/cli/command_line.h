@@ -31,6 +31,19 @@ struct CommandLine {
 [[nodiscard]] std::string argumentErrorText(const CLI::App& program, const std::vector<std::string>& arguments,
                                             const CLI::ParseError& error);
 
+enum class Frontend { json, plain, quiet, terminal };
+
+// Adds the option --ui, which sets `name`.
+void addFrontendOption(CLI::App& command, std::string& name);
+
+// Returns the frontend of that name; for an empty name the terminal frontend if the terminal is usable, else
+// the plain one.
+[[nodiscard]] Frontend frontendFor(const std::string& name);
+
+// help_text: the help of the program or of a command, for a screen of 80 columns: its purpose, options and exit
+// statuses.
+[[nodiscard]] std::string helpText(const CLI::App& command);
+
 void addRunCommand(CommandLine& commandLine);
 void addRehearseCommand(CommandLine& commandLine);
 void addCheckCommand(CommandLine& commandLine);

@@ -6,7 +6,6 @@
 #include "host/base/text.h"
 #include "host/base/units.h"
 #include "host/cli/command_line.h"
-#include "host/cli/help_text.h"
 #include "host/engine/pre_install.h"
 #include "host/engine/stand_ins.h"
 

@@ -1,4 +1,4 @@
-#include "host/cli/help_text.h"
+#include "host/cli/command_line.h"
 
 #include "host/base/display_text.h"
 #include "host/base/exit_status.h"

@@ -108,7 +108,7 @@ ExitStatus printLog(const LogArguments& arguments) {
     speakEnglish();
   }
   const std::string path = arguments.file.empty() ? usersInstallationLog() : arguments.file;
-  // A pipe that nobody writes to is an empty log, not one to wait for.
+  // A pipe without a writer is an empty log; do not wait for one.
   const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
   struct stat found {};
   if (descriptor < 0 || fstat(descriptor, &found) != 0) {

@@ -3,7 +3,6 @@
 #include "host/base/program_files.h"
 #include "host/base/text.h"
 #include "host/cli/command_line.h"
-#include "host/cli/help_text.h"
 
 #include <CLI/CLI.hpp>
 #include <cerrno>

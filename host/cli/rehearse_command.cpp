@@ -1,7 +1,6 @@
 #include "host/base/files.h"
 #include "host/base/text.h"
 #include "host/cli/command_line.h"
-#include "host/cli/frontend_option.h"
 #include "host/cli/run_description.h"
 #include "host/plain/plain_frontend.h"
 #include "host/rehearse/rehearsal.h"

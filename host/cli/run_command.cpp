@@ -4,7 +4,6 @@
 #include "host/base/program_files.h"
 #include "host/base/text.h"
 #include "host/cli/command_line.h"
-#include "host/cli/frontend_option.h"
 #include "host/cli/run_description.h"
 #include "host/engine/other_users.h"
 #include "host/engine/pre_install.h"

@@ -1,5 +1,7 @@
 #include "host/cli/run_description.h"
 
+#include "context/first_line.h"
+#include "context/open_file.h"
 #include "host/base/files.h"
 #include "host/base/text.h"
 #include "host/log/log_records.h"
@@ -12,7 +14,6 @@
 #include <array>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <sys/stat.h>
 
@@ -83,13 +84,11 @@ void collectPlaces(const InstallPlan& plan, Introduction& introduction) {
 }
 
 std::string packagePath(const EngineOptions& options) {
-  std::string path = options.package.string();
-  std::error_code error;
-  if (path.empty() && fs::is_regular_file(kLocationFile, error)) {  // a pipe would wait for a writer
-    std::ifstream location(kLocationFile);
-    std::getline(location, path);
+  BoundedText<kFirstLineSize> location;
+  if (options.package.empty() && readFirstLine(kLocationFile, location)) {
+    return location.c_str();
   }
-  return path;
+  return options.package.string();
 }
 
 }  // namespace
@@ -124,7 +123,7 @@ Introduction introduce(const InstallPlan& plan, const FreeBytes& freeBytes) {
 
 Failures failuresInLog(const std::string& log, std::int64_t start) {
   Failures failures;
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(log.c_str(), "re"), std::fclose);
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(openToRead(log.c_str()), std::fclose);
   if (file == nullptr) {
     return failures;
   }

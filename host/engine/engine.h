@@ -21,11 +21,11 @@ namespace tavenhall {
 
 // Plays the installer around one page: performs requests, runs what the page dispatches, and reports events.
 //
-// The engine is a monitor. `main_` stands for the main thread: whoever holds it is the main thread for the
-// page. The main loop holds it while it performs a request, and a page thread holds it while it runs a block of
-// its own dispatch, so that no thread is woken for a dispatch. An alert releases it while it waits for its
-// answer, but nothing is performed or dispatched until it has one. `state_` guards what any thread may read or
-// report; it is taken after `main_` and never held while the page runs.
+// The engine is a monitor. `main_` represents the main thread: the thread that holds it is the main thread for
+// the page. The main loop holds it while it performs a request, and a page thread holds it while it runs a
+// block of its own dispatch, so that no thread is woken for a dispatch. An alert releases it while it waits for
+// its answer, but nothing is performed or dispatched until it has one. `state_` guards what any thread may read
+// or report; it is taken after `main_` and never held while the page runs.
 class Engine final : private InstallerHost {
  public:
   // `events` may be null: nothing is reported. `onNoAnswer` is called when an alert waits and no answer can

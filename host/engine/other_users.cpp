@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::size_t kEntrySize = 16384;  // bytes for one entry of the users or groups
 
-// Many systems give each user a group of his own, with his name and nobody else in it.
+// Many systems give each user a private group of the same name.
 bool isOwnersOwnGroup(const struct stat& found) {
   std::array<char, kEntrySize> userBuffer{};
   std::array<char, kEntrySize> groupBuffer{};

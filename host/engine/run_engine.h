@@ -15,10 +15,10 @@ struct EngineOptions {
   std::filesystem::path summary;  // empty: none is written
 };
 
-// Who sends the requests, and so who judges the install.
+// Who sends the requests, and so decides whether the installation succeeded.
 enum class Controller {
   program,   // another program; the exit status says only whether the protocol was served
-  frontend,  // one of this program's own; when it goes away, the engine leaves the page forwards for it
+  frontend,  // a frontend of this program; if it ends, the engine continues and leaves the page by itself
   nobody,    // the engine enters, waits and leaves by itself, and answers each alert with its first button
 };
 

@@ -54,7 +54,7 @@ class PlainFrontend {
     while (!engine_.hasEnded()) {
       step();
       if (isHungUp != 0) {
-        return ExitStatus::failure;  // nobody is there any more; the engine runs on
+        return ExitStatus::failure;  // the reader has gone; the engine continues
       }
     }
     passwordPrompt_.reset();
@@ -158,7 +158,7 @@ class PlainFrontend {
       typed_.pop_front();
     }
     if (buttons_ > 0 && !answerLines_.isOpen()) {
-      engine_.closeRequests();  // nobody can answer: the engine ends the run
+      engine_.closeRequests();  // no answer can come: the engine ends the run
     }
   }
 

@@ -53,8 +53,8 @@ EngineConnection startEngineProcess(const EngineBody& body, const EngineProcessO
       setControllingTerminal(terminal.commands);
     }
     if (errors.writeEnd >= 0) {
-      // A command must neither block nor die because nobody reads its errors: this end never blocks, and the
-      // other one stays open here.
+      // A command must neither block nor get SIGPIPE when its errors are not read: this end never blocks, and
+      // the other one stays open here.
       fcntl(errors.writeEnd, F_SETFL, O_NONBLOCK);
       dup2(errors.writeEnd, STDERR_FILENO);
     }

@@ -5,7 +5,7 @@
 #include <variant>
 #include <vector>
 
-// What an engine reports to whoever presents its page. The events of one run, in the order in which they come:
+// What an engine reports to its frontend. The events of one run, in order:
 //
 //   Title                       any time, in reply to Command::title
 //   PreviousEnabled ... Sheet   while the page is entered and while its threads run

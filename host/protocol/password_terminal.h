@@ -36,7 +36,7 @@ class PasswordTerminal {
   void read(const std::function<void(const std::string& line)>& handle);
 
   // The prompt of a command that waits for a password: a line without an end while the terminal does not echo.
-  // None while nobody asks.
+  // None without a prompt.
   [[nodiscard]] const std::optional<std::string>& prompt() const { return prompt_; }
 
   // Answers the prompt, or makes it fail with an end of input. Does nothing once the prompt is over.

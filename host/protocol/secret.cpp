@@ -11,7 +11,7 @@ bool beginsCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC
 }  // namespace
 
 void wipe(void* memory, std::size_t bytes) noexcept {
-  // Volatile, or the compiler leaves out what nobody reads.
+  // Volatile, so that the compiler does not remove the writes.
   volatile char* byte = static_cast<char*>(memory);
   while (bytes-- > 0) {
     *byte++ = 0;

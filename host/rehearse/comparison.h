@@ -8,8 +8,8 @@
 
 namespace tavenhall {
 
-// A folder that the page copied, as its log names it (paths as the page saw them), and where both sides
-// really lie.
+// A folder that the page copied: its paths in the log, as the page sees them, and the real paths of source and
+// destination.
 struct CopiedFolder {
   std::string source;
   std::string destination;
@@ -18,8 +18,8 @@ struct CopiedFolder {
   int copy = 0;  // counts the top-level copies from 0: a volume, a library's part of one, a system folder
 };
 
-// Where a path of the page's really lies; empty for what is nowhere. `copy` as in CopiedFolder: two discs of
-// one name differ in it.
+// Returns the real path of a path that the page sees; empty if there is none. `copy` as in CopiedFolder: it
+// distinguishes two discs of the same name.
 using Locate = std::function<std::filesystem::path(const std::string& path, int copy)>;
 
 // Reads the folders that the page copied from its installation log, in order.
@@ -27,13 +27,13 @@ using Locate = std::function<std::filesystem::path(const std::string& path, int 
 
 enum class Fate {
   same,      // installed, byte for byte
-  differs,   // installed with other contents
+  differs,   // installed with different contents
   missing,   // not installed
-  replaced,  // a later copy brought another file for the same place
+  replaced,  // a later copy wrote another file to the same place
 };
 
 struct FileFate {
-  std::string source;       // as the page saw it
+  std::string source;       // as the page sees it
   std::string destination;  // likewise
   std::filesystem::path sourceOutside;
   std::int64_t bytes = 0;
@@ -41,13 +41,13 @@ struct FileFate {
   Fate fate = Fate::same;
 };
 
-// What became of each file, in the order in which they were copied: compares contents, whatever their size,
-// without holding them in memory. It takes long; `goOn` is called every now and then, and may throw.
+// Compares the contents of each copied file with its source, in the order of the copies, in constant memory.
+// This takes long; calls `goOn` regularly, which may throw.
 [[nodiscard]] std::vector<FileFate> compareFiles(
     const std::vector<CopiedFolder>& folders, const std::function<void()>& goOn = [] {});
 
-// The files below `folder` that are none of the sources in `fates` and have no hidden name on their way, as
-// paths below it, sorted.
+// Returns the files below `folder` that are not sources in `fates` and have no hidden name in their path,
+// relative to it and sorted.
 [[nodiscard]] std::vector<std::string> filesNotCopied(const std::filesystem::path& folder,
                                                       const std::vector<FileFate>& fates);
 

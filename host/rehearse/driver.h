@@ -14,17 +14,16 @@
 
 namespace tavenhall {
 
-// Drives the engine of a rehearsal: puts discs into the tray when the page asks for them, keeps a record, and
-// relays requests and events between the engine and a frontend. Without a frontend it sends the requests
-// itself.
+// Drives the engine of a rehearsal: inserts the discs that the page asks for, records the events, and relays
+// requests and events between the engine and a frontend. Without a frontend it sends the requests itself.
 class RehearsalDriver {
  public:
-  // `command` starts an engine that speaks JSON lines on its standard streams. `frontend` are the engine's ends
-  // of a frontend; without a descriptor for requests there is none.
+  // `command` starts an engine with JSON lines on its standard streams. `frontend` has the engine's ends of the
+  // pipes to a frontend; without a descriptor for requests there is no frontend.
   RehearsalDriver(std::vector<std::string> command, DiscTray& tray, const EngineEnds& frontend,
                   const StopRequest& stop);
 
-  // Blocks until the engine has ended. Throws std::system_error when it cannot be started, and Stopped.
+  // Blocks until the engine has ended. Throws std::system_error if it cannot be started, and Stopped.
   [[nodiscard]] ExitStatus run();
 
   [[nodiscard]] const RehearsalRecord& record() const { return record_; }

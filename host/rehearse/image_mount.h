@@ -7,12 +7,11 @@
 
 namespace tavenhall {
 
-// A disc's image, readable as a folder while this lives: SquashFS through squashfuse, ISO through fuseiso. Its
-// server is a child of this process and ends with it.
+// A mounted disc image: SquashFS with squashfuse, ISO with fuseiso. The destructor unmounts it; the FUSE server
+// is a child process and ends with this process.
 class ImageMount {
  public:
-  // `folder` is made. Throws UsageError where the image cannot be mounted, saying why and what to do, and
-  // Stopped.
+  // Creates `folder` and mounts the image there. Throws UsageError with the reason and the remedy, and Stopped.
   ImageMount(const std::filesystem::path& image, std::filesystem::path folder, const StopRequest& stop);
   ImageMount(const ImageMount&) = delete;
   ImageMount& operator=(const ImageMount&) = delete;

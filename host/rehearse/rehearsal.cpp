@@ -117,7 +117,7 @@ class Rehearsal {
     return startEngineProcess(body, view_.process);
   }
 
-  // An install runs on when its frontend goes; a rehearsal that nobody sees does not.
+  // An installation continues without its frontend; a rehearsal does not.
   static void endDriver(const EngineConnection& engine) {
     int status = 0;
     if (waitpid(engine.process, &status, WNOHANG) == 0) {

@@ -10,7 +10,7 @@
 
 namespace tavenhall {
 
-// What `tavinstall rehearse` was asked to do; what is empty was not given.
+// The arguments of `tavinstall rehearse`; empty if not given.
 struct RehearsalRequest {
   std::filesystem::path set;
   std::string product;
@@ -18,10 +18,10 @@ struct RehearsalRequest {
   std::filesystem::path installed;
   std::filesystem::path keep;
   std::filesystem::path report;
-  int late = 0;  // times that each disc is reported missing first
+  int late = 0;  // how often each disc is first reported missing
 };
 
-// What a frontend may present of a rehearsal beyond the engine's events.
+// What a frontend shows of a rehearsal besides the engine's events.
 struct RehearsalScene {
   const InstallPlan& plan;
   std::string sandbox;     // the folder that the page sees as "/"
@@ -29,7 +29,7 @@ struct RehearsalScene {
   std::string keptFolder;  // empty: nothing is kept
 };
 
-// How a rehearsal is shown.
+// Who drives a rehearsal.
 struct RehearsalView {
   enum class Kind {
     frontend,  // `run` shows it, with the engine in another process
@@ -41,9 +41,9 @@ struct RehearsalView {
   std::function<void(const EngineConnection& engine, const RehearsalScene& scene)> run;
 };
 
-// Installs a set in a sandbox, compares what was installed with its sources, and prints the report. Throws
-// UsageError before anything is begun. Removes all that it has created, except for what is to be kept, also
-// when SIGINT, SIGTERM or SIGHUP stops it. Call it before any thread is started.
+// Installs a set in a sandbox, compares the installed files with their sources, and prints the report. Throws
+// UsageError before it installs anything. Removes everything that it has created except the folder to keep,
+// also when SIGINT, SIGTERM or SIGHUP stops it. Call it before any thread is started.
 [[nodiscard]] ExitStatus rehearse(const RehearsalRequest& request, const RehearsalView& view);
 
 }  // namespace tavenhall

@@ -9,18 +9,18 @@
 
 namespace tavenhall {
 
-// What was seen of the page while a rehearsal ran.
+// The page's events during a rehearsal.
 struct RehearsalRecord {
   struct Prompt {
     std::string volume;
-    std::string reply;  // "inserted", "late", "not accepted", "no such disc": also texts to be translated
+    std::string reply;  // "inserted", "late", "not accepted", "no such disc": also marked for translation
   };
   struct Alert {
     std::string message;
     std::string informative;
     int answer = 0;
   };
-  // The bar between two settings of its maximum.
+  // The bar's range and highest value between two changes of its maximum.
   struct Bar {
     double maximum = 0.0;
     double highest = 0.0;
@@ -31,9 +31,9 @@ struct RehearsalRecord {
   std::vector<std::string> sheets;
   std::vector<Bar> bars;
   std::vector<std::size_t> insertedDiscs;  // indices into the set's, in order
-  std::string missingDisc;                 // the volume that was asked for in vain; empty: none
-  bool missingDiscWasIn = false;           // it was in, and the page did not take it
-  bool hasLeft = false;                    // the page let itself be left forwards
+  std::string missingDisc;        // a volume that the page asked for and the set does not have; empty: none
+  bool missingDiscWasIn = false;  // it was inserted, but the page did not accept it
+  bool hasLeft = false;           // the page accepted Continue
   double seconds = 0.0;
 
   void addAlert(const std::string& message, const std::string& informative);
@@ -41,7 +41,7 @@ struct RehearsalRecord {
   void addBarMaximum(double maximum);
   void addBarValue(double value);
 
-  // Each text that sheets said, in the order in which they came first, and how often.
+  // Each sheet's text and its number, in the order of the first ones.
   [[nodiscard]] std::vector<std::pair<std::string, int>> countedSheets() const;
 
   [[nodiscard]] nlohmann::ordered_json toJson() const;

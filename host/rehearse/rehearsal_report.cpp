@@ -94,7 +94,7 @@ std::string volumeRows(const RehearsalFindings& findings) {
 
 // ---- What came of it ----
 
-// Files that nobody expects to be installed; the others are diagnostics.
+// Files that are not expected to be installed; the others get a warning.
 std::string leftRows(const RehearsalFindings& findings) {
   std::int64_t ofFullEdition = 0;
   std::int64_t others = 0;
@@ -146,7 +146,7 @@ std::string resultRows(const RehearsalFindings& findings, const Verdict& verdict
   return text + row(_("log"), findings.log.empty() ? _("not kept; use --keep DIR") : findings.log);
 }
 
-// The end of the log, since nobody may have kept it.
+// The end of the log, in case it is not kept.
 std::string logEnd(const RehearsalFindings& findings) {
   std::deque<std::string> last;
   std::istringstream log(findings.logText);

@@ -6,13 +6,13 @@
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 
-// What a rehearsal says at its end; docs/rehearsal.md has each field.
+// The report of a rehearsal; docs/rehearsal.md describes each field.
 namespace tavenhall {
 
-// For people, in their language: several lines, newline at the end. Of long lists it has the first ones.
+// The report in the user's language, with a newline at the end. Long lists are shortened.
 [[nodiscard]] std::string reportText(const RehearsalFindings& findings, const Verdict& verdict);
 
-// For programs, in English: everything. While there is one thread.
+// The whole report in English. Call it while there is one thread.
 [[nodiscard]] nlohmann::ordered_json reportJson(const RehearsalFindings& findings);
 
 }  // namespace tavenhall

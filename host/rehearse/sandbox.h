@@ -6,35 +6,36 @@
 
 namespace tavenhall {
 
-// A place that the sandbox sees read-only, wherever it really lies.
+// A read-only bind mount of the sandbox.
 struct SandboxBind {
   std::filesystem::path outside;
   std::string inside;
 };
 
-// A private world for one rehearsal: /tmp, /Volumes, /Library, /Applications and the home lie in one folder,
-// the rest of the system is there to be read, and nothing else can be written.
+// The sandbox of a rehearsal: /tmp, /Volumes, /Library, /Applications and the home are in one private folder;
+// the rest of the system is read-only.
 class Sandbox {
  public:
   static constexpr const char* kHome = "/Users/rehearsal";
   static constexpr const char* kProgram = "/rehearsal/program";  // the folder above the program's bin
   static constexpr const char* kTools = "/rehearsal/tools";      // first on the PATH
 
-  // Makes the five folders in `root`, an absolute path without links that is empty or not there. Throws
-  // std::filesystem::filesystem_error where it cannot.
+  // Creates the five folders in `root`, an absolute path without links, which is empty or does not exist.
+  // Throws std::filesystem::filesystem_error.
   explicit Sandbox(std::filesystem::path root);
 
-  // Throws UsageError, saying what is wanted, where nothing can be run in a sandbox.
+  // Throws UsageError, naming what is missing, if no program can run in a sandbox.
   void probe() const;
 
   void bind(SandboxBind place) { binds_.push_back(std::move(place)); }
 
-  // Where something that the sandbox calls `inside` really lies; empty for what is nowhere in particular.
+  // Returns the real path of the sandbox's path `inside`; empty if it has none.
   [[nodiscard]] std::filesystem::path outside(const std::string& inside) const;
 
   [[nodiscard]] const std::filesystem::path& root() const { return root_; }
 
-  // The command line that runs `command` in it, with HOME and PATH set. The program ends with its parent.
+  // Returns the command line that runs `command` in the sandbox, with HOME and PATH set. It ends with its
+  // parent.
   [[nodiscard]] std::vector<std::string> commandLine(const std::vector<std::string>& command) const;
 
  private:

@@ -14,22 +14,21 @@
 
 namespace tavenhall {
 
-// A set laid out in a sandbox: the package and what lies beside it where a user would have downloaded it, the
-// discs outside their drive, and at home what the user has already.
+// A set in a sandbox: the package's folder in the user's Downloads, the discs outside the drive, and the user's
+// installed files in the home.
 class Stage {
  public:
-  // `root` becomes the sandbox; `workFolder` is for what the rehearsal itself needs, outside of it. What lies
-  // in `installed` is copied; empty: the user has empty data folders. Throws UsageError where something cannot
-  // be laid out or nothing can be run there, and Stopped.
+  // `root` becomes the sandbox; `workFolder` is for the rehearsal's own files outside the sandbox. Copies the
+  // files in `installed`; if it is empty, the user has empty data folders. Throws UsageError and Stopped.
   Stage(const InstallerSet& set, const Product& product, const std::filesystem::path& root,
         const std::filesystem::path& workFolder, const std::filesystem::path& installed,
         const StopRequest& stop);
 
-  // The command line of an engine that speaks the JSON lines; `installType` may be empty.
+  // Returns the command line of an engine with JSON lines on its standard streams; `installType` may be empty.
   [[nodiscard]] std::vector<std::string> engineCommand(const std::string& installType) const;
 
-  // What the page calls `path`, as it really lies; `insertedDiscs` is the order in which the discs went in,
-  // and `copy` counts the copies from volumes that bear the same name.
+  // Returns the real path of the page's `path`. `insertedDiscs` is the order in which the discs were inserted,
+  // and `copy` counts the copies from volumes of the same name.
   [[nodiscard]] std::filesystem::path outside(const std::string& path,
                                               const std::vector<std::size_t>& insertedDiscs, int copy) const;
 
@@ -42,7 +41,7 @@ class Stage {
   // The set with its discs as folders, images too.
   [[nodiscard]] const InstallerSet& set() const { return set_; }
 
-  // Where one of those discs lies, below the set's folder: a folder, or an image.
+  // The path of one of those discs, a folder or an image, relative to the set's folder.
   [[nodiscard]] std::filesystem::path nameInSet(const Disc& disc) const;
 
  private:

@@ -7,14 +7,14 @@
 
 namespace tavenhall {
 
-// Somebody wants the rehearsal to end. Thrown where it can be left, so that all it has laid out goes with it.
+// The user has stopped the rehearsal. Thrown so that destructors remove everything that it has created.
 class Stopped : public std::exception {
  public:
   [[nodiscard]] const char* what() const noexcept override { return "the rehearsal was stopped"; }
 };
 
-// Takes Ctrl-C, SIGTERM and SIGHUP from now on, which would end the process and leave mounts and folders
-// behind. One at a time in a process; a child that goes on by itself makes one of its own. One thread.
+// Handles SIGINT, SIGTERM and SIGHUP, whose default action would leave mounts and folders behind. One instance
+// per process; a forked child creates its own. One thread.
 class StopRequest {
  public:
   StopRequest();
@@ -22,13 +22,13 @@ class StopRequest {
   StopRequest& operator=(const StopRequest&) = delete;
   ~StopRequest();
 
-  // Takes the signals back from whoever had them meanwhile.
+  // Installs the handlers again after another component has replaced them.
   void takeSignals();
 
   [[nodiscard]] bool hasCome() const { return hasCome_ != 0; }
   void throwIfCome() const;
 
-  // Readable once a request has come.
+  // A descriptor that is readable after a stop request.
   [[nodiscard]] int descriptor() const { return wakeUp_.descriptor(); }
 
  private:

@@ -4,10 +4,10 @@
 
 namespace tavenhall {
 
-// A new folder in the system's folder for temporary files; goes with all it holds.
+// A new temporary folder. The destructor removes it with its contents.
 class TemporaryFolder {
  public:
-  // Throws UsageError where there can be none.
+  // Throws UsageError if it cannot be created.
   TemporaryFolder();
   TemporaryFolder(const TemporaryFolder&) = delete;
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
@@ -19,11 +19,10 @@ class TemporaryFolder {
   std::filesystem::path path_;
 };
 
-// A folder that the user names for something to be kept in. Until keep() is called, what is made of it and in
-// it goes again with its object.
+// The folder of --keep. Unless keep() is called, the destructor removes what was created.
 class KeptFolder {
  public:
-  // Makes the folder, and those above it. Throws UsageError where it cannot, or where something lies in it.
+  // Creates the folder and its parents. Throws UsageError if that fails or the folder is not empty.
   explicit KeptFolder(const std::filesystem::path& path);
   KeptFolder(const KeptFolder&) = delete;
   KeptFolder& operator=(const KeptFolder&) = delete;
@@ -35,7 +34,7 @@ class KeptFolder {
 
  private:
   std::filesystem::path path_;     // absolute
-  std::filesystem::path highest_;  // the highest folder that was made; empty: none
+  std::filesystem::path highest_;  // the topmost folder that was created; empty: none
   bool isKept_ = false;
 };
 

@@ -10,17 +10,17 @@
 namespace tavenhall {
 
 struct AnnouncedComparison {
-  std::int64_t announced = 0;  // bytes; 0: nothing is announced
-  std::int64_t real = 0;       // bytes that the set holds
-  bool isFar = false;          // more than a twentieth apart, or not announced at all
+  std::int64_t announced = 0;  // bytes; 0: not announced
+  std::int64_t real = 0;       // bytes in the set
+  bool isFar = false;          // differs by more than 5 %, or not announced
 };
 
-// What a rehearsal's findings mean, in the language that texts are in at the moment.
+// The verdict on a rehearsal's findings, in the current language.
 struct Verdict {
-  std::vector<std::string> failures;     // each a sentence: the install failed, or content differs
-  std::vector<std::string> diagnostics;  // likewise: installed, yet worth a word
+  std::vector<std::string> failures;     // one sentence each: the installation failed, or contents differ
+  std::vector<std::string> diagnostics;  // one sentence each: installed, with a warning
   AnnouncedComparison whole;
-  AnnouncedComparison firstComponent;  // where there is a Lite edition
+  AnnouncedComparison firstComponent;  // if there is a Lite edition
   bool hasFirstComponent = false;
 
   [[nodiscard]] ExitStatus status() const;
@@ -28,7 +28,7 @@ struct Verdict {
 
 [[nodiscard]] Verdict judge(const RehearsalFindings& findings);
 
-// How far the bar came while volumes were copied: its last setting is only the full bar of the end.
+// How far the bar came during the copies; its final value is always the full bar.
 [[nodiscard]] RehearsalRecord::Bar volumeBar(const RehearsalRecord& record);
 
 }  // namespace tavenhall

@@ -14,7 +14,7 @@ namespace tavenhall {
 
 namespace {
 
-// Far more than the page ever searches; what lies beyond is nobody's attributes file.
+// Far more than the page searches.
 constexpr std::size_t kMostBytes = 16U << 20U;
 
 // Cuts the bytes as the page's reads do: at each newline, and where a line does not fit the page's buffer.

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-// What the page would do with an installer package, worked out beforehand by the page's own rules. Only
-// reads: no log, nothing written, nothing that is done once a process. Any thread.
+// What the page would do with an installer package, computed with the page's own rules. Reads only: writes no
+// log and no file, and keeps no state. Any thread.
 namespace tavenhall {
 
 // The two names that the page takes from its bundle's strings.
@@ -18,8 +18,8 @@ struct Product {
   std::string folderName;
 };
 
-// The product of that name; of the default one where `name` is empty. Throws UsageError, naming those there
-// are.
+// Returns the product of that name, or the default product if `name` is empty. Throws UsageError for an unknown
+// name.
 [[nodiscard]] Product productNamed(const std::string& name);
 
 struct PlanRequest {
@@ -27,11 +27,10 @@ struct PlanRequest {
   Product product;
 
   // The folder that holds the data folders, as "Tavenhall" in the user's Application Support folder does.
-  // None: of nobody in particular; a text then says "~" for the home, and nothing counts as installed.
+  // None: for no particular user; texts then show "~" for the home, and no library counts as installed.
   std::optional<std::string> dataRoot;
 
-  // "Lite" or "Full" where the pre-install step writes the choice file; none: the one that lies in /tmp
-  // counts, if there is one.
+  // "Lite" or "Full" if the pre-install step writes the choice file; none: an existing file in /tmp counts.
   std::optional<std::string> installType;
 };
 
@@ -39,23 +38,23 @@ struct PlanRequest {
 enum class EditionSource {
   none,        // there is no choice: everything is installed
   request,     // the install type that was asked for
-  choiceFile,  // what lies in /tmp already
-  noChoice,    // nobody chose, so it is Full
+  choiceFile,  // an existing file in /tmp
+  noChoice,    // there is no choice file, so it is Full
   detection,   // what the user has installed, library by library
 };
 
-// A library that an update carries, and the edition in which the user is found to have it.
+// A library of an update, and the edition that the user has installed.
 struct PlannedLibrary {
   std::string folderName;  // below the data folder; "Mirel Packs/" and the name for a Mirel Pack
   bool isLite = false;
-  bool isDetected = false;  // false: nothing said so, and it counts as Full
+  bool isDetected = false;  // false: unknown, so it counts as Full
 };
 
 struct EditionPlan {
   bool isOffered = false;  // the installation has a Lite and a Full edition
   bool allAreLite = false;
   EditionSource source = EditionSource::none;
-  std::string choice;  // what the choice file says, as the page reads it
+  std::string choice;  // the content of the choice file, as the page reads it
   std::vector<PlannedLibrary> libraries;
 };
 

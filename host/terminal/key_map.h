@@ -7,17 +7,16 @@
 
 namespace tavenhall {
 
-// What a key does wherever it is pressed; none for the letters and digits that press a button, and for the
-// rest.
+// The action of a key that does not depend on the page's state; none for hot keys and other keys.
 [[nodiscard]] std::optional<Action> actionFor(const Input& input);
 
-// The hot key that was typed, lower case; '\0' for what is none.
+// The hot key that was typed, in lower case, or '\0'.
 [[nodiscard]] char hotKeyFor(const Input& input);
 
-// Types the character, or takes typed ones back: Backspace, Ctrl-U for all. False for every other key.
+// Edits the typed text: a character, Backspace, or Ctrl-U to clear it. Returns false for every other key.
 bool typesInto(PageModel& model, const Input& input);
 
-// Ctrl-L, with which people clear up a screen that something else has written on.
+// Whether the key is Ctrl-L, which redraws the screen.
 [[nodiscard]] bool asksToDrawAnew(const Input& input);
 
 }  // namespace tavenhall

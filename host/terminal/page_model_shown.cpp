@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <utility>
 
-// What the model has to show, made anew at each look.
+// What the model shows; computed at each call.
 namespace tavenhall {
 
 std::vector<Step> PageModel::steps() const {

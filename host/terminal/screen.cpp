@@ -68,9 +68,9 @@ class StackedWindow {
   std::unique_ptr<PANEL, DeletePanel> panel_;
 };
 
-// The terminal opened once more, so that not to wait for it is nobody else's matter: neither for room to write,
-// nor for the rest of a mouse's report, which curses would otherwise wait for. Where that is not allowed (after
-// su), it is the standard stream itself.
+// Opens the terminal again with O_NONBLOCK, so that other users of the terminal are not affected. Curses then
+// blocks neither on output nor on the rest of a mouse report. If opening is not permitted (after su), returns
+// the standard stream itself.
 int openTerminal(int standardStream) {
   constexpr int kFlags = O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
   std::array<char, 256> name{};
@@ -209,7 +209,7 @@ const Signs& Screen::signs() { return terminalHasSigns() ? unicodeSigns() : plai
 
 void Screen::draw(const std::vector<Layer>& layers) {
   auto& stack = state_->stack;
-  // From the first that differs on, all are made anew, since a new one comes in front.
+  // Recreate all layers from the first that differs: a new panel is always on top.
   std::size_t same = 0;
   while (same < std::min(stack.size(), layers.size()) && stack[same]->place() == layers[same].place) {
     ++same;

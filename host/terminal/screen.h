@@ -18,15 +18,14 @@ struct Input {
   int column = 0;
 };
 
-// The terminal as a full screen, from construction on until it goes, or the process does. One at a time, and
-// one thread.
+// The terminal in full-screen mode, until destruction or the end of the process. One instance at a time; one
+// thread.
 //
-// Curses writes into a file of our own, and what it wrote goes to the terminal as far as the terminal takes
-// it: a terminal that does not read (a connection that hangs) must keep nobody waiting, least of all the copy,
-// which goes at the pace at which its events are read.
+// Curses writes into a buffer, which is written to the terminal without blocking: a terminal that does not
+// read, such as a hanging connection, must not delay the reading of events.
 class Screen {
  public:
-  // Throws std::runtime_error when curses cannot do with this terminal.
+  // Throws std::runtime_error if curses cannot use this terminal.
   Screen();
   Screen(const Screen&) = delete;
   Screen& operator=(const Screen&) = delete;

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::array<int, 5> kCrashes{SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
 
-// Read by handlers, so it is plain memory that nobody frees.
+// Signal handlers read it, so it is never freed.
 int crashTerminal = -1;
 termios modesBefore;
 std::array<char, 512> crashSequence;

@@ -5,19 +5,19 @@
 
 namespace tavenhall {
 
-// Gives the terminal back as it was, whatever happens: when it goes, and when the process crashes. What a
-// crash's handler writes is prepared beforehand, since a handler may call next to nothing. One at a time.
+// Restores the terminal on destruction and when the process crashes. The output of the crash handler is
+// prepared in advance, because a handler may call only async-signal-safe functions. One instance at a time.
 class ScreenRestorer {
  public:
-  // Remembers the terminal's modes. `sequence` takes it out of full-screen mode. Takes over the handlers of
-  // SIGSEGV, SIGBUS, SIGFPE, SIGILL and SIGABRT, on a stack of their own, until it goes.
+  // Saves the terminal's modes. `sequence` leaves full-screen mode. Until destruction, replaces the handlers of
+  // SIGSEGV, SIGBUS, SIGFPE, SIGILL and SIGABRT; they run on an alternate stack.
   ScreenRestorer(int terminal, const std::string& sequence);
   ScreenRestorer(const ScreenRestorer&) = delete;
   ScreenRestorer& operator=(const ScreenRestorer&) = delete;
   ~ScreenRestorer();
 
-  // Sets the modes that full-screen programs need: every key at once and none of them a signal, and nothing
-  // changed on its way out. Also after the process was stopped for a while.
+  // Sets raw mode: every key is read at once, none raises a signal, and output is not processed. Call it again
+  // after the process was suspended.
   void setScreenModes() noexcept;
 
  private:

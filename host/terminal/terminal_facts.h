@@ -8,10 +8,10 @@ namespace tavenhall {
 // can place its cursor.
 [[nodiscard]] bool terminalIsUsable();
 
-// Are the signs of a normal terminal's font to be had? The console of a machine without windows has few.
+// Whether the terminal's font has the usual symbols. The Linux console has few.
 [[nodiscard]] bool terminalHasSigns();
 
-// What takes the terminal out of full-screen mode. After curses has started.
+// The escape sequence that leaves full-screen mode. Call it after curses has started.
 [[nodiscard]] std::string leaveScreenSequence();
 
 }  // namespace tavenhall

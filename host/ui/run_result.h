@@ -16,7 +16,7 @@ namespace tavenhall {
 struct RunResult {
   ExitStatus status = ExitStatus::failure;   // the engine's
   bool hasSummary = false;                   // the engine came to its end and sent its summary
-  std::optional<double> bytesWritten = 0.0;  // none: nobody counted them
+  std::optional<double> bytesWritten = 0.0;  // none: unknown
   std::chrono::duration<double> time{0.0};
   std::string destination;  // the data folder
   Failures failures;

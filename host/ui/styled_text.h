@@ -4,24 +4,24 @@
 #include <string>
 #include <vector>
 
-// What the page shows, before anything is said about colours or about where on the screen it goes.
+// The page's text without colours and positions.
 namespace tavenhall {
 
 enum class Style {
   text,
-  dim,  // what matters less: labels, hints
+  dim,  // labels, hints
   strong,
   heading,
-  current,  // where the user is
+  current,  // the current step
   rule,     // lines and frames
   good,
   warning,
   bad,
   barDone,
   barAhead,
-  field,  // what the user types
+  field,  // the user's input
   button,
-  buttonFocused,  // what Enter presses
+  buttonFocused,  // the button that Enter presses
   buttonOff,
 };
 
@@ -30,20 +30,20 @@ struct Span {
   Style style = Style::text;
 };
 
-// Spans one after the other, in one line.
+// Spans in one line.
 using Line = std::vector<Span>;
 
 // The text wrapped to `width`, every line in that style.
 [[nodiscard]] std::vector<Line> wrappedLines(const std::string& text, int width, Style style = Style::text);
 
-// Where the texts beside these labels begin: two cells behind the widest.
+// The column of the texts beside these labels: two cells after the widest.
 [[nodiscard]] int labelColumns(std::initializer_list<const char*> labels);
 
 // A label with its text beside it: the label once, the text wrapped, each line `indent` cells from the left.
 [[nodiscard]] std::vector<Line> labelledLines(const std::string& label, const std::string& text, int indent,
                                               int width, Style style = Style::text);
 
-// Appends the one to the other.
+// Appends lines to lines.
 void append(std::vector<Line>& lines, std::vector<Line> more);
 
 }  // namespace tavenhall

@@ -48,7 +48,7 @@ class Reader {
 
   [[nodiscard]] bool isAtEnd() const { return at_ >= text_.size(); }
 
-  // Steps over blanks and comments. A comment that nobody closes reaches to the end.
+  // Skips blanks and comments. An unterminated comment extends to the end.
   void skipSpace() {
     while (!isAtEnd()) {
       if (std::string_view(" \t\n\v\f\r").find(text_[at_]) != std::string_view::npos) {

@@ -23,8 +23,7 @@ namespace fs = std::filesystem;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-constexpr const char* kNotWholly =
-    "! Not installed, or not wholly: see the lines that begin with \"!\". Copied ";
+constexpr const char* kNotWholly = "! Not installed completely: see the lines that begin with \"!\". Copied ";
 
 void layPackageForVolumes(int count) {
   layPackage("Mode = InstallFromVolumes\nTotalSizeMillionsBytes = 1\nNumberOfVolumes = " +

@@ -72,7 +72,7 @@ TEST(FilesInTmp, AnotherUsersAreRefusedUnlessTheyAreTrusted) {
   const Outcome refused = runThrough({kTavinstall, "run", "--ui", "quiet", "--no-preinstall"});
   EXPECT_EQ(refused.status, 2);
   EXPECT_EQ(refused.error,
-            "tavinstall: / was written by another usertmp/TavInstallLoc; use --trusted to install anyway\n");
+            "tavinstall: /tmp/TavInstallLoc was written by another user; use --trusted to install anyway\n");
 
   const Outcome trusted = runThrough({kTavinstall, "run", "--ui", "quiet", "--no-preinstall", "--trusted"});
   EXPECT_EQ(trusted.status, 0) << trusted.error;
@@ -88,7 +88,7 @@ TEST(FilesInTmp, AnotherUsersChoiceOfEditionIsRefusedUnlessTheUserChooses) {
   const GatedRun refused = install();
   EXPECT_EQ(refused.status, 2);
   EXPECT_EQ(refused.error,
-            "tavinstall: / was written by another usertmp/TavInstallType; use --trusted to install anyway\n");
+            "tavinstall: /tmp/TavInstallType was written by another user; use --trusted to install anyway\n");
 
   const GatedRun chosen = install({"--install-type", "Full"});
   EXPECT_EQ(chosen.status, 0) << chosen.error;

@@ -48,7 +48,7 @@ class Space : public testing::Test {
   // completes them.
   void expectThatEachMissingFileIsNamed(const GatedRun& run, std::size_t atLeast) {
     EXPECT_EQ(run.status, 1) << run.output;
-    EXPECT_THAT(lastWord(run), StartsWith("! Not installed, or not wholly"));
+    EXPECT_THAT(lastWord(run), StartsWith("! Not installed completely"));
     const std::vector<std::string> missing = missingFiles(data_, "TANVO", kTanvo);
     EXPECT_GE(missing.size(), atLeast);
     EXPECT_EQ(countIn(run.output, "! Failed to "), static_cast<int>(missing.size()));

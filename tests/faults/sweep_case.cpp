@@ -121,7 +121,7 @@ bool lastWordFits(const GatedRun& run) {
     case 0: return hasLine("Installed ");
     case 2: return run.error.starts_with("tavinstall: ") && !hasLine("Installed ");
     default:
-      return (hasLine("! Not installed, or not wholly") || hasLine("! Stopped: a question needs an answer")) &&
+      return (hasLine("! Not installed completely") || hasLine("! Stopped: a prompt needs an answer")) &&
              !hasLine("Installed ");
   }
 }

@@ -201,12 +201,22 @@ TEST_F(InstallDriver, ADestinationMissingForTanvoAloneLeavesDovaItsOwn) {
 
 // ---- Library and Applications beside the package ----
 
-TEST_F(InstallDriver, WithoutLibraryAndApplicationsNothingIsLoggedForThem) {
-  setPackage(kPackage + "/Installer.pkg");
+TEST_F(InstallDriver, WithoutLibraryAndApplicationsTheTanvoPassFollowsAtOnce) {
   Update update;
-  update.pane.copySupportHubExternalFolders();
-  EXPECT_THAT(logMessages(), IsEmpty());
+  makeFolder(kData + "/TANVO");
+  makeFolder(kData + "/DOVA");
+  makeFolder(kDova);
+  update.run();
+  std::vector<std::string> expected = {"main: progress.value 0", "main: progress.display",
+                                       "log After resolve 1 " + kTo, "log File exists", kFound};
+  append(expected, passOf("TANVO", kTo));
+  const auto events = eventsOfPasses(update);
+  ASSERT_GE(events.size(), expected.size());
+  EXPECT_THAT(
+      std::vector<std::string>(events.begin(), events.begin() + static_cast<std::ptrdiff_t>(expected.size())),
+      ElementsAreArray(expected));
   EXPECT_THAT(treeOf("/Library"), IsEmpty());
+  EXPECT_THAT(treeOf("/Applications"), IsEmpty());
 }
 
 TEST_F(InstallDriver, LibraryAloneIsCopied) {

@@ -197,26 +197,28 @@ TEST_F(PaneEntry, ResetsTheCountersAndFlags) {
   EXPECT_EQ(pane.gNumMirelPacksInstallFolders, 0);
 }
 
-TEST_F(PaneEntry, EmptiesTheNamesAndPaths) {
+TEST_F(PaneEntry, EmptiesTheNamesAndPathsOfTheInstallBefore) {
+  makeUpdater();
+  makeFolder(kTanvo);
   RecordingHost host;
   InstallDataPane pane(host);
-  pane.gItemCurrentlyBeingInstalled.assign("item");
-  pane.gTANVOorDOVAnameOnly.assign("TANVO");
-  pane.gPathOfSourceDataExcludingTANVOtail.assign("/a");
-  pane.gPathOfSourceDataIncludingTANVOtail.assign("/a/TANVO");
-  pane.gAltSrcFolder.assign("/a/Mac OSX/TANVO");
-  pane.gPluginNameChar.assign("Tessaphon");
-  pane.gCompletionMessage.assign("done");
+  const auto texts = [&pane] {
+    return std::vector<std::string_view>{pane.gItemCurrentlyBeingInstalled.view(),
+                                         pane.gTANVOorDOVAnameOnly.view(),
+                                         pane.gPathOfSourceDataExcludingTANVOtail.view(),
+                                         pane.gPathOfSourceDataIncludingTANVOtail.view(),
+                                         pane.gAltSrcFolder.view(),
+                                         pane.gPluginNameChar.view(),
+                                         pane.gCompletionMessage.view()};
+  };
+  pane.didEnterPane(0);
+  host.serve();
+  ASSERT_THAT(texts(), testing::Each(testing::Not("")));
+  std::filesystem::remove_all(kTanvo);  // so that the second entry starts nothing
 
   pane.didEnterPane(0);
 
-  EXPECT_EQ(pane.gItemCurrentlyBeingInstalled.view(), "");
-  EXPECT_EQ(pane.gTANVOorDOVAnameOnly.view(), "");
-  EXPECT_EQ(pane.gPathOfSourceDataExcludingTANVOtail.view(), "");
-  EXPECT_EQ(pane.gPathOfSourceDataIncludingTANVOtail.view(), "");
-  EXPECT_EQ(pane.gAltSrcFolder.view(), "");
-  EXPECT_EQ(pane.gPluginNameChar.view(), "");
-  EXPECT_EQ(pane.gCompletionMessage.view(), "");
+  EXPECT_THAT(texts(), testing::Each(""));
 }
 
 TEST_F(PaneEntry, ClearsAllFiftyLibrarySlots) {

@@ -51,11 +51,11 @@ std::string section(const std::string& text, const std::string& mark, const std:
   return start == std::string::npos ? "" : text.substr(start, text.find(nextMark, start + mark.size()) - start);
 }
 
-class Command : public testing::TestWithParam<std::string> {};
-INSTANTIATE_TEST_SUITE_P(Each, Command, testing::ValuesIn(kCommands),
+class HelpOfCommand : public testing::TestWithParam<std::string> {};
+INSTANTIATE_TEST_SUITE_P(Each, HelpOfCommand, testing::ValuesIn(kCommands),
                          [](const auto& tested) { return tested.param; });
 
-TEST_P(Command, HelpFitsAScreen) {
+TEST_P(HelpOfCommand, HelpFitsAScreen) {
   std::istringstream lines(helpOf(GetParam()));
   int count = 0;
   for (std::string line; std::getline(lines, line); ++count) {
@@ -65,7 +65,7 @@ TEST_P(Command, HelpFitsAScreen) {
   EXPECT_LE(count, 23);  // one is the shell's
 }
 
-TEST_P(Command, HelpExplainsTheExitStatus) {
+TEST_P(HelpOfCommand, HelpExplainsTheExitStatus) {
   const std::string help = helpOf(GetParam());
   int rows = 0;
   for (const ExitMeaning& row : kExitMeanings) {
@@ -78,7 +78,7 @@ TEST_P(Command, HelpExplainsTheExitStatus) {
   EXPECT_GE(rows, 2);
 }
 
-TEST_P(Command, TheManualHasEveryOptionAndNoOther) {
+TEST_P(HelpOfCommand, TheManualHasEveryOptionAndNoOther) {
   const std::string manual =
       section(source("docs/man/tavinstall.1"), ".Ss tavinstall " + GetParam() + "\n", "\n.S");
   std::set<std::string> options{"--help"};  // said of all commands
@@ -91,7 +91,7 @@ TEST_P(Command, TheManualHasEveryOptionAndNoOther) {
   EXPECT_THAT(options, UnorderedElementsAreArray(optionsOf(GetParam())));
 }
 
-TEST_P(Command, TheManualExplainsTheExitStatus) {
+TEST_P(HelpOfCommand, TheManualExplainsTheExitStatus) {
   const std::string manual =
       section(source("docs/man/tavinstall.1").substr(source("docs/man/tavinstall.1").find(".Sh EXIT STATUS")),
               ".It Cm " + GetParam() + "\n", "\n.It Cm");
@@ -121,7 +121,7 @@ std::vector<std::string> bashOffers(const std::vector<std::string>& words) {
   return offers;
 }
 
-TEST_P(Command, BashCompletesEveryOptionAndNoOther) {
+TEST_P(HelpOfCommand, BashCompletesEveryOptionAndNoOther) {
   EXPECT_THAT(bashOffers({"tavinstall", GetParam(), "-"}), UnorderedElementsAreArray(optionsOf(GetParam())));
 }
 
@@ -154,7 +154,7 @@ std::set<std::string> fishOffers(const std::string& line) {
 
 bool hasProgram(const std::string& name) { return runThrough({"sh", "-c", "command -v " + name}).status == 0; }
 
-TEST_P(Command, FishCompletesEveryOptionAndNoOther) {
+TEST_P(HelpOfCommand, FishCompletesEveryOptionAndNoOther) {
   if (!hasProgram("fish")) {
     GTEST_SKIP() << "fish is not installed";
   }
@@ -170,7 +170,7 @@ TEST(FishCompletion, CompletesCommandsAndProducts) {
 }
 
 // What the lines for one command hold; zsh completes on a terminal only.
-TEST_P(Command, ZshKnowsEveryOption) {
+TEST_P(HelpOfCommand, ZshKnowsEveryOption) {
   const std::string completion = source("completion/_tavinstall");
   const std::string start = "\n        " + GetParam() + ")";
   EXPECT_THAT(completion, HasSubstr(start));
