@@ -74,12 +74,17 @@ struct VolumeRoot {
   const OptionalDisc* disc = nullptr;
 };
 
+// The root with which a pass begins.
+[[nodiscard]] constexpr RootKind firstRoot(std::int32_t mode) noexcept {
+  return mode == kModeVolumes ? RootKind::mounted : RootKind::relativePath;
+}
+
 // Where volume `number` (from 0) of a pass lies. `hasOptionalDiscs` is rootHasOptionalDiscs() of the root with
 // which the pass began.
 [[nodiscard]] inline VolumeRoot volumeRoot(std::int32_t number, std::int32_t mode, bool offersEditions,
                                            bool allAreLite, bool hasOptionalDiscs) noexcept {
   if (number == 0) {
-    return {mode == kModeVolumes ? RootKind::mounted : RootKind::relativePath};
+    return {firstRoot(mode)};
   }
   if (number == 1 && offersEditions && mode != kModeVolumes) {
     return {allAreLite ? RootKind::asBefore : RootKind::relativePath2};

@@ -21,8 +21,8 @@ void InstallDataPane::doEntireInstall() noexcept {
   if (gInstallMode == kModeProductUpdater) {
     copySupportHubExternalFolders();
 
-    gTANVOorDOVAnameOnly.assign("TANVO");
-    gTANVOorDOVA_destinationPath = findCentralFolder("TANVO");
+    gTANVOorDOVAnameOnly.assign(kUpdatePasses.front());
+    gTANVOorDOVA_destinationPath = findCentralFolder(kUpdatePasses.front());
     installAllVolumesForOneOf_TANVOorDOVA();
 
     BoundedText<kAttributesValueSize> relativePath;
@@ -30,8 +30,8 @@ void InstallDataPane::doEntireInstall() noexcept {
     getFolderContainingPKGfile(relativePath.c_str());
     gPathOfSourceDataExcludingTANVOtail.assign(sOutputPathWithCallersSubfolder.view());
 
-    gTANVOorDOVAnameOnly.assign("DOVA");
-    gTANVOorDOVA_destinationPath = findCentralFolder("DOVA");
+    gTANVOorDOVAnameOnly.assign(kUpdatePasses.back());
+    gTANVOorDOVA_destinationPath = findCentralFolder(kUpdatePasses.back());
   } else {
     gTANVOorDOVAnameOnly.assign(_localizedStringForKey("FolderName"));
   }

@@ -73,7 +73,7 @@ void InstallDataPane::readEditionChoiceFile() noexcept {
 }
 
 void InstallDataPane::settleSourceRoot() noexcept {
-  if (gInstallMode == kModeVolumes) {
+  if (firstRoot(gInstallMode) == RootKind::mounted) {
     addEventToInstallationLog("Install kind:  Disc/flash.");
     getFullPathOfVolumeNumber(0, gPathOfSourceDataExcludingTANVOtail);
     return;
