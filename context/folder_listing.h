@@ -21,6 +21,9 @@ class FolderListing {
 
   [[nodiscard]] bool isOpen() const noexcept { return folder_ != nullptr; }
 
+  // Of the folder, which must be open; valid as long as this object.
+  [[nodiscard]] int descriptor() const noexcept { return dirfd(folder_); }
+
   // The next entry, valid until the next call; null at the end, and where the folder could not be opened.
   [[nodiscard]] const dirent* next() noexcept {
     while (folder_ != nullptr) {

@@ -59,9 +59,9 @@ void countForProgressLog(std::size_t bytes) {
   }
 }
 
-std::int64_t sizeOf(const char* path) {
+std::int64_t sizeOf(const FilePlace& file) {
   struct stat found {};
-  stat(path, &found);  // required: a failure counts as a size of 0
+  fstatat(file.folder, file.name, &found, 0);  // required: a failure counts as a size of 0
   return found.st_size;
 }
 
@@ -73,9 +73,14 @@ std::int32_t InstallDataPane::copyDirectoryOrFile(const char* source, const char
     addEventToInstallationLog("copyDirectoryOrFile: no destination for %s", source);
     return 0;
   }
-  placePlugin(source, dest);
-  const std::int32_t result = isADir ? copyDirectory(source, dest, tailName) : copyFile(source, dest);
-  openApplicationPermissions(dest);
+  return copyEntry({source}, {dest}, tailName, isADir);
+}
+
+std::int32_t InstallDataPane::copyEntry(const FilePlace& source, const FilePlace& dest, const char* tailName,
+                                        bool isADir) noexcept {
+  placePlugin(source.path, dest.path);
+  const std::int32_t result = isADir ? copyDirectory(source.path, dest.path, tailName) : copyFile(source, dest);
+  openApplicationPermissions(dest.path);
   return result;
 }
 
@@ -100,29 +105,31 @@ std::int32_t InstallDataPane::copyDirectory(const char* source, const char* dest
   // walk, and entries of unknown type go as files.
   std::int32_t result = 1;
   FolderListing listing(source);
+  const OpenFolder destFolder(dest);
   while (const dirent* entry = listing.next()) {
     BoundedText<kChildPathSize> childSource;
     BoundedText<kChildPathSize> childDest;
     childSource.format("%s/%s", source, entry->d_name);
     childDest.format("%s/%s", dest, entry->d_name);
     result &=
-        copyDirectoryOrFile(childSource.c_str(), childDest.c_str(), entry->d_name, entry->d_type == DT_DIR);
+        copyEntry({childSource.c_str(), listing.descriptor(), entry->d_name},
+                  destFolder.place(childDest.c_str(), entry->d_name), entry->d_name, entry->d_type == DT_DIR);
   }
   return result;
 }
 
-std::int32_t InstallDataPane::copyFile(const char* source, const char* dest) noexcept {
+std::int32_t InstallDataPane::copyFile(const FilePlace& source, const FilePlace& dest) noexcept {
   ReadAhead::cameToFile();
-  currentFile = source;
-  if (isAttributesFile(source)) {
+  currentFile = source.path;
+  if (isAttributesFile(source.path)) {
     ++filesDone;
     addEventToInstallationLog("copyDirectoryOrFile: skipping copy of Inst. Attrib file");
     return 1;
   }
-  if (isAaxSignature(source)) {
+  if (isAaxSignature(source.path)) {
     // The shell's copy keeps the attributes that the signature needs.
     BoundedText<kCommandSize> command;
-    command.format("cp  -a  \"%s\" \"%s\"", source, dest);
+    command.format("cp  -a  \"%s\" \"%s\"", source.path, dest.path);
     addEventToInstallationLog("copying AAX signature with command:  %s", command.c_str());
     runShellCommand(command.c_str());
     ++filesDone;
@@ -134,21 +141,21 @@ std::int32_t InstallDataPane::copyFile(const char* source, const char* dest) noe
   return result;
 }
 
-std::int32_t InstallDataPane::copyBytes(const char* source, const char* dest) noexcept {
+std::int32_t InstallDataPane::copyBytes(const FilePlace& source, const FilePlace& dest) noexcept {
   CopySource in(source);
   CopyDestination out(dest, in);
   const int outError = errno;
 
   if (!in.isOpen()) {
-    addEventToInstallationLog("Source error %s %s\n", source, dest);
+    addEventToInstallationLog("Source error %s %s\n", source.path, dest.path);
     showSheetFromWorker(kInputSheet);
     return 0;
   }
   if (!out.isOpen()) {
     std::array<char, kErrorTextSize> text{};
     errorText(outError, text.data(), text.size());
-    addEventToInstallationLog("Target error %s %s %s\n", source, dest, text.data());
-    showSheetFromWorker(isAudioPluginDestination(dest) ? kPluginOutputSheet : kOutputSheet);
+    addEventToInstallationLog("Target error %s %s %s\n", source.path, dest.path, text.data());
+    showSheetFromWorker(isAudioPluginDestination(dest.path) ? kPluginOutputSheet : kOutputSheet);
     return 0;
   }
 
@@ -173,7 +180,7 @@ std::int32_t InstallDataPane::copyBytes(const char* source, const char* dest) no
   const std::int64_t destSize = sizeOf(dest);
   if (sourceSize != destSize) {
     addEventToInstallationLog("File copy failure: sizes differ: %s (size is %lld) %s  (size is %lld)  \n",
-                              source, static_cast<long long>(sourceSize), dest,
+                              source.path, static_cast<long long>(sourceSize), dest.path,
                               static_cast<long long>(destSize));
     showSheetFromWorker(kSizesDifferSheet);
   }

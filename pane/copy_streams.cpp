@@ -13,6 +13,9 @@ namespace tavenhall {
 namespace {
 
 constexpr mode_t kFileMode = 0666;  // before the umask
+constexpr int kLastFolderDescriptor =
+    63;  // the rest is for listing deep trees; a process may have as few as 256
+constexpr int kOpenForWriting = O_WRONLY | O_CREAT | O_NONBLOCK | O_CLOEXEC;
 
 std::array<char, 12 * kChunkSize> buffer;
 
@@ -22,8 +25,22 @@ bool isSameFile(const struct stat& one, const struct stat& other) {
 
 }  // namespace
 
+OpenFolder::OpenFolder(const char* path) noexcept
+    : descriptor_(open(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+  if (descriptor_ > kLastFolderDescriptor) {
+    close(std::exchange(descriptor_, -1));
+  }
+}
+
+OpenFolder::~OpenFolder() {
+  if (descriptor_ >= 0) {
+    close(descriptor_);
+  }
+}
+
 // Without waiting: opening a pipe would otherwise wait for somebody to write to it.
-CopySource::CopySource(const char* path) noexcept : descriptor_(open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {
+CopySource::CopySource(const FilePlace& file) noexcept
+    : descriptor_(openat(file.folder, file.name, O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {
   if (!isOpen()) {
     return;
   }
@@ -41,8 +58,11 @@ std::span<const char> CopySource::next() noexcept {
     if (count < 0) {
       break;
     }
-    isAtEnd_ = count == 0;
+    // A short read that completes the size has come to the end: no need to read once more for nothing.
+    const bool isShort = static_cast<std::size_t>(count) < buffer.size() - filled;
     filled += static_cast<std::size_t>(count);
+    bytesRead_ += count;
+    isAtEnd_ = count == 0 || (isShort && bytesRead_ == found_.st_size);
   }
   return std::span(buffer).first(filled);
 }
@@ -53,9 +73,17 @@ void CopySource::close() noexcept {
   }
 }
 
-// Without O_TRUNC, which would empty the source where the user's folder leads back to it.
-CopyDestination::CopyDestination(const char* path, const CopySource& source) noexcept
-    : descriptor_(open(path, O_WRONLY | O_CREAT | O_NONBLOCK | O_CLOEXEC, kFileMode)) {
+// First as a new file, which needs no look at what it was. Without O_TRUNC, which would empty the source where
+// the user's folder leads back to it.
+CopyDestination::CopyDestination(const FilePlace& file, const CopySource& source) noexcept
+    : descriptor_(openat(file.folder, file.name, kOpenForWriting | O_EXCL, kFileMode)) {
+  if (isOpen()) {
+    hintSequentialWrite(descriptor_, source.found_.st_size);
+    return;
+  }
+  if (errno == EEXIST) {
+    descriptor_ = openat(file.folder, file.name, kOpenForWriting, kFileMode);
+  }
   if (isOpen() && !makeReadyFor(source)) {
     const int error = errno;
     close();

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <fcntl.h>
 #include <span>
 #include <sys/stat.h>
 
@@ -10,11 +12,36 @@ namespace tavenhall {
 
 inline constexpr std::size_t kChunkSize = 10240;  // bytes
 
+// A file. The system is given its name in a folder that is open, where there is one: looking up a whole path
+// takes it longer than opening the file.
+struct FilePlace {
+  const char* path;
+  int folder = AT_FDCWD;  // a descriptor, not owned
+  const char* name = path;
+};
+
+// A folder that is open while its files are written, unless too many descriptors are in use.
+class OpenFolder {
+ public:
+  explicit OpenFolder(const char* path) noexcept;
+  OpenFolder(const OpenFolder&) = delete;
+  OpenFolder& operator=(const OpenFolder&) = delete;
+  ~OpenFolder();
+
+  // Its file `name`; by its path alone where the folder could not be opened.
+  [[nodiscard]] FilePlace place(const char* path, const char* name) const noexcept {
+    return descriptor_ >= 0 ? FilePlace{path, descriptor_, name} : FilePlace{path};
+  }
+
+ private:
+  int descriptor_;
+};
+
 class CopySource {
  public:
   // Opens the file. Not a pipe or a device, which could keep the copy waiting for ever. A folder opens, and
   // gives nothing to read.
-  explicit CopySource(const char* path) noexcept;
+  explicit CopySource(const FilePlace& file) noexcept;
   CopySource(const CopySource&) = delete;
   CopySource& operator=(const CopySource&) = delete;
   ~CopySource() { close(); }
@@ -32,6 +59,7 @@ class CopySource {
 
   int descriptor_;
   struct stat found_ {};  // when it was opened
+  std::int64_t bytesRead_ = 0;
   bool isAtEnd_ = false;
 };
 
@@ -39,7 +67,7 @@ class CopyDestination {
  public:
   // Opens the file, created or emptied, for what the source holds; the source need not be open. One that is
   // the source, reached by another way, keeps its bytes. errno says why it is not open.
-  CopyDestination(const char* path, const CopySource& source) noexcept;
+  CopyDestination(const FilePlace& file, const CopySource& source) noexcept;
   CopyDestination(const CopyDestination&) = delete;
   CopyDestination& operator=(const CopyDestination&) = delete;
   ~CopyDestination() { close(); }

@@ -12,6 +12,8 @@
 
 namespace tavenhall {
 
+struct FilePlace;
+
 inline constexpr std::size_t kFolderNameSize = 512;
 
 // The page. Its methods are in these files, in the order in which an install goes through them:
@@ -178,9 +180,11 @@ class InstallDataPane final : public InstallerPane {
   // their buffers end the process.
   std::int32_t copyDirectoryOrFile(const char* source, const char* dest, const char* tailName,
                                    bool isADir) noexcept;
+  [[nodiscard]] std::int32_t copyEntry(const FilePlace& source, const FilePlace& dest, const char* tailName,
+                                       bool isADir) noexcept;
   [[nodiscard]] std::int32_t copyDirectory(const char* source, const char* dest, const char* tailName) noexcept;
-  [[nodiscard]] std::int32_t copyFile(const char* source, const char* dest) noexcept;
-  [[nodiscard]] std::int32_t copyBytes(const char* source, const char* dest) noexcept;
+  [[nodiscard]] std::int32_t copyFile(const FilePlace& source, const FilePlace& dest) noexcept;
+  [[nodiscard]] std::int32_t copyBytes(const FilePlace& source, const FilePlace& dest) noexcept;
 
   // copyDirectoryOrFile for a whole tree, between the host's two notifications.
   std::int32_t copyTree(const char* source, const char* dest, const char* tailName) noexcept;

@@ -14,6 +14,7 @@ namespace tavenhall::test {
 namespace {
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 constexpr const char* kSignature =
@@ -61,6 +62,14 @@ TEST_F(CopyEngine, AnotherFileIsEmptiedEvenWhereTheSourceIsMissing) {
 }
 
 // ---- The attributes file ----
+
+// The system makes up such a file when it is read, and says 0 for its size before.
+TEST_F(CopyEngine, AFileThatHoldsMoreThanItsSizeSaysIsCopiedToItsEnd) {
+  CopyingPage page;
+  EXPECT_EQ(page.copyFile("/proc/self/limits", "/tmp/to.dat"), 1);
+  EXPECT_EQ(readFile("/tmp/to.dat"), readFile("/proc/self/limits"));
+  EXPECT_THAT(readFile("/tmp/to.dat"), HasSubstr("Max open files"));
+}
 
 TEST_F(CopyEngine, TheAttributesFileMetAsAFileIsSkippedWithALine) {
   writeFile("/tmp/from/.InstallationAttributes.dat", "Mode = DataUpdater");

@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 namespace tavenhall::test {
 
@@ -51,6 +52,23 @@ TEST_F(CopyEngine, APathThatWouldNotFitIsPassedOverWhereItsNameIsHidden) {
   const std::string folder = pathOfLength(1016);
   writeFile(folder + "/.hidden.dat", "one");
   EXPECT_EQ(copy(folder, "/tmp/to", "", true), 1);
+}
+
+// A folder for each level is listed at a time; 256 descriptors are what a system may give a process.
+TEST_F(CopyEngine, ATreeOf180LevelsIsCopiedWith256Descriptors) {
+  std::string way;
+  for (int level = 0; level < 180; ++level) {
+    way += "/f";
+  }
+  writeFile("/tmp/from" + way + "/one.dat", "one");
+  rlimit before{};
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+  const rlimit few{256, before.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
+  const std::int32_t result = copy("/tmp/from", "/tmp/to", "", true);
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+  EXPECT_EQ(result, 1);
+  EXPECT_EQ(readFile("/tmp/to" + way + "/one.dat"), "one");
 }
 
 TEST_F(CopyEngine, APrivilegedCommandOf2047BytesIsRun) {
