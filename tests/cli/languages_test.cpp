@@ -1,18 +1,15 @@
 #include "host/base/display_text.h"
-#include "host/base/text.h"
-#include "tests/install/child_program.h"
-#include "tests/support/files.h"
+#include "tests/cli/in_language.h"
 
 #include <clocale>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
-#include <sys/stat.h>
-#include <utility>
 
-// The program's words in the languages that there are.
+// When the built program uses which language, and what it leaves in English.
 namespace tavenhall::test {
 namespace {
 
@@ -21,14 +18,11 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-Outcome inLanguage(const std::string& language, std::vector<std::string> arguments) {
-  arguments.insert(arguments.begin(), kTavinstall);
-  return runThrough(std::move(arguments), {{"LC_ALL", "C.UTF-8"}, {"LANGUAGE", language}});
-}
+// ---- Every language ----
 
 struct Language {
   const char* name;
-  const char* usage;  // how the help begins to tell of the arguments
+  const char* usage;  // how the help shows the arguments
 };
 
 class EveryLanguage : public testing::TestWithParam<Language> {};
@@ -41,7 +35,7 @@ INSTANTIATE_TEST_SUITE_P(Each, EveryLanguage,
                                          Language{"zh_CN", "\n用法：tavinstall log [选项]... [FILE]\n"}),
                          [](const auto& tested) { return std::string(tested.param.name); });
 
-TEST_P(EveryLanguage, IsSpokenInTheHelpWhichFitsAScreen) {
+TEST_P(EveryLanguage, PrintsHelpThatFitsAScreen) {
   ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
   EXPECT_THAT(inLanguage(GetParam().name, {"log", "--help"}).output, HasSubstr(GetParam().usage));
   for (const char* command : {"run", "rehearse", "check", "log"}) {
@@ -54,42 +48,60 @@ TEST_P(EveryLanguage, IsSpokenInTheHelpWhichFitsAScreen) {
   }
 }
 
-// Labels of any length, in letters of any width, leave the column where it is.
-TEST_P(EveryLanguage, KeepsTheColumnOfALogsRows) {
-  ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
-  writeFile(kLog, "May 01 2026 10:00:00 studio: \n\n" + std::string(94, '*') +
-                      "\n  Install Data Pane Enter: Version 7.7\n"
-                      "May 01 2026 10:00:01 studio: After resolve 1 /the/folder\n"
-                      "May 01 2026 10:00:02 studio: Installation complete\n");
-  std::istringstream lines(inLanguage(GetParam().name, {"log"}).output);
-  std::string line;
-  while (std::getline(lines, line) && line.find("/the/folder") == std::string::npos) {
+// The columns before each of these texts in the output.
+std::vector<std::size_t> columnsOf(const std::string& output, const std::vector<const char*>& texts) {
+  std::vector<std::size_t> columns;
+  std::istringstream lines(output);
+  for (std::string line; std::getline(lines, line);) {
+    for (const char* text : texts) {
+      if (const std::size_t at = line.find(text); at != std::string::npos) {
+        columns.push_back(displayWidth(line.substr(0, at)));
+      }
+    }
   }
-  EXPECT_EQ(displayWidth(line.substr(0, line.find("/the/folder"))), 19U) << line;
+  return columns;
 }
 
-TEST_P(EveryLanguage, IsNotSpokenToPrograms) {
-  writeFile(kLog, "May 01 2026 10:00:00 studio: \n\n" + std::string(94, '*') +
-                      "\n  Install Data Pane Enter: Version 7.7\n");
-  EXPECT_EQ(inLanguage(GetParam().name, {"log", "--format", "json"}).output,
-            inLanguage("en", {"log", "--format", "json"}).output);
+// Labels of any length, in letters of any width, leave the column where it is.
+TEST_P(EveryLanguage, AlignsTheRowsOfALogAndOfAPlan) {
+  ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
+  writeShortLog();
+  EXPECT_THAT(columnsOf(inLanguage(GetParam().name, {"log"}).output, {"/the/folder"}),
+              testing::ElementsAre(19));
+  makeDiscSet();
+  EXPECT_THAT(columnsOf(inLanguage(GetParam().name, kCheckLumaweave).output,
+                        {"Installing Lumaweave", "Now installing to", "Installed in"}),
+              testing::ElementsAre(17, 17, 17));
 }
 
-TEST(Languages, TheSystemNeedNotHaveTheUsersLocale) {
+TEST_P(EveryLanguage, LeavesJsonInEnglish) {
+  writeShortLog();
+  makeFaultyDiscSet();
+  Arguments check = kCheckLumaweave;
+  check.insert(check.end(), {"--format", "json"});
+  for (const Arguments& command : {Arguments{"log", "--format", "json"}, check}) {
+    const Outcome outcome = inLanguage(GetParam().name, command);
+    EXPECT_TRUE(nlohmann::json::accept(outcome.output)) << outcome.output;
+    EXPECT_EQ(outcome.output, inLanguage("en", command).output);
+  }
+}
+
+// ---- Which language ----
+
+TEST(Languages, AreUsedWithoutTheUsersLocale) {
   const Outcome outcome = runThrough({kTavinstall, "log"}, {{"LC_ALL", "de_DE.UTF-8"}, {"LANGUAGE", ""}});
   EXPECT_THAT(outcome.error,
               StartsWith("tavinstall: es gibt noch kein Protokoll unter /Users/tester/Library/"));
 }
 
-TEST(Languages, WithoutTheUsersLocaleTheColumnsAreStillThoseOfLetters) {
+TEST(Languages, AlignRowsWithoutTheUsersLocale) {
   ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
-  writeFile(kLog, "May 01 2026 10:00:00 studio: \n\n" + std::string(94, '*') +
-                      "\n  Install Data Pane Enter: Version 7.7\n");
+  writeShortLog();
   const Outcome outcome = runThrough({kTavinstall, "log"}, {{"LC_ALL", "ja_XX.UTF-8"}, {"LANGUAGE", ""}});
   EXPECT_THAT(outcome.output, HasSubstr("\n    設定           属性ファイルなし\n"));
 }
 
-TEST(Languages, WithoutOneOrWithAnUnknownOneItIsEnglish) {
+TEST(Languages, DefaultToEnglish) {
   const std::string english = "tavinstall: no installation log at ";
   EXPECT_THAT(runThrough({kTavinstall, "log"}, {{"LC_ALL", "C"}, {"LANGUAGE", "de"}}).error,
               StartsWith(english));
@@ -102,7 +114,7 @@ Outcome withoutFolder(const ChildProgram::Environment& environment) {
   return runThrough({kTavinstall, "run", "--ui", "plain", "--package", "/tmp/set/Installer.pkg"}, environment);
 }
 
-TEST(Languages, ThePageAndTheProgramSpeakTheSame) {
+TEST(Languages, AreTheSameForThePageAndTheProgram) {
   const auto inEnglish = AllOf(HasSubstr("The folder for the Tessaphon data was not found."),
                                HasSubstr("\nThe log is /Users/tester/"));
   const auto inGerman = AllOf(HasSubstr("Der Ordner für die Daten von Tessaphon wurde nicht gefunden."),
@@ -122,7 +134,7 @@ TEST(Languages, ThePageAndTheProgramSpeakTheSame) {
   EXPECT_THAT(withoutFolder({{"LC_ALL", "zh_TW.UTF-8"}, {"LANGUAGE", ""}}).output, inEnglish);
 }
 
-TEST(Languages, TheLinesForProgramsStayEnglish) {
+TEST(Languages, LeaveTheEventsInEnglish) {
   const std::vector<std::string> arguments{"run", "--ui", "json", "--no-preinstall"};
   const auto said = [&arguments](const std::string& language) {
     std::vector<std::string> command{kTavinstall};
@@ -136,7 +148,7 @@ TEST(Languages, TheLinesForProgramsStayEnglish) {
 }
 
 // The page writes the system's error texts into the log, which support reads.
-TEST(Languages, TheLogIsTheSameInEveryLanguage) {
+TEST(Languages, LeaveTheLogInEnglish) {
   writeFile("/tmp/set/Installer.pkg", "");
   writeFile("/tmp/set/.InstallationAttributes.dat",
             "Mode = Downloaded\nRelativePath = .\nTotalSizeMillionsBytes = 1\n");
@@ -156,95 +168,22 @@ TEST(Languages, TheLogIsTheSameInEveryLanguage) {
   EXPECT_THAT(german.output, EndsWith("Das Protokoll ist " + std::string(kLog) + ".\n"));
 }
 
-// ---- What cannot be used ----
-
-void expectRefusal(const std::vector<std::string>& arguments, const std::string& english,
-                   const std::string& german, const std::string& japanese) {
-  for (const auto& [language, text] : {std::pair("en", english), {"de", german}, {"ja", japanese}}) {
-    const Outcome outcome = inLanguage(language, arguments);
-    EXPECT_EQ(outcome.status, 2);
-    EXPECT_EQ(outcome.output, "");
-    EXPECT_EQ(outcome.error, "tavinstall: " + text + "\n");
-  }
-}
-
-TEST(Languages, ArgumentsThatAreMissingOrTooManyAreNamedInThem) {
-  expectRefusal({}, "A subcommand is required", "ein Befehl fehlt", "コマンドが必要です");
-  expectRefusal({"instal"}, "The following argument was not expected: instal", "unerwartetes Argument: instal",
-                "余分な引数があります: instal");
-  expectRefusal({"log", "a", "b", "--c"}, "The following arguments were not expected: b --c",
-                "unerwartete Argumente: b --c", "余分な引数があります: b --c");
-  expectRefusal({"check"}, "SET is required", "SET fehlt", "SET が必要です");
-}
-
-TEST(Languages, OptionsThatDoNotGoTogetherAreNamedInThem) {
-  expectRefusal({"run", "--bundle", "/x", "--product", "Bassoria"},
-                "--product cannot be combined with --bundle", "--product schließt --bundle aus",
-                "--product と --bundle は同時に指定できません");
-  expectRefusal({"run", "--ui", "plain", "--ui", "json"}, "--ui can be given only once",
-                "--ui kann nur einmal angegeben werden", "--ui は 1 回しか指定できません");
-}
-
-TEST(Languages, ValuesThatAreMissingOrNotAllowedAreNamedInThem) {
-  expectRefusal({"run", "--trusted", "--package"}, "--package requires a value", "--package braucht einen Wert",
-                "--package には値が必要です");
-  expectRefusal({"run", "--package="}, "--package requires a value", "--package braucht einen Wert",
-                "--package には値が必要です");
-  expectRefusal({"run", "--trusted=perhaps"}, "--trusted takes no value", "--trusted nimmt keinen Wert",
-                "--trusted に値は指定できません");
-  expectRefusal({"run", "--ui", "loud"}, "--ui: loud not in {json,plain,quiet,terminal}",
-                "--ui: loud ist nicht in {json,plain,quiet,terminal}",
-                "--ui: loud は {json,plain,quiet,terminal} のどれでもありません");
-  for (const std::string number : {"-1", "often", "1.5", "99999999999"}) {
-    expectRefusal({"rehearse", "/x", "--late", number}, "--late: " + number + " is not an integer from 0 up",
-                  "--late: " + number + " ist keine ganze Zahl ab 0",
-                  "--late: " + number + " は 0 以上の整数ではありません");
-  }
-}
-
-TEST(Languages, WhatOtherUsersCanChangeIsRefusedInThem) {
-  writeFile("/tmp/open/Installer.pkg", "");
-  ASSERT_EQ(chmod("/tmp/open", 0777), 0);
-  expectRefusal(
-      {"run", "--ui", "plain", "--package", "/tmp/open/Installer.pkg"},
-      "other users can change /tmp/open and thereby what is installed; use --trusted to install anyway",
-      "andere Benutzer können /tmp/open ändern und damit, was installiert wird; --trusted installiert "
-      "trotzdem",
-      "他のユーザーが /tmp/open を変更でき、インストールされるものも変わります。--trusted を付ければイン"
-      "ストールします");
-}
-
-// The engine speaks English by then.
-TEST(Languages, ASummaryThatCouldNotBeWrittenIsNamedInThem) {
-  writeFile("/tmp/set/Installer.pkg", "");
-  writeFile("/tmp/set/.InstallationAttributes.dat", "Mode = DataUpdater\nRelativePath = Nowhere\n");
-  const std::vector<std::string> run{"run",       "--ui",     "quiet", "--package", "/tmp/set/Installer.pkg",
-                                     "--summary", "/dev/full"};
-  EXPECT_EQ(
-      inLanguage("de", run).error,
-      "tavinstall: die Zusammenfassung /dev/full kann nicht geschrieben werden: No space left on device\n");
-  EXPECT_EQ(inLanguage("ja", run).error,
-            "tavinstall: 要約 /dev/full に書き込めません: No space left on device\n");
-}
-
-TEST(Text, ValuesTakeTheirPlacesInAnyOrder) {
-  EXPECT_EQ(format("{0} and {1}", {"a", "b"}), "a and b");
-  EXPECT_EQ(format("{1}{0}{1}", {"a", "b"}), "bab");
-  EXPECT_EQ(format("{{0} {2} {x} {", {"{0}"}), "{0} {2} {x} {");
-  EXPECT_EQ(format("{0}", {"{0}"}), "{0}");
-}
-
-TEST(Text, CountsOneAndSeveral) {
-  EXPECT_EQ(plural("{0} file of {1}", "{0} files of {1}", 1, {"x"}), "1 file of x");
-  EXPECT_EQ(plural("{0} file of {1}", "{0} files of {1}", 0, {"x"}), "0 files of x");
-}
-
-TEST(Text, IsPaddedByItsColumns) {
-  ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
-  EXPECT_EQ(padRight("日本", 6), "日本  ");
-  EXPECT_EQ(padRight("e\xCC\x81", 3), "e\xCC\x81  ");
-  EXPECT_EQ(padRight("\xFF", 3), "\xFF  ");
-  EXPECT_EQ(padRight("longer", 3), "longer ");
+// The engine reports in English, and so does the report of the same rehearsal.
+TEST(Languages, LeaveARehearsalsJsonInEnglish) {
+  makeFaultyDataUpdateSet();
+  const auto reportIn = [](const std::string& language) {
+    const Outcome outcome =
+        inLanguage(language, rehearsal({"--installed", "/Users/tester/had", "--report", "/tmp/report.json"}));
+    EXPECT_EQ(outcome.status, 1) << outcome.error;
+    return nlohmann::json::parse(readFile("/tmp/report.json"), nullptr, false);
+  };
+  const nlohmann::json english = reportIn("en");
+  const nlohmann::json german = reportIn("de");
+  EXPECT_EQ(german["remarks"], nlohmann::json({"nothing installs First/DOVA/Bassoria/lost.db"}));
+  EXPECT_EQ(german["failures"].back(),
+            "content differs: /Users/rehearsal/Downloads/Installer/First/TANVO/Tessaphon/one.db");
+  EXPECT_EQ(german["plan"], english["plan"]);
+  EXPECT_EQ(german["prompts"], english["prompts"]);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "tests/support/private_root.h"
 
 #include <filesystem>
+#include <sys/mount.h>
 
 // What steers a rehearsal, and what cannot be used.
 namespace tavenhall::test {
@@ -211,6 +212,15 @@ TEST(RehearseBadUsage, WithoutBubblewrapItIsNamed) {
   EXPECT_EQ(outcome.status, 2);
   EXPECT_EQ(outcome.error, "tavinstall: rehearsing needs bubblewrap; install the package bubblewrap\n");
   expectNothingLeft();
+}
+
+TEST(RehearseBadUsage, AReadOnlyFolderToKeep) {
+  makeDownloadSet();
+  makeFolder("/Users/tester/kept");
+  ASSERT_EQ(mount("tmpfs", "/Users/tester/kept", "tmpfs", MS_RDONLY, nullptr), 0);
+  const Outcome outcome = rehearse({"--keep", "/Users/tester/kept"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.error, "tavinstall: cannot use /Users/tester/kept/tmp: Read-only file system\n");
 }
 
 TEST(RehearseBadUsage, NoPlaceForATemporaryFolder) {
