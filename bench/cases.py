@@ -224,7 +224,7 @@ class Profile:
 
 
 ALL = (
-    Comparison("many", "50,000 files of 2 KiB", trees.MANY, goals={"cp -R": 0.80, "rsync -a": 0.80}),
+    Comparison("many", "50,000 files of 2 KiB", trees.MANY, goals={"cp -R": 0.70, "rsync -a": 0.70}),
     Comparison("big", "4 files of 512 MiB", trees.BIG, goals={"cp -R": 1.15, "rsync -a": 0.40}),
     Comparison("mixed", "Like a library: 4,000 files, 2 GB", trees.MIXED, goals={"cp -R": 0.95, "rsync -a": 0.45}),
     Comparison("mixed-cold", "The same, nothing in memory", trees.MIXED, is_cold=True,

@@ -2,6 +2,9 @@
 
 #include "host/base/text.h"
 
+#include <exception>
+#include <stdexcept>
+
 // The program's exit statuses, for all commands.
 namespace tavenhall {
 
@@ -39,5 +42,15 @@ inline constexpr ExitMeaning kExitMeanings[] = {
     {"log", ExitStatus::success, N_("the log was read")},
     {"log", ExitStatus::badUsage, N_("invalid argument")},
 };
+
+// An argument, or a file that it names, cannot be used. what() names it, states the problem and the remedy; the
+// program shows it and exits with ExitStatus::badUsage.
+class UsageError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// Prints an error on standard error, as one line even where a path in it holds line breaks. Any thread.
+void showError(const std::exception& error);
 
 }  // namespace tavenhall

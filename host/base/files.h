@@ -2,10 +2,11 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 
-// Questions about files and disks. Any thread.
+// Questions about files and disks, which any thread may ask, and lines from a descriptor.
 namespace tavenhall {
 
 // Throws UsageError if `path` is a pipe, a socket or a device, since opening one may block. A folder, and
@@ -19,5 +20,27 @@ void requireWritable(const std::filesystem::path& path);
 // The bytes that this user can still write on the disk that holds `path`, or would hold it: that of the nearest
 // existing folder above it. None if unknown.
 [[nodiscard]] std::optional<std::int64_t> freeBytesAt(const std::string& path);
+
+// Reads lines from a descriptor, which the caller owns. One thread.
+class LineReader {
+ public:
+  explicit LineReader(int descriptor) : descriptor_(descriptor) {}
+
+  // False after the end of the input or an error.
+  [[nodiscard]] bool isOpen() const { return descriptor_ >= 0; }
+
+  // The descriptor to poll; -1 once it is closed.
+  [[nodiscard]] int descriptor() const { return descriptor_; }
+
+  // Reads once and passes each complete line, without its newline, to `take`; at the end of the input also an
+  // unterminated last line. A longer line is truncated to kLongestLine + 1 bytes.
+  void read(const std::function<void(const std::string& line)>& take);
+
+  static constexpr std::size_t kLongestLine = 1048576;  // bytes
+
+ private:
+  int descriptor_;
+  std::string partialLine_;
+};
 
 }  // namespace tavenhall

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <filesystem>
 #include <initializer_list>
@@ -72,5 +73,20 @@ class InEnglish {
 
 // The same, with line breaks replaced too.
 [[nodiscard]] std::string printableLine(std::string_view text);
+
+// ---- Numbers for display. Pure, any thread ----
+
+// "1.2 GB", "17 bytes": in powers of 1000, with one decimal from kB on. `bytes` is not negative.
+[[nodiscard]] std::string sizeText(double bytes);
+[[nodiscard]] std::string sizeText(std::integral auto bytes) { return sizeText(static_cast<double>(bytes)); }
+
+// "12.3 MB" whatever the size, so that sizes can be compared.
+[[nodiscard]] std::string megabytesText(std::int64_t bytes);
+
+// "2 h 5 min", "3 min 20 s", "12 s".
+[[nodiscard]] std::string durationText(double seconds);
+
+// "12 345": digits in groups of three.
+[[nodiscard]] std::string groupedNumber(std::int64_t number);
 
 }  // namespace tavenhall

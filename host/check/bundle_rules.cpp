@@ -12,7 +12,7 @@ namespace {
 constexpr std::array<std::string_view, 8> kBundleSuffixes{".vst", ".vst3",   ".aaxplugin", ".component",
                                                           ".app", ".bundle", ".framework", ".plugin"};
 
-// What a shell makes something else of than a letter of a path. Blanks are counted apart.
+// Shell metacharacters. Blanks have a diagnostic of their own.
 constexpr std::string_view kShellCharacters = "\"'`$&|;<>()*?[]{}!#~\\\t\n";
 
 bool hasShellCharacter(std::string_view path) {
@@ -34,8 +34,8 @@ bool isPlaced(const std::string& destination) {
   return pluginKindOf(destination).has_value() || isApplicationDestination(destination);
 }
 
-// The outermost entries that the page takes for a plug-in or an application. The entries are sorted, so what
-// lies inside an item follows it, though not at once.
+// The outermost entries that the page treats as a plug-in or an application. The entries are sorted, so the
+// content of an item follows it, though not immediately.
 std::vector<Item> itemsOf(const CheckedFolder& folder) {
   std::vector<Item> items;
   for (const TreeEntry& entry : folder.tree.entries()) {

@@ -12,10 +12,10 @@ struct CheckResult {
   Diagnostics diagnostics;
 };
 
-// Looks at a set with every rule there is. Throws UsageError where it cannot be used at all.
+// Applies every rule to a set. Throws UsageError if the set cannot be read at all.
 [[nodiscard]] CheckResult checkSet(const CheckRequest& request);
 
-// What the page would do and what is wrong, for a reader; ends with a newline.
+// The plan and the diagnostics as text; ends with a newline.
 [[nodiscard]] std::string checkText(const CheckResult& result);
 
 // The same as one JSON object; ends with a newline. Bytes that are not UTF-8 become replacement characters.

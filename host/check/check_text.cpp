@@ -1,6 +1,5 @@
 #include "host/base/display_text.h"
 #include "host/base/text.h"
-#include "host/base/units.h"
 #include "host/check/check.h"
 #include "host/check/spelling.h"
 
@@ -10,7 +9,7 @@ namespace tavenhall {
 
 namespace {
 
-// A text of several lines, each after the first below the first.
+// A text of several lines, aligned.
 std::string indented(std::string_view text, std::size_t columns) {
   std::string shown;
   while (!text.empty()) {
@@ -23,7 +22,7 @@ std::string indented(std::string_view text, std::size_t columns) {
   return shown;
 }
 
-// The mode, and why.
+// The mode and the reason.
 const char* modePattern(std::int32_t mode) {
   switch (mode) {
     case kModeDataUpdater: return _("0, data updater. {0}");

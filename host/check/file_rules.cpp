@@ -119,7 +119,7 @@ void checkLength(const CopiedTree& copied, const TreeEntry& entry, Diagnostics& 
   const std::size_t slash = entry.path.rfind('/');
   const std::size_t parent = slash == std::string::npos ? 0 : 1 + slash;
   const std::size_t longer = std::max(copied.source.size(), copied.destination.size());
-  // Where the folder above is too long already, it was said of that.
+  // Skipped if the parent folder's path is too long: that one has the diagnostic.
   if (longer + below >= kChildPathSize && longer + parent < kChildPathSize) {
     diagnostics.add(
         "path-too-long", {copied.shown(entry.path)},

@@ -1,7 +1,7 @@
 #include "host/base/text.h"
 #include "host/check/rules.h"
 #include "host/check/spelling.h"
-#include "host/set/installed_editions.h"
+#include "host/set/install_plan.h"
 
 #include <algorithm>
 #include <limits>
@@ -57,7 +57,7 @@ class LibraryRules {
   }
 
  private:
-  // Is it a library that only the page's limit keeps from being listed?
+  // Whether only the page's limit keeps this library from being listed.
   [[nodiscard]] bool isBeyondTheLast(const std::string& name) const {
     return std::any_of(libraries_.begin(), libraries_.end(),
                        [&name](const PlannedLibrary& library) { return library.folderName == name; });
@@ -89,7 +89,7 @@ class LibraryRules {
     }
   }
 
-  // Libraries that the page does not list are copied as they are in the first component, unannounced.
+  // The page copies unlisted libraries of the first component without detecting their edition.
   void checkFirstComponent(const CheckedVolume& volume) {
     for (const TreeEntry& entry : volume.tree.entries()) {
       const bool isLibrary = !entry.isHidden && entry.kind == EntryKind::folder && entry.path != kMirelPacks &&
@@ -105,8 +105,8 @@ class LibraryRules {
     checkPacks(volume);
   }
 
-  // What the detection will find of a pack once this is installed: a folder of the pack's name with
-  // " Library", and a database in each folder right below it.
+  // The content that the detection will find after this install: a folder with the pack's name and " Library",
+  // and a database in each folder directly below it.
   void checkPacks(const CheckedVolume& volume) {
     for (const TreeEntry& entry : volume.tree.entries()) {
       const bool isFactory = !entry.isHidden && entry.kind == EntryKind::folder && depthOf(entry.path) == 3 &&
@@ -169,7 +169,7 @@ class LibraryRules {
     return entry.kind == EntryKind::file && !entry.isHidden && isDatabaseName(entry.name());
   }
 
-  // Both components are laid over each other, so what one of them brings is there.
+  // Both components are installed into the same folder, so one of them suffices.
   template <typename Test>
   [[nodiscard]] bool isAnywhere(Test test) const {
     return std::any_of(checked_.volumes.begin(), checked_.volumes.end(), [&test](const CheckedVolume& volume) {

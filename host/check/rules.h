@@ -10,7 +10,7 @@
 // The rules of a check, one function for each topic, in the file that the comment names. They read only.
 namespace tavenhall {
 
-// attributes_rules: the file's place and bytes
+// key_rules: the attributes file: its place and bytes, its lines and keys
 void checkAttributesFile(const CheckedSet& checked, Diagnostics& diagnostics);
 
 // key_rules: its lines and keys
@@ -31,7 +31,7 @@ void checkSettings(const CheckedSet& checked, Diagnostics& diagnostics);
 void checkSizes(const CheckedSet& checked, Diagnostics& diagnostics);
 void checkMachine(const CheckedSet& checked, Diagnostics& diagnostics);
 
-// disc_rules: the discs and the data folders on them or beside the package
+// volume_rules: the discs and the data folders on them or beside the package
 void checkDiscs(const CheckedSet& checked, Diagnostics& diagnostics);
 void checkDataFolders(const CheckedSet& checked, Diagnostics& diagnostics);
 

@@ -15,11 +15,11 @@ namespace {
 constexpr std::size_t kFolderSize = 1024;  // the page's buffer for a folder relative to the package's
 constexpr std::int64_t kMostMillions = std::numeric_limits<std::int64_t>::max() / 1000000;
 
-// What a mode's value is searched for; whether one is found is the page's own rule.
+// The words of a mode's value; the page's own rule finds them.
 constexpr std::string_view kModeWords[] = {"DataUpdater", "InstallFromVolumes", "TavenhallUpdater",
                                            "SupportHub"};
 
-// A value up to its first carriage return, where it ends for the page.
+// A value up to its first carriage return, where the page ends it.
 std::string_view untilCarriageReturn(std::string_view value) { return value.substr(0, value.find('\r')); }
 
 std::string_view withoutBlanksAtEnd(std::string_view value) {

@@ -2,7 +2,7 @@
 
 #include "host/base/build_facts.h"
 #include "host/base/text.h"
-#include "host/terminal/terminal_facts.h"
+#include "host/terminal/terminal_device.h"
 
 #include <algorithm>
 #include <charconv>
@@ -15,7 +15,7 @@ namespace {
 
 using Options = std::vector<const CLI::Option*>;
 
-// Those of the program, and of the command that was named.
+// The options of the program and of the command.
 Options optionsOf(const CLI::App& program) {
   Options options = program.get_options();
   for (const CLI::App* command : program.get_subcommands()) {
@@ -54,7 +54,7 @@ std::string excludedText(const CLI::App& program, const CLI::ParseError& error) 
   return error.what();
 }
 
-// An option was given twice, or without a value, which only the last argument can be.
+// An option was given twice, or without a value; only the last argument can lack one.
 std::string numberOfValuesText(const CLI::App& program, const std::vector<std::string>& arguments) {
   for (const CLI::Option* option : optionsOf(program)) {
     if (takesValue(*option) && option->count() > 1) {
@@ -64,7 +64,7 @@ std::string numberOfValuesText(const CLI::App& program, const std::vector<std::s
   return format(_("{0} requires a value"), {arguments.back().substr(0, arguments.back().find('='))});
 }
 
-// Of a value that is no text; numbers have their own check, so it is "--flag=value".
+// A value of the wrong type. Numbers have their own check, so it is "--flag=value".
 std::string flagValueText(const CLI::App& program, const std::vector<std::string>& arguments,
                           const CLI::ParseError& error) {
   const Options options = optionsOf(program);

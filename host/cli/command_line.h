@@ -17,17 +17,16 @@ struct CommandLine {
   std::function<ExitStatus()> chosen;
 };
 
-// The value is one of the names, which the help shows as the option's own text or not at all.
+// Requires one of the names as the value.
 [[nodiscard]] CLI::Validator oneOf(const std::vector<std::string>& names);
 
-// The value is a whole number from 0 on that fits an int.
+// Requires an integer from 0 up that fits an int.
 [[nodiscard]] CLI::Validator wholeNumber();
 
-// The products that the build knows.
+// The products of this build.
 [[nodiscard]] std::vector<std::string> productNames();
 
-// Why the program's arguments cannot be used, in one line in the user's language. The error came from parsing
-// them just now.
+// Explains a parse error of the program's arguments, in one line in the user's language.
 [[nodiscard]] std::string argumentErrorText(const CLI::App& program, const std::vector<std::string>& arguments,
                                             const CLI::ParseError& error);
 

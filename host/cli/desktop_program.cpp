@@ -1,10 +1,9 @@
 #include "host/cli/desktop_program.h"
 
 #include "host/base/build_facts.h"
-#include "host/base/errors.h"
+#include "host/base/exit_status.h"
 #include "host/base/program_files.h"
 #include "host/base/text.h"
-#include "host/base/units.h"
 #include "host/cli/command_line.h"
 #include "host/engine/pre_install.h"
 #include "host/engine/stand_ins.h"

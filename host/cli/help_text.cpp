@@ -43,7 +43,7 @@ std::string nameOf(const CLI::Option& option) {
 }
 
 std::string textOf(const CLI::Option& option) {
-  // A value that is not given: the variable's, if it is set, or the option's own.
+  // The default: the environment variable's value if it is set, or the option's own.
   std::string given = option.get_default_str();
   if (given.empty() && !option.get_envname().empty()) {
     given = "$" + option.get_envname();

@@ -1,4 +1,4 @@
-#include "host/base/errors.h"
+#include "host/base/exit_status.h"
 #include "host/base/text.h"
 #include "host/cli/command_line.h"
 #include "host/log/log_records.h"
@@ -25,7 +25,7 @@ struct LogArguments {
   bool lastOnly = false;
 };
 
-// A page that waits for a disc writes a record every ten seconds, and one that copies at every 100 MB.
+// The page writes a record every 10 s while it waits for a disc, and every 100 MB while it copies.
 constexpr double kLongestPause = 900;  // seconds
 
 void print(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }
@@ -41,7 +41,7 @@ class RunPrinter {
   explicit RunPrinter(const LogArguments& arguments)
       : asJson_(arguments.format == "json"), lastOnly_(arguments.lastOnly) {}
 
-  // The run before is then known not to be the last.
+  // Then the previous run is not the last.
   void add(const LoggedRun& run) {
     if (!lastOnly_) {
       print(latest_);

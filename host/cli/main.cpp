@@ -1,5 +1,5 @@
 #include "host/base/build_facts.h"
-#include "host/base/errors.h"
+#include "host/base/exit_status.h"
 #include "host/base/program_files.h"
 #include "host/base/text.h"
 #include "host/cli/command_line.h"

@@ -1,5 +1,5 @@
 #include "host/base/build_facts.h"
-#include "host/base/errors.h"
+#include "host/base/exit_status.h"
 #include "host/base/files.h"
 #include "host/base/program_files.h"
 #include "host/base/text.h"
@@ -37,7 +37,7 @@ struct RunArguments {
   bool isTrusted = false;
 };
 
-// What the page would believe though other users may have written it; empty if nothing.
+// The reason not to trust a file that the page reads, because other users can write it; empty if there is none.
 std::string whatOthersDecide(const EngineOptions& options) {
   std::string line =
       options.package.empty() ? writtenByOthers(kLocationFile) : changeableByOthers(options.package);
@@ -47,7 +47,7 @@ std::string whatOthersDecide(const EngineOptions& options) {
   return line;
 }
 
-// Another program that drives the install decides for itself, so it is only warned.
+// Another program that drives the install decides itself, so this is only a warning.
 void refuse(const std::string& line, Frontend frontend) {
   if (frontend != Frontend::json) {
     throw UsageError(line);
@@ -61,7 +61,7 @@ void refuseWhatOthersDecide(const EngineOptions& options, Frontend frontend) {
   }
 }
 
-// The plan, if there can be one; the page runs without one.
+// The plan, or none if it cannot be made; the page runs without one.
 std::optional<InstallPlan> planOf(const EngineOptions& options, Frontend frontend) {
   try {
     return planFor(options);
@@ -94,7 +94,7 @@ EngineOptions optionsFrom(const RunArguments& arguments, Frontend frontend) {
   return options;
 }
 
-// Text may come from anywhere, but a password is asked for only where this process has a terminal.
+// Input may come from anywhere, but a password prompt needs a terminal.
 bool hasControllingTerminal() {
   const int terminal = open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC);
   if (terminal >= 0) {

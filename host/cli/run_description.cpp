@@ -26,7 +26,7 @@ namespace {
 constexpr std::size_t kMostSources = 8;
 constexpr std::string_view kVolumes = "/Volumes/";
 
-// Paths as people write them: the page joins them with more slashes and dots than anybody wants to read.
+// Normalises paths for display: the page joins them with redundant slashes and dots.
 std::string tidyPath(const std::string& path) {
   std::string tidy = fs::path(path).lexically_normal().string();
   if (tidy.size() > 1 && tidy.back() == '/') {
@@ -103,7 +103,7 @@ Introduction introduce(const InstallPlan& plan, const FreeBytes& freeBytes) {
   if (plan.announced.isKnown && plan.announced.bytes > 0) {
     introduction.neededBytes = plan.announced.bytes;
   }
-  // An update's passes may go to two disks; then the fuller one counts.
+  // The passes of an update may use two disks; then the fuller one counts.
   for (const PlannedPass& pass : plan.passes) {
     const auto free = freeBytes(pass.destination);
     if (free && (!introduction.freeBytes || *free < *introduction.freeBytes)) {

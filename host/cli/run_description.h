@@ -9,8 +9,7 @@
 #include <optional>
 #include <string>
 
-// What frontends present of a run beyond its events, worked out from the installer set and the installation
-// log.
+// What frontends present in addition to the events, from the installer set and the installation log.
 namespace tavenhall {
 
 using FreeBytes = std::function<std::optional<std::int64_t>(const std::string& path)>;

@@ -7,12 +7,12 @@
 #include <string>
 #include <vector>
 
-// The install that the window shows, as far as the window needs it: the texts before and after the page, the
-// pre-install step, and the numbers beside the bar. Main thread, unless a function says otherwise. Nothing here
+// The run that the window shows: the texts before and after the page, the pre-install step, and the numbers
+// beside the bar. Main thread, unless a function says otherwise. Nothing here
 // throws, so Objective-C can call it.
 namespace tavenhall {
 
-// A page of the installer's own: a heading, and lines that are not wrapped.
+// One of the installer's own pages: a heading and unwrapped lines.
 struct DesktopText {
   Span heading;
   std::vector<Line> lines;
@@ -51,7 +51,7 @@ class DesktopRun {
   // "54.2 MB/s, about 3 min left"; empty while nothing is known.
   [[nodiscard]] virtual std::string paceText() noexcept = 0;
 
-  // How it went; after end().
+  // The result. Call it after end().
   [[nodiscard]] virtual DesktopText summary() const noexcept = 0;
   [[nodiscard]] virtual ExitStatus exitStatus() const noexcept = 0;
 

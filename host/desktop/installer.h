@@ -10,7 +10,7 @@ class DesktopRun;
 typedef NS_ENUM(NSInteger, InstallerStage) { StageIntroduction, StageSection, StageSummary };
 
 // The installer around the section: shows its own first and last page, does the pre-install step, enters and
-// leaves the section's panes. The application's delegate. Main thread, but for what the panes call.
+// leaves the section's panes. The application's delegate. Main thread, except for calls of the panes.
 @interface Installer : NSObject <SectionInstaller> {
  @private
   tavenhall::DesktopRun* run_;

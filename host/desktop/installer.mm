@@ -17,7 +17,7 @@ using tavenhall::DesktopText;
 using tavenhall::ExitStatus;
 using tavenhall::Style;
 
-// No destructor may run under a page thread that still does.
+// No destructor may run while a page thread runs.
 [[noreturn]] void endProcess(ExitStatus status) {
   std::fflush(nullptr);
   _exit(static_cast<int>(status));
@@ -49,7 +49,7 @@ BOOL isFirstButton(const char* message, const std::string& text, const char* fir
 
 }  // namespace
 
-// What the plug-in's pane offers beyond the public interface.
+// The plug-in pane's methods beyond the public interface.
 @protocol CopyingPane
 - (long long)bytesWritten;
 @end
@@ -62,8 +62,7 @@ BOOL isFirstButton(const char* message, const std::string& text, const char* fir
   return self;
 }
 
-// Not sooner: on its way here GNUstep's application talks to other programs, and must not be disturbed by
-// events.
+// Not sooner: during its start GNUstep's application talks to other programs, which events must not interrupt.
 - (void)applicationDidFinishLaunching:(NSNotification*)notification {
   NSBundle* bundle = [NSBundle bundleWithPath:nsString(run_->bundlePath())];
   section_ = [[InstallerSection sectionOfBundle:bundle installer:self] retain];
@@ -172,7 +171,7 @@ BOOL isFirstButton(const char* message, const std::string& text, const char* fir
   }
 }
 
-// ---- What the section asks for ----
+// ---- Requests of the section ----
 
 - (void)pane:(InstallerPane*)pane setNextEnabled:(BOOL)flag {
   if (pane == [section_ activePane] && stage_ == StageSection) {
@@ -202,7 +201,7 @@ BOOL isFirstButton(const char* message, const std::string& text, const char* fir
   return YES;
 }
 
-// ---- What the user wants ----
+// ---- Actions of the user ----
 
 - (void)goOn:(id)sender {
   switch (stage_) {

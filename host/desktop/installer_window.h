@@ -21,14 +21,14 @@
 - (void)setSteps:(NSArray*)titles current:(NSUInteger)current;
 - (void)setHeading:(NSString*)heading color:(NSColor*)color;
 
-// The place of a page's content, in which it is centred.
+// The frame in which a page's content is centred.
 - (NSRect)pageFrame;
 - (void)setPage:(NSView*)content;
 
-// The button is as wide as its title needs.
+// Sizes the button to fit its title.
 - (void)setContinueTitle:(NSString*)title;
 
-// A quiet line at the lower left.
+// The line at the lower left.
 - (void)setPace:(NSString*)text;
 
 - (NSButton*)backButton;

@@ -2,14 +2,15 @@
 
 #include <string>
 
-// What the window needs of each system besides AppKit: gnustep/ and macos/ fill these. Main thread.
+// The window's system-specific functions beyond AppKit; gnustep/ and macos/ implement them. Main thread.
 
-// Before there is an application: which languages the user reads.
+// Sets the user's languages. Call it before the application exists.
 void setUpLanguages();
 
-// Before there is an application: what texts in that language, named as its folder in a bundle is, are shown
-// in.
+// Sets the fonts for a language, which is named like its folder in a bundle. Call it before the application
+// exists.
 void setUpFonts(const std::string& language);
 
-// Once there is one: how it looks, and its menu. False where it can show nothing; standard error says why.
+// Sets the application's appearance and menu. Returns false if it cannot show anything, and prints the reason
+// on standard error.
 [[nodiscard]] bool setUpLook();

@@ -3,7 +3,7 @@
 #import <Foundation/Foundation.h>
 #include <string>
 
-// A text for AppKit; empty where it is no UTF-8. Autoreleased. Any thread.
+// Converts a text for AppKit; empty if it is not UTF-8. Autoreleased. Any thread.
 inline NSString* nsString(const std::string& text) {
   NSString* made = [NSString stringWithUTF8String:text.c_str()];
   return made != nil ? made : @"";

@@ -2,8 +2,7 @@
 
 #import <AppKit/AppKit.h>
 
-// The colours of the window, a light and quiet scheme, and where its parts stand. Lengths in points. Main
-// thread.
+// The colours of the window, and its lengths in points. Main thread.
 
 inline NSColor* paletteColor(unsigned rgb) {
   return [NSColor colorWithCalibratedRed:((rgb >> 16U) & 0xFFU) / 255.0

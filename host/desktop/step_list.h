@@ -2,8 +2,7 @@
 
 #import <AppKit/AppKit.h>
 
-// The installer's steps, one below the other: those that are done, the one that the user is at, those to come.
-// Main thread.
+// A list of the installer's steps: done, current and future ones. Main thread.
 @interface StepList : NSView {
  @private
   NSArray* titles_;

@@ -4,10 +4,10 @@
 
 #import <AppKit/AppKit.h>
 
-// A page of text that scrolls where it is longer than the page. Main thread.
+// A page of text that scrolls if it is too long. Main thread.
 
-// Labels stand at the left, in a column of their own.
+// Puts labels into a column at the left.
 NSAttributedString* attributedText(const std::vector<tavenhall::Line>& lines);
 
-// Owned by the caller's pool.
+// Autoreleased.
 NSView* textPage(NSAttributedString* text, NSRect frame);

@@ -1,6 +1,6 @@
 #include "host/engine/bundle_loader.h"
 
-#include "host/base/errors.h"
+#include "host/base/exit_status.h"
 #include "host/base/files.h"
 #include "host/base/text.h"
 

@@ -1,7 +1,7 @@
 #include "host/engine/engine.h"
 
-#include "host/base/errors.h"
-#include "host/base/line_reader.h"
+#include "host/base/exit_status.h"
+#include "host/base/files.h"
 #include "host/base/text.h"
 #include "host/protocol/json_form.h"
 

@@ -4,7 +4,7 @@
 #include "host/base/mutex.h"
 #include "host/engine/stand_ins.h"
 #include "host/protocol/event_writer.h"
-#include "host/protocol/requests.h"
+#include "host/protocol/messages.h"
 #include "platform/installer_host.h"
 #include "platform/installer_pane.h"
 
@@ -32,7 +32,7 @@ class Engine final : private InstallerHost {
   // come any more; it must not return. It is called with `main_` held, on whichever thread shows the alert.
   Engine(EventWriter* events, EjectNote& ejectNote, std::function<void()> onNoAnswer);
 
-  // As stopReading(). A page that is destroyed while its threads run must wait for them itself.
+  // Calls stopReading(). A page that is destroyed while its threads run must wait for them itself.
   ~Engine();
 
   // Ends the thread that reads requests, if there is one, and waits for that. Requests that it has not read yet
@@ -42,9 +42,9 @@ class Engine final : private InstallerHost {
   // Makes the page. Throws UsageError when the bundle was built for another interface version.
   void makePage(PageFactory factory);
 
-  // Where requests come from; call one of them once, before run(). The first reads JSON lines on a thread of
-  // its own; the descriptor must stay open. The second takes these commands and answers every alert with
-  // `answer`.
+  // Sets the source of requests; call one of the two once, before run(). readRequests() reads JSON lines on a
+  // thread of its own; the descriptor must stay open. setRequests() performs these commands and answers every
+  // alert with `answer`.
   void readRequests(int descriptor);
   void setRequests(std::deque<Command> commands, Answer answer);
 

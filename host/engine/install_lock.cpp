@@ -1,6 +1,6 @@
 #include "host/engine/install_lock.h"
 
-#include "host/base/errors.h"
+#include "host/base/exit_status.h"
 #include "host/base/text.h"
 #include "platform/system.h"
 

@@ -2,8 +2,8 @@
 
 namespace tavenhall {
 
-// Keeps this user's second install from starting while a first one runs: two would write the same files, and
-// the same log. Held from construction on until the object goes or the process ends, however it ends.
+// Prevents a user from running two installs at a time, since both would write the same files and the same log.
+// The lock is held until destruction or the end of the process.
 //
 // The lock is on the user's Application Support folder itself, so no file is made for it and none is left
 // behind, and two users, or two private roots, never meet. Commands that the page runs do not hold it.

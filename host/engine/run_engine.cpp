@@ -1,7 +1,7 @@
 #include "host/engine/run_engine.h"
 
 #include "host/base/child_process.h"
-#include "host/base/errors.h"
+#include "host/base/exit_status.h"
 #include "host/base/text.h"
 #include "host/engine/bundle_loader.h"
 #include "host/engine/engine.h"
@@ -82,7 +82,7 @@ void runEngine(const EngineOptions& options, Controller controller, const Engine
   surviveSignal(SIGPIPE);  // a frontend that goes away must not end an install
   addStandInsToPath();
   EjectNote ejectNote;
-  // From here on there may be threads, and the environment stays as it is.
+  // Threads may run from here on: do not change the environment any more.
 
   std::unique_ptr<EventWriter> events;
   if (isControlled) {

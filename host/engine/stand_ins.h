@@ -1,15 +1,14 @@
 #pragma once
 
-// The tools of libexec/ that stand in for those that a system lacks: drutil, which ejects discs on macOS, and
-// sudo.
+// The stand-ins in libexec/ for tools that a system may lack: drutil, which ejects discs on macOS, and sudo.
 namespace tavenhall {
 
 // Adds their folder to the end of PATH, so that they run only where the real tool is missing. Call it before
 // any thread is started.
 void addStandInsToPath();
 
-// Tells the stand-in for drutil, which has no drive numbers to go by, which folder was copied last: an unnamed
-// file whose descriptor every command inherits and whose number is in TAVINSTALL_DISC_FD.
+// Passes the folder that was copied last to the stand-in for drutil, which knows no drive numbers: in an
+// unnamed file whose descriptor every command inherits. TAVINSTALL_DISC_FD has the descriptor's number.
 class EjectNote {
  public:
   // Sets the environment variable, so call it before any thread is started. Without a file the variable is not

@@ -25,14 +25,14 @@ struct Heading {
 
 bool isDigit(char character) { return character >= '0' && character <= '9'; }
 
-// Does `text` have the form, where '0' stands for any digit?
+// Whether `text` has the form, in which '0' stands for any digit.
 bool hasForm(std::string_view text, std::string_view form) {
   return text.size() == form.size() &&
          std::equal(text.begin(), text.end(), form.begin(),
                     [](char is, char wanted) { return wanted == '0' ? isDigit(is) : is == wanted; });
 }
 
-// Where the parts of a record's first line are; nothing when the line begins none.
+// The positions of the parts of a record's first line; nothing if the line begins no record.
 std::optional<Heading> headingOf(std::string_view line) {
   const std::size_t monthEnd = line.find(' ');
   if (monthEnd == std::string_view::npos ||

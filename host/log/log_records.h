@@ -19,16 +19,16 @@ struct LogRecord {
 // Where the page writes the installation log of this process's user, whether or not there is one.
 [[nodiscard]] std::string usersInstallationLog();
 
-// Cuts a log into records. One thread; the memory it needs is that of the longest record.
+// Splits a log into records. One thread. Memory: the longest record.
 class LogRecords {
  public:
-  // `take` gets each record when it is whole; its texts are valid only during the call.
+  // Calls `take` with each complete record, whose texts are valid only during the call.
   explicit LogRecords(std::function<void(const LogRecord&)> take) : take_(std::move(take)) {}
 
   // The next piece of the log, of any size.
   void add(std::string_view bytes);
 
-  // The log has ended: what is left is the last record.
+  // Call it at the end of the log: the rest is the last record.
   void finish();
 
   // Bytes before the first record, and of records longer than kLongestRecord beyond that: not of this page.
@@ -46,8 +46,7 @@ class LogRecords {
   std::size_t foreignBytes_ = 0;
 };
 
-// The seconds of a record's time since 1970, as the local time of this machine's time zone; -1 when it is no
-// time.
+// The seconds since 1970 of a record's time, read as local time of this machine; -1 if it is not a time.
 [[nodiscard]] std::time_t timeOfRecord(std::string_view time);
 
 }  // namespace tavenhall

@@ -3,7 +3,6 @@
 #include "context/install_rules.h"
 #include "host/base/display_text.h"
 #include "host/base/text.h"
-#include "host/base/units.h"
 
 #include <nlohmann/json.hpp>
 #include <optional>

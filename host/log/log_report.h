@@ -11,11 +11,11 @@ namespace tavenhall {
 // `mayStillRun`: the log's last record is so young that the run may only be waiting.
 [[nodiscard]] std::string reportText(const LoggedRun& run, int number, bool mayStillRun = false);
 
-// What became of one volume, in a line without its end.
+// The result of one volume, as a line without a newline.
 [[nodiscard]] std::string volumeText(const RunVolume& volume);
 
-// What failed, in the user's language and without a full stop: "cannot write /a/b: No space left on device".
-// The record's own words where nothing better is known.
+// The failure in the user's language and without a full stop: "cannot write /a/b: No space left on device".
+// The record's own text if the failure is of an unknown kind.
 [[nodiscard]] std::string failureText(const RunFailure& failure);
 
 // A run as one JSON object.

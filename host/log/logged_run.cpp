@@ -8,7 +8,7 @@ namespace tavenhall {
 
 namespace {
 
-// If `text` begins with `start`, steps over it.
+// Removes `start` from the start of `text`, if it is there.
 bool take(std::string_view& text, std::string_view start) {
   if (!text.starts_with(start)) {
     return false;
@@ -22,7 +22,7 @@ std::string_view withoutEnd(std::string_view text) {
   return text.substr(0, last == std::string_view::npos ? 0 : last + 1);
 }
 
-// The number at the start of the text, which is stepped over.
+// Removes the number at the start of the text and returns it.
 std::optional<int> takeNumber(std::string_view& text) {
   int number = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -35,15 +35,15 @@ std::optional<int> takeNumber(std::string_view& text) {
 
 std::string_view nameOf(std::string_view path) { return path.substr(path.rfind('/') + 1); }
 
-// Two paths that a record names one after the other, and what follows them.
+// Two paths that follow each other in a record, and the text after them.
 struct PathPair {
   std::string_view source;
   std::string_view target;
   std::string_view rest;
 };
 
-// Paths hold blanks, so the name that both have in common shows where the first ends. Where there is no
-// such place, the source is the whole text.
+// Paths contain blanks, so the first ends where the name that both share ends. If there is no such place, the
+// source is the whole text.
 PathPair pathPair(std::string_view text) {
   for (std::size_t at = text.find(" /"); at != std::string_view::npos; at = text.find(" /", at + 1)) {
     const std::string_view source = text.substr(0, at);
@@ -60,8 +60,7 @@ PathPair pathPair(std::string_view text) {
   return {text, {}, {}};
 }
 
-// The folder that was looked for, of "<root> <root>/<name> <root>/Mac OSX/<name>"; the whole text where it is
-// not that.
+// The root in "<root> <root>/<name> <root>/Mac OSX/<name>"; the whole text if it has another form.
 std::string_view missingFolder(std::string_view text) {
   for (std::size_t at = text.find(" /"); at != std::string_view::npos; at = text.find(" /", at + 1)) {
     const std::string_view root = text.substr(0, at);
@@ -124,8 +123,8 @@ void LoggedRuns::finish() {
   }
 }
 
-// The attributes file is named once a process, and the title is asked for at any time, so both may come
-// before the run that they belong to.
+// The attributes file is logged once a process, and the title at any time, so both records may precede their
+// run.
 void LoggedRuns::takeSetting(std::string_view message) {
   if (take(message, "Found Installation Attribute File at  ")) {
     attributesBefore_ = withoutEnd(message);
@@ -145,7 +144,7 @@ void LoggedRuns::takeSetting(std::string_view message) {
   } else if (take(message, "Install Type = ")) {
     run_->edition = message;
   } else if (take(message, "After resolve 1 ")) {
-    // The page's own is looked for on entering, and in an updater once more for its pass.
+    // The page looks for its folder on entering and, in an updater, again for its pass.
     if (std::find(run_->destinations.begin(), run_->destinations.end(), message) == run_->destinations.end()) {
       run_->destinations.emplace_back(message);
     }
@@ -194,7 +193,7 @@ void LoggedRuns::takeVolume(const LogRecord& record) {
   }
 }
 
-// Is the latest prompt for that volume, and still open? Some products' discs all bear one name.
+// Whether the latest prompt is for that volume and still open. Some products' discs share one name.
 bool LoggedRuns::isWaitingFor(std::string_view volumeName) const {
   return !run_->prompts.empty() && run_->prompts.back().volume == volumeName &&
          run_->prompts.back().found.empty() && !run_->prompts.back().isSkipped;

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-// What an installation log records of one run: from entering the page to the next entry, or to the log's end.
+// One run as the installation log records it: from entering the page to the next entry or to the log's end.
 namespace tavenhall {
 
 enum class RunEnd {
@@ -70,7 +70,7 @@ struct LoggedRun {
   static constexpr std::size_t kMostFailures = 1000;
 };
 
-// Makes runs of records. One thread; the memory it needs is one run's, and bounded.
+// Groups records into runs. One thread. Memory: one run, with a limit.
 class LoggedRuns {
  public:
   // Calls `report` with each run that has ended.
@@ -78,7 +78,7 @@ class LoggedRuns {
 
   void add(const LogRecord& record);
 
-  // The log has ended.
+  // Call it at the end of the log.
   void finish();
 
  private:

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/protocol/secret.h"
+#include "host/protocol/password_terminal.h"
 
 #include <string>
 #include <termios.h>

@@ -2,7 +2,6 @@
 
 #include "host/base/child_process.h"
 #include "host/base/text.h"
-#include "host/base/units.h"
 #include "host/plain/password_prompt.h"
 #include "host/plain/plain_printer.h"
 #include "platform/host_system.h"
@@ -24,7 +23,7 @@ namespace {
 
 void printLine(std::string_view line) { writeAll(STDOUT_FILENO, std::string(line) + "\n"); }
 
-// Ctrl-C and the like reach this process only: the engine has no terminal.
+// Signals of the terminal reach only this process: the engine has no terminal.
 WakeUp* signalWakeUp = nullptr;
 volatile std::sig_atomic_t isHungUp = 0;
 
@@ -151,7 +150,7 @@ class PlainFrontend {
                event);
   }
 
-  // Lines may be typed, or piped, before their alert comes.
+  // Lines may arrive before their alert.
   void answerFromTyped() {
     while (buttons_ > 0 && !typed_.empty()) {
       answer(typed_.front());

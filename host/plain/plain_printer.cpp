@@ -66,7 +66,7 @@ void PlainPrinter::flush() {
   }
 }
 
-// Long texts are indented, so that the reader sees where they end.
+// Indents long texts, so that the reader sees where they end.
 void PlainPrinter::showText(std::string_view text) {
   const std::string clean = printableText(text);
   std::string_view rest = clean;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/protocol/events.h"
+#include "host/protocol/messages.h"
 
 #include <chrono>
 #include <functional>
@@ -21,7 +21,7 @@ class PlainPrinter {
 
   void show(const Event& event, Clock::time_point now);
 
-  // Prints the progress line that is held back, if there is one. Call it before a prompt and at the end.
+  // Prints the pending progress line, if there is one. Call it before a prompt and at the end.
   void flush();
 
  private:

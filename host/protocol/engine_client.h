@@ -1,10 +1,9 @@
 #pragma once
 
 #include "host/base/exit_status.h"
-#include "host/base/line_reader.h"
-#include "host/protocol/events.h"
+#include "host/base/files.h"
+#include "host/protocol/messages.h"
 #include "host/protocol/password_terminal.h"
-#include "host/protocol/requests.h"
 
 #include <functional>
 #include <string>
@@ -12,7 +11,7 @@
 
 namespace tavenhall {
 
-// An engine in a child process: the process, and this side's ends of what connects the two.
+// An engine in a child process: the process and the frontend's ends of the pipes.
 struct EngineConnection {
   pid_t process = -1;
   int requests = -1;   // written; JSON lines
@@ -24,19 +23,19 @@ struct EngineConnection {
 // The client end of the protocol: sends requests to an engine and reads its events. One thread.
 class EngineClient {
  public:
-  // Ignores SIGPIPE from now on: an engine that has gone shows as the end of its events.
+  // Ignores SIGPIPE from now on: an engine that has ended shows as the end of its events.
   explicit EngineClient(const EngineConnection& connection);
 
   void send(const Request& request);
 
-  // No request will follow. An alert that waits for an answer, or comes later, then ends the engine.
+  // Closes the requests. An alert that waits for an answer, or comes later, then ends the engine.
   void closeRequests();
 
   // Poll them for input; -1 once closed.
   [[nodiscard]] int eventsDescriptor() const { return events_.descriptor(); }
   [[nodiscard]] int errorsDescriptor() const { return errors_.descriptor(); }
 
-  // Read once what is there. Call them when the descriptor is readable.
+  // Read once. Call them when the descriptor is readable.
   void readEvents(const std::function<void(const Event& event)>& handle);
   void readErrors(const std::function<void(const std::string& line)>& handle) { errors_.read(handle); }
 

@@ -1,7 +1,7 @@
 #include "host/protocol/engine_process.h"
 
 #include "host/base/child_process.h"
-#include "host/base/errors.h"
+#include "host/base/exit_status.h"
 #include "host/base/text.h"
 
 #include <cerrno>

@@ -7,14 +7,14 @@
 
 namespace tavenhall {
 
-// The engine's ends of what connects it to a frontend.
+// The engine's ends of the pipes to a frontend.
 struct EngineEnds {
   int requests = -1;  // read
   int events = -1;    // written
 };
 
-// What runs in the child process. Its result is the exit status; a UsageError is printed on standard error and
-// exits with ExitStatus::badUsage.
+// Runs in the child process. Returns the exit status; a UsageError is printed on standard error and exits with
+// ExitStatus::badUsage.
 using EngineBody = std::function<ExitStatus(const EngineEnds& ends)>;
 
 struct EngineProcessOptions {
@@ -23,7 +23,7 @@ struct EngineProcessOptions {
 };
 
 // Forks a child process that no terminal can end, since it calls setsid(). Call it before any thread is
-// started. Throws std::system_error when there can be no process.
+// started. Throws std::system_error if the system cannot start a process.
 [[nodiscard]] EngineConnection startEngineProcess(const EngineBody& body, const EngineProcessOptions& options);
 
 // Runs a handler that does nothing for the signal. Ignoring it instead would be inherited by every command.

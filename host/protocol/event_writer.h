@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/base/mutex.h"
-#include "host/protocol/events.h"
+#include "host/protocol/messages.h"
 
 #include <chrono>
 #include <string>
@@ -19,12 +19,12 @@ namespace tavenhall {
 // gone, everything is.
 class EventWriter {
  public:
-  // The descriptor stays the caller's and must be open as long as this object. Starts the thread.
+  // The caller owns the descriptor, which must stay open as long as this object lives. Starts the thread.
   explicit EventWriter(int descriptor);
   EventWriter(const EventWriter&) = delete;
   EventWriter& operator=(const EventWriter&) = delete;
 
-  // As finish().
+  // Calls finish().
   ~EventWriter();
 
   // Any thread. Never blocks on the reader.

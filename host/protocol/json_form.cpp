@@ -1,6 +1,6 @@
 #include "host/protocol/json_form.h"
 
-#include "host/base/line_reader.h"
+#include "host/base/files.h"
 
 #include <algorithm>
 #include <array>
@@ -20,7 +20,7 @@ std::string jsonText(const ordered_json& value) {
   return value.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
 }
 
-// ---- Written by hand: these two come twice a file ----
+// ---- Written by hand for speed: these two are emitted for each file ----
 
 void appendString(std::string& line, std::string_view text) {
   const bool isPlain = std::all_of(text.begin(), text.end(),

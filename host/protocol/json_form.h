@@ -1,7 +1,6 @@
 #pragma once
 
-#include "host/protocol/events.h"
-#include "host/protocol/requests.h"
+#include "host/protocol/messages.h"
 
 #include <optional>
 #include <string>
@@ -19,10 +18,10 @@ namespace tavenhall {
 // The run summary as the object that `--summary FILE` holds, newline included.
 [[nodiscard]] std::string encodeSummaryFile(const event::Summary& summary);
 
-// The event on a line; nothing for a line that is no event of this version. Missing fields have their defaults.
+// The event on a line; nothing for a line that this version does not know. Missing fields have their defaults.
 [[nodiscard]] std::optional<Event> decodeEvent(std::string_view line);
 
-// The request on a line, or what is wrong with the line.
+// The request on a line, or the reason why it is not a request.
 struct BadRequest {
   std::string message;
 };

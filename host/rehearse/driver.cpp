@@ -1,8 +1,8 @@
 #include "host/rehearse/driver.h"
 
 #include "host/base/child_process.h"
-#include "host/base/errors.h"
-#include "host/base/line_reader.h"
+#include "host/base/exit_status.h"
+#include "host/base/files.h"
 #include "host/base/text.h"
 #include "host/protocol/json_form.h"
 #include "platform/installer_host.h"

@@ -1,9 +1,8 @@
 #include "host/rehearse/rehearsal.h"
 
-#include "host/base/errors.h"
+#include "host/base/exit_status.h"
 #include "host/base/files.h"
 #include "host/base/text.h"
-#include "host/base/units.h"
 #include "host/rehearse/driver.h"
 #include "host/rehearse/findings.h"
 #include "host/rehearse/rehearsal_report.h"

@@ -2,7 +2,6 @@
 
 #include "host/base/display_text.h"
 #include "host/base/text.h"
-#include "host/base/units.h"
 #include "host/rehearse/disc_tray.h"
 
 #include <algorithm>

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "host/rehearse/findings.h"
-#include "host/rehearse/verdict.h"
 
 #include <nlohmann/json_fwd.hpp>
 #include <string>

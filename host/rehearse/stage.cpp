@@ -1,6 +1,6 @@
 #include "host/rehearse/stage.h"
 
-#include "host/base/errors.h"
+#include "host/base/exit_status.h"
 #include "host/base/program_files.h"
 #include "host/base/text.h"
 #include "platform/host_system.h"

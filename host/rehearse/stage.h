@@ -1,7 +1,6 @@
 #pragma once
 
 #include "host/rehearse/disc_tray.h"
-#include "host/rehearse/image_mount.h"
 #include "host/rehearse/sandbox.h"
 #include "host/set/install_plan.h"
 #include "host/set/installer_set.h"

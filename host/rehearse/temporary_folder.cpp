@@ -1,6 +1,6 @@
 #include "host/rehearse/temporary_folder.h"
 
-#include "host/base/errors.h"
+#include "host/base/exit_status.h"
 #include "host/base/text.h"
 
 #include <cstdlib>

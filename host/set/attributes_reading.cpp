@@ -3,7 +3,7 @@
 #include "context/bounded_text.h"
 #include "context/install_rules.h"
 #include "context/open_file.h"
-#include "host/base/errors.h"
+#include "host/base/exit_status.h"
 #include "host/base/files.h"
 
 #include <array>
@@ -17,7 +17,7 @@ namespace {
 // Far more than the page searches.
 constexpr std::size_t kMostBytes = 16U << 20U;
 
-// Cuts the bytes as the page's reads do: at each newline, and where a line does not fit the page's buffer.
+// Splits the bytes as the page's reads do: at each newline, and where a line does not fit the page's buffer.
 std::vector<AttributesPiece> cutIntoPieces(std::string_view bytes) {
   std::vector<AttributesPiece> pieces;
   int line = 1;
@@ -36,7 +36,7 @@ std::vector<AttributesPiece> cutIntoPieces(std::string_view bytes) {
   return pieces;
 }
 
-// All bytes of the file; none where it cannot be opened. A folder can be opened, and holds no line.
+// All bytes of the file; none if it cannot be opened. A folder can be opened, and has no lines.
 std::optional<std::string> readBytes(const std::filesystem::path& path) {
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(openToRead(path.c_str()), &std::fclose);
   if (file == nullptr) {
@@ -54,8 +54,8 @@ std::optional<std::string> readBytes(const std::filesystem::path& path) {
   return bytes;
 }
 
-// Shows the page's search the lines that the page shows it. `source`: the last one whose value it took. The
-// line that has the key, or null.
+// Passes to the page's search the lines that the page passes to it. Sets `source` to the last line whose value
+// it used. Returns the line with the key, or null.
 template <typename Search>
 const AttributesPiece* searchPieces(const std::vector<AttributesPiece>& pieces, Search& search,
                                     const AttributesPiece*& source) {

@@ -13,8 +13,8 @@
 // a diagnostic can name its line. Only reads: no log, and nothing that is done once a process. Any thread.
 namespace tavenhall {
 
-// What one read of the page's gives: a line, or a part of one that is too long to be read at once. The
-// texts live as long as the reading.
+// The result of one read by the page: a line, or a part of a line that is longer than its buffer. The texts
+// live as long as the reading.
 struct AttributesPiece {
   int turn = 0;                // from 1; the page searches kAttributesLineCount turns
   int line = 0;                // from 1, as an editor counts
@@ -24,7 +24,7 @@ struct AttributesPiece {
   AttributesLine parts;
 };
 
-// What a text lookup leaves behind.
+// The result of a text lookup.
 struct FoundText {
   const AttributesPiece* key = nullptr;     // the line that has the key; null: missing
   const AttributesPiece* source = nullptr;  // the line whose value is in `value`; null: none was
@@ -33,7 +33,7 @@ struct FoundText {
   explicit operator bool() const { return key != nullptr; }
 };
 
-// What a number lookup leaves behind.
+// The result of a number lookup.
 struct FoundNumber {
   const AttributesPiece* key = nullptr;     // the line that has the key; null: missing
   const AttributesPiece* source = nullptr;  // the line whose number it is; null: none, or the key is missing
@@ -42,7 +42,7 @@ struct FoundNumber {
   explicit operator bool() const { return key != nullptr; }
 };
 
-// A place in a set, as a diagnostic names it.
+// A location in a set, for a diagnostic.
 struct Place {
   std::string file;  // below the set's folder where it is there, else absolute
   int line = 0;      // from 1; 0: the whole file
@@ -57,7 +57,7 @@ class AttributesReading {
   [[nodiscard]] static AttributesReading parse(std::string bytes, std::filesystem::path path = {});
 
   // Finds and reads the file as the page does: in the package's folder, or else one folder above. Throws
-  // UsageError where a pipe or the like lies in its place, for which the page would wait without end.
+  // UsageError if the file is a pipe or the like, on which the page would block.
   [[nodiscard]] static AttributesReading besidePackage(const std::string& packageFolder);
 
   [[nodiscard]] bool isFilePresent() const { return isFilePresent_; }
@@ -68,13 +68,13 @@ class AttributesReading {
   // The page's lookups, with all they are required to do: a text key is found in any case, and the value of
   // every line before it goes through the buffer of `size` bytes (terminator included), which starts empty
   // here. A number key is found in its exact case only, and a value that is no number leaves that of an
-  // earlier line. What is found points into the reading, so a temporary one is not to be asked.
+  // earlier line. The result points into the reading, so do not call it on a temporary.
   [[nodiscard]] FoundText findText(std::string_view key, std::size_t size = kAttributesValueSize) const&;
   [[nodiscard]] FoundNumber findNumber(std::string_view key) const&;
   FoundText findText(std::string_view key, std::size_t size = kAttributesValueSize) && = delete;
   FoundNumber findNumber(std::string_view key) && = delete;
 
-  // The text for `key` as the page gets it: the built-in one where the key is missing.
+  // The text for `key` as the page gets it: the built-in one if the key is missing.
   [[nodiscard]] std::string textOrFallback(std::string_view key) const;
 
  private:

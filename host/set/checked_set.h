@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-// A set with everything in it that the rules of a check look at.
+// A set with everything that the rules of a check examine.
 namespace tavenhall {
 
 struct CheckRequest {
@@ -20,7 +20,7 @@ struct CheckRequest {
   std::filesystem::path installed;  // what the user has already; empty: nothing is known of it
 };
 
-// A volume of the whole install, and what lies there.
+// A volume of the whole install, and its files.
 struct CheckedVolume {
   PlannedVolume volume;
   std::string folderName;
@@ -34,7 +34,7 @@ struct CheckedVolume {
   SourceTree tree;     // what the page would copy of it, hidden names included
   std::vector<std::string> leftOut;  // at its top, what the page passes over, since no library is called so
 
-  // The data folder, or what lies at `path` in it, as a diagnostic names it.
+  // The location of the data folder, or of `path` in it, for a diagnostic.
   [[nodiscard]] std::string shown(const std::string& path = {}) const;
   [[nodiscard]] std::string source() const { return volume.root + "/" + chosen; }
 };
@@ -46,14 +46,14 @@ struct CheckedFolder {
   SourceTree tree;
 };
 
-// Bytes that are copied; none where a part of it could not be looked into.
+// Bytes that are copied; none if a part could not be read.
 struct RealSizes {
   std::optional<std::int64_t> whole;
   std::optional<std::int64_t> component;  // the first one, which is all that a Lite edition has
   std::int64_t systemFolders = 0;
 
-  // Does an announced size fit the real one, the whole or the component? The system folders of an update may
-  // be counted or not: they are copied, and they are no data.
+  // Whether an announced size matches the real one, of the whole or of the component. The system folders of an
+  // update may be included or not: they are copied, but are not data.
   [[nodiscard]] bool areClose(std::int64_t announced, std::int64_t real) const;
 };
 
@@ -68,17 +68,17 @@ struct CheckedSet {
   std::vector<CheckedVolume> volumes;
   std::vector<CheckedFolder> systemFolders;
 
-  // A path as a diagnostic names it: below the set's folder where it lies there.
+  // A path for a diagnostic: relative to the set's folder if it is in there.
   [[nodiscard]] std::string shown(const std::filesystem::path& path) const;
   [[nodiscard]] Place attributesPlace(const AttributesPiece* piece = nullptr) const;
 
   [[nodiscard]] RealSizes realSizes() const;
 };
 
-// Opens the set and looks at all that it holds. Throws UsageError.
+// Opens the set and reads its whole content. Throws UsageError.
 [[nodiscard]] CheckedSet openCheckedSet(const CheckRequest& request);
 
-// The same for a set that is open already.
+// The same for a set that is already open.
 [[nodiscard]] CheckedSet openCheckedSet(InstallerSet set, const CheckRequest& request);
 
 }  // namespace tavenhall

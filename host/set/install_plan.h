@@ -76,7 +76,7 @@ struct PlannedPass {
   std::vector<PlannedVolume> volumes;  // in order; an absurd number of them is not listed to its end
 };
 
-// A folder that lies beside the package and goes into the system's folder of the same name.
+// A folder beside the package that is copied into the system's folder of the same name.
 struct PlannedFolder {
   std::string source;
   std::string destination;
@@ -112,9 +112,21 @@ struct InstallPlan {
 
 [[nodiscard]] InstallPlan planInstall(const PlanRequest& request);
 
-// Why the page takes the plan's mode, and which edition it installs: sentences for the reader, in the language
-// that is spoken when they are asked for.
+// The reasons for the plan's mode and for the edition to install: sentences in the current language.
 [[nodiscard]] std::string modeReason(const InstallPlan& plan);
 [[nodiscard]] std::string editionReason(const InstallPlan& plan);
+
+// ---- An update's libraries, in the order in which the system lists them ----
+
+// The libraries in an update's data folder; by default at most as many as the page handles.
+[[nodiscard]] std::vector<PlannedLibrary> listLibraries(const std::string& dataFolder,
+                                                        std::size_t limit = kLibrarySlots);
+
+// Sets the edition of each library from the content of the central folder. With an empty path, for no
+// particular user, every library stays Full and undetected.
+void detectInstalledEditions(const std::string& centralFolder, std::vector<PlannedLibrary>& libraries);
+
+// The names in a folder without the hidden ones, in the order of the listing; empty if it cannot be opened.
+[[nodiscard]] std::vector<std::string> listNames(const std::string& folder);
 
 }  // namespace tavenhall

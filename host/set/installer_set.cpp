@@ -1,7 +1,7 @@
 #include "host/set/installer_set.h"
 
 #include "context/install_rules.h"
-#include "host/base/errors.h"
+#include "host/base/exit_status.h"
 #include "host/base/files.h"
 #include "host/base/text.h"
 

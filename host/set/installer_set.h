@@ -10,7 +10,7 @@
 // package, and the discs. Only reads. Any thread.
 namespace tavenhall {
 
-// A disc in the set's folder "discs": a folder that holds what the volume holds, or an image of it.
+// A disc in the set's folder "discs": a folder with the volume's content, or an image.
 struct Disc {
   int number = 0;          // from 1, the order in which they are asked for
   std::string volumeName;  // as it is mounted
@@ -22,7 +22,7 @@ struct InstallerSet {
   std::filesystem::path folder;   // absolute, without links
   std::filesystem::path package;  // absolute
 
-  // What the set's rehearsal.json says; empty where it says nothing.
+  // The values in the set's rehearsal.json; empty where it has none.
   std::string product;
   std::string installType;
 
@@ -33,12 +33,12 @@ struct InstallerSet {
 // Opens the set. Throws UsageError, naming what is missing and what to do.
 [[nodiscard]] InstallerSet openInstallerSet(const std::filesystem::path& folder);
 
-// Where the user's data folders lie in `installed`: in "Library/Application Support/Tavenhall" of a home, which
-// it is itself or, as what a rehearsal has kept, holds as "Users/rehearsal"; else in itself. Throws UsageError
-// where there is no such folder.
+// Finds the user's data folders in `installed`: if it is a home, in its "Library/Application
+// Support/Tavenhall"; if it was kept by a rehearsal, in the home "Users/rehearsal" in it; otherwise in the
+// folder itself. Throws UsageError if there is no such folder.
 [[nodiscard]] std::string dataRootIn(const std::filesystem::path& installed);
 
-// Reads "<number> <volume name>", for an image with its extension; none where the name is not of that form.
+// Parses "<number> <volume name>", with an extension for an image; none if the name has another form.
 [[nodiscard]] std::optional<Disc> discFromName(const std::filesystem::path& path, bool isFolder);
 
 }  // namespace tavenhall

@@ -55,7 +55,7 @@ TreeEntry entryAt(const fs::path& path, std::string below) {
   return entry;
 }
 
-// Where a link at `path` leads, below the same top; empty where it leads outside.
+// The target of a link at `path`, relative to the same top; empty if it is outside.
 std::string targetWithin(const std::string& path, const std::string& target) {
   if (target.starts_with('/')) {
     return {};
@@ -67,7 +67,7 @@ std::string targetWithin(const std::string& path, const std::string& target) {
   return joined == ".." || joined.starts_with("../") ? std::string() : joined;
 }
 
-// Links may lead to links; so many at most, as systems have a limit too.
+// The limit for links to links; systems have one too.
 constexpr int kMostLinks = 16;
 
 // The permissions as `ls` shows them, "rwxr-xr-x".
@@ -92,7 +92,7 @@ struct ListedEntry {
   std::string target;  // of a link
 };
 
-// One line of a listing; false where it is none of an entry.
+// Parses one line of a listing; false if it describes no entry.
 bool readListedLine(std::string_view line, ListedEntry& listed) {
   constexpr std::string_view kTop = " squashfs-root/";
   const std::size_t top = line.find(kTop);
@@ -123,7 +123,7 @@ bool readListedLine(std::string_view line, ListedEntry& listed) {
   return true;
 }
 
-// A path's entry in a listing may lie behind links; follows those of the entry itself.
+// Follows the entry's own link, and the links that it leads to.
 void followListedLink(TreeEntry& entry, const std::map<std::string, ListedEntry>& listing) {
   std::string path = entry.path;
   for (int links = 0; links < kMostLinks; ++links) {

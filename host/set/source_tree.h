@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-// What lies in a folder, or in an image of one, to be looked at without being copied. Only reads. Any thread.
+// The entries of a folder tree or of a disc image, without their contents. Reads only. Any thread.
 namespace tavenhall {
 
 enum class EntryKind { file, folder, linkToFile, linkToFolder, brokenLink, other };
@@ -24,13 +24,13 @@ struct TreeEntry {
 
 class SourceTree {
  public:
-  // Everything below `folder`; empty where it is none. Links are not followed into.
+  // Everything below `folder`; empty if it is not a folder. Does not follow links to folders.
   [[nodiscard]] static SourceTree ofFolder(const std::filesystem::path& folder);
 
-  // Everything in a disc's image; none where it cannot be looked into here.
+  // Everything in a disc image; none if no tool here can list it.
   [[nodiscard]] static std::optional<SourceTree> ofImage(const std::filesystem::path& image);
 
-  // Reads what `unsquashfs -lln` prints.
+  // Parses the output of `unsquashfs -lln`.
   [[nodiscard]] static SourceTree ofSquashfsListing(const std::string& listing);
 
   [[nodiscard]] const std::vector<TreeEntry>& entries() const { return entries_; }  // sorted by path
@@ -38,10 +38,10 @@ class SourceTree {
   // The entry at `path`, or null.
   [[nodiscard]] const TreeEntry* find(const std::string& path) const;
 
-  // Is there anything at `path` that a link or a name leads to?
+  // Whether `path` exists and, if it is a link, its target too.
   [[nodiscard]] bool exists(const std::string& path) const;
 
-  // What lies below the folder `path`, with paths relative to it.
+  // The entries below the folder `path`, with paths relative to it.
   [[nodiscard]] SourceTree below(const std::string& path) const;
 
   void keepOnly(const std::function<bool(const TreeEntry&)>& isKept);

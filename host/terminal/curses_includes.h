@@ -1,6 +1,6 @@
 #pragma once
 
-// Curses without its macros, whose names (clear, move, timeout) are words that everybody uses.
+// Curses without its macros, because they have common names: clear, move, timeout.
 #define NCURSES_NOMACROS 1
 #ifndef NCURSES_WIDECHAR
 #define NCURSES_WIDECHAR 1

@@ -1,7 +1,7 @@
 #include "host/terminal/key_map.h"
 
 #include "host/base/unicode.h"
-#include "host/protocol/secret.h"
+#include "host/protocol/password_terminal.h"
 #include "host/terminal/curses_includes.h"
 
 namespace tavenhall {

@@ -15,7 +15,7 @@ std::string repeated(const char* sign, int count) {
   return text;
 }
 
-// What Enter presses is marked by more than a colour, which not everybody has or sees.
+// Marks the default button not only by colour, which not every terminal shows.
 std::string buttonText(const PageButton& button) {
   return button.isEnabled ? "[ " + button.label + " ]" : "  " + button.label + "  ";
 }
@@ -88,7 +88,7 @@ void LayerWriter::putScrolled(const ScrolledText& text, int row, int column, int
   }
 }
 
-// Over the letter of the label that is the key.
+// Draws the hot key over its letter of the label.
 void LayerWriter::putHotKey(const PageButton& button, int row, int column, Style style) {
   for (std::size_t i = 0; i < button.label.size(); ++i) {
     const char character = button.label[i];

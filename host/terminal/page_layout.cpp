@@ -2,7 +2,6 @@
 
 #include "host/base/display_text.h"
 #include "host/base/text.h"
-#include "host/base/units.h"
 
 #include <algorithm>
 #include <cmath>
@@ -18,8 +17,7 @@ constexpr int kProgressRows = 6;   // a blank line, the bar, the status, a blank
 constexpr int kWidestText = 100;   // longer lines are hard to read
 constexpr int kButtonColumns = 6;  // of a button beside its label, with the gap to the next
 
-// The least that the steps take: their longest word stands in one line, as far as that leaves room for the
-// text.
+// The smallest width of the steps: the longest word fits on one line, unless too little remains for the text.
 int leastSideColumns(int columns, const std::vector<Step>& steps) {
   int widest = 0;
   for (const Step& step : steps) {
@@ -93,7 +91,7 @@ void putBar(LayerWriter& page, const Frame& frame, int row, const ProgressMeter&
   }
 }
 
-// A text at each end of a row; the left one in the first of its forms that leaves room for the right one.
+// A text at each end of a row; for the left one, the first of its forms that leaves enough room.
 void putBothEnds(LayerWriter& page, const Frame& frame, int row, const std::vector<std::string>& leftForms,
                  const std::string& right) {
   const int room = frame.textColumns - (right.empty() ? 0 : displayWidth(right) + 1);
@@ -126,7 +124,7 @@ void putProgress(LayerWriter& page, const Frame& frame, PageModel& model, PageMo
               minutes ? timeLeftText(*minutes) : "");
 }
 
-// The keys that do something now, from the last on as many as there is room for.
+// The keys that have an effect now: as many as fit, counted from the last.
 std::string keysText(const Layer& front, bool isLastPage, int columns, const Signs& signs) {
   std::vector<std::string> keys{isLastPage ? _("Escape close") : _("Ctrl-C leave")};
   if (front.extent.maximum > 0) {
@@ -147,7 +145,7 @@ std::string keysText(const Layer& front, bool isLastPage, int columns, const Sig
   return text;
 }
 
-// How wide a row of these buttons is.
+// The width of a row of these buttons.
 int columnsOfButtons(const std::vector<PageButton>& buttons) {
   int columns = -2;
   for (const PageButton& button : buttons) {
@@ -193,7 +191,7 @@ Layer layOutPage(PageModel& model, PageModel::Time now, Size size, const Signs& 
   return page.take();
 }
 
-// The buttons with labels short enough for all of them to stand in one row.
+// The buttons, with labels shortened so that all fit in one row.
 std::vector<PageButton> fittingButtons(std::vector<PageButton> buttons, int columns) {
   const int share = buttons.empty() ? 0 : (columns + 2) / static_cast<int>(buttons.size()) - kButtonColumns;
   const int needed = columnsOfButtons(buttons);
@@ -215,7 +213,7 @@ Layer layOutTooSmall(const PageModel& model, Size size, const Signs& signs) {
 
 namespace {
 
-// How wide a window's text is to be: no wider than what is in it, so that the page behind it can be seen.
+// The width of a window's text: no wider than its content, so that the page behind it stays visible.
 int windowTextColumns(const PageWindow& window, int most) {
   constexpr int kLeast = 40;
   int columns = displayWidth(window.heading);
@@ -246,7 +244,7 @@ Layer layOutWindow(const PageWindow& window, Size size, int depth, const Signs& 
   const int textRows = std::clamp(static_cast<int>(lines.size()), 1, std::max(most, 1));
   const int rows = textRows + headingRows + kFixedRows;
 
-  // A window above another is moved a little, so that both can be seen.
+  // Moves a window above another a little, so that both are visible.
   const int row = std::clamp((size.rows - rows) / 2 + depth, 0, std::max(size.rows - rows, 0));
   const int column = std::clamp((size.columns - columns) / 2 + 2 * depth, 0, size.columns - columns);
   LayerWriter writer({row, column, rows, columns}, signs);

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-// Where everything goes: from the page's state and a size to texts at places. It knows no screen. One thread.
+// Computes the layout: texts at positions, from the page's state and a size. Independent of curses. One thread.
 namespace tavenhall {
 
 struct Size {
@@ -18,7 +18,7 @@ struct Size {
   bool operator==(const Size&) const = default;
 };
 
-// The least in which the page can be read.
+// The smallest size in which the page is readable.
 inline constexpr Size kSmallestPage{20, 60};
 
 struct Rect {
@@ -46,7 +46,7 @@ struct PlacedButton {
   std::size_t index = 0;
 };
 
-// A rectangle of the screen, with all that is in it; the rest of it is blank.
+// A rectangle of the screen and its texts; the rest of it is blank.
 struct Layer {
   Rect place;
   std::vector<Run> runs;
@@ -54,7 +54,7 @@ struct Layer {
   ScrollExtent extent;  // of the text that scrolls in it
 };
 
-// The signs that frames and marks are made of.
+// The characters for frames and marks.
 struct Signs {
   const char* horizontal;
   const char* vertical;
@@ -74,14 +74,14 @@ struct Signs {
 [[nodiscard]] const Signs& unicodeSigns();
 [[nodiscard]] const Signs& plainSigns();  // ASCII alone
 
-// The page, and above it its windows, the front one last; in a window too small for it a single layer with
-// one line.
+// The page's layer, then its windows, the front one last. If the terminal is too small, a single layer with one
+// line.
 [[nodiscard]] std::vector<Layer> layOut(PageModel& model, PageModel::Time now, Size size, const Signs& signs);
 
-// The front layer's button at a place of the screen.
+// The front layer's button at a position of the screen.
 [[nodiscard]] std::optional<std::size_t> buttonAt(const std::vector<Layer>& layers, int row, int column);
 
-// What of its text a window or the page can show, from line `scroll` on.
+// The part of its text that a window or the page can show, from line `scroll` on.
 struct ScrolledText {
   std::vector<Line> lines;
   int first = 0;
@@ -89,7 +89,7 @@ struct ScrolledText {
 };
 [[nodiscard]] ScrolledText scrolled(std::vector<Line> lines, int scroll, int rows);
 
-// Puts things into a layer.
+// Writes into a layer.
 class LayerWriter {
  public:
   LayerWriter(Rect place, const Signs& signs) : signs_(signs) { layer_.place = place; }
@@ -99,7 +99,7 @@ class LayerWriter {
   void putRule(int row, int column, int columns);
   void putFrame();
 
-  // The visible lines, with a scroll bar in `barColumn` where there are more.
+  // The visible lines, with a scroll bar in `barColumn` if there are more.
   void putScrolled(const ScrolledText& text, int row, int column, int rows, int barColumn);
 
   // A row of buttons that ends before column `end`.

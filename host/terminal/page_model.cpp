@@ -19,7 +19,7 @@ constexpr std::size_t kLongestMessage = 500;  // bytes
 PageModel::PageModel(Introduction introduction)
     : introduction_(std::move(introduction)), title_(introduction_.pageTitle), meter_(introduction_.barWraps) {}
 
-// ---- What happens ----
+// ---- Events ----
 
 void PageModel::handle(const Event& event, Time now) {
   std::visit(
@@ -112,7 +112,7 @@ void PageModel::endIfStuck() {
   }
 }
 
-// ---- What the user does ----
+// ---- Actions ----
 
 void PageModel::act(Action action, ScrollExtent extent, Time now) {
   switch (action) {
@@ -218,8 +218,8 @@ void PageModel::enter(Time now) {
   requests_.push_back({PageRequest::Kind::enter});
 }
 
-// Escape never answers an alert or a password prompt, since it might skip something wanted: it moves the focus
-// to the last button. A window with one button is closed.
+// Escape never answers an alert or a password prompt, since that might skip a disc: it moves the focus to the
+// last button. It closes a window with one button.
 void PageModel::cancel(Time now) {
   PageWindow* front = frontState();
   if (front == nullptr) {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/protocol/events.h"
-#include "host/protocol/secret.h"
+#include "host/protocol/messages.h"
+#include "host/protocol/password_terminal.h"
 #include "host/terminal/page_window.h"
 #include "host/ui/introduction.h"
 #include "host/ui/progress_meter.h"
@@ -18,7 +18,7 @@
 
 namespace tavenhall {
 
-// What the user does, by key or mouse.
+// A user's action, by key or mouse.
 enum class Action {
   focusNext,
   focusPrevious,
@@ -39,7 +39,7 @@ struct ScrollExtent {
   int maximum = 0;  // lines that are not
 };
 
-// What the page asks its program to do: send a command or an answer to the engine, answer a command's password
+// The page's request to its program: send a command or an answer to the engine, answer a command's password
 // prompt, or end.
 struct PageRequest {
   enum class Kind { enter, forward, back, quit, answer, sendPassword, refusePassword, leave, close };
@@ -56,8 +56,8 @@ struct Step {
   StepState state = StepState::ahead;
 };
 
-// The state of the terminal page: what the engine has reported and what the user has done. It knows no screen
-// and no clock; the caller passes the time. One thread.
+// The state of the terminal page, from the engine's events and the user's actions. Independent of curses; the
+// caller passes the time. One thread.
 class PageModel {
  public:
   using Time = ProgressMeter::Time;
@@ -66,7 +66,7 @@ class PageModel {
 
   explicit PageModel(Introduction introduction);
 
-  // ---- What happens ----
+  // ---- Input ----
 
   void handle(const Event& event, Time now);
   void addMessage(std::string_view line);  // what the engine or a command prints on standard error
@@ -92,7 +92,7 @@ class PageModel {
   // The requests since the last call, in order.
   [[nodiscard]] std::vector<PageRequest> takeRequests() { return std::exchange(requests_, {}); }
 
-  // ---- What shows ----
+  // ---- Output ----
 
   [[nodiscard]] Stage stage() const { return stage_; }
   [[nodiscard]] const Introduction& introduction() const { return introduction_; }

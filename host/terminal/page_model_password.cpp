@@ -6,15 +6,15 @@
 #include <chrono>
 #include <utility>
 
-// A command of the installation asks for a password: what is typed goes to it and nowhere else.
+// A command of the installation asks for a password: the typed text goes to this command only.
 namespace tavenhall {
 
 namespace {
 
-// As wide as it may get; of a longer password the end shows.
+// The greatest width; of a longer password the end is shown.
 constexpr std::size_t kFieldColumns = 32;
 
-// Who asks again so soon, and has said something, has said what was wrong with the answer.
+// A line that is printed just before the next prompt explains why the answer was wrong.
 constexpr auto kSoon = std::chrono::seconds(10);
 
 }  // namespace

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <utility>
 
-// What the model shows; computed at each call.
+// The output of the model, computed at each call.
 namespace tavenhall {
 
 std::vector<Step> PageModel::steps() const {
@@ -40,8 +40,7 @@ std::vector<Line> PageModel::textLines(int width) const {
   return resultLines(result_, width);
 }
 
-// The page's own text at the end is the same whether or not the copy succeeded, so the line says what it does
-// not.
+// The page's own text at the end is the same after a success and a failure, so this line states the result.
 Span PageModel::statusLine() const {
   if (stage_ == Stage::page && isIdle_ && hasFailed_) {
     return {_("Not everything was installed."), Style::bad};

@@ -1,7 +1,6 @@
 #include "host/terminal/page_window.h"
 
 #include "host/base/text.h"
-#include "host/base/units.h"
 
 #include <algorithm>
 

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-// The windows above the page, as far as they have nothing to do with where they stand.
+// The windows above the page, independent of their position.
 namespace tavenhall {
 
 struct PageButton {
@@ -17,7 +17,7 @@ struct PageButton {
   char hotKey = '\0';  // lower case; one of the label's letters or digits, or none
 };
 
-// Buttons with their hot keys: for each the first of its letters that no button before it has.
+// Buttons with their hot keys: for each the first of its letters that no previous button uses.
 [[nodiscard]] std::vector<PageButton> buttonsWithKeys(const std::vector<std::string>& labels);
 
 // The program's own buttons, by their English labels. A translation that has no letter to press gets the
@@ -33,8 +33,8 @@ struct PageWindow {
   int scroll = 0;         // lines
 };
 
-// The sheets that wait for the user, in one window that grows: equal ones are counted, so that thousands of
-// failures stay a few lines. One thread.
+// The sheets that wait for the user, in one window. Equal sheets are counted, so thousands of failures take a
+// few lines. One thread.
 class SheetList {
  public:
   void add(const std::string& message, const std::string& button);
@@ -42,7 +42,7 @@ class SheetList {
 
   [[nodiscard]] bool isEmpty() const { return count_ == 0; }
 
-  // `installGoesOn`: say that a sheet does not stop the copy.
+  // `installGoesOn`: state that a sheet does not stop the copy.
   [[nodiscard]] PageWindow window(bool installGoesOn) const;
 
  private:

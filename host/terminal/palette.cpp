@@ -17,7 +17,7 @@ struct Colour {
 
 constexpr short kOwn = -1;  // the terminal's own
 
-// In the order of the pairs. Of middling brightness, so that they can be read on black and on white.
+// In the order of the pairs. Of medium brightness, so that they are readable on black and on white.
 constexpr std::array<Colour, kPairs> kManyColours{
     {{kOwn, kOwn}, {32, kOwn}, {244, kOwn}, {71, kOwn}, {172, kOwn}, {167, kOwn}, {231, 25}}};
 constexpr std::array<Colour, kPairs> kFewColours{{{kOwn, kOwn},
@@ -55,7 +55,7 @@ Palette::Look Palette::look(Style style) const {
     return isColoured ? Look{A_NORMAL, pair} : Look{otherwise, 0};
   };
   const auto boldIn = [isColoured](short pair) { return Look{A_BOLD, isColoured ? pair : short{0}}; };
-  // Where there are few colours there is no grey, so less bright is what is left.
+  // With few colours there is no grey, so use dim.
   const Look faint = depth_ == Depth::many ? Look{A_NORMAL, kFaint} : Look{A_DIM, 0};
   switch (style) {
     case Style::text:

@@ -5,8 +5,8 @@
 
 namespace tavenhall {
 
-// How each style looks, in as many colours as there are: 256, 16 or 8, or none at all, which is also what a
-// user gets who sets NO_COLOR. The terminal's own background stays, dark or light. After curses has started.
+// The attributes of each style, in 256, 16 or 8 colours, or in none, also if NO_COLOR is set. Keeps the
+// terminal's own background. Construct it after curses has started.
 class Palette {
  public:
   Palette();

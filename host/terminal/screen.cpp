@@ -5,8 +5,7 @@
 #include "host/base/unicode.h"
 #include "host/terminal/curses_includes.h"
 #include "host/terminal/palette.h"
-#include "host/terminal/screen_restorer.h"
-#include "host/terminal/terminal_facts.h"
+#include "host/terminal/terminal_device.h"
 #include "platform/host_system.h"
 
 #include <array>
@@ -81,8 +80,8 @@ int openTerminal(int standardStream) {
   return terminal >= 0 ? terminal : fcntl(standardStream, F_DUPFD_CLOEXEC, 0);
 }
 
-// No clicks: where they are asked for, curses makes one of a press and its release that come together, in place
-// of both, however short the time that mouseinterval() allows for it.
+// No clicks: if they are requested, curses replaces a press and a release that arrive together by a click, even
+// with a mouseinterval() of 0.
 constexpr mmask_t kMouseEvents = BUTTON1_PRESSED | BUTTON1_RELEASED | BUTTON2_PRESSED | BUTTON2_RELEASED |
                                  BUTTON3_PRESSED | BUTTON3_RELEASED | BUTTON4_PRESSED | BUTTON4_RELEASED |
                                  BUTTON5_PRESSED | BUTTON5_RELEASED;
@@ -101,7 +100,7 @@ std::optional<Input> mouseInput(const MEVENT& event) {
   return std::nullopt;
 }
 
-// What the mouse did since it was last asked, the oldest first; curses gives the newest first.
+// The mouse events since the last call, oldest first; curses returns the newest first.
 std::vector<Input> mouseInputs() {
   std::vector<Input> inputs;
   for (MEVENT event{}; getmouse(&event) == OK;) {
@@ -119,7 +118,7 @@ struct Screen::State {
   const Descriptor output{openTerminal(STDOUT_FILENO)};
   std::unique_ptr<std::FILE, CloseFile> input;
   std::unique_ptr<std::FILE, CloseFile> spool;
-  // Never deleted: what the panel library keeps with a screen, it does not give back. There is one a process.
+  // Never deleted: the panel library keeps memory for each screen. There is one screen in a process.
   SCREEN* screen = nullptr;
   std::unique_ptr<Palette> palette;
   std::unique_ptr<ScreenRestorer> restorer;
@@ -194,7 +193,7 @@ Screen::Screen() : state_(std::make_unique<State>()) {
 
 Screen::~Screen() {
   State& state = *state_;
-  // What a slow terminal has not taken yet ends where it may, but a moment is allowed for it.
+  // Wait a moment for a slow terminal; drop the rest of the output.
   pollfd output{state.output.get(), POLLOUT, 0};
   while (!state.backlog.empty() && !state.isGone && poll(&output, 1, 1000) > 0) {
     writeBacklog();
@@ -266,7 +265,7 @@ void Screen::writeBacklog() {
   std::string& backlog = state_->backlog;
   pollfd output{state_->output.get(), POLLOUT, 0};
   while (!backlog.empty() && poll(&output, 1, 0) > 0) {
-    // In pieces, for the one case in which writing may wait.
+    // In pieces, for the one case in which a write may block.
     const ssize_t count = write(output.fd, backlog.data(), std::min<std::size_t>(backlog.size(), 1024));
     if (count > 0) {
       backlog.erase(0, static_cast<std::size_t>(count));

@@ -9,7 +9,7 @@
 
 namespace tavenhall {
 
-// A key or a mouse event, as the terminal gave it.
+// A key or a mouse event.
 struct Input {
   enum class Kind { character, key, click, wheelUp, wheelDown };
   Kind kind;
@@ -37,24 +37,24 @@ class Screen {
   // Draws the layers, the last one in front. Call it only while nothing is backlogged.
   void draw(const std::vector<Layer>& layers);
 
-  // The terminal has another size now.
+  // Call it after the terminal's size has changed.
   void takeNewSize();
 
-  // The terminal may hold anything: the next drawing draws everything. The second also sets its modes again,
-  // for when the process was stopped.
+  // The next drawing draws everything, because the terminal's content is unknown. The second also sets the
+  // terminal's modes again; call it after the process was suspended.
   static void drawAllAnew();
   void comeBack();
 
-  // What was typed since the last call. Call it when the descriptor can be read.
+  // The input since the last call. Call it when the descriptor is readable.
   [[nodiscard]] std::vector<Input> read();
   [[nodiscard]] int inputDescriptor() const;
 
-  // Writes what the terminal did not take yet. Call it when the descriptor can be written.
+  // Writes the backlog. Call it when the descriptor is writable.
   void writeBacklog();
   [[nodiscard]] bool isBacklogged() const;
   [[nodiscard]] int outputDescriptor() const;
 
-  // Writing has failed for good: the terminal has gone away.
+  // Whether writing has failed for good because the terminal is gone.
   [[nodiscard]] bool isGone() const;
 
  private:

@@ -31,7 +31,7 @@ using Time = Clock::time_point;
 constexpr auto kShortestFrame = std::chrono::microseconds(16667);  // 60 a second
 constexpr int kWheelLines = 3;
 
-// ---- Signals, which the loop handles between everything else ----
+// ---- Signals, which the main loop handles ----
 
 enum SignalFlag { kWindowChanged, kInterrupted, kTerminated, kHungUp, kContinued, kSignalFlags };
 constexpr std::array<int, kSignalFlags> kSignals{SIGWINCH, SIGINT, SIGTERM, SIGHUP, SIGCONT};
@@ -230,7 +230,7 @@ class TerminalFrontend {
       } else if (const char key = hotKeyFor(input); key != '\0') {
         model_.pressKey(key, now);
       }
-      // The next key may be for what this one has opened, so lay that out first.
+      // Lay out first: the next key may be for a window that this one has opened.
       layers_ = layOut(model_, now, screen_->size(), screen_->signs());
     }
     wipe(inputs.data(), inputs.size() * sizeof(Input));

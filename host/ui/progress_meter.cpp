@@ -1,7 +1,6 @@
 #include "host/ui/progress_meter.h"
 
 #include "host/base/text.h"
-#include "host/base/units.h"
 
 #include <algorithm>
 #include <cmath>

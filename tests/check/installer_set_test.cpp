@@ -1,6 +1,6 @@
 #include "host/set/installer_set.h"
 
-#include "host/base/errors.h"
+#include "host/base/exit_status.h"
 #include "tests/check/sets.h"
 
 namespace tavenhall::test {

@@ -1,5 +1,5 @@
+#include "host/base/text.h"
 #include "host/base/unicode.h"
-#include "host/base/units.h"
 #include "host/check/spelling.h"
 
 #include <gtest/gtest.h>

@@ -170,7 +170,7 @@ TEST(FishCompletion, CompletesCommandsAndProducts) {
 }
 
 // What the lines for one command hold; zsh completes on a terminal only.
-TEST_P(HelpOfCommand, ZshKnowsEveryOption) {
+TEST_P(HelpOfCommand, ZshCompletesEveryOption) {
   const std::string completion = source("completion/_tavinstall");
   const std::string start = "\n        " + GetParam() + ")";
   EXPECT_THAT(completion, HasSubstr(start));

@@ -1,7 +1,7 @@
 #include "host/engine/bundle_loader.h"
 #include "host/base/program_files.h"
 
-#include "host/base/errors.h"
+#include "host/base/exit_status.h"
 #include "platform/installer_host.h"
 #include "tests/support/files.h"
 
@@ -72,7 +72,7 @@ TEST(LoadBundle, AMissingFolderIsRefused) {
   EXPECT_THAT(bundleRefusal("/tmp/Gone.bundle"), HasSubstr("cannot load /tmp/Gone.bundle: "));
 }
 
-TEST(LoadBundle, AProgramThatIsNoneIsRefusedWithTheSystemsReasonInOneLine) {
+TEST(LoadBundle, RefusesAnInvalidProgramWithTheSystemsReason) {
   writeFile("/tmp/Text.bundle/Contents/MacOS/InstallDataPane", "text\n");
   EXPECT_THAT(bundleRefusal("/tmp/Text.bundle"),
               AllOf(testing::StartsWith("cannot load /tmp/Text.bundle: "), Not(HasSubstr("\n"))));

@@ -1,5 +1,5 @@
 #include "host/base/child_process.h"
-#include "host/base/line_reader.h"
+#include "host/base/files.h"
 #include "host/protocol/json_form.h"
 #include "tests/engine/engine_run.h"
 

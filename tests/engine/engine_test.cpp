@@ -1,6 +1,6 @@
 #include "tests/engine/engine_run.h"
 
-#include "host/base/errors.h"
+#include "host/base/exit_status.h"
 
 #include <chrono>
 #include <gmock/gmock.h>

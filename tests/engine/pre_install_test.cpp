@@ -1,6 +1,6 @@
 #include "host/engine/pre_install.h"
 
-#include "host/base/errors.h"
+#include "host/base/exit_status.h"
 #include "tests/support/files.h"
 #include "tests/support/private_root.h"
 
@@ -147,7 +147,7 @@ TEST(PreInstallStep, DoesNotWaitAtAPipeThatSomebodyPutIntoTmp) {
   EXPECT_TRUE(fs::is_regular_file("/tmp/TavInstallLoc"));
 }
 
-TEST(PreInstallStep, TheFilesAreTheUsersOwnWhoeverHadThemBefore) {
+TEST(PreInstallStep, TheFilesBelongToTheUser) {
   if (!isRealRoot()) {
     GTEST_SKIP() << "only the machine's own root may give a file away";
   }

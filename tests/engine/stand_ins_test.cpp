@@ -90,7 +90,7 @@ TEST_F(Drutil, ADiscThatIsGoneIsNoError) {
   EXPECT_EQ(eject().status, 0);
 }
 
-TEST_F(Drutil, ADiscInUseIsNotTakenOutAndItSaysSo) {
+TEST_F(Drutil, ReportsADiscInUseAndDoesNotEjectIt) {
   mountDisc("/Volumes/A");
   const int inUse = open("/Volumes/A/Mac OSX", O_RDONLY | O_CLOEXEC);
   note.write("/Volumes/A/Mac OSX/TANVO");
@@ -125,7 +125,7 @@ TEST(DrutilAlone, WithoutANoteThereIsNoDisc) {
   EXPECT_THAT(outcome.error, HasSubstr("drutil: no disc was copied"));
 }
 
-TEST(DrutilAlone, KnowsNothingButEject) {
+TEST(DrutilAlone, SupportsOnlyEject) {
   const Outcome outcome = runThrough({"sh", kDrutil, "status"});
   EXPECT_EQ(outcome.status, 2);
   EXPECT_THAT(outcome.error, HasSubstr("drutil -drive 1 eject"));

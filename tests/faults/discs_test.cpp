@@ -109,7 +109,7 @@ TEST(Discs, OneThatBecomesReadableLateIsWaitedFor) {
 }
 
 // The page has three attempts of five seconds, and then copies what there is: nothing, which counts as copied.
-TEST(Discs, OneThatStaysUnreadableCountsAsCopiedAndTheLogTellsOfTheAttempts) {
+TEST(Discs, AnUnreadableOneCountsAsCopiedAndItsAttemptsAreLogged) {
   layPackageForVolumes(1);
   layTree(kDiscA, {file("TANVO/a.db", 1000)});
 

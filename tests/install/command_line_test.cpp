@@ -43,15 +43,13 @@ TEST_F(BadUsage, AnUnknownCommand) { expectBadUsage({"instal"}, ": instal\n"); }
 
 TEST_F(BadUsage, AnUnknownOption) { expectBadUsage({"run", "--package", package, "--fast"}, "--fast"); }
 
-TEST_F(BadUsage, AWayOfShowingThatIsNone) {
-  expectBadUsage({"run", "--package", package, "--ui", "loud"}, "loud");
-}
+TEST_F(BadUsage, AnUnknownFrontend) { expectBadUsage({"run", "--package", package, "--ui", "loud"}, "loud"); }
 
-TEST_F(BadUsage, AnEditionThatIsNone) {
+TEST_F(BadUsage, AnUnknownEdition) {
   expectBadUsage({"run", "--package", package, "--install-type", "lite"}, "lite");
 }
 
-TEST_F(BadUsage, AProductThatIsNone) {
+TEST_F(BadUsage, AnUnknownProduct) {
   expectBadUsage({"run", "--package", package, "--product", "Tess"}, "Tess");
 }
 
@@ -77,7 +75,7 @@ TEST_P(BadUsageInEveryFrontend, ABundleThatDoesNotExist) {
                  "/Volumes/Gone.bundle");
 }
 
-TEST_P(BadUsageInEveryFrontend, ABundleWhoseProgramIsNone) {
+TEST_P(BadUsageInEveryFrontend, ABundleWithAnInvalidProgram) {
   writeFile("/Volumes/Text.bundle/Contents/MacOS/InstallDataPane", "not a program\n");
   expectBadUsage({"run", "--ui", GetParam(), "--package", package, "--bundle", "/Volumes/Text.bundle"},
                  "/Volumes/Text.bundle");

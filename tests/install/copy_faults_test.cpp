@@ -157,7 +157,7 @@ TEST(CopyFaults, APathThatDoesNotFitStopsTheProgramInsteadOfBeingCut) {
 }
 
 // Events that come with each file are held back for a moment; a stop in that moment must not lose them.
-TEST(CopyFaults, WhatCameBeforeTheStopIsHeard) {
+TEST(CopyFaults, ReportsOutputFromBeforeTheStop) {
   layTooLongPath();
   for (int i = 0; i < 50; ++i) {
     writeFile(std::string(kSet) + "/TANVO/" + std::to_string(i) + ".db", "x");

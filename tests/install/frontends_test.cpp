@@ -81,7 +81,7 @@ TEST(PlainFrontend, AGoodInstallIsReportedInLinesAndAnAlertIsAnsweredByNumber) {
   EXPECT_EQ(progressLines(output).back(), "100 %");
 }
 
-TEST(PlainFrontend, AFailedInstallEndsWithStatusOneAndSaysWhatWasMissing) {
+TEST(PlainFrontend, AFailedInstallExitsWithOneAndNamesWhatIsMissing) {
   layPackage("Mode = DataUpdater\nInstalledData = Done.\nInstallingData = Going on.\nRelativePath = Nowhere\n");
 
   const Outcome outcome = run("plain");
@@ -183,7 +183,7 @@ TEST(PlainFrontend, IsTheFrontendWhereThereIsNoTerminal) {
   EXPECT_THAT(outcome.output, HasSubstr("! Files to be installed not found.\n"));
 }
 
-TEST(PlainFrontend, AnInterruptStopsTheInstallAndSaysSo) {
+TEST(PlainFrontend, ReportsAnInstallStoppedByAnInterrupt) {
   layTwoDiscs();
 
   ChildProgram program({kTavinstall, "run", "--ui", "plain", "--package", kPackage});
@@ -198,7 +198,7 @@ TEST(PlainFrontend, AnInterruptStopsTheInstallAndSaysSo) {
   EXPECT_TRUE(exists(std::string(kTanvo) + "/Tessaphon/a.db"));
 }
 
-TEST(QuietFrontend, SaysNothingAndAnswersEveryAlertWithItsFirstButton) {
+TEST(QuietFrontend, PrintsNothingAndAnswersEveryAlertWithItsFirstButton) {
   layTwoEditions();
 
   const Outcome outcome = run("quiet");
@@ -248,7 +248,7 @@ TEST(QuietFrontend, AnInstallOfWhichOneVolumeFailedEndsWithStatusOne) {
   EXPECT_THAT(readFile("/tmp/summary.json"), HasSubstr(R"({"left":true,"ready":1,"mode":3,)"));
 }
 
-TEST(QuietFrontend, ASummaryThatCouldNotBeWrittenIsSaidOnStandardError) {
+TEST(QuietFrontend, ReportsASummaryThatCannotBeWrittenOnStandardError) {
   layPackage("Mode = DataUpdater\nRelativePath = Nowhere\n");
 
   const Outcome outcome = run("quiet", "", "/dev/full");

@@ -41,7 +41,7 @@ void layUpdateWithAlerts() {
 // An install that asks for a disc that is not there.
 void layMissingDisc() { layPackage("Mode = InstallFromVolumes\n"); }
 
-TEST(JsonProtocol, NothingHappensByItself) {
+TEST(JsonProtocol, DoesNothingWithoutACommand) {
   layDataUpdate();
 
   JsonInstaller installer({"--package", kPackage});

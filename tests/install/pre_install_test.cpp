@@ -40,7 +40,7 @@ TEST(PreInstall, LeftOutItTakesTheFilesThatAreThere) {
   EXPECT_EQ(readFile("/tmp/TavInstallType"), "Full\n");
 }
 
-TEST(PreInstall, LeftOutWithoutAnyFileThePageSaysSoAndGoesOn) {
+TEST(PreInstall, SkippedWithoutAFileThePageLogsItAndContinues) {
   std::filesystem::create_directories("/Users/tester/Library/Caches");
 
   JsonInstaller installer({"--no-preinstall"});
@@ -93,7 +93,7 @@ std::string withoutSeconds(const std::string& path) {
   return summary.dump();
 }
 
-TEST(Summary, TellsOfTheCopiesAndTheAlerts) {
+TEST(Summary, ListsTheCopiesAndTheAlerts) {
   layTree(kSet, {textFile(".InstallationAttributes.dat",
                           "Mode = SupportHub\nRelativePath = .\nRelativePath2 = Full\n"),
                  file("DOVA/b.db", 2048), folder("Full/TANVO/Tessaphon"), textFile("Installer.pkg", ""),
@@ -113,7 +113,7 @@ TEST(Summary, TellsOfTheCopiesAndTheAlerts) {
             R"("buttons":["Continue"],"answer":1000}],"sheets":[],"bytes":6144,"files":2})");
 }
 
-TEST(Summary, TellsOfTheSheets) {
+TEST(Summary, ListsTheSheets) {
   layPackage("Mode = DataUpdater\nRelativePath = Nowhere\n");
 
   JsonInstaller installer({"--package", kPackage, "--summary", "/tmp/summary.json"});

@@ -38,7 +38,7 @@ Outcome tellLog(std::vector<std::string> arguments, std::string_view input = "")
   return runThrough(std::move(arguments), {}, input);
 }
 
-TEST(LogCommand, TellsTheUsersOwnLog) {
+TEST(LogCommand, PrintsTheUsersLog) {
   writeFile(kLog, fourEnds());
   const Outcome outcome = tellLog({});
   EXPECT_EQ(outcome.status, 0) << outcome.error;
@@ -53,7 +53,7 @@ TEST(LogCommand, TellsTheUsersOwnLog) {
       "in the log; 1 ended, nothing failed; 1 ended with failures; 1 not started; 1 did not end.\n");
 }
 
-TEST(LogCommand, TellsTheLastRunAlone) {
+TEST(LogCommand, PrintsOnlyTheLastRun) {
   writeFile("/tmp/a.log", fourEnds());
   const Outcome outcome = tellLog({"--last", "/tmp/a.log"});
   EXPECT_EQ(outcome.status, 0) << outcome.error;
@@ -62,7 +62,7 @@ TEST(LogCommand, TellsTheLastRunAlone) {
                                        "1 not started; 1 did not end.\n"));
 }
 
-TEST(LogCommand, TellsJson) {
+TEST(LogCommand, PrintsJson) {
   writeFile("/tmp/a.log", fourEnds());
   const auto runs = nlohmann::json::parse(tellLog({"/tmp/a.log", "--format", "json"}).output);
   ASSERT_EQ(runs.size(), 4U);

@@ -61,7 +61,7 @@ TEST(LogRecords, LinesThatOnlyLookLikeARecordBelongToTheMessage) {
       ElementsAre("July 04 2026 00:00:00|h|a\nJuly 4 2026 00:00:00 h: b\nJuli 04 2026 00:00:00 h: c"));
 }
 
-TEST(LogRecords, WhatStandsBeforeTheFirstRecordIsForeign) {
+TEST(LogRecords, BytesBeforeTheFirstRecordAreForeign) {
   const Cut result = cut("#!/bin/sh\nJuly 04 2026 00:00:00 h: a\n", 4096);
   EXPECT_THAT(result.records, ElementsAre("July 04 2026 00:00:00|h|a"));
   EXPECT_EQ(result.foreignBytes, 10U);
@@ -93,7 +93,7 @@ TEST(LogRecords, TimesAreLocalTimes) {
   EXPECT_EQ(timeOfRecord("November 21 2026 06:15:00") - earlier, 3613);
 }
 
-TEST(LogRecords, WhatIsNoTimeIsMinusOne) {
+TEST(LogRecords, AnInvalidTimeIsMinusOne) {
   EXPECT_EQ(timeOfRecord(""), -1);
   EXPECT_EQ(timeOfRecord("Smarch 21 2026 05:14:47"), -1);
   EXPECT_EQ(timeOfRecord("May 21 2026 05:14"), -1);

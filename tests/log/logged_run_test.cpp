@@ -54,7 +54,7 @@ class Log {
   int seconds_ = 0;
 };
 
-TEST(LoggedRuns, ALogWithoutAnEntryTellsNoRun) { EXPECT_TRUE(Log().say("File exists").runs().empty()); }
+TEST(LoggedRuns, ALogWithoutAnEntryHasNoRun) { EXPECT_TRUE(Log().say("File exists").runs().empty()); }
 
 TEST(LoggedRuns, EachEntryBeginsARun) {
   EXPECT_EQ(Log().enter().complete().enter().complete().enter().runs().size(), 3U);
@@ -107,7 +107,7 @@ TEST(LoggedRuns, EachDataFolderIsReportedOnce) {
   EXPECT_THAT(run.destinations, ElementsAre("/U/TANVO", "/U/DOVA"));
 }
 
-TEST(LoggedRuns, ADiscThatLookedEmptySaysSo) {
+TEST(LoggedRuns, ReportsADiscThatLookedEmpty) {
   const LoggedRun run = Log()
                             .enter()
                             .say("Volume 0 /V/T\n")
@@ -125,7 +125,7 @@ TEST(LoggedRuns, AMissingDataFolderIsAnEndOfItsOwn) {
   EXPECT_THAT(reportText(run, 1), HasSubstr("not started: the data folder did not exist"));
 }
 
-TEST(LoggedRuns, SettingsAreTold) {
+TEST(LoggedRuns, ReportsTheSettings) {
   const LoggedRun run = Log()
                             .enter()
                             .say("After resolve 1 /Users/u/Library/Application Support/Tavenhall/TANVO")
@@ -164,7 +164,7 @@ TEST(LoggedRuns, AVolumeIsTimedAndMeasured) {
                                             "5.0 MB a second, 1 folder\n"));
 }
 
-TEST(LoggedRuns, AVolumeThatWasPassedOverSaysSo) {
+TEST(LoggedRuns, ReportsASkippedVolume) {
   const LoggedRun run = Log().enter().say("Volume 1 /p/../DOVA\n").complete().run();
   EXPECT_THAT(reportText(run, 1), HasSubstr("    volume         2: nothing was copied\n"));
 }
@@ -203,7 +203,7 @@ struct FailureCase {
 
 class RunFailures : public testing::TestWithParam<FailureCase> {};
 
-TEST_P(RunFailures, AreToldWithTheirFile) {
+TEST_P(RunFailures, NameTheirFile) {
   const LoggedRun run = Log().enter().say(GetParam().message).complete().run();
   ASSERT_EQ(run.failures.size(), 1U);
   EXPECT_EQ(run.failures[0].kind, GetParam().kind);
@@ -234,7 +234,7 @@ INSTANTIATE_TEST_SUITE_P(
     });
 
 // A log that was cut or written to by others may hold anything.
-TEST(LoggedRuns, RecordsThatBreakOffAreToldInTheirOwnWords) {
+TEST(LoggedRuns, TruncatedRecordsAreShownAsTheyAre) {
   for (const char* message :
        {"Source error", "Source error ", "Target error /V/a", "Target error /V/a /U/b",
         "File copy failure: sizes differ: ", "File copy failure: sizes differ: /V/a (size",

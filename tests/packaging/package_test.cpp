@@ -64,7 +64,7 @@ TEST(DebianPackage, InstallsAProgramThatRuns) {
   }
 }
 
-TEST(DebianPackage, SaysWhatItIsAndWhatItNeeds) {
+TEST(DebianPackage, StatesItsContentAndItsDependencies) {
   const std::string deb = package("DEB", ".deb");
   const auto field = [&deb](const char* name) { return runThrough({"dpkg-deb", "-f", deb, name}).output; };
   EXPECT_EQ(field("Package"), "tavinstall\n");
@@ -78,7 +78,7 @@ TEST(DebianPackage, SaysWhatItIsAndWhatItNeeds) {
   EXPECT_THAT(field("Description"), MatchesRegex("[^\n]{10,80}\n( [^\n]+\n)+"));
 }
 
-TEST(DebianPackage, OwnsNothingOfAnotherAndNothingThatAnybodyCanWrite) {
+TEST(DebianPackage, ContainsNoForeignAndNoWorldWritableFile) {
   const std::string deb = package("DEB", ".deb");
   const Outcome list = runThrough({"dpkg-deb", "-c", deb});
   std::istringstream lines(list.output);
@@ -103,7 +103,7 @@ TEST(DebianPackage, PassesTheCheckerOfDebian) {
 }
 
 // Unpacked anywhere, in a folder whose name has a blank too.
-TEST(Archive, HoldsAProgramThatRunsWhereverItLies) {
+TEST(Archive, ContainsAProgramThatRunsAnywhere) {
   const std::string archive = package("TGZ", ".tar.gz");
   const std::string folder = "/tmp/some where";
   makeFolder(folder);

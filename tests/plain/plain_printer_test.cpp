@@ -1,5 +1,4 @@
 #include "host/plain/plain_printer.h"
-#include "host/base/units.h"
 
 #include "host/base/text.h"
 #include "host/protocol/json_form.h"

@@ -66,7 +66,7 @@ TEST(BundleStrings, AreFoundByARelativePath) {
             "/tmp/A.bundle");
 }
 
-TEST(BundleStrings, AreNoneWhereTheCodeLiesInNoBundle) {
+TEST(BundleStrings, AreEmptyOutsideABundle) {
   writeTable("/tmp/A.bundle");
   for (const std::string place :
        {"/tmp/A.bundle/Contents/Program/InstallDataPane", "/tmp/A.bundle/Contents/InstallDataPane",

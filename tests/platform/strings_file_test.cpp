@@ -181,7 +181,7 @@ TEST(StringsFile, AUtf8MarkIsNoPartOfTheFirstKey) {
 
 TEST(StringsFile, BrokenUtf8IsHandedThrough) { EXPECT_EQ(valueOf("\xC3(\xFF\x80"), "\xC3(\xFF\x80"); }
 
-TEST(StringsFile, Utf16OfEitherByteOrderIsKnownByItsMark) {
+TEST(StringsFile, DetectsUtf16OfEitherByteOrderByItsMark) {
   const std::u16string_view text =
       u"/* \u00FC */ \"Gr\u00F6\u00DFe\" = \"\u6A02\u5668 \U0001F3B9 \\U00e9\";\r\n";
   const Entries expected = {

@@ -67,7 +67,7 @@ TEST(HostileStringsFile, TextOfAnotherKindIsPassedOver) {
 
 // ---- What nobody closes ----
 
-TEST(HostileStringsFile, AQuoteThatNobodyClosesCostsItsEntry) {
+TEST(HostileStringsFile, AnUnclosedQuoteLosesItsEntry) {
   EXPECT_EQ(entriesOfCopy("\"a\" = \"1;\nb = 2;"), (Entries{{"b", "2"}}));
   EXPECT_EQ(entriesOfCopy("\"a = 1;\nb = 2;"), (Entries{{"b", "2"}}));
 }
@@ -82,7 +82,7 @@ TEST(HostileStringsFile, AnEscapeThatTheEndCutsIsNoText) {
   }
 }
 
-TEST(HostileStringsFile, ACommentThatNobodyClosesReachesToTheEnd) {
+TEST(HostileStringsFile, AnUnclosedCommentReachesToTheEnd) {
   EXPECT_EQ(entriesOfCopy("\"a\" = \"1\"; /* \"b\" = \"2\";"), (Entries{{"a", "1"}}));
   EXPECT_EQ(entriesOfCopy("\"a\" = \"1\"; /*/ \"b\" = \"2\";"), (Entries{{"a", "1"}}));
   EXPECT_EQ(entriesOfCopy("\"a\" = \"1\"; /*"), (Entries{{"a", "1"}}));

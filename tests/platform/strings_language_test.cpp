@@ -114,7 +114,7 @@ TEST_F(LanguageChoice, TriesEnglishByItsFullNameToo) {
   EXPECT_THAT(languageFolderNames(), ElementsAre("en_GB", "en-GB", "en", "English", "de", "en", "English"));
 }
 
-TEST_F(LanguageChoice, TellsTheChineseScriptByTheCountry) {
+TEST_F(LanguageChoice, DerivesTheChineseScriptFromTheCountry) {
   set("LANG", "zh_CN.UTF-8");
   EXPECT_THAT(languageFolderNames(), ElementsAre("zh_CN", "zh-CN", "zh-Hans", "zh", "en", "English"));
   set("LANG", "zh_TW.UTF-8");

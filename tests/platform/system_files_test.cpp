@@ -52,7 +52,7 @@ TEST(RemoveItem, RemovesAWholeTree) {
                                                 "B.component/Contents/MacOS/", "B.component/Contents/MacOS/B"));
 }
 
-TEST(RemoveItem, RemovesATreeThatNobodyMayWriteIn) {
+TEST(RemoveItem, RemovesAReadOnlyTree) {
   writeFile("/tmp/place/A.vst/file", "text");
   ASSERT_EQ(chmod("/tmp/place/A.vst/file", 0), 0);
   ASSERT_EQ(chmod("/tmp/place/A.vst", 0555), 0);
@@ -160,7 +160,7 @@ TEST(RunShellCommand, WaitsForTheCommand) {
 
 // ---- Texts of errors ----
 
-TEST(ErrorText, SaysWhatTheErrorIs) {
+TEST(ErrorText, DescribesTheError) {
   std::array<char, 128> text{};
   errorText(ENOENT, text.data(), text.size());
   EXPECT_STREQ(text.data(), "No such file or directory");
@@ -168,7 +168,7 @@ TEST(ErrorText, SaysWhatTheErrorIs) {
   EXPECT_STREQ(text.data(), "No space left on device");
 }
 
-TEST(ErrorText, HasATextForAnErrorThatNobodyKnows) {
+TEST(ErrorText, HasATextForAnUnknownError) {
   std::array<char, 128> text{};
   errorText(9999, text.data(), text.size());
   EXPECT_STREQ(text.data(), "Unknown error 9999");

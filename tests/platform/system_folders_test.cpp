@@ -53,7 +53,7 @@ TEST(SearchPaths, ComeFromThePasswordDatabaseWithAnEmptyHome) {
   EXPECT_EQ(searchPath(SearchPath::caches), "/Users/of the database/Library/Caches");
 }
 
-TEST(SearchPaths, AreNoneForAUserWhomNobodyKnows) {
+TEST(SearchPaths, AreEmptyForAnUnknownUser) {
   setPasswordDatabase("daemon:x:1:1:daemon:/usr/sbin:/bin/sh\n");
   unsetenv("HOME");
   EXPECT_EQ(searchPath(SearchPath::caches), "none, and untouched");

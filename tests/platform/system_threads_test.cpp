@@ -175,14 +175,14 @@ TEST(DetachNewThread, RunsTheBodyOnAnotherThread) {
   EXPECT_NE(report.thread, std::this_thread::get_id());
 }
 
-TEST(DetachNewThread, TellsTheHostOfTheStartBeforeTheBodyAndOfTheEndAfterIt) {
+TEST(DetachNewThread, NotifiesTheHostBeforeTheBodyAndAfterIt) {
   ListeningHost host;
   ASSERT_TRUE(detachNewThread(host, "copySingleVolume", sayBody, &host));
   EXPECT_THAT(host.linesOnceThereAre(3),
               ElementsAre("started copySingleVolume", "body", "ended copySingleVolume"));
 }
 
-TEST(DetachNewThread, KeepsTheBodyWaitingUntilTheHostKnows) {
+TEST(DetachNewThread, StartsTheBodyOnlyAfterTheNotification) {
   ListeningHost host;
   host.hesitate(300ms);
   ASSERT_TRUE(detachNewThread(host, "copySingleVolume", sayBody, &host));
@@ -190,7 +190,7 @@ TEST(DetachNewThread, KeepsTheBodyWaitingUntilTheHostKnows) {
               ElementsAre("started copySingleVolume", "body", "ended copySingleVolume"));
 }
 
-TEST(DetachNewThread, SaysTheEndOnlyOnceTheBodyHasReturned) {
+TEST(DetachNewThread, NotifiesOfTheEndOnlyAfterTheBodyHasReturned) {
   ListeningHost host;
   ASSERT_TRUE(detachNewThread(host, "doEntireInstall", slowBody, &host));
   EXPECT_THAT(host.linesOnceThereAre(3),
@@ -205,7 +205,7 @@ TEST(DetachNewThread, StartsOneThreadFromAnother) {
                           "ended copySingleVolume", "ended doEntireInstall"));
 }
 
-TEST(DetachNewThread, SaysSoAndTellsTheHostNothingWhenNoThreadCanBeHad) {
+TEST(DetachNewThread, LogsAFailedStartWithoutANotification) {
   EXPECT_EXIT(startAThreadWhereNoneCanBeHad(), testing::ExitedWithCode(kRefused), "");
 }
 

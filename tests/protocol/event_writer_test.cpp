@@ -90,7 +90,7 @@ TEST_F(WrittenEvents, ProgressAloneComesOutToo) {
   readUntil(encode(event::ProgressValue{2.0, {}}));
 }
 
-TEST_F(WrittenEvents, AReaderThatDoesNotReadBlocksNobodyAndLosesNothingButProgress) {
+TEST_F(WrittenEvents, AStalledReaderBlocksNothingAndLosesOnlyProgress) {
   const std::string text(1000, 'x');
   for (int i = 0; i < 5000; ++i) {  // 5 MB, far more than a pipe holds
     writer_->write(event::ProgressValue{static_cast<double>(i), {}});

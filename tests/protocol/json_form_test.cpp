@@ -1,6 +1,6 @@
 #include "host/protocol/json_form.h"
 
-#include "host/base/line_reader.h"
+#include "host/base/files.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -111,7 +111,7 @@ TEST(EventForm, FieldsThatAreMissingOrOfAnotherTypeHaveTheirDefaults) {
   EXPECT_EQ(alert.style, 0);
 }
 
-TEST(SummaryFile, HoldsTheFieldsOfTheEvent) {
+TEST(SummaryFile, HasTheFieldsOfTheEvent) {
   EXPECT_EQ(encodeSummaryFile({}),
             R"({"left":false,"ready":0,"mode":0,"seconds":0.0,"kBytesCopied":0,"copies":[],"alerts":[],)"
             R"("sheets":[],"bytes":0,"files":0})"

@@ -86,7 +86,7 @@ class PasswordTerminalTest : public testing::Test {
   }
 };
 
-TEST_F(PasswordTerminalTest, WhatIsAskedWithoutShowingTheAnswerIsAQuestion) {
+TEST_F(PasswordTerminalTest, APromptWithoutEchoIsAPasswordPrompt) {
   ask("[sudo] password for tester: ");
   EXPECT_EQ(terminal.prompt(), "[sudo] password for tester:");
   tell(terminal, "open s\u00e9same");
@@ -94,14 +94,14 @@ TEST_F(PasswordTerminalTest, WhatIsAskedWithoutShowingTheAnswerIsAQuestion) {
   EXPECT_EQ(terminal.prompt(), std::nullopt);
 }
 
-TEST_F(PasswordTerminalTest, WhatIsSaidIsNoQuestion) {
+TEST_F(PasswordTerminalTest, OutputIsNotAPrompt) {
   write("We trust you.\r\n\r\nThink before you type.\npart of a line");
   receive();
   EXPECT_THAT(lines, ElementsAre("We trust you.", "Think before you type."));
   EXPECT_EQ(terminal.prompt(), std::nullopt);
 }
 
-TEST_F(PasswordTerminalTest, LinesBeforeAQuestionAreSaid) {
+TEST_F(PasswordTerminalTest, LinesBeforeAPromptArePassedOn) {
   ask("\r\nSorry, try again.\r\nPassword: ");
   EXPECT_THAT(lines, ElementsAre("Sorry, try again."));
   EXPECT_EQ(terminal.prompt(), "Password:");
@@ -127,7 +127,7 @@ TEST_F(PasswordTerminalTest, WhoRelaysAWholeTerminalAsksNothing) {
   EXPECT_EQ(terminal.prompt(), std::nullopt);
 }
 
-TEST_F(PasswordTerminalTest, StarsForWhatIsTypedAreNoQuestion) {
+TEST_F(PasswordTerminalTest, StarsAreNotAPrompt) {
   ask("Password: ");
   tell(terminal, "abc");
   static_cast<void>(read());
@@ -148,7 +148,7 @@ TEST_F(PasswordTerminalTest, ARefusalIsTheEndOfInput) {
   EXPECT_EQ(terminal.prompt(), std::nullopt);
 }
 
-TEST_F(PasswordTerminalTest, AQuestionThatIsTakenBackIsNoneAnyMore) {
+TEST_F(PasswordTerminalTest, AWithdrawnPromptIsOver) {
   ask("Password: ");
   showTyped(true);
   write("\r\ntimed out\r\n");
@@ -157,14 +157,14 @@ TEST_F(PasswordTerminalTest, AQuestionThatIsTakenBackIsNoneAnyMore) {
   EXPECT_THAT(lines, ElementsAre("timed out"));
 }
 
-TEST_F(PasswordTerminalTest, AnAnswerThatComesTooLateReachesNobody) {
+TEST_F(PasswordTerminalTest, ALateAnswerIsDiscarded) {
   ask("Password: ");
   showTyped(true);
   tell(terminal, "sesame");
   EXPECT_EQ(read(), "nothing");
 }
 
-TEST_F(PasswordTerminalTest, WhenNobodyHasTheTerminalItIsClosed) {
+TEST_F(PasswordTerminalTest, IsClosedWhenNoProcessHasTheTerminal) {
   ask("Password: ");
   closeCommand();
   receive();

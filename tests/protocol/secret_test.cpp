@@ -1,4 +1,4 @@
-#include "host/protocol/secret.h"
+#include "host/protocol/password_terminal.h"
 
 #include <array>
 #include <gtest/gtest.h>

@@ -73,7 +73,7 @@ TEST(CopiedFolders, EachTopLevelCopyCounts) {
   EXPECT_THAT(copies, ElementsAre(0, 1, 2, 3));
 }
 
-TEST(CompareFiles, TellsWhatBecameOfEachFile) {
+TEST(CompareFiles, ReportsTheFateOfEachFile) {
   writeFile("/Users/tester/from/same", "abc");
   writeFile("/Users/tester/from/other", "abc");
   writeFile("/Users/tester/from/shorter", "abc");

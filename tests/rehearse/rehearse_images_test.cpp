@@ -61,7 +61,7 @@ TEST(RehearseImages, ADiscThatIsLeftOutOfALiteInstallIsStillCounted) {
   EXPECT_THAT(outcome.output, HasSubstr("  left out     2 files of the Full edition\n"));
 }
 
-TEST(RehearseImages, AnImageThatIsNoneIsBadUsageAndNamed) {
+TEST(RehearseImages, AnInvalidImageIsBadUsage) {
   makeDiscSet();
   std::filesystem::remove_all(inSet("discs/2 Tavenhall Lumaweave"));
   writeFile(inSet("discs/2 Tavenhall Lumaweave.squashfs"), "this is no image");

@@ -145,7 +145,7 @@ TEST(RehearseLate, IsANumberFromNought) {
 
 // ---- What is kept ----
 
-TEST(RehearseKeep, TheFolderHoldsWhatWasInstalledAndTheLog) {
+TEST(RehearseKeep, TheFolderHasTheInstalledFilesAndTheLog) {
   makeDownloadSet();
   const Outcome outcome = rehearse({"--keep", "/Users/tester/deep/kept"});
   EXPECT_EQ(outcome.status, 0);
@@ -186,7 +186,7 @@ TEST(RehearseBadUsage, ASetThatIsNotThere) {
       "tavinstall: no installer set at /Users/tester/Installer; a set is a folder with an installer package\n");
 }
 
-TEST(RehearseBadUsage, AProductThatIsNone) {
+TEST(RehearseBadUsage, AnUnknownProduct) {
   makeDownloadSet();
   const Outcome outcome = rehearse({"--product", "Nosuch"});
   EXPECT_EQ(outcome.status, 2);
@@ -194,7 +194,7 @@ TEST(RehearseBadUsage, AProductThatIsNone) {
             "tavinstall: unknown product Nosuch; the products are Tessaphon, Lumaweave, Bassoria, TemporaQX\n");
 }
 
-TEST(RehearseBadUsage, AReportThatCannotBeWrittenIsSaidBeforeAnythingIsInstalled) {
+TEST(RehearseBadUsage, RefusesAReportThatCannotBeWritten) {
   makeDownloadSet();
   const Outcome outcome = runThrough({kTavinstall, "rehearse", kSetFolder, "--ui", "quiet", "--report",
                                       "/Users/tester/none/report.json", "--keep", "/Users/tester/kept"});
@@ -233,7 +233,7 @@ TEST(RehearseBadUsage, NoPlaceForATemporaryFolder) {
 }
 
 // A set that says it is larger than any disk: sparse, so that it takes none here.
-TEST(RehearseBadUsage, TooLittleRoomIsSaidBeforeAnythingIsInstalled) {
+TEST(RehearseBadUsage, RefusesTooLittleRoom) {
   makeDownloadSet();
   writeFile(inSet("TANVO/Tessaphon/huge.db"), "x");
   std::filesystem::resize_file(inSet("TANVO/Tessaphon/huge.db"), 8'000'000'000'000);

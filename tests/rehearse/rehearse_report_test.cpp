@@ -10,7 +10,7 @@ using nlohmann::json;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-TEST(RehearseReport, OfDiscsSaysEverythingInLines) {
+TEST(RehearseReport, OfDiscsIsCompleteText) {
   makeDiscSet();
   writeFile(inSet("discs/1 Tavenhall Lumaweave/DOVA/Factory/more.db"), someBytes(990'000));
   writeFile(inSet("discs/1 Tavenhall Lumaweave/Read me.txt"), "text");
@@ -36,7 +36,7 @@ Rehearsal passed: everything was installed, no problems found.
 )");
 }
 
-TEST(RehearseReport, OfAnUpdateSaysEverythingInLines) {
+TEST(RehearseReport, OfAnUpdateIsCompleteText) {
   makeUpdateSet();
   std::filesystem::remove_all(inSet("First/TANVO/Mirel Packs"));
   std::filesystem::remove_all(inSet("Second/TANVO/Mirel Packs"));

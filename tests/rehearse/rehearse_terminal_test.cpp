@@ -71,7 +71,7 @@ TEST_F(RehearseTerminal, LeavingBeforeItBeginsInstallsNothing) {
   expectNothingLeft();
 }
 
-TEST_F(RehearseTerminal, LeavingInTheMiddleSaysThatNothingIsLeft) {
+TEST_F(RehearseTerminal, LeavingInTheMiddleReportsThatNothingRemains) {
   makeDiscSet();
   TmuxTerminal terminal(100, kRows, rehearseCommand({"--product", "Lumaweave"}));
   terminal.waitFor("Press Continue to begin.");
@@ -102,7 +102,7 @@ TEST(RehearsePlain, QuestionsAreAnsweredOnStandardInput) {
               HasSubstr("? Ready for next volume\n  Please insert Tavenhall Lumaweave\n  1) OK\n"));
 }
 
-TEST(RehearsePlain, AQuestionThatNobodyAnswersFails) {
+TEST(RehearsePlain, AnUnansweredAlertFails) {
   makeDiscSet();
   const Outcome outcome = runThrough(rehearseCommand({"--product", "Lumaweave", "--ui", "plain"}));
   EXPECT_EQ(outcome.status, 1);

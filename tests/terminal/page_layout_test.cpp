@@ -63,7 +63,7 @@ TEST_F(PageLayout, TheBarHasItsNumbersBelow) {
   EXPECT_EQ(rows[20], "                        43 s passed                  less than a minute left");
 }
 
-TEST_F(PageLayout, NothingIsSaidOfTimeLeftBeforeItIsKnown) {
+TEST_F(PageLayout, ShowsNoTimeLeftBeforeItIsKnown) {
   PageDriver driver;
   copyFor(driver, 5);
   EXPECT_THAT(rowsOf(driver), Not(Contains(HasSubstr("left"))));
@@ -159,7 +159,7 @@ TEST_F(PageLayout, ATooSmallWindowGetsOneLine) {
   EXPECT_THAT(rowsOf(driver, {1, 10}), ElementsAre("Make this…"));
 }
 
-TEST_F(PageLayout, ATooSmallWindowSaysWhenAQuestionWaits) {
+TEST_F(PageLayout, ATooSmallWindowReportsAWaitingAlert) {
   PageDriver driver;
   driver.enter();
   driver.receive("{'event':'alert','message':'Next','informative':'Insert B','buttons':['OK'],'style':1}");

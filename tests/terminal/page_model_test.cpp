@@ -50,7 +50,7 @@ TEST(PageModel, ThePagesOwnTitleIsAStepAndTheHeading) {
   EXPECT_EQ(driver.page.heading().text, "Installing DOVA");
 }
 
-TEST(PageModel, ContinueIsEnabledAsThePageSays) {
+TEST(PageModel, EnablesContinueWithThePage) {
   PageDriver driver;
   driver.enter();
   EXPECT_FALSE(isEnabled(driver.page, "Continue"));
@@ -82,7 +82,7 @@ TEST(PageModel, ContinueIsPressedOnlyOnceWhileThePageIsAsked) {
   EXPECT_THAT(driver.requests(), ElementsAre("forward"));
 }
 
-TEST(PageModel, GoBackIsEnabledAsThePageSaysAndLeadsToTheFirstPage) {
+TEST(PageModel, EnablesGoBackWithThePageAndReturnsToTheFirstPage) {
   PageDriver driver;
   EXPECT_FALSE(isEnabled(driver.page, "Go Back"));
   driver.enter();
@@ -192,7 +192,7 @@ TEST(PageModel, TooLittleRoomIsAskedAboutBeforeThePageIsEntered) {
           "Files would then be missing or truncated. Data that is replaced needs no additional space."));
 }
 
-TEST(PageModel, WithTooLittleRoomNotToInstallIsWhatEnterMeans) {
+TEST(PageModel, EnterCancelsWhenThereIsTooLittleRoom) {
   PageDriver driver(withLittleRoom());
   driver.act(Action::press);
   driver.act(Action::press);
@@ -287,7 +287,7 @@ TEST(PageModel, AskedToLeaveTwiceTheSecondButtonIsTheOneThatEnterPresses) {
   EXPECT_THAT(driver.requests(), ElementsAre("leave"));
 }
 
-TEST(PageModel, LeavingSaysWhatIsLeftHalfDone) {
+TEST(PageModel, LeavingWarnsOfAnIncompleteInstall) {
   PageDriver driver;
   driver.enter();
   driver.receive("{'event':'progress.max','value':2000000}");
@@ -309,7 +309,7 @@ TEST(PageModel, WhileAQuestionWaitsNoFileIsCutShort) {
               HasSubstr("kept in /Users/tester/Library/Application Support/Tavenhall/TANVO."));
 }
 
-TEST(PageModel, WhenAllIsDoneLeavingSaysSo) {
+TEST(PageModel, LeavingAfterASuccessConfirmsIt) {
   PageDriver driver;
   driver.enter();
   driver.receive("{'event':'next','enabled':true}");

@@ -1,5 +1,5 @@
 #include "host/terminal/page_window.h"
-#include "host/base/units.h"
+#include "host/base/text.h"
 
 #include "tests/terminal/page_driver.h"
 
@@ -46,7 +46,7 @@ TEST(PageWindows, TheSecondButtonOfAnAlertIsReachedByTabAndArrowsAndKey) {
   EXPECT_THAT(driver.requests(), ElementsAre("answer 1001"));
 }
 
-TEST(PageWindows, EscapeNeverSkipsADiscByItself) {
+TEST(PageWindows, EscapeNeverSkipsADisc) {
   PageDriver driver;
   driver.enter();
   driver.receive(kOptionalDiscAlert);
@@ -64,7 +64,7 @@ TEST(PageWindows, EscapeAnswersAnAlertWithOneButton) {
   EXPECT_THAT(driver.requests(), ElementsAre("answer 1000"));
 }
 
-TEST(PageWindows, TheClockStandsStillWhileAnAlertWaits) {
+TEST(PageWindows, PausesTheClockDuringAnAlert) {
   PageDriver driver;
   driver.at(0);
   driver.enter();
@@ -135,7 +135,7 @@ TEST(PageWindows, AnAlertStandsAboveASheetWhichComesAfterIt) {
               ElementsAre("A problem", "Failed to open input file.", "The installation continues meanwhile."));
 }
 
-TEST(PageWindows, TheQuestionWhetherToLeaveStandsAboveAll) {
+TEST(PageWindows, TheLeaveWindowIsAboveAllOthers) {
   PageDriver driver;
   driver.enter();
   driver.receive(kDiscAlert);

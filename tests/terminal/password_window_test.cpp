@@ -30,7 +30,7 @@ class PasswordWindow : public InUtf8 {
   PageDriver driver;
 };
 
-TEST_F(PasswordWindow, SaysWhoAsksAndShowsStars) {
+TEST_F(PasswordWindow, ShowsTheCommandsPromptAndStars) {
   ask();
   type("abc");
   EXPECT_THAT(driver.windowTexts(),
@@ -78,7 +78,7 @@ TEST_F(PasswordWindow, GoesWhenTheCommandAsksNoMore) {
   EXPECT_THAT(driver.requests(), IsEmpty());
 }
 
-TEST_F(PasswordWindow, AskedAgainItSaysWhatTheCommandHasSaid) {
+TEST_F(PasswordWindow, ShowsTheCommandsMessageWithTheNextPrompt) {
   driver.page.addMessage("something of before");
   ask();
   EXPECT_EQ(driver.windowTexts()[1], "A command of the installation prompts:");
@@ -94,7 +94,7 @@ TEST_F(PasswordWindow, AskedAgainItSaysWhatTheCommandHasSaid) {
   EXPECT_EQ(driver.windowTexts()[1], "A command of the installation prompts:");
 }
 
-TEST_F(PasswordWindow, TheClockStandsStillWhileItIsUp) {
+TEST_F(PasswordWindow, PausesTheClockWhileItIsOpen) {
   driver.at(10);
   ask();
   driver.at(100);
@@ -103,7 +103,7 @@ TEST_F(PasswordWindow, TheClockStandsStillWhileItIsUp) {
   EXPECT_EQ(driver.page.meter().passed(driver.now()).count(), 15.0);
 }
 
-TEST_F(PasswordWindow, TheClockStandsStillUntilBothQuestionsAreAnswered) {
+TEST_F(PasswordWindow, PausesTheClockUntilBothPromptsAreAnswered) {
   driver.receive("{'event':'alert','message':'Next','informative':'B','buttons':['OK']}");
   driver.at(10);
   ask();
@@ -115,7 +115,7 @@ TEST_F(PasswordWindow, TheClockStandsStillUntilBothQuestionsAreAnswered) {
   EXPECT_EQ(driver.page.meter().passed(driver.now()).count(), 1.0);
 }
 
-TEST_F(PasswordWindow, StandsBelowTheQuestionWhetherToLeaveWhichTakesTheKeys) {
+TEST_F(PasswordWindow, IsBelowTheLeaveWindowWhichGetsTheKeys) {
   ask();
   driver.act(Action::leave);
   EXPECT_FALSE(driver.page.takesTyping());
@@ -123,7 +123,7 @@ TEST_F(PasswordWindow, StandsBelowTheQuestionWhetherToLeaveWhichTakesTheKeys) {
   EXPECT_TRUE(driver.page.takesTyping());
 }
 
-TEST_F(PasswordWindow, APageThatIsTooSmallForItSaysThatAQuestionWaits) {
+TEST_F(PasswordWindow, ATooSmallPageReportsAWaitingPrompt) {
   ask();
   const Size small{10, 50};
   EXPECT_THAT(rowsOf(driver, small), Contains(HasSubstr("A prompt is waiting. Make this window larger")));

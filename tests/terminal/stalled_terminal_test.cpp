@@ -67,7 +67,7 @@ class UnreadTerminal {
   pid_t program_ = -1;
 };
 
-TEST(StalledTerminal, TheCopyGoesOnThoughNothingCanBeDrawn) {
+TEST(StalledTerminal, TheCopyContinuesWhileTheTerminalIsStalled) {
   std::string script = "thread\nmax 1953125\n";
   for (int i = 1; i <= 3000; ++i) {
     script += "value " + std::to_string(i * 600) + "\nstatus Installing... " + std::to_string(i) + "\n";

@@ -81,7 +81,7 @@ TEST_F(TerminalInstall, AFailureIsASheetAndIsNamedOnTheLastPage) {
   EXPECT_THAT(terminal.waitFor("[ended with"), HasSubstr("[ended with 1]"));
 }
 
-TEST_F(TerminalInstall, WithoutItsDataFolderThePageLeadsToALastPageThatSaysSo) {
+TEST_F(TerminalInstall, ReportsAMissingDataFolderOnTheLastPage) {
   layOneDiscSet();
   std::filesystem::remove_all(kTanvo);
   TmuxTerminal terminal(80, 24, runCommand());

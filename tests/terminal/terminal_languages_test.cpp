@@ -27,13 +27,13 @@ struct Language {
   const char* lastWord;
 };
 
-class TerminalSpeaks : public InUtf8, public testing::WithParamInterface<Language> {
+class TerminalInLanguage : public InUtf8, public testing::WithParamInterface<Language> {
  protected:
   static std::string screenOf(const char* name) { return std::string(GetParam().name) + "-" + name; }
   static TmuxTerminal::Environment language() { return {{"LANGUAGE", GetParam().name}}; }
 };
 INSTANTIATE_TEST_SUITE_P(
-    Each, TerminalSpeaks,
+    Each, TerminalInLanguage,
     testing::Values(
         Language{"de", "Mit Fortfahren beginnt die Installation.", "[ Fortfahren ]", "abgeschlossen.",
                  "Den Installer verlassen?",
@@ -49,7 +49,7 @@ INSTANTIATE_TEST_SUITE_P(
                  "インストールに失敗しました。コピー: 0 bytes（"}),
     [](const auto& tested) { return std::string(tested.param.name); });
 
-TEST_P(TerminalSpeaks, ItsLanguageFromTheFirstPageToTheLast) {
+TEST_P(TerminalInLanguage, ItsLanguageFromTheFirstPageToTheLast) {
   layTwoDiscSet();
   setAttributes(
       "Mode = InstallFromVolumes\nInstallDataTitle = Installing Tessaphon Data\nTotalSizeMillionsBytes = 2\n");
@@ -72,7 +72,7 @@ constexpr const char* kShortCopy =
     "thread\ninstructions Now installing.\nmax 1953125\nvalue 840000\nstatus Installing... Keyboards\n"
     "wait /tmp/go\nready 1\nnext 1\n";
 
-TEST_P(TerminalSpeaks, ItsLanguageWhileItCopiesAndWhenItIsLeft) {
+TEST_P(TerminalInLanguage, ItsLanguageWhileItCopiesAndWhenItIsLeft) {
   TmuxTerminal terminal(60, 20, runScript(kShortCopy), language());
   terminal.waitFor(GetParam().button);
   terminal.press({"Enter"});
@@ -87,7 +87,7 @@ TEST_P(TerminalSpeaks, ItsLanguageWhileItCopiesAndWhenItIsLeft) {
   EXPECT_THAT(terminal.waitFor("[ended with"), AllOf(HasSubstr(GetParam().stopped), HasSubstr("with 1]")));
 }
 
-TEST_P(TerminalSpeaks, ItsLanguageWhenAllIsInstalled) {
+TEST_P(TerminalInLanguage, ItsLanguageWhenAllIsInstalled) {
   TmuxTerminal terminal(
       80, 24, runScript("thread\nmax 1953125\nvalue 1953125\ninstructions All done.\nready 1\nnext 1\n"),
       language());
@@ -101,7 +101,7 @@ TEST_P(TerminalSpeaks, ItsLanguageWhenAllIsInstalled) {
 }
 
 // What the page says and what the program says of it come in one language.
-TEST_P(TerminalSpeaks, TheLanguageOfThePage) {
+TEST_P(TerminalInLanguage, TheLanguageOfThePage) {
   layTwoDiscSet();
   std::filesystem::remove_all(kTanvo);
   TmuxTerminal terminal(80, 24, runCommand(), language());

@@ -62,7 +62,7 @@ void expectTerminalAsBefore(TmuxTerminal& terminal) {
   EXPECT_EQ(terminal.ask("#{alternate_on} #{cursor_flag} #{mouse_any_flag} #{keypad_cursor_flag}"), "0 1 0 0");
 }
 
-TEST_F(TerminalLeaving, ControlCAsksAndSaysWhatIsLeftHalfDone) {
+TEST_F(TerminalLeaving, ControlCAsksAndWarnsOfAnIncompleteInstall) {
   RunningInstall install;
   install.terminal.press({"C-c"});
   install.terminal.waitFor("Leave the installer?");
@@ -146,7 +146,7 @@ TEST_F(TerminalLeaving, StandardInputThatIsClosedDoesNotStopTheInstall) {
   EXPECT_TRUE(exists("/tmp/finished"));
 }
 
-TEST_F(TerminalLeaving, WithoutATerminalCommandsMayStillSpeak) {
+TEST_F(TerminalLeaving, WithoutATerminalCommandsCanStillPrint) {
   const std::string script =
       "thread\nmax 1953125\nvalue 840000\nwait /tmp/go\n"
       "run for i in $(seq 20000); do echo 'a line that nobody reads any more' >&2; done; touch /tmp/spoken\n"
@@ -159,7 +159,7 @@ TEST_F(TerminalLeaving, WithoutATerminalCommandsMayStillSpeak) {
   EXPECT_TRUE(exists("/tmp/spoken"));
 }
 
-TEST_F(TerminalLeaving, AQuestionThatNobodyCanAnswerAnyMoreEndsTheInstall) {
+TEST_F(TerminalLeaving, AnAlertThatCannotBeAnsweredEndsTheInstall) {
   RunningInstall install(std::string(kLongCopy) +
                          "alert Next disc|Please insert B|OK\nrun touch /tmp/answered\n");
   install.terminal.close();

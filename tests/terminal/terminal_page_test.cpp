@@ -41,7 +41,7 @@ void enter(TmuxTerminal& terminal, const std::string& text) {
   terminal.waitFor(text);
 }
 
-TEST_F(TerminalPageTest, ASheetStandsAboveTheCopyAndDoesNotStopIt) {
+TEST_F(TerminalPageTest, ShowsASheetWithoutStoppingTheCopy) {
   TmuxTerminal terminal(80, 24,
                         runScript(std::string(kCopy) +
                                   "sheet Failed to open input file.\nwait /tmp/more\n"
@@ -187,7 +187,7 @@ TEST_F(TerminalPageTest, WithSixteenColoursTheFirstOfThemAreUsed) {
   EXPECT_THAT(terminal.waitForColoured("\033[36m"), Not(HasSubstr("38;5")));
 }
 
-TEST_F(TerminalPageTest, NoColorMeansNoColour) {
+TEST_F(TerminalPageTest, HonoursNoColor) {
   TmuxTerminal terminal(80, 24, runScript(std::string(kCopy) + kQuestion + kEnd), {{"NO_COLOR", "1"}});
   enter(terminal, "[ Skip ]");
   // Where the focus is shows all the same.

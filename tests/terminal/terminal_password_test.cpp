@@ -262,7 +262,7 @@ TEST_F(TerminalPassword, StoppingPlainLinesAtAQuestionGivesTheTerminalBack) {
   EXPECT_FALSE(exists("/tmp/asked"));
 }
 
-TEST_F(TerminalPassword, WithoutATerminalTheCommandItselfSaysThatItCannotAsk) {
+TEST_F(TerminalPassword, WithoutATerminalTheCommandReportsThatItCannotPrompt) {
   let("go");
   std::vector<std::string> command = asPlainLines(askingPage());
   command.insert(command.begin(), {"/usr/bin/setsid", "--wait"});

@@ -47,7 +47,7 @@ TEST_F(TerminalStart, WithoutATerminalThereArePlainLines) {
   EXPECT_THAT(outcome.output, AllOf(HasSubstr("Scripted Page\n  Now installing.\n"), Not(HasSubstr("\033"))));
 }
 
-TEST_F(TerminalStart, WhatKeepsTheEngineFromStartingIsSaidWithoutAPage) {
+TEST_F(TerminalStart, ReportsAnEngineThatCannotStartWithoutAPage) {
   writeFile(kPackageFile, "");
   TmuxTerminal terminal(80, 24, runCommand({"--bundle", "/tmp/nothing"}));
   EXPECT_THAT(terminal.waitFor("[ended with"),

@@ -38,7 +38,7 @@ constexpr const char* kTwoDiscs =
     "Mode = InstallFromVolumes\nNumberOfVolumes = 2\nTotalSizeMillionsBytes = 1200\n"
     "InstallDataTitle = Installing Tessaphon\n";
 
-TEST_F(IntroductionPage, DiscsAreToldByTheirNames) {
+TEST_F(IntroductionPage, DiscsAreListedByName) {
   EXPECT_THAT(introduceSet(kTwoDiscs).from, ElementsAre("Disc Tavenhall Tessaphon A", "Disc Tessaphon B"));
 }
 
@@ -99,13 +99,13 @@ TEST_F(IntroductionPage, JustEnoughRoomIsNoWarning) {
   EXPECT_FALSE(introduceSet(kTwoDiscs).isRoomShort());
 }
 
-TEST_F(IntroductionPage, ASizeThatIsNotAnnouncedIsSaidToBeSo) {
+TEST_F(IntroductionPage, AMissingSizeIsReported) {
   const Introduction introduction = introduceSet("Mode = InstallFromVolumes\n");
   EXPECT_FALSE(introduction.isRoomShort());
   EXPECT_THAT(textOf(introductionLines(introduction, 60)), Contains("Size    not announced"));
 }
 
-TEST_F(IntroductionPage, ADiskThatDoesNotSayWhatIsFreeIsPassedOver) {
+TEST_F(IntroductionPage, IgnoresADiskWhoseFreeSpaceIsUnknown) {
   free.reset();
   const Introduction introduction = introduceSet(kTwoDiscs);
   EXPECT_FALSE(introduction.isRoomShort());

@@ -42,7 +42,7 @@ TEST(ProgressMeter, PercentsAreRoundedDown) {
   EXPECT_EQ(meter.percent(), 1);
 }
 
-TEST(ProgressMeter, ItNeverSaysAHundredBeforeThePageFillsItsBar) {
+TEST(ProgressMeter, ShowsNoHundredPercentBeforeThePageFillsItsBar) {
   ProgressMeter meter = started(1000);
   setValue(meter, 1000, at(3));
   EXPECT_EQ(meter.percent(), 99);
@@ -107,7 +107,7 @@ void copySteadily(ProgressMeter& meter, double unitsASecond, double seconds) {
   }
 }
 
-TEST(ProgressMeter, RateAndTimeLeftAreToldOfASteadyCopy) {
+TEST(ProgressMeter, ShowsRateAndTimeLeftOfASteadyCopy) {
   ProgressMeter meter = started(12000);
   copySteadily(meter, 100, 30);
   EXPECT_NEAR(meter.rate(at(30)).value_or(0), 102400, 2000);

@@ -134,14 +134,14 @@ TEST(SteadyTimeLeft, ALastingSlownessRaisesTheNumber) {
   EXPECT_EQ(left.minutes(), 20);
 }
 
-TEST(SteadyTimeLeft, WhatCannotBeKnownHidesTheNumber) {
+TEST(SteadyTimeLeft, AnUnknownEstimateHidesTheNumber) {
   SteadyTimeLeft left;
   left.set(Seconds(0), minutes(5));
   left.set(Seconds(1), std::nullopt);
   EXPECT_FALSE(left.minutes());
 }
 
-TEST(SteadyTimeLeft, AWildNumberIsNeverTold) {
+TEST(SteadyTimeLeft, ANumberThatVariesTooMuchIsNotShown) {
   SteadyTimeLeft left;
   left.set(Seconds(0), minutes(100 * 60 + 1));
   EXPECT_FALSE(left.minutes());

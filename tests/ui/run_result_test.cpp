@@ -37,7 +37,7 @@ RunResult resultWith(ExitStatus status) {
   return result;
 }
 
-TEST_F(RunResults, SuccessSaysWhatWasInstalledWhereAndWhereTheLogIs) {
+TEST_F(RunResults, SuccessNamesTheContentTheDestinationAndTheLog) {
   const RunResult result = resultWith(ExitStatus::success);
   EXPECT_EQ(resultHeading(result).text, "The installation was successful.");
   EXPECT_THAT(textOf(resultLines(result, 80)),
@@ -46,7 +46,7 @@ TEST_F(RunResults, SuccessSaysWhatWasInstalledWhereAndWhereTheLogIs) {
                           "Log        /Users/tester/Library/Caches/Tavenhall/installationLog.txt"));
 }
 
-TEST_F(RunResults, WhatNobodyCountedIsNotSaid) {
+TEST_F(RunResults, UnknownFiguresAreNotShown) {
   RunResult result = resultWith(ExitStatus::success);
   result.bytesWritten.reset();
   EXPECT_EQ(resultLines(result, 80).front().back().text, "in 1 min 15 s");
@@ -127,13 +127,13 @@ TEST_F(RunResults, NothingCopiedIsAFailedInstallation) {
   EXPECT_EQ(resultHeading(result).text, "The installation failed.");
 }
 
-TEST_F(RunResults, AnEngineThatCameToNoEndIsSaidToHave) {
+TEST_F(RunResults, AnEngineThatWasKilledIsReported) {
   RunResult result = resultWith(ExitStatus::failure);
   result.hasSummary = false;
   EXPECT_EQ(resultHeading(result).text, "The installation ended unexpectedly.");
 }
 
-TEST_F(RunResults, SuccessNeverStandsOverAFailureThatOnlyTheLogTells) {
+TEST_F(RunResults, ReportsAFailureThatOnlyTheLogRecords) {
   writeFile(kLogFile, banner() + record("mkdir2 sudo mkdir /T/a 256 2 /T/a"));
   RunResult result = resultWith(ExitStatus::success);
   result.failures = failuresInLog(kLogFile, 0);
@@ -143,7 +143,7 @@ TEST_F(RunResults, SuccessNeverStandsOverAFailureThatOnlyTheLogTells) {
   EXPECT_THAT(textOf(resultLines(result, 80)), Contains("  /T/a"));
 }
 
-TEST_F(RunResults, WhatCommandsSaidComesLast) {
+TEST_F(RunResults, TheOutputOfCommandsComesLast) {
   RunResult result = resultWith(ExitStatus::success);
   result.messages = {"sudo: a password is required"};
   const auto lines = textOf(resultLines(result, 80));
@@ -151,7 +151,7 @@ TEST_F(RunResults, WhatCommandsSaidComesLast) {
   EXPECT_EQ(lines.back(), "  sudo: a password is required");
 }
 
-TEST_F(RunResults, TheLastWordOnTheTerminalTellsTheSame) {
+TEST_F(RunResults, TheClosingTextStatesTheSame) {
   EXPECT_EQ(closingText(resultWith(ExitStatus::success)),
             "Installed 204.8 MB in 1 min 15 s.\n"
             "The log is /Users/tester/Library/Caches/Tavenhall/installationLog.txt.\n");

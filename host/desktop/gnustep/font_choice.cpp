@@ -12,7 +12,7 @@ struct Destroy {
 };
 using Pattern = std::unique_ptr<FcPattern, Destroy>;
 
-// What comes nearest to a description such as "sans-serif:lang=ja:bold"; null where there is no font.
+// The font that matches a pattern such as "sans-serif:lang=ja:bold" best; null if there is no font.
 Pattern nearest(const std::string& description) {
   const Pattern wanted(FcNameParse(reinterpret_cast<const FcChar8*>(description.c_str())));
   FcConfigSubstitute(nullptr, wanted.get(), FcMatchPattern);

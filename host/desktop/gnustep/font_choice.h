@@ -11,9 +11,9 @@ struct FontChoice {
   bool hasLetters = true;  // those of the language
 };
 
-// What texts in that language, named as its folder in a bundle is, are shown in: Liberation Sans if it has the
-// letters, or else what the system's settings prefer among the fonts that have them. GNUstep itself shows a
-// question mark for each letter that its font lacks.
+// Chooses the fonts for a language, which is named like its folder in a bundle: Liberation Sans if it has the
+// characters, otherwise the font with these characters that the system's settings prefer. GNUstep itself shows
+// a question mark for each character that its font lacks.
 [[nodiscard]] FontChoice chooseFonts(const std::string& language);
 
 }  // namespace tavenhall

@@ -6,7 +6,7 @@
 #import "host/desktop/palette.h"
 #include "platform/strings_language.h"
 
-#include "host/base/errors.h"
+#include "host/base/exit_status.h"
 #include "host/base/text.h"
 #import <AppKit/AppKit.h>
 

@@ -3,7 +3,7 @@
 #import <AppKit/AppKit.h>
 #import <GNUstepGUI/GSTheme.h>
 
-// How GNUstep's controls and window frames look in this program. Main thread.
+// The theme for GNUstep's controls and window frames in this program. Main thread.
 @interface PageTheme : GSTheme {
  @private
   NSColorList* colors_;

@@ -5,7 +5,7 @@
 #include "host/base/text.h"
 #import <AppKit/AppKit.h>
 
-// AppKit has its own look here; what a program is expected to bring along is the menu with Quit.
+// AppKit has its own appearance here; the program adds only the menu with Quit.
 
 void setUpLanguages() {}
 

@@ -26,7 +26,7 @@ TEST(Alerts, AreMadeWithTheirButtonsInOrderTheirTextsAndTheirStyle) {
                    "NSAlert runModal"}));
 }
 
-TEST(Alerts, ATextThatIsNoUtf8IsShownAllTheSame) {
+TEST(Alerts, ShowsATextThatIsNotUtf8) {
   test::recordAlerts([] { return 1000L; });
   constexpr std::array<const char*, 1> kButton = {"OK"};
 

@@ -37,7 +37,7 @@ class Controls : public testing::Test {
   LayoutProgressIndicator bar_{barOutlet_};
 };
 
-TEST_F(Controls, ATextIsShownWhateverItHolds) {
+TEST_F(Controls, ShowsEveryText) {
   for (const char* shown : {"plain", " ", "", "a & b && c", "&", "100 % %s"}) {
     text_.setTitleWithMnemonic(shown);
     EXPECT_EQ(recordedCalls().back(), std::string("text setTitleWithMnemonic: ") + shown);

@@ -45,7 +45,7 @@ TEST(Removal, OfWhatIsNotThereFailsWithItsDescription) {
   EXPECT_EQ(removal.localizedFailureReason, "");
 }
 
-TEST(Removal, TellsTheDescriptionAndTheReasonOfItsError) {
+TEST(Removal, LogsTheDescriptionAndTheReasonOfItsError) {
   test::recordFileManager();
   NSDictionary* texts =
       [NSDictionary dictionaryWithObjectsAndKeys:@"\u201CTessaphon\u201D couldn\u2019t be removed.",
@@ -89,7 +89,7 @@ TEST(Permissions, AreSetOnTheItemAloneByAManagerOfTheirOwn) {
                                     "/Library/Audio/Plug-Ins/VST error: NULL"}));
 }
 
-TEST(Permissions, WhatIsNotThereIsLeftAlone) {
+TEST(Permissions, AMissingFileIsIgnored) {
   setPosixPermissions("/Library/nothing", 511);
   EXPECT_EQ(recordedCalls(), Calls{});
 }

@@ -221,7 +221,7 @@ TEST_F(RecordedInstall, AnUpdateCallsThePlatformInThisOrder) {
            "setPreviousEnabled: NO"}));
 }
 
-TEST_F(RecordedInstall, TheLogTellsWhyAnOldPluginCouldNotBeRemoved) {
+TEST_F(RecordedInstall, TheLogHasTheReasonWhyAnOldPluginWasNotRemoved) {
   layTree(kSet,
           {textFile(".InstallationAttributes.dat", "Mode = TavenhallUpdater\n"), textFile("Installer.pkg", ""),
            file("Library/Audio/Plug-Ins/VST/Tessaphon.vst/Contents/plugin", 1024)});
@@ -243,7 +243,7 @@ TEST_F(RecordedInstall, TheLogTellsWhyAnOldPluginCouldNotBeRemoved) {
   EXPECT_EQ(*std::next(unable), " ...  \xE2\x80\x9CTessaphon.vst\xE2\x80\x9D is in use. Quit it & try again.");
 }
 
-TEST_F(RecordedInstall, WithoutAThreadTheSheetSaysSoAndTheAssertionsAreGivenBack) {
+TEST_F(RecordedInstall, WithoutAThreadShowsASheetAndReleasesTheAssertions) {
   setAttributes("Mode = DataUpdater\n");
   makeFolder("/Users/tester/Library/Application Support/Tavenhall/TANVO");
   makePane();

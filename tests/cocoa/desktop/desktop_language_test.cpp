@@ -127,7 +127,7 @@ TEST(DesktopLanguage, TheHelpIsInGermanAndNamesTheVariables) {
   }
 }
 
-TEST(DesktopLanguage, ARefusalIsSaidInJapanese) {
+TEST(DesktopLanguage, ReportsARefusalInJapanese) {
   laySet();
   makeFolder(kTanvo);
   const int other = open("/Users/tester/Library/Application Support", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -159,7 +159,7 @@ TEST(DesktopLanguage, WhatIsSetForAllProgramsGoesBeforeTheEnvironment) {
                                              "step: データのインストール", "button: 戻る, off"}));
 }
 
-TEST(DesktopLanguage, WithoutAFontForItsLettersItSaysSoOnStandardError) {
+TEST(DesktopLanguage, ReportsAMissingFontOnStandardError) {
   laySet();
   writeFile("/tmp/latin.conf", "<fontconfig><dir>/usr/share/fonts/truetype/liberation</dir></fontconfig>\n");
 

@@ -58,7 +58,7 @@ class DesktopRuns : public testing::Test {
   DesktopProgram run_;
 };
 
-TEST_F(DesktopRuns, TheIntroductionSaysWhatWillBeInstalledFromWhereAndToWhere) {
+TEST_F(DesktopRuns, TheIntroductionNamesContentSourceAndDestination) {
   EXPECT_EQ(run_.productName(), "Tessaphon");
   EXPECT_EQ(run_.introduction().heading.text, "Welcome to the Tessaphon installer");
   const std::vector<std::string> lines = textOf(run_.introduction());

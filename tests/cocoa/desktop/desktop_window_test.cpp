@@ -134,7 +134,7 @@ TEST_F(DesktopWindow, ClosedAtTheIntroductionItHasTouchedNothing) {
   EXPECT_FALSE(exists(kLog));
 }
 
-TEST(DesktopProgram, WithoutAnyFontItSaysSoAndEnds) {
+TEST(DesktopProgram, ReportsThatThereIsNoFontAndEnds) {
   writeFile("/tmp/no-fonts.conf", "<fontconfig></fontconfig>\n");
   writeFile(kPackage, "");
   const VirtualDisplay display;
@@ -145,7 +145,7 @@ TEST(DesktopProgram, WithoutAnyFontItSaysSoAndEnds) {
   EXPECT_THAT(outcome.error, HasSubstr("tavinstall: no font is found; install one, such as Liberation Sans\n"));
 }
 
-TEST(DesktopProgram, WhatCannotBeUsedIsSaidBeforeThereIsAnyWindow) {
+TEST(DesktopProgram, ReportsABadArgumentBeforeAnyWindow) {
   const Outcome outcome = runThrough({kProgram, "--package", "/Users/tester/none.pkg"});
   EXPECT_EQ(outcome.status, 2);
   EXPECT_THAT(outcome.error, HasSubstr("no package at /Users/tester/none.pkg"));

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/protocol/events.h"
+#include "host/protocol/messages.h"
 
 #import <AppKit/AppKit.h>
 #include <functional>

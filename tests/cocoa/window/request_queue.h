@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/base/line_reader.h"
+#include "host/base/files.h"
 #include "host/protocol/json_form.h"
 
 #include <deque>

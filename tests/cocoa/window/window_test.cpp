@@ -178,7 +178,7 @@ TEST_F(Window, ASecondDispatchIsServedWhileAnAlertIsUp) {
             "both threads have ended\n");
 }
 
-TEST_F(Window, AStartThatFoundNoFontsIsDoneOnceMoreAndSaid) {
+TEST_F(Window, RepeatsAndReportsAStartWithoutFonts) {
   hideFonts(1);
   const OneRetry retry;
   const Outcome outcome = run("dispatches");
@@ -187,7 +187,7 @@ TEST_F(Window, AStartThatFoundNoFontsIsDoneOnceMoreAndSaid) {
   EXPECT_THAT(outcome.output, StartsWith("the alert begins\n"));
 }
 
-TEST_F(Window, AnInstallersStartThatFoundNoFontsIsDoneOnceMoreAndSaid) {
+TEST_F(Window, RepeatsAndReportsAnInstallersStartWithoutFonts) {
   hideFonts(1);
   const OneRetry retry;
   const auto installer = startInstaller();

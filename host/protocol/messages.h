@@ -5,7 +5,7 @@
 #include <variant>
 #include <vector>
 
-// What an engine reports to its frontend. The events of one run, in order:
+// The events that an engine reports to its frontend. Those of one run, in order:
 //
 //   Title                       any time, in reply to Command::title
 //   PreviousEnabled ... Sheet   while the page is entered and while its threads run
@@ -14,11 +14,12 @@
 //   Exit                        in reply to Command::forward and Command::back
 //   Summary                     last; nothing follows
 //
-// protocol/json_form.h has their public form. Texts are as the page gave them, blanks and percent signs
-// included.
+// protocol/json_form.h has their public form. Texts are the page's own, with its blanks and percent signs.
+//
+// A frontend sends requests to an engine; they are at the end of this file.
 namespace tavenhall::event {
 
-// Where the copy stands. Zero and empty until the first file.
+// The progress of the copy. Zero and empty until the first file.
 struct CopyState {
   std::int32_t volume = 0;       // from 1; 0 before the first
   std::int32_t volumeCount = 0;  // of the running pass
@@ -82,7 +83,7 @@ struct CopyEnd {
   std::int64_t filesDone = 0;
 };
 
-// A question. The page waits for an Answer: kAlertFirstButtonReturn for the first button, and on from there.
+// The page waits for an Answer: kAlertFirstButtonReturn for the first button, and on from there.
 struct Alert {
   std::string message;
   std::string informative;
@@ -90,13 +91,13 @@ struct Alert {
   int style = 0;
 };
 
-// A notice of a failure. The page does not wait.
+// A failure. The page does not wait.
 struct Sheet {
   std::string button;
   std::string message;
 };
 
-// The page asks that the display or the machine stays awake, and no longer.
+// The page takes and releases a power assertion.
 struct Assertion {
   std::string type;
   std::uint32_t level = 0;
@@ -106,12 +107,12 @@ struct AssertionRelease {
   std::string type;
 };
 
-// A command line that was not understood.
+// A request that is not valid.
 struct Error {
   std::string message;
 };
 
-// How the run went.
+// The result of the run.
 struct Summary {
   struct ShownAlert {
     Alert alert;
@@ -147,5 +148,24 @@ struct EventVisitor : Handlers... {
 };
 template <typename... Handlers>
 EventVisitor(Handlers...) -> EventVisitor<Handlers...>;
+
+// ---- Requests. Commands form one queue and are performed one after the other; answers form a queue of their
+// ---- own, so an answer may be sent before its alert
+
+enum class Command {
+  title,    // report the page's title
+  enter,    // enter the page, once no page thread runs; this starts an install
+  wait,     // report when no page thread runs
+  forward,  // ask to leave the page forwards
+  back,     // ask to leave the page backwards
+  quit,     // end the engine, also while an install runs
+};
+
+// The answer to an alert: kAlertFirstButtonReturn for its first button, and on from there.
+struct Answer {
+  int button = 0;
+};
+
+using Request = std::variant<Command, Answer>;
 
 }  // namespace tavenhall

@@ -1,9 +1,15 @@
-#include "host/terminal/screen_restorer.h"
+#include "host/terminal/terminal_device.h"
+#include "host/base/display_text.h"
+#include "host/terminal/curses_includes.h"
 
 #include <algorithm>
 #include <array>
 #include <csignal>
 #include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
+#include <term.h>
 #include <unistd.h>
 
 namespace tavenhall {
@@ -32,7 +38,7 @@ void restoreTerminal() {
   tcsetattr(crashTerminal, TCSANOW, &modesBefore);
 }
 
-// The signal comes again when the handler returns, and then does what it does without one.
+// The signal is raised again when the handler returns, and then has its default action.
 void restoreAndDie(int signal) {
   restoreTerminal();
   std::signal(signal, SIG_DFL);
@@ -78,5 +84,52 @@ ScreenRestorer::~ScreenRestorer() {
 }
 
 void ScreenRestorer::setScreenModes() noexcept { tcsetattr(terminal_, TCSANOW, &screenModes_); }
+
+namespace {
+
+std::string written;
+
+int writeCharacter(int character) {
+  written += static_cast<char>(character);
+  return character;
+}
+
+// The characters of a capability, without padding.
+std::string capability(const char* name) {
+  const char* text = tigetstr(name);
+  // The library returns -1 for a capability that is not a text.
+  if (text == nullptr || reinterpret_cast<std::intptr_t>(text) == -1) {
+    return {};
+  }
+  written.clear();
+  tputs(text, 1, writeCharacter);
+  return written;
+}
+
+}  // namespace
+
+bool terminalIsUsable() {
+  int result = 0;
+  if (isatty(STDIN_FILENO) == 0 || isatty(STDOUT_FILENO) == 0 ||
+      setupterm(nullptr, STDOUT_FILENO, &result) != OK) {
+    return false;
+  }
+  const bool isUsable = !capability("cup").empty() && !capability("clear").empty();
+  del_curterm(cur_term);  // a screen reads its terminal's description for itself
+  return isUsable;
+}
+
+bool terminalHasSigns() {
+  const char* term = std::getenv("TERM");
+  return localeShowsUnicode() && !(term != nullptr && std::string_view(term).starts_with("linux"));
+}
+
+std::string leaveScreenSequence() {
+  // terminfo has no capability for mouse reports.
+  const std::string withoutMouse = "\033[?1006l\033[?1000l";
+  const std::string normalScreen = capability("rmcup");
+  return capability("sgr0") + capability("op") + (capability("kmous").empty() ? "" : withoutMouse) +
+         capability("rmkx") + capability("cnorm") + (normalScreen.empty() ? capability("clear") : normalScreen);
+}
 
 }  // namespace tavenhall

@@ -1,4 +1,4 @@
-#include "host/base/errors.h"
+#include "host/base/exit_status.h"
 
 #include "host/base/text.h"
 
