@@ -102,6 +102,7 @@ std::optional<ExitStatus> DesktopProgram::read(int argumentCount, char** argumen
     }
     bundlePath_ = options_.bundle.string();
     description_ = describeRun(planFor(options_));
+    logStart_ = sizeOfFile(description_.log);
     const Lock lock(meterMutex_);
     meter_ = ProgressMeter(description_.introduction.barWraps);
     closeInput();
@@ -163,11 +164,11 @@ void DesktopProgram::end() noexcept {
     meter_.finish(Clock::now());
     result_.status = ExitStatus::success;
     result_.hasSummary = true;
-    result_.bytesWritten = meter_.copied();
+    result_.bytes = meter_.copied();
     result_.time = meter_.passed(Clock::now());
     result_.destination = description_.introduction.destination;
     result_.log = description_.log;
-    result_.failures = description_.failures();
+    result_.failures = failuresInLog(description_.log, logStart_);
     return true;
   });
 }

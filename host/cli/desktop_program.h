@@ -41,6 +41,7 @@ class DesktopProgram final : public DesktopRun {
   EngineOptions options_;
   std::string bundlePath_;
   RunDescription description_;
+  std::int64_t logStart_ = 0;  // bytes: where this run begins in the log
   std::unique_ptr<InstallLock> lock_;
   Mutex meterMutex_;
   ProgressMeter meter_ GUARDED_BY(meterMutex_);

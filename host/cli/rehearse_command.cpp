@@ -28,7 +28,6 @@ RunDescription describe(const RehearsalScene& scene) {
   }
   const bool isKept = !scene.keptFolder.empty();
   description.log = isKept ? scene.log : "";
-  description.failures = [log = scene.log] { return failuresInLog(log, 0); };
   description.afterStop =
       isKept ? format(_("What was installed so far is in {0}."), {scene.keptFolder}) : _("Nothing was kept.");
   return description;

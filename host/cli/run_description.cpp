@@ -132,9 +132,9 @@ Failures failuresInLog(const std::string& log, std::int64_t start) {
   }
   LoggedRuns runs([&failures](const LoggedRun& run) {
     for (const RunFailure& failure : run.failures) {
-      failures.first.push_back({failure.kind, failure.file.empty() ? failure.detail : failure.file});
+      failures.add({failure.kind, failure.file.empty() ? failure.detail : failure.file, ""});
     }
-    failures.count += run.failureCount;
+    failures.count += run.failureCount - static_cast<std::int64_t>(run.failures.size());
   });
   LogRecords records([&runs](const LogRecord& record) { runs.add(record); });
   std::array<char, 65536> piece{};
@@ -180,8 +180,6 @@ RunDescription describeRun(const InstallPlan& plan) {
   RunDescription description;
   description.introduction = introduce(plan, freeBytesAt);
   description.log = usersInstallationLog();
-  const std::int64_t logStart = sizeOfFile(description.log);
-  description.failures = [log = description.log, logStart] { return failuresInLog(log, logStart); };
   return description;
 }
 

@@ -6,188 +6,25 @@
 #include "host/protocol/json_form.h"
 
 #include <array>
-#include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <poll.h>
 #include <unistd.h>
 #include <utility>
 
 namespace tavenhall {
 
-namespace {
-
-constexpr const char* kCopyThread = "copySingleVolume";
-constexpr double kStillRunning = -1.0;  // in place of a copy thread's seconds
-
-std::string textOrEmpty(const char* text) { return text != nullptr ? text : ""; }
-
-double secondsSince(std::chrono::steady_clock::time_point start) {
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-}  // namespace
-
-// ---- Controls ----
-
-void Engine::Text::setTitleWithMnemonic(const char* text) noexcept {
-  const Lock lock(engine_.state_);
-  if (place_ == Place::instructions) {
-    engine_.report(event::Instructions{text});
-  } else {
-    engine_.report(event::Status{text});
-  }
-}
-
-void Engine::Bar::setMinValue(double value) noexcept {
-  const Lock lock(engine_.state_);
-  engine_.barMinimum_ = value;
-  engine_.report(event::ProgressMinimum{value});
-}
-
-void Engine::Bar::setMaxValue(double value) noexcept {
-  const Lock lock(engine_.state_);
-  engine_.barMaximum_ = value;
-  engine_.report(event::ProgressMaximum{value});
-}
-
-void Engine::Bar::setDoubleValue(double value) noexcept {
-  const Lock lock(engine_.state_);
-  engine_.barValue_ = value;
-  if (engine_.events_ != nullptr) {
-    engine_.report(event::ProgressValue{value, engine_.copyState()});
-  }
-}
-
-double Engine::Bar::maxValue() const noexcept {
-  const Lock lock(engine_.state_);
-  return engine_.barMaximum_;
-}
-
-double Engine::Bar::doubleValue() const noexcept {
-  const Lock lock(engine_.state_);
-  return engine_.barValue_;
-}
-
-void Engine::setNextEnabled(bool enabled) noexcept {
-  const Lock lock(state_);
-  isNextEnabled_ = enabled;
-  report(event::NextEnabled{enabled});
-}
-
-void Engine::setPreviousEnabled(bool enabled) noexcept {
-  const Lock lock(state_);
-  report(event::PreviousEnabled{enabled});
-}
-
-// ---- Dialogs and dispatch ----
-
-int Engine::runModal(const Alert& alert) noexcept {
-  main_.assertHeld();
-  {
-    const Lock lock(state_);
-    event::Alert shown{
-        alert.messageText, alert.informativeText, {alert.buttons.begin(), alert.buttons.end()}, alert.style};
-    report(shown);
-    summary_.alerts.push_back({std::move(shown), 0});
-  }
-  isAlertUp_ = true;
-  std::optional<int> answer;
-  while (!(answer = takeAnswer())) {
-    if (isInputClosed_) {
-      onNoAnswer_();
-    }
-    changed_.wait(main_);
-  }
-  isAlertUp_ = false;
-  changed_.notifyAll();
-  const Lock lock(state_);
-  summary_.alerts.back().answer = *answer;
-  return *answer;
-}
-
-void Engine::beginInformationalSheet(const Sheet& sheet) noexcept {
-  const Lock lock(state_);
-  event::Sheet shown{sheet.defaultButton, sheet.message};
-  report(shown);
-  summary_.sheets.push_back(std::move(shown));
-}
-
-void Engine::dispatchSync(void (*block)(void*), void* context) noexcept {
-  if (std::this_thread::get_id() == mainLoopThread_) {
-    std::fputs("tavinstall: dispatchSync was called on the main thread\n", stderr);
-    std::abort();
-  }
-  const Lock lock(main_);
-  while (isAlertUp_) {
-    changed_.wait(main_);
-  }
-  takeSnapshot();
-  block(context);
-}
-
-// ---- Notifications ----
-
-void Engine::pageThreadStarted(const char* name) noexcept {
-  const Lock lock(state_);
-  ++pageThreads_;
-  if (std::strcmp(name, kCopyThread) == 0) {
-    copyThreadStart_ = Clock::now();
-    summary_.copySeconds.push_back(kStillRunning);
-  }
-}
-
-void Engine::pageThreadEnded(const char* name) noexcept {
-  {
-    const Lock lock(state_);
-    --pageThreads_;
-    if (std::strcmp(name, kCopyThread) == 0) {
-      summary_.copySeconds.back() = secondsSince(copyThreadStart_);
-    }
-  }
-  // With main_ held, so that the main loop cannot miss it between its look at the threads and its wait.
-  const Lock lock(main_);
-  changed_.notifyAll();
-}
-
-void Engine::copyBegun(const TreeCopy& copy) noexcept {
-  ejectNote_.write(copy.source);
-  takeSnapshot();
-  const Lock lock(state_);
-  bytesAtCopyBegin_ = snapshot_.bytesWritten;
-  filesAtCopyBegin_ = snapshot_.filesDone;
-  // A folder beside the package belongs to no volume.
-  const std::string_view source = copy.source;
-  const bool isVolume = !snapshot_.sourceFolder.empty() && source.starts_with(snapshot_.sourceFolder);
-  copy_ = {copy.source, textOrEmpty(copy.destination), isVolume ? snapshot_.currentVolumeNumber + 1 : 0,
-           isVolume ? snapshot_.volumeCount : 0};
-  report(copy_);
-}
-
-void Engine::copyFinished(const TreeCopy& copy, bool isCopied) noexcept {
-  takeSnapshot();
-  const Lock lock(state_);
-  hasFailedCopy_ = hasFailedCopy_ || !isCopied;
-  report(event::CopyEnd{copy.source, textOrEmpty(copy.destination), isCopied,
-                        snapshot_.bytesWritten - bytesAtCopyBegin_, snapshot_.filesDone - filesAtCopyBegin_});
-}
-
-void Engine::assertionTaken(const char* type, std::uint32_t level, const char* name) noexcept {
-  const Lock lock(state_);
-  report(event::Assertion{type, level, name});
-}
-
-void Engine::assertionReleased(const char* type) noexcept {
-  const Lock lock(state_);
-  report(event::AssertionRelease{type});
-}
-
 // ---- The run ----
 
 Engine::Engine(EventWriter* events, EjectNote& ejectNote, std::function<void()> onNoAnswer)
-    : events_(events), ejectNote_(ejectNote), onNoAnswer_(std::move(onNoAnswer)) {}
+    : events_(events), ejectNote_(ejectNote), onNoAnswer_(std::move(onNoAnswer)) {
+  beginAudits();
+}
 
 Engine::~Engine() { stopReading(); }
+
+double Engine::secondsSince(Clock::time_point start) {
+  return std::chrono::duration<double>(Clock::now() - start).count();
+}
 
 void Engine::stopReading() {
   if (inputThread_.joinable()) {
@@ -283,6 +120,7 @@ void Engine::perform(Command command) {
       break;
     }
     case Command::enter: {
+      beginAudits();
       page_->didEnterPane(kDirectionForward);
       const Lock lock(state_);
       report(event::Entered{});
@@ -347,9 +185,14 @@ bool Engine::nextIsEnabled() const {
   return isNextEnabled_;
 }
 
+bool Engine::isInstalled() const {
+  return summary_.hasLeft && !hasFailedCopy_ && summary_.sheets.empty() && summary_.audit.failures == 0 &&
+         summary_.audit.files > 0;
+}
+
 bool Engine::isSuccess() const {
   const Lock lock(state_);
-  return summary_.hasLeft && !hasFailedCopy_ && summary_.sheets.empty();
+  return isInstalled();
 }
 
 event::Summary Engine::summary() const {
@@ -358,6 +201,7 @@ event::Summary Engine::summary() const {
   const Lock lock(state_);
   const PaneSnapshot& snapshot = isQuiet ? quietSnapshot : snapshot_;
   event::Summary summary = summary_;
+  summary.isInstalled = isInstalled();
   if (!summary.copySeconds.empty() && summary.copySeconds.back() == kStillRunning) {
     summary.copySeconds.back() = secondsSince(copyThreadStart_);
   }

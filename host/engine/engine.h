@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/audit/audit.h"
 #include "host/base/child_process.h"
 #include "host/base/mutex.h"
 #include "host/engine/stand_ins.h"
@@ -60,7 +61,8 @@ class Engine final : private InstallerHost {
   [[nodiscard]] bool inputIsClosed() const EXCLUDES(main_);
   [[nodiscard]] event::Summary summary() const EXCLUDES(state_);
 
-  // Whether the page was left forwards, every copy succeeded and no sheet reported a failure. Any thread.
+  // Whether everything is installed: the page was left forwards, every copy succeeded, no sheet reported a
+  // failure, and the audits found at least one file and no failure. Any thread.
   [[nodiscard]] bool isSuccess() const EXCLUDES(state_);
 
  private:
@@ -118,8 +120,12 @@ class Engine final : private InstallerHost {
   void report(const Event& event) REQUIRES(state_);
   [[nodiscard]] event::CopyState copyState() const REQUIRES(state_);
   void takeSnapshot() EXCLUDES(state_);
+  void beginAudits() EXCLUDES(state_);
+  [[nodiscard]] bool isInstalled() const REQUIRES(state_);
 
   using Clock = std::chrono::steady_clock;
+  static double secondsSince(Clock::time_point start);
+  static constexpr double kStillRunning = -1.0;  // in place of a copy thread's seconds
 
   EventWriter* const events_;
   EjectNote& ejectNote_;
@@ -151,8 +157,11 @@ class Engine final : private InstallerHost {
   std::int64_t bytesAtCopyBegin_ GUARDED_BY(state_) = 0;
   std::int64_t filesAtCopyBegin_ GUARDED_BY(state_) = 0;
   Clock::time_point copyThreadStart_ GUARDED_BY(state_);
+  bool isCopying_ GUARDED_BY(state_) = false;
   bool hasFailedCopy_ GUARDED_BY(state_) = false;
   event::Summary summary_ GUARDED_BY(state_);
+
+  std::optional<Audit> audit_;  // made by the main loop when the page is entered; then the copying thread's
 
   std::thread inputThread_;
   Pipe stopReading_;                     // its write end is closed to end that thread

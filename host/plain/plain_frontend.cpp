@@ -180,7 +180,7 @@ class PlainFrontend {
   void printResult(ExitStatus status) const {
     if (summary_) {
       const std::string amount =
-          format(_("{0} in {1}"), {sizeText(summary_->bytesWritten), durationText(summary_->seconds)});
+          format(_("{0} in {1}"), {sizeText(summary_->audit.bytes), durationText(summary_->seconds)});
       switch (status) {
         case ExitStatus::success: printLine(format(_("Installed {0}."), {amount})); break;
         case ExitStatus::noAnswer:

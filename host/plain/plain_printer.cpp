@@ -1,6 +1,7 @@
 #include "host/plain/plain_printer.h"
 
 #include "host/base/text.h"
+#include "host/ui/run_result.h"
 
 #include <algorithm>
 #include <array>
@@ -17,27 +18,32 @@ constexpr auto kPauseBetweenProgressLines = std::chrono::seconds(1);
 }  // namespace
 
 void PlainPrinter::show(const Event& event, Clock::time_point now) {
-  std::visit(EventVisitor{[&](const event::Title& title) { print_(printableText(title.text)); },
-                          [&](const event::Instructions& instructions) { showInstructions(instructions.text); },
-                          [&](const event::Status& status) {
-                            status_ = status.text == " " ? "" : status.text;  // a blank clears the line
-                            showProgress(now);
-                          },
-                          [&](const event::ProgressMinimum& minimum) { minimum_ = minimum.value; },
-                          [&](const event::ProgressMaximum& maximum) { maximum_ = maximum.value; },
-                          [&](const event::ProgressValue& progress) {
-                            const double range = maximum_ - minimum_;
-                            const double part = range > 0 ? (progress.value - minimum_) / range : 0.0;
-                            percent_ = static_cast<int>(std::floor(std::clamp(part, 0.0, 1.0) * 100.0));
-                            showProgress(now);
-                          },
-                          [&](const event::Alert& alert) { showAlert(alert); },
-                          [&](const event::Sheet& sheet) {
-                            flush();
-                            print_("! " + printableText(sheet.message));
-                          },
-                          [&](const event::Error& error) { print_("! " + printableText(error.message)); },
-                          [](const auto& /*other*/) {}},
+  std::visit(EventVisitor{
+                 [&](const event::Title& title) { print_(printableText(title.text)); },
+                 [&](const event::Instructions& instructions) { showInstructions(instructions.text); },
+                 [&](const event::Status& status) {
+                   status_ = status.text == " " ? "" : status.text;  // a blank clears the line
+                   showProgress(now);
+                 },
+                 [&](const event::ProgressMinimum& minimum) { minimum_ = minimum.value; },
+                 [&](const event::ProgressMaximum& maximum) { maximum_ = maximum.value; },
+                 [&](const event::ProgressValue& progress) {
+                   const double range = maximum_ - minimum_;
+                   const double part = range > 0 ? (progress.value - minimum_) / range : 0.0;
+                   percent_ = static_cast<int>(std::floor(std::clamp(part, 0.0, 1.0) * 100.0));
+                   showProgress(now);
+                 },
+                 [&](const event::Alert& alert) { showAlert(alert); },
+                 [&](const event::Sheet& sheet) {
+                   flush();
+                   print_("! " + printableText(sheet.message));
+                 },
+                 [&](const event::AuditFailure& failure) {
+                   flush();
+                   print_("! " + printableLine(failureText({failure.problem, failure.source, failure.detail})));
+                 },
+                 [&](const event::Error& error) { print_("! " + printableText(error.message)); },
+                 [](const auto& /*other*/) {}},
              event);
 }
 

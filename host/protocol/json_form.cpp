@@ -120,6 +120,32 @@ std::string line(const event::CopyEnd& copy) {
                            {"files", copy.filesDone}});
 }
 
+ordered_json auditFields(const event::Audit& audit) {
+  return {{"files", audit.files},
+          {"folders", audit.folders},
+          {"bytes", audit.bytes},
+          {"skipped", audit.skipped},
+          {"failures", audit.failures}};
+}
+
+std::string line(const event::Audit& audit) {
+  ordered_json object = {{"event", "audit"},
+                         {"source", audit.source},
+                         {"destination", audit.destination},
+                         {"volume", audit.volume}};
+  object.update(auditFields(audit));
+  return line(object);
+}
+
+std::string line(const event::AuditFailure& failure) {
+  return line(ordered_json{{"event", "audit.failure"},
+                           {"problem", failure.problem},
+                           {"source", failure.source},
+                           {"destination", failure.destination},
+                           {"volume", failure.volume},
+                           {"detail", failure.detail}});
+}
+
 std::string line(const event::Alert& alert) {
   return line(ordered_json{{"event", "alert"},
                            {"message", alert.message},
@@ -175,7 +201,9 @@ ordered_json summaryFields(const event::Summary& summary) {
           {"alerts", alerts},
           {"sheets", sheets},
           {"bytes", summary.bytesWritten},
-          {"files", summary.filesDone}};
+          {"files", summary.filesDone},
+          {"installed", summary.isInstalled},
+          {"audit", auditFields(summary.audit)}};
 }
 
 std::string line(const event::Summary& summary) {
@@ -184,137 +212,11 @@ std::string line(const event::Summary& summary) {
   return line(object);
 }
 
-// ---- Reading ----
-
-// A field's value; the default where the field is missing or of another type.
-std::string textIn(const ordered_json& object, const char* key) {
-  const auto field = object.find(key);
-  return field != object.end() && field->is_string() ? field->get<std::string>() : std::string();
-}
-
-bool flagIn(const ordered_json& object, const char* key) {
-  const auto field = object.find(key);
-  return field != object.end() && field->is_boolean() && field->get<bool>();
-}
-
-template <typename Number>
-Number numberIn(const ordered_json& object, const char* key) {
-  const auto field = object.find(key);
-  return field != object.end() && field->is_number() ? field->get<Number>() : Number{};
-}
-
-// Empty where there is no such list.
-const ordered_json& listIn(const ordered_json& object, const char* key) {
-  static const ordered_json kNone = ordered_json::array();
-  const auto field = object.find(key);
-  return field != object.end() && field->is_array() ? *field : kNone;
-}
-
-std::vector<std::string> textsIn(const ordered_json& object, const char* key) {
-  std::vector<std::string> texts;
-  for (const ordered_json& item : listIn(object, key)) {
-    texts.push_back(item.is_string() ? item.get<std::string>() : std::string());
-  }
-  return texts;
-}
-
-event::CopyState copyStateIn(const ordered_json& object) {
-  return {numberIn<std::int32_t>(object, "volume"), numberIn<std::int32_t>(object, "volumes"),
-          numberIn<std::int64_t>(object, "bytes"), numberIn<std::int64_t>(object, "files"),
-          textIn(object, "file")};
-}
-
-event::Alert alertIn(const ordered_json& object) {
-  return {textIn(object, "message"), textIn(object, "informative"), textsIn(object, "buttons"),
-          numberIn<int>(object, "style")};
-}
-
-event::Sheet sheetIn(const ordered_json& object) {
-  return {textIn(object, "button"), textIn(object, "message")};
-}
-
-event::Summary summaryIn(const ordered_json& object) {
-  event::Summary summary;
-  summary.hasLeft = flagIn(object, "left");
-  summary.ready = numberIn<std::int32_t>(object, "ready");
-  summary.mode = numberIn<std::int32_t>(object, "mode");
-  summary.seconds = numberIn<double>(object, "seconds");
-  summary.kBytesCopied = numberIn<std::int64_t>(object, "kBytesCopied");
-  summary.bytesWritten = numberIn<std::int64_t>(object, "bytes");
-  summary.filesDone = numberIn<std::int64_t>(object, "files");
-  for (const ordered_json& copy : listIn(object, "copies")) {
-    summary.copySeconds.push_back(numberIn<double>(copy, "seconds"));
-  }
-  for (const ordered_json& alert : listIn(object, "alerts")) {
-    summary.alerts.push_back({alertIn(alert), numberIn<int>(alert, "answer")});
-  }
-  for (const ordered_json& sheet : listIn(object, "sheets")) {
-    summary.sheets.push_back(sheetIn(sheet));
-  }
-  return summary;
-}
-
-using Decode = Event (*)(const ordered_json& object);
-
-constexpr std::array<std::pair<std::string_view, Decode>, 19> kDecoders{{
-    {"progress.value",
-     [](const ordered_json& o) -> Event {
-       return event::ProgressValue{numberIn<double>(o, "value"), copyStateIn(o)};
-     }},
-    {"status", [](const ordered_json& o) -> Event { return event::Status{textIn(o, "text")}; }},
-    {"title", [](const ordered_json& o) -> Event { return event::Title{textIn(o, "text")}; }},
-    {"entered", [](const ordered_json& /*o*/) -> Event { return event::Entered{}; }},
-    {"idle", [](const ordered_json& /*o*/) -> Event { return event::Idle{}; }},
-    {"exit",
-     [](const ordered_json& o) -> Event {
-       return event::Exit{numberIn<std::int64_t>(o, "direction"), flagIn(o, "allowed")};
-     }},
-    {"previous", [](const ordered_json& o) -> Event { return event::PreviousEnabled{flagIn(o, "enabled")}; }},
-    {"next", [](const ordered_json& o) -> Event { return event::NextEnabled{flagIn(o, "enabled")}; }},
-    {"instructions", [](const ordered_json& o) -> Event { return event::Instructions{textIn(o, "text")}; }},
-    {"progress.min",
-     [](const ordered_json& o) -> Event { return event::ProgressMinimum{numberIn<double>(o, "value")}; }},
-    {"progress.max",
-     [](const ordered_json& o) -> Event { return event::ProgressMaximum{numberIn<double>(o, "value")}; }},
-    {"copy.begin",
-     [](const ordered_json& o) -> Event {
-       return event::CopyBegin{textIn(o, "source"), textIn(o, "destination"),
-                               numberIn<std::int32_t>(o, "volume"), numberIn<std::int32_t>(o, "volumes")};
-     }},
-    {"copy.end",
-     [](const ordered_json& o) -> Event {
-       return event::CopyEnd{textIn(o, "source"), textIn(o, "destination"), flagIn(o, "copied"),
-                             numberIn<std::int64_t>(o, "bytes"), numberIn<std::int64_t>(o, "files")};
-     }},
-    {"alert", [](const ordered_json& o) -> Event { return alertIn(o); }},
-    {"sheet", [](const ordered_json& o) -> Event { return sheetIn(o); }},
-    {"assertion",
-     [](const ordered_json& o) -> Event {
-       return event::Assertion{textIn(o, "type"), numberIn<std::uint32_t>(o, "level"), textIn(o, "name")};
-     }},
-    {"assertion.release",
-     [](const ordered_json& o) -> Event { return event::AssertionRelease{textIn(o, "type")}; }},
-    {"error", [](const ordered_json& o) -> Event { return event::Error{textIn(o, "message")}; }},
-    {"summary", [](const ordered_json& o) -> Event { return summaryIn(o); }},
-}};
-
 // ---- Requests ----
 
-constexpr std::array<std::pair<std::string_view, Command>, 6> kCommands{{
-    {"title", Command::title},
-    {"enter", Command::enter},
-    {"forward", Command::forward},
-    {"back", Command::back},
-    {"quit", Command::quit},
-    {"wait", Command::wait},
-}};
-
-constexpr const char* kForms =
-    R"(a line is {"do":"title"}, {"do":"enter"}, {"do":"forward"}, {"do":"back"}, {"do":"quit"}, {"do":"wait"} or {"answer":1000})";
-
 std::string_view nameOf(Command command) {
-  const auto row = std::find_if(kCommands.begin(), kCommands.end(),
-                                [command](const auto& known) { return known.second == command; });
+  const auto* row = std::find_if(kCommandNames.begin(), kCommandNames.end(),
+                                 [command](const auto& known) { return known.second == command; });
   return row->first;
 }
 
@@ -332,43 +234,5 @@ std::string encode(const Request& request) {
 }
 
 std::string encodeSummaryFile(const event::Summary& summary) { return line(summaryFields(summary)); }
-
-std::optional<Event> decodeEvent(std::string_view line) {
-  const ordered_json object = ordered_json::parse(line, nullptr, false);
-  if (!object.is_object()) {
-    return std::nullopt;
-  }
-  const std::string name = textIn(object, "event");
-  const auto decoder =
-      std::find_if(kDecoders.begin(), kDecoders.end(), [&name](const auto& row) { return row.first == name; });
-  return decoder != kDecoders.end() ? std::optional(decoder->second(object)) : std::nullopt;
-}
-
-std::variant<Request, BadRequest> decodeRequest(std::string_view line) {
-  if (line.size() > LineReader::kLongestLine) {
-    return BadRequest{"the line is too long"};
-  }
-  const ordered_json object = ordered_json::parse(line, nullptr, false);
-  if (object.is_discarded()) {
-    return BadRequest{"not a JSON object: " + std::string(kForms)};
-  }
-  if (object.is_object() && object.size() == 1) {
-    const auto field = object.begin();
-    if (field.key() == "do" && field->is_string()) {
-      for (const auto& [name, command] : kCommands) {
-        if (field->get_ref<const std::string&>() == name) {
-          return Request(command);
-        }
-      }
-    }
-    if (field.key() == "answer" && field->is_number_integer()) {
-      const auto button = field->get<double>();  // holds every answer exactly, and no number wraps in it
-      if (button >= std::numeric_limits<int>::min() && button <= std::numeric_limits<int>::max()) {
-        return Request(Answer{static_cast<int>(button)});
-      }
-    }
-  }
-  return BadRequest{"not understood: " + std::string(kForms)};
-}
 
 }  // namespace tavenhall

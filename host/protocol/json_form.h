@@ -2,14 +2,26 @@
 
 #include "host/protocol/messages.h"
 
+#include <array>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 
 // The public form of events and requests: one JSON object on a line, UTF-8. docs/protocol.md has each. It stays
 // compatible: fields and events may be added, none is removed, renamed or reordered. Pure. Any thread.
 namespace tavenhall {
+
+// The names of the commands in their public form.
+inline constexpr std::array<std::pair<std::string_view, Command>, 6> kCommandNames{{
+    {"title", Command::title},
+    {"enter", Command::enter},
+    {"forward", Command::forward},
+    {"back", Command::back},
+    {"quit", Command::quit},
+    {"wait", Command::wait},
+}};
 
 // The line for an event or a request, newline included. Bytes that are not UTF-8 become U+FFFD.
 [[nodiscard]] std::string encode(const Event& event);

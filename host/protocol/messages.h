@@ -8,7 +8,9 @@
 // The events that an engine reports to its frontend. Those of one run, in order:
 //
 //   Title                       any time, in reply to Command::title
-//   PreviousEnabled ... Sheet   while the page is entered and while its threads run
+//   PreviousEnabled ... Sheet   while the page is entered and while its threads run; each CopyEnd is followed
+//   by
+//                               the failures of its audit and by the Audit
 //   Entered                     in reply to Command::enter, when the page's entry has returned
 //   Idle                        in reply to Command::wait, when every page thread has ended
 //   Exit                        in reply to Command::forward and Command::back
@@ -83,6 +85,27 @@ struct CopyEnd {
   std::int64_t filesDone = 0;
 };
 
+// The host's own comparison of a copied tree with its source, after CopyEnd. Volumes as in CopyBegin.
+struct Audit {
+  std::string source;
+  std::string destination;
+  std::int32_t volume = 0;
+  std::int64_t files = 0;  // installed: type and size are right
+  std::int64_t folders = 0;
+  std::int64_t bytes = 0;    // of these files
+  std::int64_t skipped = 0;  // entries that the page does not install by design
+  std::int64_t failures = 0;
+};
+
+// An entry of the tree that is not installed as it should be; before the tree's Audit.
+struct AuditFailure {
+  std::string problem;  // a name for programs; docs/protocol.md lists them
+  std::string source;
+  std::string destination;
+  std::int32_t volume = 0;
+  std::string detail;  // the reason, in English; may be empty
+};
+
 // The page waits for an Answer: kAlertFirstButtonReturn for the first button, and on from there.
 struct Alert {
   std::string message;
@@ -129,17 +152,20 @@ struct Summary {
   std::vector<double> copySeconds;  // of each copy thread
   std::vector<ShownAlert> alerts;
   std::vector<Sheet> sheets;
+
+  bool isInstalled = false;  // the verdict: every audit is clean, and the page refused nothing and was left
+  Audit audit;               // the sums of all audits since the page was entered last; its texts are empty
 };
 
 }  // namespace tavenhall::event
 
 namespace tavenhall {
 
-using Event =
-    std::variant<event::Title, event::Entered, event::Idle, event::Exit, event::PreviousEnabled,
-                 event::NextEnabled, event::Instructions, event::Status, event::ProgressMinimum,
-                 event::ProgressMaximum, event::ProgressValue, event::CopyBegin, event::CopyEnd, event::Alert,
-                 event::Sheet, event::Assertion, event::AssertionRelease, event::Error, event::Summary>;
+using Event = std::variant<event::Title, event::Entered, event::Idle, event::Exit, event::PreviousEnabled,
+                           event::NextEnabled, event::Instructions, event::Status, event::ProgressMinimum,
+                           event::ProgressMaximum, event::ProgressValue, event::CopyBegin, event::CopyEnd,
+                           event::Audit, event::AuditFailure, event::Alert, event::Sheet, event::Assertion,
+                           event::AssertionRelease, event::Error, event::Summary>;
 
 // Builds a visitor from lambdas, one for each kind of event that matters and a generic one for the rest.
 template <typename... Handlers>

@@ -147,6 +147,8 @@ class TerminalFrontend {
   void handle(const Event& event) {
     if (const auto* summary = std::get_if<event::Summary>(&event)) {
       summary_ = *summary;
+    } else if (const auto* failure = std::get_if<event::AuditFailure>(&event)) {
+      failures_.add({failure->problem, failure->source, failure->detail});
     }
     model_.handle(event, Clock::now());
   }
@@ -262,15 +264,13 @@ class TerminalFrontend {
     RunResult result;
     result.status = engine_.wait([this](const std::string& line) { model_.addMessage(line); });
     result.hasSummary = summary_.has_value();
-    result.bytesWritten =
-        summary_ ? static_cast<double>(summary_->bytesWritten) : model_.meter().copied().value_or(0.0);
+    result.bytes =
+        summary_ ? static_cast<double>(summary_->audit.bytes) : model_.meter().copied().value_or(0.0);
     result.log = description_.log;
     result.destination = model_.introduction().destination;
     result.time = model_.meter().passed(Clock::now());
     result.messages.assign(model_.messages().begin(), model_.messages().end());
-    if (description_.failures) {
-      result.failures = description_.failures();
-    }
+    result.failures = failures_;
     model_.end(result, Clock::now());
     result_ = std::move(result);
     isChanged_ = true;
@@ -312,6 +312,7 @@ class TerminalFrontend {
   bool isChanged_ = true;  // since it was drawn
   Time lastDrawn_;
   std::optional<event::Summary> summary_;
+  Failures failures_;
   std::optional<RunResult> result_;
   std::optional<End> end_;
 };

@@ -3,7 +3,9 @@
 #include "host/base/display_text.h"
 #include "host/base/text.h"
 
+#include <algorithm>
 #include <array>
+#include <utility>
 
 namespace tavenhall {
 
@@ -11,52 +13,61 @@ namespace {
 
 constexpr std::size_t kMostMessagesShown = 20;
 
-struct FailureKind {
-  std::string_view kind;
+struct ProblemText {
+  std::string_view problem;
   const char* text;
 };
 
-// In the order in which they are listed.
-constexpr std::array<FailureKind, 6> kFailureKinds{{
+// In the order in which they are listed. "not-found", "source", "folder", "target" and "command" are a log's
+// names.
+constexpr std::array<ProblemText, 17> kProblemTexts{{
     {"no-destination", N_("No destination")},
+    {"same-source", N_("Copied again instead of the next disc")},
     {"not-found", N_("Not found on the disc or beside the package")},
-    {"folder", N_("Folders that could not be created")},
-    {"source", N_("Files that could not be read")},
-    {"target", N_("Files that could not be written")},
-    {"size", N_("Files that were not copied completely")},
+    {"not-listed", N_("Cannot be listed")},
+    {"not-readable", N_("Cannot be read")},
+    {"source", N_("Cannot be read")},
+    {"folder-as-file", N_("Link to a folder")},
+    {"skipped", N_("Skipped because of its path")},
+    {"folder", N_("Cannot be created")},
+    {"missing", N_("Missing")},
+    {"refused", N_("Cannot be written")},
+    {"target", N_("Cannot be written")},
+    {"type", N_("File and folder in conflict")},
+    {"size", N_("Not copied completely")},
+    {"shared", N_("Linked to another installed file")},
+    {"link-to-source", N_("Linked to its source")},
+    {"command", N_("Command failed")},
 }};
 
 std::string installedAmountText(const RunResult& result) {
   const std::string time = durationText(result.time.count());
-  return result.bytesWritten ? format(_("{0} in {1}"), {sizeText(*result.bytesWritten), time})
-                             : format(_("in {0}"), {time});
+  return result.bytes ? format(_("{0} in {1}"), {sizeText(*result.bytes), time}) : format(_("in {0}"), {time});
 }
 
-// The files of one kind below their heading, each on a line that ends with its name.
-void appendKind(std::vector<Line>& lines, const RunResult& result, const FailureKind& kind, int width) {
+// The entries with one problem below their heading, each on a line that ends with its name.
+void appendProblem(std::vector<Line>& lines, const RunResult& result, const ProblemText& problem, int width) {
   std::vector<Line> files;
-  for (const FailedFile& failure : result.failures.first) {
-    if (failure.kind == kind.kind) {
+  for (const FailedEntry& failure : result.failures.first) {
+    if (failure.problem == problem.problem) {
       files.push_back({{"  " + truncatePath(failure.name, width - 2), Style::text}});
     }
   }
   if (!files.empty()) {
     lines.emplace_back();
-    append(lines, wrappedLines(_(kind.text), width, Style::strong));
+    append(lines, wrappedLines(_(problem.text), width, Style::strong));
     append(lines, std::move(files));
   }
 }
 
 void appendFailures(std::vector<Line>& lines, const RunResult& result, int width) {
-  for (const FailureKind& kind : kFailureKinds) {
-    appendKind(lines, result, kind, width);
+  for (const ProblemText& problem : kProblemTexts) {
+    appendProblem(lines, result, problem, width);
   }
   const std::int64_t more = result.failures.count - static_cast<std::int64_t>(result.failures.first.size());
   if (more > 0) {
     lines.emplace_back();
-    append(lines, wrappedLines(
-                      plural("and {0} more failure; see the log.", "and {0} more failures; see the log.", more),
-                      width));
+    append(lines, wrappedLines(plural("and {0} more failure", "and {0} more failures", more), width));
   }
 }
 
@@ -74,6 +85,21 @@ void appendMessages(std::vector<Line>& lines, const RunResult& result, int width
 
 }  // namespace
 
+void Failures::add(FailedEntry failure) {
+  ++count;
+  if (first.size() < kMostKept) {
+    first.push_back(std::move(failure));
+  }
+}
+
+std::string failureText(const FailedEntry& failure) {
+  const auto* row =
+      std::find_if(kProblemTexts.begin(), kProblemTexts.end(),
+                   [&failure](const ProblemText& text) { return text.problem == failure.problem; });
+  const std::string name = failure.detail.empty() ? failure.name : failure.name + " (" + failure.detail + ")";
+  return row != kProblemTexts.end() ? format("{0}: {1}", {_(row->text), name}) : name;
+}
+
 ExitStatus RunResult::exitStatus() const {
   return status == ExitStatus::success && failures.count > 0 ? ExitStatus::failure : status;
 }
@@ -85,7 +111,7 @@ Span resultHeading(const RunResult& result) {
   if (!result.hasSummary) {
     return {_("The installation ended unexpectedly."), Style::bad};
   }
-  return {result.bytesWritten != 0.0 ? _("The installation is not complete.") : _("The installation failed."),
+  return {result.bytes != 0.0 ? _("The installation is not complete.") : _("The installation failed."),
           Style::bad};
 }
 

@@ -13,17 +13,36 @@
 // How an install ended: the last page.
 namespace tavenhall {
 
+// An entry that is not installed, as the last page lists it.
+struct FailedEntry {
+  std::string problem;  // as an event names it
+  std::string name;
+  std::string detail;
+};
+
+// The failures of a run.
+struct Failures {
+  std::vector<FailedEntry> first;  // at most kMostKept
+  std::int64_t count = 0;          // of all
+
+  static constexpr std::size_t kMostKept = 1000;
+  void add(FailedEntry failure);
+};
+
+// "Missing: /Volumes/A/TANVO/two.db", in the user's language.
+[[nodiscard]] std::string failureText(const FailedEntry& failure);
+
 struct RunResult {
-  ExitStatus status = ExitStatus::failure;   // the engine's
-  bool hasSummary = false;                   // the engine came to its end and sent its summary
-  std::optional<double> bytesWritten = 0.0;  // none: unknown
+  ExitStatus status = ExitStatus::failure;  // the engine's
+  bool hasSummary = false;                  // the engine came to its end and sent its summary
+  std::optional<double> bytes = 0.0;        // installed, as audited; written, without an audit; none: unknown
   std::chrono::duration<double> time{0.0};
   std::string destination;  // the data folder
   Failures failures;
   std::string log;                    // empty: it is not shown
   std::vector<std::string> messages;  // what commands printed on standard error
 
-  // The engine reports success, and the log has no failure.
+  // The engine reports success, and there is no failure.
   [[nodiscard]] bool isSuccess() const { return status == ExitStatus::success && failures.count == 0; }
 
   // The program's exit status.

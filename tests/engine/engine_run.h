@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/engine/engine.h"
+#include "tests/support/files.h"
 
 #include <array>
 #include <deque>
@@ -66,6 +67,14 @@ class TestPage final : public InstallerPane {
  private:
   std::thread thread_;
 };
+
+// Reports the copy of a tree with one file, which is there.
+inline void reportCopy(InstallerHost& host, bool isCopied = true) {
+  writeFile("/tmp/source/one.db", "one");
+  writeFile("/tmp/destination/one.db", "one");
+  host.copyBegun({"/tmp/source", "/tmp/destination"});
+  host.copyFinished({"/tmp/source", "/tmp/destination"}, isCopied);
+}
 
 template <typename Block>
 void dispatch(InstallerHost& host, Block block) {

@@ -38,12 +38,40 @@ TEST_F(EngineRun, RefusesAPluginOfAnotherInterfaceVersion) {
 // ---- What counts as success ----
 
 TEST_F(EngineRun, SucceedsWhenThePageIsLeftForwards) {
+  script.onEnter = [](InstallerHost& host) { reportCopy(host); };
   run({Command::enter, Command::forward});
   EXPECT_TRUE(isSuccess);
   EXPECT_TRUE(summary.hasLeft);
 }
 
+TEST_F(EngineRun, FailsWhenNothingWasCopied) {
+  run({Command::enter, Command::forward});
+  EXPECT_FALSE(isSuccess);
+}
+
+// The page's own result was good.
+TEST_F(EngineRun, FailsWhenTheAuditFindsAFailure) {
+  script.onEnter = [](InstallerHost& host) {
+    reportCopy(host);
+    writeFile("/tmp/source/two.db", "two");
+    host.copyFinished({"/tmp/source", "/tmp/destination"}, true);
+  };
+  run({Command::enter, Command::forward});
+  EXPECT_FALSE(isSuccess);
+  EXPECT_FALSE(summary.isInstalled);
+  EXPECT_EQ(summary.audit.files, 2);
+  EXPECT_EQ(summary.audit.failures, 1);
+}
+
+TEST_F(EngineRun, EnteringAgainBeginsANewAudit) {
+  script.onEnter = [](InstallerHost& host) { reportCopy(host); };
+  run({Command::enter, Command::enter, Command::forward});
+  EXPECT_TRUE(isSuccess);
+  EXPECT_EQ(summary.audit.files, 1);
+}
+
 TEST_F(EngineRun, FailsWhenThePageIsLeftBackwardsOrRefuses) {
+  script.onEnter = [](InstallerHost& host) { reportCopy(host); };
   run({Command::enter, Command::back});
   EXPECT_FALSE(isSuccess);
   script.letsGoForward = false;
@@ -75,6 +103,7 @@ TEST_F(EngineRun, FailsAfterACopyThatFailedWhateverTheNextOneGives) {
 TEST_F(EngineRun, AlertsAreNoFailure) {
   script.onEnter = [](InstallerHost& host) {
     EXPECT_EQ(host.runModal({"Ready for next volume", "Insert B", kButtons, 1}), kAlertFirstButtonReturn);
+    reportCopy(host);
   };
   run({Command::enter, Command::forward});
   EXPECT_TRUE(isSuccess);

@@ -57,12 +57,12 @@ bool isRenewing() {
   return variable != nullptr && std::string_view(variable) == "1";
 }
 
-// The events as an installer reports them that does not know how far the copy is.
+// The events as an installer reports them that does not know how far the copy is, and audits nothing.
 std::string withoutCopyState(const std::string& events) {
   std::string text;
   std::istringstream lines(events);
   for (std::string line; std::getline(lines, line);) {
-    if (line.starts_with(R"({"event":"copy.)")) {
+    if (line.starts_with(R"({"event":"copy.)") || line.starts_with(R"({"event":"audit)")) {
       continue;
     }
     if (line.starts_with(R"({"event":"progress.value")")) {

@@ -110,7 +110,8 @@ TEST(Summary, ListsTheCopiesAndTheAlerts) {
             R"("copies":[{"seconds":0},{"seconds":0}],)"
             R"("alerts":[{"message":"Detected Installation Type","informative":)"
             R"("Lite installation detected for Tessaphon. Performing a Lite data update.",)"
-            R"("buttons":["Continue"],"answer":1000}],"sheets":[],"bytes":6144,"files":2})");
+            R"("buttons":["Continue"],"answer":1000}],"sheets":[],"bytes":6144,"files":2,)"
+            R"("installed":true,"audit":{"files":2,"folders":2,"bytes":6144,"skipped":0,"failures":0}})");
 }
 
 TEST(Summary, ListsTheSheets) {
@@ -127,7 +128,8 @@ TEST(Summary, ListsTheSheets) {
       summary.dump(),
       R"({"left":false,"ready":0,"mode":0,"seconds":0,"kBytesCopied":0,"copies":[],"alerts":[],)"
       R"("sheets":[{"button":"OK","message":"Files to be installed not found."},)"
-      R"({"button":"OK","message":"The installation of the Tessaphon data has not finished."}],"bytes":0,"files":0})");
+      R"({"button":"OK","message":"The installation of the Tessaphon data has not finished."}],"bytes":0,"files":0,)"
+      R"("installed":false,"audit":{"files":0,"folders":0,"bytes":0,"skipped":0,"failures":0}})");
 }
 
 }  // namespace

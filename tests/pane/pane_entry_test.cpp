@@ -5,6 +5,7 @@
 #include "tests/support/recording_platform.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>

@@ -28,6 +28,12 @@ event::Summary wholeSummary() {
   summary.alerts = {{{"Ready for next volume", "Insert B", {"OK", "Skip"}, 1}, 1001},
                     {{"Ready for next volume", "Insert C", {"OK"}, 1}, 0}};
   summary.sheets = {{"OK", "Failed to open input file."}};
+  summary.isInstalled = true;
+  summary.audit.files = 11;
+  summary.audit.folders = 2;
+  summary.audit.bytes = 209715199;
+  summary.audit.skipped = 3;
+  summary.audit.failures = 1;
   return summary;
 }
 
@@ -70,6 +76,12 @@ INSTANTIATE_TEST_SUITE_P(
         EventLine{event::CopyEnd{"/Volumes/A/TANVO", "/T", true, 4096, 3},
                   R"({"event":"copy.end","source":"/Volumes/A/TANVO","destination":"/T","copied":true,)"
                   R"("bytes":4096,"files":3})"},
+        EventLine{event::Audit{"/Volumes/A/TANVO", "/T", 1, 3, 1, 4096, 2, 4},
+                  R"({"event":"audit","source":"/Volumes/A/TANVO","destination":"/T","volume":1,"files":3,)"
+                  R"("folders":1,"bytes":4096,"skipped":2,"failures":4})"},
+        EventLine{event::AuditFailure{"size", "/Volumes/A/TANVO/a.db", "/T/a.db", 1, "2 of 4 bytes"},
+                  R"({"event":"audit.failure","problem":"size","source":"/Volumes/A/TANVO/a.db",)"
+                  R"("destination":"/T/a.db","volume":1,"detail":"2 of 4 bytes"})"},
         EventLine{event::Alert{"Ready for next volume", "Please insert Tessaphon B", {"OK", "Skip"}, 1},
                   R"({"event":"alert","message":"Ready for next volume",)"
                   R"("informative":"Please insert Tessaphon B","buttons":["OK","Skip"],"style":1})"},
@@ -88,7 +100,8 @@ INSTANTIATE_TEST_SUITE_P(
                   R"("buttons":["OK","Skip"],"answer":1001},)"
                   R"({"message":"Ready for next volume","informative":"Insert C","buttons":["OK"]}],)"
                   R"("sheets":[{"button":"OK","message":"Failed to open input file."}],)"
-                  R"("bytes":209715200,"files":12})"}));
+                  R"("bytes":209715200,"files":12,"installed":true,)"
+                  R"("audit":{"files":11,"folders":2,"bytes":209715199,"skipped":3,"failures":1}})"}));
 
 TEST(EventForm, BytesThatAreNotUtf8AreReplaced) {
   EXPECT_EQ(encode(event::Title{"Caf\xE9, \xFF"}),
@@ -114,7 +127,8 @@ TEST(EventForm, FieldsThatAreMissingOrOfAnotherTypeHaveTheirDefaults) {
 TEST(SummaryFile, HasTheFieldsOfTheEvent) {
   EXPECT_EQ(encodeSummaryFile({}),
             R"({"left":false,"ready":0,"mode":0,"seconds":0.0,"kBytesCopied":0,"copies":[],"alerts":[],)"
-            R"("sheets":[],"bytes":0,"files":0})"
+            R"("sheets":[],"bytes":0,"files":0,)"
+            R"("installed":false,"audit":{"files":0,"folders":0,"bytes":0,"skipped":0,"failures":0}})"
             "\n");
 }
 

@@ -40,12 +40,12 @@ void copyForAnHour(PageDriver& driver) {
 RunResult failedResult() {
   RunResult result;
   result.hasSummary = true;
-  result.bytesWritten = 204800000;
+  result.bytes = 204800000;
   result.time = std::chrono::seconds(3599);
   result.destination = PageDriver::plainIntroduction().destination;
   result.log = "/Users/tester/Library/Caches/Tavenhall/installationLog.txt";
   for (const char* kind : {"no-destination", "not-found", "folder", "source", "target", "size"}) {
-    result.failures.first.push_back({kind, "/T/" + std::string(kind)});
+    result.failures.first.push_back({kind, "/T/" + std::string(kind), ""});
   }
   result.failures.count = 1203;
   result.messages = {"sudo: no"};
@@ -203,14 +203,14 @@ TEST(PageLanguage, AFailureThatIsReportedInJapaneseHasItsFile) {
   speak("ja");
   RunResult result = failedResult();
   result.failures.count = 1;
-  result.failures.first = {{"target", "/Volumes/A/TANVO/2.db"}};
+  result.failures.first = {{"target", "/Volumes/A/TANVO/2.db", ""}};
   EXPECT_EQ(resultHeading(result).text, "インストールは完全ではありません。");
   EXPECT_THAT(textOf(resultLines(result, 100)),
               ElementsAre("失敗 1 件。以下に示すものを直してから、再度インストールしてください。", "",
                           "コピー        204.8 MB（59 min 59 s）",
                           "コピー先      /Users/tester/Library/Application Support/Tavenhall/TANVO",
                           "ログ          /Users/tester/Library/Caches/Tavenhall/installationLog.txt", "",
-                          "書き込めなかったファイル", "  /Volumes/A/TANVO/2.db", "", "実行されたコマンドの出力",
+                          "書き込めません", "  /Volumes/A/TANVO/2.db", "", "実行されたコマンドの出力",
                           "  sudo: no"));
 }
 
@@ -222,7 +222,7 @@ TEST(PageLanguage, TheLastWordIsInGerman) {
             "Das Protokoll ist /Users/tester/Library/Caches/Tavenhall/installationLog.txt.\n");
   result.status = ExitStatus::success;
   result.failures.count = 0;
-  result.bytesWritten.reset();
+  result.bytes.reset();
   EXPECT_THAT(closingText(result), testing::StartsWith("Installiert: in 59 min 59 s.\n"));
 }
 

@@ -3,7 +3,8 @@
 // The script is /tmp/page-script, one step a line; a text may hold "\n". Its steps are run on a thread of the
 // page's own, like an install:
 //
-//   instructions TEXT    status TEXT    min N    max N    value N    next 0|1    previous 0|1    ready 0|1
+//   instructions TEXT    status TEXT    min N    max N    value N    next 0|1    previous 0|1
+//   ready 0|1                           ready also reports a copy of as many bytes as the bar has said
 //   sheet TEXT                          sheets N TEXT (so often)
 //   alert MESSAGE|TEXT|BUTTON|BUTTON    its answer is added to /tmp/page-answers, a line each
 //   log TEXT                            a record of the installation log
@@ -62,6 +63,9 @@ void writeLog(const std::string& message) {
   std::filesystem::create_directories(folder);
   std::ofstream(folder + "/installationLog.txt", std::ios::app) << time.data() << " host: " << message << "\n";
 }
+
+constexpr const char* kSource = "/tmp/scripted/source";
+constexpr const char* kDestination = "/tmp/scripted/destination";
 
 class ScriptedPage final : public InstallerPane {
  public:
@@ -142,6 +146,9 @@ class ScriptedPage final : public InstallerPane {
       host().setPreviousEnabled(number != 0);
     } else if (step == "ready") {
       isReady_ = static_cast<std::int32_t>(number);
+      if (isReady_ != 0) {
+        reportCopy();
+      }
     } else if (step == "sheet") {
       showSheets(1, text);
     } else if (step == "sheets") {
@@ -157,6 +164,17 @@ class ScriptedPage final : public InstallerPane {
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
       }
     }
+  }
+
+  // Of a file with as many bytes as the bar has said.
+  void reportCopy() {
+    for (const char* top : {kSource, kDestination}) {
+      std::filesystem::create_directories(top);
+      std::ofstream(std::string(top) + "/1.db");
+      std::filesystem::resize_file(std::string(top) + "/1.db", static_cast<std::uintmax_t>(kBytes_ * 1024));
+    }
+    host().copyBegun({kSource, kDestination});
+    host().copyFinished({kSource, kDestination}, true);
   }
 
   void showSheets(int count, const std::string& text) {

@@ -30,7 +30,7 @@ RunResult resultWith(ExitStatus status) {
   RunResult result;
   result.status = status;
   result.hasSummary = true;
-  result.bytesWritten = 204800000;
+  result.bytes = 204800000;
   result.time = std::chrono::seconds(75);
   result.destination = "/Users/tester/Library/Application Support/Tavenhall/TANVO";
   result.log = "/Users/tester/Library/Caches/Tavenhall/installationLog.txt";
@@ -48,7 +48,7 @@ TEST_F(RunResults, SuccessNamesTheContentTheDestinationAndTheLog) {
 
 TEST_F(RunResults, UnknownFiguresAreNotShown) {
   RunResult result = resultWith(ExitStatus::success);
-  result.bytesWritten.reset();
+  result.bytes.reset();
   EXPECT_EQ(resultLines(result, 80).front().back().text, "in 1 min 15 s");
   EXPECT_EQ(closingText(result), "Installed in 1 min 15 s.\nThe log is " + result.log + ".\n");
 
@@ -71,9 +71,9 @@ TEST_F(RunResults, EachFailureIsReportedWithItsFile) {
                           "Copied     204.8 MB in 1 min 15 s",
                           "Into       /Users/tester/Library/Application Support/Tavenhall/TANVO",
                           "Log        /Users/tester/Library/Caches/Tavenhall/installationLog.txt", "",
-                          "Files that could not be read", "  /Volumes/A/TANVO/a b/1.db", "",
-                          "Files that could not be written", "  /Volumes/A/TANVO/2.db", "",
-                          "Files that were not copied completely", "  /Volumes/A/TANVO/3.db"));
+                          "Cannot be read", "  /Volumes/A/TANVO/a b/1.db", "",
+                          "Cannot be written", "  /Volumes/A/TANVO/2.db", "",
+                          "Not copied completely", "  /Volumes/A/TANVO/3.db"));
 }
 
 TEST_F(RunResults, ALongPathKeepsItsName) {
@@ -118,12 +118,12 @@ TEST_F(RunResults, MoreFailuresThanCanBeNamedAreCounted) {
   RunResult result = resultWith(ExitStatus::failure);
   result.failures = failuresInLog(kLogFile, 0);
   EXPECT_EQ(result.failures.count, 1203);
-  EXPECT_THAT(textOf(resultLines(result, 80)), Contains("and 203 more failures; see the log."));
+  EXPECT_THAT(textOf(resultLines(result, 80)), Contains("and 203 more failures"));
 }
 
 TEST_F(RunResults, NothingCopiedIsAFailedInstallation) {
   RunResult result = resultWith(ExitStatus::failure);
-  result.bytesWritten = 0;
+  result.bytes = 0;
   EXPECT_EQ(resultHeading(result).text, "The installation failed.");
 }
 

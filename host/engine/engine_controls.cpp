@@ -1,0 +1,245 @@
+#include "host/base/exit_status.h"
+#include "host/engine/engine.h"
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <stdexcept>
+#include <utility>
+
+// What the page calls: its controls, dialogs, dispatch, and notifications.
+namespace tavenhall {
+
+namespace {
+
+constexpr const char* kCopyThread = "copySingleVolume";
+
+std::string textOrEmpty(const char* text) { return text != nullptr ? text : ""; }
+
+struct ProblemName {
+  AuditProblem problem;
+  const char* name;
+};
+
+// As docs/protocol.md lists them.
+constexpr std::array<ProblemName, 12> kProblemNames{{
+    {AuditProblem::noDestination, "no-destination"},
+    {AuditProblem::sameSource, "same-source"},
+    {AuditProblem::notListed, "not-listed"},
+    {AuditProblem::notReadable, "not-readable"},
+    {AuditProblem::folderAsFile, "folder-as-file"},
+    {AuditProblem::skipped, "skipped"},
+    {AuditProblem::missing, "missing"},
+    {AuditProblem::refused, "refused"},
+    {AuditProblem::wrongType, "type"},
+    {AuditProblem::wrongSize, "size"},
+    {AuditProblem::sharedFile, "shared"},
+    {AuditProblem::isSource, "link-to-source"},
+}};
+
+std::string nameOf(AuditProblem problem) {
+  for (const ProblemName& row : kProblemNames) {
+    if (row.problem == problem) {
+      return row.name;
+    }
+  }
+  return "";
+}
+
+std::string detailOf(const AuditFailure& failure) {
+  if (failure.problem == AuditProblem::wrongSize) {
+    return std::to_string(failure.destinationSize) + " of " + std::to_string(failure.sourceSize) + " bytes";
+  }
+  return failure.error != 0 ? std::strerror(failure.error) : "";
+}
+
+}  // namespace
+
+// ---- Controls ----
+
+void Engine::Text::setTitleWithMnemonic(const char* text) noexcept {
+  const Lock lock(engine_.state_);
+  if (place_ == Place::instructions) {
+    engine_.report(event::Instructions{text});
+  } else {
+    engine_.report(event::Status{text});
+  }
+}
+
+void Engine::Bar::setMinValue(double value) noexcept {
+  const Lock lock(engine_.state_);
+  engine_.barMinimum_ = value;
+  engine_.report(event::ProgressMinimum{value});
+}
+
+void Engine::Bar::setMaxValue(double value) noexcept {
+  const Lock lock(engine_.state_);
+  engine_.barMaximum_ = value;
+  engine_.report(event::ProgressMaximum{value});
+}
+
+void Engine::Bar::setDoubleValue(double value) noexcept {
+  const Lock lock(engine_.state_);
+  engine_.barValue_ = value;
+  if (engine_.events_ != nullptr) {
+    engine_.report(event::ProgressValue{value, engine_.copyState()});
+  }
+}
+
+double Engine::Bar::maxValue() const noexcept {
+  const Lock lock(engine_.state_);
+  return engine_.barMaximum_;
+}
+
+double Engine::Bar::doubleValue() const noexcept {
+  const Lock lock(engine_.state_);
+  return engine_.barValue_;
+}
+
+void Engine::setNextEnabled(bool enabled) noexcept {
+  const Lock lock(state_);
+  isNextEnabled_ = enabled;
+  report(event::NextEnabled{enabled});
+}
+
+void Engine::setPreviousEnabled(bool enabled) noexcept {
+  const Lock lock(state_);
+  report(event::PreviousEnabled{enabled});
+}
+
+// ---- Dialogs and dispatch ----
+
+int Engine::runModal(const Alert& alert) noexcept {
+  main_.assertHeld();
+  {
+    const Lock lock(state_);
+    event::Alert shown{
+        alert.messageText, alert.informativeText, {alert.buttons.begin(), alert.buttons.end()}, alert.style};
+    report(shown);
+    summary_.alerts.push_back({std::move(shown), 0});
+  }
+  isAlertUp_ = true;
+  std::optional<int> answer;
+  while (!(answer = takeAnswer())) {
+    if (isInputClosed_) {
+      onNoAnswer_();
+    }
+    changed_.wait(main_);
+  }
+  isAlertUp_ = false;
+  changed_.notifyAll();
+  const Lock lock(state_);
+  summary_.alerts.back().answer = *answer;
+  return *answer;
+}
+
+void Engine::beginInformationalSheet(const Sheet& sheet) noexcept {
+  const Lock lock(state_);
+  if (isCopying_) {
+    audit_->addRefusal(snapshot_.currentFile);  // on the copy's own thread, which waits for this block
+  }
+  event::Sheet shown{sheet.defaultButton, sheet.message};
+  report(shown);
+  summary_.sheets.push_back(std::move(shown));
+}
+
+void Engine::dispatchSync(void (*block)(void*), void* context) noexcept {
+  if (std::this_thread::get_id() == mainLoopThread_) {
+    std::fputs("tavinstall: dispatchSync was called on the main thread\n", stderr);
+    std::abort();
+  }
+  const Lock lock(main_);
+  while (isAlertUp_) {
+    changed_.wait(main_);
+  }
+  takeSnapshot();
+  block(context);
+}
+
+// ---- Notifications ----
+
+void Engine::pageThreadStarted(const char* name) noexcept {
+  const Lock lock(state_);
+  ++pageThreads_;
+  if (std::strcmp(name, kCopyThread) == 0) {
+    copyThreadStart_ = Clock::now();
+    summary_.copySeconds.push_back(kStillRunning);
+  }
+}
+
+void Engine::pageThreadEnded(const char* name) noexcept {
+  {
+    const Lock lock(state_);
+    --pageThreads_;
+    if (std::strcmp(name, kCopyThread) == 0) {
+      summary_.copySeconds.back() = secondsSince(copyThreadStart_);
+    }
+  }
+  // With main_ held, so that the main loop cannot miss it between its look at the threads and its wait.
+  const Lock lock(main_);
+  changed_.notifyAll();
+}
+
+void Engine::copyBegun(const TreeCopy& copy) noexcept {
+  ejectNote_.write(copy.source);
+  takeSnapshot();
+  const Lock lock(state_);
+  bytesAtCopyBegin_ = snapshot_.bytesWritten;
+  filesAtCopyBegin_ = snapshot_.filesDone;
+  // A folder beside the package belongs to no volume.
+  const std::string_view source = copy.source;
+  const bool isVolume = !snapshot_.sourceFolder.empty() && source.starts_with(snapshot_.sourceFolder);
+  isCopying_ = true;
+  copy_ = {copy.source, textOrEmpty(copy.destination), isVolume ? snapshot_.currentVolumeNumber + 1 : 0,
+           isVolume ? snapshot_.volumeCount : 0};
+  report(copy_);
+}
+
+void Engine::copyFinished(const TreeCopy& copy, bool isCopied) noexcept {
+  takeSnapshot();
+  {
+    const Lock lock(state_);
+    isCopying_ = false;
+    hasFailedCopy_ = hasFailedCopy_ || !isCopied;
+    report(event::CopyEnd{copy.source, textOrEmpty(copy.destination), isCopied,
+                          snapshot_.bytesWritten - bytesAtCopyBegin_, snapshot_.filesDone - filesAtCopyBegin_});
+  }
+  const AuditCounts counts = audit_->compare(copy.source, copy.destination);
+  const Lock lock(state_);
+  event::Audit& sums = summary_.audit;
+  sums.files += counts.files;
+  sums.folders += counts.folders;
+  sums.bytes += counts.bytes;
+  sums.skipped += counts.skipped;
+  sums.failures += counts.failures;
+  report(event::Audit{copy_.source, copy_.destination, copy_.volume, counts.files, counts.folders, counts.bytes,
+                      counts.skipped, counts.failures});
+}
+
+void Engine::beginAudits() {
+  audit_.emplace([this](const AuditFailure& failure) {
+    const Lock lock(state_);
+    event::AuditFailure event{nameOf(failure.problem), failure.source, failure.destination, copy_.volume,
+                              detailOf(failure)};
+    report(event);
+    if (events_ == nullptr) {
+      const std::string reason = event.detail.empty() ? event.problem : event.problem + ", " + event.detail;
+      showError(std::runtime_error("not installed: " + event.source + " (" + reason + ")"));
+    }
+  });
+  const Lock lock(state_);
+  summary_.audit = {};
+}
+
+void Engine::assertionTaken(const char* type, std::uint32_t level, const char* name) noexcept {
+  const Lock lock(state_);
+  report(event::Assertion{type, level, name});
+}
+
+void Engine::assertionReleased(const char* type) noexcept {
+  const Lock lock(state_);
+  report(event::AssertionRelease{type});
+}
+
+}  // namespace tavenhall
