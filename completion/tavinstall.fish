@@ -21,6 +21,7 @@ complete -c tavinstall -n '__fish_seen_subcommand_from run' -l bundle -x -a '(__
 complete -c tavinstall -n '__fish_seen_subcommand_from run' -l summary -r -F -d 'Write the run summary to this file'
 complete -c tavinstall -n '__fish_seen_subcommand_from run' -l no-preinstall -d 'Use the files that a pre-install step has written to /tmp'
 complete -c tavinstall -n '__fish_seen_subcommand_from run' -l trusted -d 'Install even if other users can change the package'
+complete -c tavinstall -n '__fish_seen_subcommand_from run' -l without-attributes -d 'Install one disc even if there is no attributes file'
 
 complete -c tavinstall -n '__fish_seen_subcommand_from rehearse' -l late -x -d 'Report each disc as missing N times'
 complete -c tavinstall -n '__fish_seen_subcommand_from rehearse' -l keep -x -a '(__fish_complete_directories)' -d 'Keep the installed files and the log in this new folder'

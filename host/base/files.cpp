@@ -63,7 +63,7 @@ void LineReader::read(const std::function<void(const std::string&)>& take) {
   std::string_view rest(buffer.data(), static_cast<std::size_t>(count));
   while (!rest.empty()) {
     const std::size_t end = std::min(rest.find('\n'), rest.size());
-    const std::size_t room = kLongestLine + 1 - partialLine_.size();
+    const std::size_t room = longest_ + 1 - partialLine_.size();
     partialLine_ += rest.substr(0, std::min(end, room));
     if (end == rest.size()) {
       return;

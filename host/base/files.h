@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <limits>
 #include <optional>
 #include <string>
 
@@ -24,7 +25,9 @@ void requireWritable(const std::filesystem::path& path);
 // Reads lines from a descriptor, which the caller owns. One thread.
 class LineReader {
  public:
-  explicit LineReader(int descriptor) : descriptor_(descriptor) {}
+  // A line that is longer than `longest` bytes is truncated to one byte more.
+  explicit LineReader(int descriptor, std::size_t longest = kLongestLine)
+      : descriptor_(descriptor), longest_(longest) {}
 
   // False after the end of the input or an error.
   [[nodiscard]] bool isOpen() const { return descriptor_ >= 0; }
@@ -33,13 +36,16 @@ class LineReader {
   [[nodiscard]] int descriptor() const { return descriptor_; }
 
   // Reads once and passes each complete line, without its newline, to `take`; at the end of the input also an
-  // unterminated last line. A longer line is truncated to kLongestLine + 1 bytes.
+  // unterminated last line.
   void read(const std::function<void(const std::string& line)>& take);
 
   static constexpr std::size_t kLongestLine = 1048576;  // bytes
+  static constexpr std::size_t kAnyLength =
+      std::numeric_limits<std::size_t>::max() - 1;  // from a trusted writer
 
  private:
   int descriptor_;
+  std::size_t longest_;
   std::string partialLine_;
 };
 

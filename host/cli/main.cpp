@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 #include <cerrno>
 #include <clocale>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <exception>
@@ -67,6 +68,7 @@ ExitStatus runProgram(int argc, char** argv) {
 
 int runMain(int argc, char** argv) {
   fillStandardStreams();
+  std::signal(SIGCHLD, SIG_DFL);  // a parent may have ignored it; then nobody learns how a command has ended
   // Character types alone: the log's month names are the same on every machine. Small systems may lack the
   // user's locale; texts are UTF-8 even there.
   if (std::setlocale(LC_CTYPE, "") == nullptr) {

@@ -15,6 +15,7 @@
 
 #include <CLI/CLI.hpp>
 #include <fcntl.h>
+#include <functional>
 #include <iterator>
 #include <memory>
 #include <optional>
@@ -35,6 +36,7 @@ struct RunArguments {
   std::string summary;
   bool noPreInstall = false;
   bool isTrusted = false;
+  bool isWithoutAttributes = false;
 };
 
 // The reason not to trust a file that the page reads, because other users can write it; empty if there is none.
@@ -47,30 +49,47 @@ std::string whatOthersDecide(const EngineOptions& options) {
   return line;
 }
 
-// Another program that drives the install decides itself, so this is only a warning.
-void refuse(const std::string& line, Frontend frontend) {
+// Refuses to install for the reason that `reason` gives in the current language. Another program that drives
+// the install decides itself, so it gets a warning.
+void refuse(const std::function<std::string()>& reason, Frontend frontend, EngineOptions& options) {
+  const std::string line = reason();
+  if (line.empty()) {
+    return;
+  }
   if (frontend != Frontend::json) {
     throw UsageError(line);
   }
   showError(UsageError(line));
+  const InEnglish english;
+  options.warnings.push_back(reason());
 }
 
-void refuseWhatOthersDecide(const EngineOptions& options, Frontend frontend) {
-  if (const std::string line = whatOthersDecide(options); !line.empty()) {
-    refuse(format(_("{0}; use --trusted to install anyway"), {line}), frontend);
-  }
+std::string missingAttributes(const InstallPlan& plan) {
+  return plan.attributes.isFilePresent() ? ""
+                                         : format(_("there is no .InstallationAttributes.dat beside the "
+                                                    "package in {0} or one folder above; use "
+                                                    "--without-attributes to install one disc without it"),
+                                                  {plan.packageFolder});
 }
 
-// The plan, or none if it cannot be made; the page runs without one.
-std::optional<InstallPlan> planOf(const EngineOptions& options, Frontend frontend) {
+// The plan, after all reasons to refuse it. None if the attributes file cannot be read: then the page finds
+// none, and copies no folder beside the package.
+std::optional<InstallPlan> checkedPlan(const RunArguments& arguments, Frontend frontend,
+                                       EngineOptions& options) {
+  std::optional<InstallPlan> plan;
   try {
-    return planFor(options);
-  } catch (const UsageError&) {
-    if (frontend == Frontend::terminal) {
-      throw;
+    plan = planFor(options);
+  } catch (const UsageError& error) {
+    if (frontend == Frontend::terminal || !arguments.isWithoutAttributes) {
+      refuse([&error] { return error.what(); }, frontend, options);
     }
-    return std::nullopt;  // the page finds no attributes file, so it copies no folder beside the package
+    return std::nullopt;
   }
+  refuse([&plan] { return refusalToCopyOntoItself(*plan); }, frontend, options);
+  if (!arguments.isWithoutAttributes) {
+    refuse([&plan] { return missingAttributes(*plan); }, frontend, options);
+  }
+  return plan;
 }
 
 EngineOptions optionsFrom(const RunArguments& arguments, Frontend frontend) {
@@ -89,7 +108,12 @@ EngineOptions optionsFrom(const RunArguments& arguments, Frontend frontend) {
     requireWritable(options.summary);
   }
   if (!arguments.isTrusted) {
-    refuseWhatOthersDecide(options, frontend);
+    refuse(
+        [&options] {
+          const std::string line = whatOthersDecide(options);
+          return line.empty() ? "" : format(_("{0}; use --trusted to install anyway"), {line});
+        },
+        frontend, options);
   }
   return options;
 }
@@ -105,11 +129,8 @@ bool hasControllingTerminal() {
 
 ExitStatus run(const RunArguments& arguments) {
   const Frontend frontend = frontendFor(arguments.ui);
-  const EngineOptions options = optionsFrom(arguments, frontend);
-  const std::optional<InstallPlan> plan = planOf(options, frontend);
-  if (const std::string refusal = plan ? refusalToCopyOntoItself(*plan) : ""; !refusal.empty()) {
-    refuse(refusal, frontend);
-  }
+  EngineOptions options = optionsFrom(arguments, frontend);
+  const std::optional<InstallPlan> plan = checkedPlan(arguments, frontend, options);
   switch (frontend) {
     case Frontend::json:
       runEngine(options, Controller::program, {.requests = STDIN_FILENO, .events = STDOUT_FILENO});
@@ -152,6 +173,8 @@ void addRunCommand(CommandLine& commandLine) {
   run->add_flag("--no-preinstall", arguments->noPreInstall,
                 _("Use the files that a pre-install step has written to /tmp"));
   run->add_flag("--trusted", arguments->isTrusted, _("Install even if other users can change the package"));
+  run->add_flag("--without-attributes", arguments->isWithoutAttributes,
+                _("Install one disc even if there is no attributes file"));
   run->callback(
       [&commandLine, arguments] { commandLine.chosen = [arguments] { return tavenhall::run(*arguments); }; });
 }

@@ -89,6 +89,9 @@ void runEngine(const EngineOptions& options, Controller controller, const Engine
     events = std::make_unique<EventWriter>(output);
     theEvents = events.get();
     std::signal(SIGABRT, drainAndAbort);
+    for (const std::string& warning : options.warnings) {
+      events->write(event::Warning{warning});
+    }
   }
   Engine* theEngine = nullptr;
   const auto finish = [&](ExitStatus status) {

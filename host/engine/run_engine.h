@@ -4,15 +4,17 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace tavenhall {
 
 // What to install, and how.
 struct EngineOptions {
-  std::filesystem::path package;  // empty: the pre-install step is skipped
-  std::string installType;        // "Lite", "Full", or empty: none is written
-  std::filesystem::path bundle;   // the plug-in's folder
-  std::filesystem::path summary;  // empty: none is written
+  std::filesystem::path package;      // empty: the pre-install step is skipped
+  std::string installType;            // "Lite", "Full", or empty: none is written
+  std::filesystem::path bundle;       // the plug-in's folder
+  std::filesystem::path summary;      // empty: none is written
+  std::vector<std::string> warnings;  // reported before everything else, in English
 };
 
 // Who sends the requests, and so decides whether the installation succeeded.

@@ -53,7 +53,7 @@ class EngineClient {
 
  private:
   EngineConnection connection_;
-  LineReader events_{connection_.events};
+  LineReader events_{connection_.events, LineReader::kAnyLength};  // the summary lists every sheet
   LineReader errors_{connection_.errors};
   PasswordTerminal passwords_{connection_.passwords};
 };

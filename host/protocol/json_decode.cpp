@@ -99,7 +99,7 @@ event::Summary summaryIn(const ordered_json& object) {
 
 using Decode = Event (*)(const ordered_json& object);
 
-constexpr std::array<std::pair<std::string_view, Decode>, 21> kDecoders{{
+constexpr std::array<std::pair<std::string_view, Decode>, 22> kDecoders{{
     {"progress.value",
      [](const ordered_json& o) -> Event {
        return event::ProgressValue{numberIn<double>(o, "value"), copyStateIn(o)};
@@ -150,6 +150,7 @@ constexpr std::array<std::pair<std::string_view, Decode>, 21> kDecoders{{
      }},
     {"assertion.release",
      [](const ordered_json& o) -> Event { return event::AssertionRelease{textIn(o, "type")}; }},
+    {"warning", [](const ordered_json& o) -> Event { return event::Warning{textIn(o, "message")}; }},
     {"error", [](const ordered_json& o) -> Event { return event::Error{textIn(o, "message")}; }},
     {"summary", [](const ordered_json& o) -> Event { return summaryIn(o); }},
 }};

@@ -167,6 +167,10 @@ std::string line(const event::AssertionRelease& assertion) {
   return line(ordered_json{{"event", "assertion.release"}, {"type", assertion.type}});
 }
 
+std::string line(const event::Warning& warning) {
+  return line(ordered_json{{"event", "warning"}, {"message", warning.message}});
+}
+
 std::string line(const event::Error& error) {
   return line(ordered_json{{"event", "error"}, {"message", error.message}});
 }

@@ -7,6 +7,7 @@
 
 // The events that an engine reports to its frontend. Those of one run, in order:
 //
+//   Warning                     before all others
 //   Title                       any time, in reply to Command::title
 //   PreviousEnabled ... Sheet   while the page is entered and while its threads run; each CopyEnd is followed
 //   by
@@ -130,6 +131,11 @@ struct AssertionRelease {
   std::string type;
 };
 
+// Something that a frontend for people would refuse to install.
+struct Warning {
+  std::string message;  // in English
+};
+
 // A request that is not valid.
 struct Error {
   std::string message;
@@ -165,7 +171,7 @@ using Event = std::variant<event::Title, event::Entered, event::Idle, event::Exi
                            event::NextEnabled, event::Instructions, event::Status, event::ProgressMinimum,
                            event::ProgressMaximum, event::ProgressValue, event::CopyBegin, event::CopyEnd,
                            event::Audit, event::AuditFailure, event::Alert, event::Sheet, event::Assertion,
-                           event::AssertionRelease, event::Error, event::Summary>;
+                           event::AssertionRelease, event::Warning, event::Error, event::Summary>;
 
 // Builds a visitor from lambdas, one for each kind of event that matters and a generic one for the rest.
 template <typename... Handlers>

@@ -119,7 +119,8 @@ std::vector<BadInput> badInputs() {
                       "no package at /tmp/thing; --package needs the path of an installer package"});
   }
   const std::string good = std::string(kGoodSet) + "/Installer.pkg";
-  const std::vector<std::string> bundle{"run", "--ui", "plain", "--package", good, "--bundle", kThing};
+  const std::vector<std::string> bundle{"run",      "--ui", "plain", "--package", good, "--without-attributes",
+                                        "--bundle", kThing};
   for (const auto& lay : {nothing, text, folder, pipeInItsPlace, brokenLink}) {
     inputs.push_back({"noBundle", lay, bundle,
                       "cannot load /tmp/thing: it has no Contents/MacOS/InstallDataPane; --bundle takes a "

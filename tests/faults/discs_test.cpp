@@ -103,13 +103,14 @@ TEST(Discs, OneThatBecomesReadableLateIsWaitedFor) {
   });
 
   EXPECT_EQ(run.status, 0) << run.output;
-  EXPECT_EQ(tries, 5);  // the third finds it, one reads ahead, one copies it
+  EXPECT_EQ(tries, 6);  // the third finds it, one reads ahead, one copies it, one audits it
   expectInstalled(entries, "TANVO", kTanvo);
   EXPECT_EQ(countIn(readFile(kLog), "copySingleVolume: cannot open top level folder. Attempt "), 2);
 }
 
-// The page has three attempts of five seconds, and then copies what there is: nothing, which counts as copied.
-TEST(Discs, AnUnreadableOneCountsAsCopiedAndItsAttemptsAreLogged) {
+// The page has three attempts of five seconds, and then copies what there is: nothing, which it counts as
+// copied.
+TEST(Discs, AnUnreadableOneIsAFailureAlthoughThePageCountsItAsCopied) {
   layPackageForVolumes(1);
   layTree(kDiscA, {file("TANVO/a.db", 1000)});
 
@@ -117,7 +118,9 @@ TEST(Discs, AnUnreadableOneCountsAsCopiedAndItsAttemptsAreLogged) {
     return call.kind == CallKind::open && call.path == std::string(kDiscA) + "/TANVO" ? failWith(EIO) : kPass;
   });
 
-  EXPECT_EQ(run.status, 0) << run.output;
+  EXPECT_EQ(run.status, 1) << run.output;
+  EXPECT_THAT(run.output,
+              HasSubstr("\n! Cannot be listed: " + std::string(kDiscA) + "/TANVO (Input/output error)\n"));
   EXPECT_FALSE(exists(std::string(kTanvo) + "/a.db"));
   EXPECT_EQ(countIn(readFile(kLog), "copySingleVolume: cannot open top level folder. Attempt "), 3);
 }

@@ -99,7 +99,10 @@ TEST(APipe, InThePlaceOfTheAttributesFileIsAFileWithoutKeys) {
   ASSERT_EQ(unlink((std::string(kSet) + "/.InstallationAttributes.dat").c_str()), 0);
   ASSERT_EQ(mkfifo((std::string(kSet) + "/.InstallationAttributes.dat").c_str(), 0644), 0);
   layTree(kDiscA, {file("TANVO/disc.db", 100)});
-  const GatedRun run = install();  // as from discs, since nothing says otherwise
+  const GatedRun refused = install();
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_THAT(refused.error, HasSubstr(".InstallationAttributes.dat is a pipe, a socket or a device"));
+  const GatedRun run = install({"--without-attributes"});  // as from discs, since nothing says otherwise
   EXPECT_EQ(run.status, 0) << run.output;
   EXPECT_THAT(
       logMessages(),
@@ -109,7 +112,8 @@ TEST(APipe, InThePlaceOfTheAttributesFileIsAFileWithoutKeys) {
 }
 
 TEST(APipe, InThePlaceOfAFileInTmpIsAnEmptyFile) {
-  layUpdate("NumberOfVolumes = 2\nRelativePath2 = .\n");
+  layUpdate("NumberOfVolumes = 2\nRelativePath2 = Second\n");
+  writeFile(std::string(kSet) + "/Second/TANVO/b.db", "b");
   ASSERT_EQ(mkfifo("/tmp/TavInstallLoc", 0644), 0);
   ASSERT_EQ(mkfifo("/tmp/TavInstallType", 0644), 0);
   const GatedRun run = install();
@@ -121,7 +125,7 @@ TEST(APipe, InThePlaceOfTheLocationFileIsAnEmptyFile) {
   layUpdate();
   makeFolder("/Users/tester/Library/Caches");
   ASSERT_EQ(mkfifo("/tmp/TavInstallLoc", 0644), 0);
-  JsonInstaller installer({"--no-preinstall"});
+  JsonInstaller installer({"--no-preinstall", "--without-attributes"});
   installer.send(kTitle);
   EXPECT_EQ(installer.finish(), 0);
   EXPECT_THAT(installer.events(), ElementsAre(R"({"event":"title","text":"Installing Data"})"));

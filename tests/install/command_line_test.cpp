@@ -70,14 +70,15 @@ TEST_P(BadUsageInEveryFrontend, APackageWithALineBreakInItsPath) {
 }
 
 TEST_P(BadUsageInEveryFrontend, ABundleThatDoesNotExist) {
-  expectBadUsage({"run", "--ui", GetParam(), "--package", package, "--install-type", "Lite", "--bundle",
-                  "/Volumes/Gone.bundle"},
+  expectBadUsage({"run", "--ui", GetParam(), "--package", package, "--without-attributes", "--install-type",
+                  "Lite", "--bundle", "/Volumes/Gone.bundle"},
                  "/Volumes/Gone.bundle");
 }
 
 TEST_P(BadUsageInEveryFrontend, ABundleWithAnInvalidProgram) {
   writeFile("/Volumes/Text.bundle/Contents/MacOS/InstallDataPane", "not a program\n");
-  expectBadUsage({"run", "--ui", GetParam(), "--package", package, "--bundle", "/Volumes/Text.bundle"},
+  expectBadUsage({"run", "--ui", GetParam(), "--package", package, "--without-attributes", "--bundle",
+                  "/Volumes/Text.bundle"},
                  "/Volumes/Text.bundle");
 }
 

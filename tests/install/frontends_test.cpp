@@ -3,6 +3,7 @@
 #include "tests/support/files.h"
 
 #include <csignal>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <regex>
@@ -265,6 +266,68 @@ TEST(QuietFrontend, NothingIsInstalledWhereTheSummaryCouldNotBeWritten) {
   EXPECT_EQ(outcome.status, 2);
   EXPECT_EQ(outcome.error, "tavinstall: cannot write /nowhere/summary.json: No such file or directory\n");
   EXPECT_FALSE(exists("/tmp/TavInstallLoc"));
+}
+
+// ---- What a run claims ----
+
+// An install that cannot write one of its two files.
+void laySetWithAFailure() {
+  layPackage("Mode = DataUpdater\nRelativePath = .\nTotalSizeMillionsBytes = 1\n", {"TANVO"});
+  writeFile(std::string(kSet) + "/TANVO/one.db", "one");
+  writeFile(std::string(kSet) + "/TANVO/two.db", "two");
+  makeFolder(std::string(kTanvo) + "/one.db");
+}
+
+std::vector<std::string> runWith(const std::vector<std::string>& wrapper, const std::string& frontend) {
+  std::vector<std::string> command = wrapper;
+  command.insert(command.end(), {kTavinstall, "run", "--ui", frontend, "--package", kPackage});
+  return command;
+}
+
+TEST(QuietFrontend, NamesEachFileThatIsNotInstalledOnStandardError) {
+  laySetWithAFailure();
+  const Outcome outcome = runThrough(runWith({}, "quiet"));
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.output, "");
+  EXPECT_THAT(outcome.error,
+              HasSubstr("tavinstall: not installed: " + std::string(kSet) + "/./TANVO/one.db (type)\n"));
+}
+
+// With SIGCHLD ignored, the system keeps no exit status of a child process.
+TEST(PlainFrontend, AParentThatIgnoresTheEndOfChildrenChangesNothing) {
+  laySetWithAFailure();
+  const std::vector<std::string> ignoring{"/bin/sh", "-c", "trap '' CHLD; exec \"$@\"", "sh"};
+  EXPECT_EQ(runThrough(runWith(ignoring, "plain")).status, 1);
+  std::filesystem::remove_all(std::string(kTanvo) + "/one.db");
+  EXPECT_EQ(runThrough(runWith(ignoring, "plain")).status, 0);
+}
+
+TEST(PlainFrontend, TooFewDescriptorsAreAnError) {
+  laySetWithAFailure();
+  std::filesystem::remove_all(std::string(kTanvo) + "/one.db");
+  for (const char* frontend : {"plain", "quiet", "json"}) {
+    const Outcome outcome = runThrough(runWith({"/bin/sh", "-c", "ulimit -n 8; exec \"$@\"", "sh"}, frontend));
+    EXPECT_NE(outcome.status, 0) << frontend;
+    EXPECT_NE(outcome.error, "") << frontend;
+  }
+}
+
+TEST(PlainFrontend, AMissingAttributesFileIsRefusedUnlessTheUserKnows) {
+  writeFile(kPackage, "");
+  makeFolder(kTanvo);
+  writeFile("/Volumes/Tavenhall Tessaphon A/TANVO/one.db", "one");
+  for (const char* frontend : {"plain", "quiet"}) {
+    const Outcome outcome = runThrough(runWith({}, frontend));
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.error,
+              "tavinstall: there is no .InstallationAttributes.dat beside the package in " + std::string(kSet) +
+                  " or one folder above; use --without-attributes to install one disc without it\n");
+    EXPECT_FALSE(exists(kLog));
+  }
+  std::vector<std::string> command = runWith({}, "plain");
+  command.emplace_back("--without-attributes");
+  EXPECT_EQ(runThrough(command).status, 0);
+  EXPECT_EQ(readFile(std::string(kTanvo) + "/one.db"), "one");
 }
 
 }  // namespace

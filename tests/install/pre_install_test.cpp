@@ -61,7 +61,7 @@ TEST(PreInstall, WhereTheHomeIsMissingThereIsNoLogAndThePageGoesOn) {
   layTree(kSet, {textFile("Installer.pkg", "")});
   setPackage(kPackage);
 
-  JsonInstaller installer({"--no-preinstall"}, {{"HOME", "/nowhere"}});
+  JsonInstaller installer({"--no-preinstall", "--without-attributes"}, {{"HOME", "/nowhere"}});
   installer.send(kTitle);
 
   EXPECT_EQ(installer.finish(), 0);

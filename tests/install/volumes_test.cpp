@@ -1,7 +1,9 @@
 #include "tests/install/case_files.h"
+#include "tests/install/child_program.h"
 #include "tests/install/source_tree.h"
 #include "tests/support/files.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 // Installs from discs that are folders in /Volumes.
@@ -103,6 +105,18 @@ TEST(Volumes, ADiscSetTakesItsFurtherDiscsFromTheTableOfOptionalDiscs) {
 
   EXPECT_EQ(installer.finish(), 0);
   expectCase("tempora_disc_set", installer);
+}
+
+// The discs of this product share one name. When disc 1 stays in, the page takes it for disc 2 and never asks.
+TEST(Volumes, ADiscThatStaysInIsReportedInsteadOfBeingTakenForTheNext) {
+  layPackage("Mode = InstallFromVolumes\nNumberOfVolumes = 2\nTotalSizeMillionsBytes = 1\n", {"DOVA"});
+  writeFile("/Volumes/Tavenhall Lumaweave/DOVA/one.db", "one");
+  const Outcome outcome =
+      runThrough({kTavinstall, "run", "--ui", "plain", "--product", "Lumaweave", "--package", kPackage});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(
+      outcome.output,
+      testing::HasSubstr("\n! Copied again instead of the next disc: /Volumes/Tavenhall Lumaweave/DOVA\n"));
 }
 
 }  // namespace

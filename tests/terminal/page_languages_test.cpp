@@ -205,13 +205,13 @@ TEST(PageLanguage, AFailureThatIsReportedInJapaneseHasItsFile) {
   result.failures.count = 1;
   result.failures.first = {{"target", "/Volumes/A/TANVO/2.db", ""}};
   EXPECT_EQ(resultHeading(result).text, "インストールは完全ではありません。");
-  EXPECT_THAT(textOf(resultLines(result, 100)),
-              ElementsAre("失敗 1 件。以下に示すものを直してから、再度インストールしてください。", "",
-                          "コピー        204.8 MB（59 min 59 s）",
-                          "コピー先      /Users/tester/Library/Application Support/Tavenhall/TANVO",
-                          "ログ          /Users/tester/Library/Caches/Tavenhall/installationLog.txt", "",
-                          "書き込めません", "  /Volumes/A/TANVO/2.db", "", "実行されたコマンドの出力",
-                          "  sudo: no"));
+  EXPECT_THAT(
+      textOf(resultLines(result, 100)),
+      ElementsAre("失敗 1 件。以下に示すものを直してから、再度インストールしてください。", "",
+                  "コピー        204.8 MB（59 min 59 s）",
+                  "コピー先      /Users/tester/Library/Application Support/Tavenhall/TANVO",
+                  "ログ          /Users/tester/Library/Caches/Tavenhall/installationLog.txt", "",
+                  "書き込めません", "  /Volumes/A/TANVO/2.db", "", "実行されたコマンドの出力", "  sudo: no"));
 }
 
 TEST(PageLanguage, TheLastWordIsInGerman) {

@@ -3,6 +3,7 @@
 #include "tests/support/children.h"
 #include "tests/support/files.h"
 #include "tests/terminal/page_in_terminal.h"
+#include "tests/terminal/tmux_terminal.h"
 
 #include <algorithm>
 #include <csignal>
@@ -18,7 +19,7 @@ using testing::HasSubstr;
 // Far more than a pipe holds.
 constexpr const char* kManyFailures =
     "thread\ninstructions Now installing.\nmax 1953125\nvalue 840000\nlog The copy runs.\nwait /tmp/go\n"
-    "sheets 5000 Failed to open input file.\nready 1\nnext 1\nrun touch /tmp/finished\n";
+    "sheets 50000 Failed to open input file.\nready 1\nnext 1\nrun touch /tmp/finished\n";
 
 std::vector<std::string> installWith(const char* frontend) {
   std::vector<std::string> command = runScript(kManyFailures);
@@ -37,8 +38,22 @@ TEST(StalledFrontend, PlainLinesShowEveryFailureToTheEnd) {
   for (std::size_t at = 0; (at = shown.find("! Failed to open input file.\n", at)) != std::string::npos; ++at) {
     ++failures;
   }
-  EXPECT_EQ(failures, 5000U);
+  EXPECT_EQ(failures, 50000U);
   EXPECT_THAT(shown, HasSubstr("! Not installed completely"));
+}
+
+TEST(StalledFrontend, TheTerminalPageComesToItsLastPage) {
+  let("go");
+  TmuxTerminal terminal(80, 24, runScript(kManyFailures));
+  terminal.waitFor("Press Continue to begin.");
+  terminal.press({"Enter"});
+  terminal.waitFor("(50000 times)");
+  terminal.press({"Enter"});
+  terminal.waitFor("[ Continue ]");
+  terminal.press({"Enter"});
+  terminal.waitFor("The installation is not complete.");
+  terminal.press({"Enter"});
+  EXPECT_THAT(terminal.waitFor("[ended with"), HasSubstr("[ended with 1]"));
 }
 
 TEST(StalledFrontend, AStoppedPlainFrontendStopsNoInstall) {
@@ -71,7 +86,7 @@ TEST(StalledFrontend, AProgramThatReadsNothingStopsNoInstallAndGetsEverySheet) {
   const std::vector<std::string> lines = program.readLines();
   EXPECT_EQ(std::ranges::count_if(
                 lines, [](const std::string& line) { return line.starts_with(R"({"event":"sheet")"); }),
-            5000);
+            50000);
   EXPECT_THAT(lines.back(), HasSubstr(R"("event":"summary")"));
   EXPECT_EQ(program.waitForEnd(), 0);
 }

@@ -49,7 +49,7 @@ TEST_F(TerminalStart, WithoutATerminalThereArePlainLines) {
 
 TEST_F(TerminalStart, ReportsAnEngineThatCannotStartWithoutAPage) {
   writeFile(kPackageFile, "");
-  TmuxTerminal terminal(80, 24, runCommand({"--bundle", "/tmp/nothing"}));
+  TmuxTerminal terminal(80, 24, runCommand({"--without-attributes", "--bundle", "/tmp/nothing"}));
   EXPECT_THAT(terminal.waitFor("[ended with"),
               AllOf(HasSubstr("tavinstall: cannot load /tmp/nothing: it has no Contents/MacOS/InstallDataPane"),
                     HasSubstr("[ended with 2]")));

@@ -71,9 +71,8 @@ TEST_F(RunResults, EachFailureIsReportedWithItsFile) {
                           "Copied     204.8 MB in 1 min 15 s",
                           "Into       /Users/tester/Library/Application Support/Tavenhall/TANVO",
                           "Log        /Users/tester/Library/Caches/Tavenhall/installationLog.txt", "",
-                          "Cannot be read", "  /Volumes/A/TANVO/a b/1.db", "",
-                          "Cannot be written", "  /Volumes/A/TANVO/2.db", "",
-                          "Not copied completely", "  /Volumes/A/TANVO/3.db"));
+                          "Cannot be read", "  /Volumes/A/TANVO/a b/1.db", "", "Cannot be written",
+                          "  /Volumes/A/TANVO/2.db", "", "Not copied completely", "  /Volumes/A/TANVO/3.db"));
 }
 
 TEST_F(RunResults, ALongPathKeepsItsName) {
