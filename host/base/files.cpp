@@ -5,7 +5,9 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
+#include <memory>
 #include <string_view>
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -14,6 +16,12 @@
 namespace tavenhall {
 
 namespace fs = std::filesystem;
+
+namespace {
+
+using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+}  // namespace
 
 void requireNoSpecialFile(const fs::path& path) {
   std::error_code error;
@@ -45,6 +53,33 @@ std::optional<std::int64_t> freeBytesAt(const std::string& path) {
     folder = folder.parent_path();
   }
   return static_cast<std::int64_t>(disk.f_bavail) * static_cast<std::int64_t>(disk.f_frsize);
+}
+
+bool haveSameContents(const fs::path& left, const fs::path& right, const std::function<void()>& goOn) {
+  std::error_code error;
+  if (!fs::is_regular_file(left, error) || !fs::is_regular_file(right, error)) {
+    return false;  // opening a pipe may block
+  }
+  const File leftFile{std::fopen(left.c_str(), "rbe"), std::fclose};
+  const File rightFile{std::fopen(right.c_str(), "rbe"), std::fclose};
+  if (!leftFile || !rightFile) {
+    return false;
+  }
+  constexpr std::size_t kPiece = 262144;  // bytes
+  const auto leftBytes = std::make_unique<std::array<char, kPiece>>();
+  const auto rightBytes = std::make_unique<std::array<char, kPiece>>();
+  while (true) {
+    goOn();
+    const std::size_t leftCount = std::fread(leftBytes->data(), 1, kPiece, leftFile.get());
+    const std::size_t rightCount = std::fread(rightBytes->data(), 1, kPiece, rightFile.get());
+    if (leftCount != rightCount || std::memcmp(leftBytes->data(), rightBytes->data(), leftCount) != 0 ||
+        std::ferror(leftFile.get()) != 0 || std::ferror(rightFile.get()) != 0) {
+      return false;
+    }
+    if (leftCount == 0) {
+      return true;
+    }
+  }
 }
 
 void LineReader::read(const std::function<void(const std::string&)>& take) {

@@ -22,6 +22,12 @@ void requireWritable(const std::filesystem::path& path);
 // existing folder above it. None if unknown.
 [[nodiscard]] std::optional<std::int64_t> freeBytesAt(const std::string& path);
 
+// Whether two files have the same bytes. False if one cannot be read or is not a regular file. Takes as long as
+// reading both; calls `goOn` regularly, which may throw.
+[[nodiscard]] bool haveSameContents(
+    const std::filesystem::path& left, const std::filesystem::path& right,
+    const std::function<void()>& goOn = [] {});
+
 // Reads lines from a descriptor, which the caller owns. One thread.
 class LineReader {
  public:

@@ -74,6 +74,7 @@ constexpr DiagnosticKind kKinds[] = {
     {"not-readable", Severity::error},
     {"path-too-long", Severity::error},
     {"case-clash", Severity::error},
+    {"file-differs", Severity::error},
     // Updates
     {"too-many-libraries", Severity::error},
     {"library-not-listed", Severity::warning},

@@ -1,5 +1,6 @@
 #include "context/install_rules.h"
 #include "context/placement_rules.h"
+#include "host/base/files.h"
 #include "host/base/text.h"
 #include "host/base/unicode.h"
 #include "host/check/rules.h"
@@ -25,6 +26,8 @@ struct CopiedTree {
   std::string destination;
   std::function<std::string(const std::string&)> shown;
   bool isSystemFolder;
+  bool isOfDisc;
+  std::filesystem::path folder;  // the source on this machine; empty in an image
 };
 
 // Hidden files that systems create in folders.
@@ -69,6 +72,15 @@ void checkHidden(const CopiedTree& copied, Diagnostics& diagnostics) {
   }
 }
 
+// Whether nobody may list the folder.
+bool hasMissingPermission(const TreeEntry& entry) {
+  return (entry.permissions & 0444U) == 0 || (entry.permissions & 0111U) == 0;
+}
+
+std::string unreadableFolderText() {
+  return _("The folder cannot be opened, so nothing in it is installed and the page reports nothing.");
+}
+
 void checkKind(const CopiedTree& copied, const TreeEntry& entry, Diagnostics& diagnostics) {
   const Place place{copied.shown(entry.path)};
   switch (entry.kind) {
@@ -105,10 +117,8 @@ void checkKind(const CopiedTree& copied, const TreeEntry& entry, Diagnostics& di
       }
       break;
     case EntryKind::folder:
-      if ((entry.permissions & 0444U) == 0 || (entry.permissions & 0111U) == 0) {
-        diagnostics.add(
-            "not-readable", place,
-            _("The folder cannot be opened, so nothing in it is installed and the page reports nothing."));
+      if (hasMissingPermission(entry)) {
+        diagnostics.add("not-readable", place, unreadableFolderText());
       }
       break;
   }
@@ -138,12 +148,14 @@ std::vector<CopiedTree> copiedTrees(const CheckedSet& checked) {
   for (const CheckedVolume& volume : checked.volumes) {
     if (!volume.chosen.empty()) {
       trees.push_back({volume.tree, volume.source(), destinationAtLongHome(volume),
-                       [&volume](const std::string& path) { return volume.shown(path); }, false});
+                       [&volume](const std::string& path) { return volume.shown(path); }, false,
+                       volume.volume.isMounted, volume.folder});
     }
   }
   for (const CheckedFolder& folder : checked.systemFolders) {
     trees.push_back({folder.tree, folder.folder.source, folder.folder.destination,
-                     [&folder](const std::string& path) { return folder.shownRoot + "/" + path; }, true});
+                     [&folder](const std::string& path) { return folder.shownRoot + "/" + path; }, true, false,
+                     folder.folder.source});
   }
   return trees;
 }
@@ -175,17 +187,60 @@ class CaseClashes {
   std::map<std::string, First> first_;
 };
 
+// The same path on two discs: the later disc's file replaces the earlier one's.
+class ReplacedFiles {
+ public:
+  void check(const CopiedTree& copied, const TreeEntry& entry, Diagnostics& diagnostics) {
+    const std::filesystem::path file = copied.folder.empty() ? "" : copied.folder / entry.path;
+    const auto [first, isNew] = first_.try_emplace(copied.destination + "/" + entry.path,
+                                                   First{copied.shown(entry.path), file, entry.size});
+    if (isNew) {
+      return;
+    }
+    const bool canCompare = !file.empty() && !first->second.file.empty();
+    if (first->second.size != entry.size || (canCompare && !haveSameContents(first->second.file, file))) {
+      diagnostics.add("file-differs", {copied.shown(entry.path)},
+                      format(_("This file replaces {0}, which has the same path but other contents."),
+                             {quotedText(first->second.shown)}));
+    }
+  }
+
+ private:
+  struct First {
+    std::string shown;
+    std::filesystem::path file;
+    std::int64_t size;
+  };
+
+  std::map<std::string, First> first_;
+};
+
+void checkUnlisted(const CopiedTree& copied, Diagnostics& diagnostics) {
+  for (const std::string& folder : copied.tree.unlisted()) {
+    const TreeEntry* entry = copied.tree.find(folder);
+    if (entry == nullptr || !hasMissingPermission(*entry)) {  // that is a diagnostic of its own
+      diagnostics.add("not-readable", {copied.shown(folder)}, unreadableFolderText());
+    }
+  }
+}
+
 }  // namespace
 
 void checkFiles(const CheckedSet& checked, Diagnostics& diagnostics) {
   CaseClashes clashes;
+  ReplacedFiles replaced;
   for (const CopiedTree& copied : copiedTrees(checked)) {
     checkHidden(copied, diagnostics);
+    checkUnlisted(copied, diagnostics);
     for (const TreeEntry& entry : copied.tree.entries()) {
       if (!entry.isHidden) {
         checkKind(copied, entry, diagnostics);
         checkLength(copied, entry, diagnostics);
         clashes.check(copied, entry, diagnostics);
+        const bool isFile = entry.kind == EntryKind::file || entry.kind == EntryKind::linkToFile;
+        if (copied.isOfDisc && isFile) {
+          replaced.check(copied, entry, diagnostics);
+        }
       }
     }
   }

@@ -1,6 +1,7 @@
 #include "host/rehearse/comparison.h"
 
 #include "context/install_rules.h"
+#include "host/base/files.h"
 #include "host/log/log_records.h"
 
 #include <algorithm>
@@ -48,37 +49,12 @@ std::optional<CopiedFolder> folderPair(std::string_view text, const Locate& loca
   return std::nullopt;
 }
 
-bool haveSameContents(const fs::path& left, const fs::path& right, const std::function<void()>& goOn) {
-  const File leftFile = openFile(left);
-  const File rightFile = openFile(right);
-  if (!leftFile || !rightFile) {
-    return false;
-  }
-  constexpr std::size_t kPiece = 262144;  // bytes
-  const auto leftBytes = std::make_unique<std::array<char, kPiece>>();
-  const auto rightBytes = std::make_unique<std::array<char, kPiece>>();
-  while (true) {
-    goOn();
-    const std::size_t leftCount = std::fread(leftBytes->data(), 1, kPiece, leftFile.get());
-    const std::size_t rightCount = std::fread(rightBytes->data(), 1, kPiece, rightFile.get());
-    if (leftCount != rightCount || std::memcmp(leftBytes->data(), rightBytes->data(), leftCount) != 0 ||
-        std::ferror(leftFile.get()) != 0 || std::ferror(rightFile.get()) != 0) {
-      return false;
-    }
-    if (leftCount == 0) {
-      return true;
-    }
-  }
-}
-
 Fate fateOf(const FileFate& file, const fs::path& destination, const std::function<void()>& goOn) {
   std::error_code error;
   if (!fs::exists(destination, error)) {
     return Fate::missing;
   }
-  return fs::is_regular_file(destination, error) && haveSameContents(file.sourceOutside, destination, goOn)
-             ? Fate::same
-             : Fate::differs;
+  return haveSameContents(file.sourceOutside, destination, goOn) ? Fate::same : Fate::differs;
 }
 
 }  // namespace
@@ -144,7 +120,12 @@ std::vector<FileFate> compareFiles(const std::vector<CopiedFolder>& folders,
   }
   for (std::size_t i = 0; i < files.size(); ++i) {
     const bool isLast = lastFor[destinations[i].string()] == i;
-    files[i].fate = isLast ? fateOf(files[i], destinations[i], goOn) : Fate::replaced;
+    if (isLast) {
+      files[i].fate = fateOf(files[i], destinations[i], goOn);
+    } else {
+      const bool isSame = haveSameContents(files[i].sourceOutside, destinations[i], goOn);
+      files[i].fate = isSame ? Fate::replaced : Fate::overwritten;
+    }
   }
   return files;
 }

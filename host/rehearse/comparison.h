@@ -26,10 +26,11 @@ using Locate = std::function<std::filesystem::path(const std::string& path, int 
 [[nodiscard]] std::vector<CopiedFolder> copiedFolders(const std::filesystem::path& log, const Locate& locate);
 
 enum class Fate {
-  same,      // installed, byte for byte
-  differs,   // installed with different contents
-  missing,   // not installed
-  replaced,  // a later copy wrote another file to the same place
+  same,         // installed, byte for byte
+  differs,      // installed with different contents
+  missing,      // not installed
+  replaced,     // a later copy wrote the same contents to the same place
+  overwritten,  // a later copy wrote other contents there
 };
 
 struct FileFate {

@@ -91,6 +91,11 @@ void RehearsalDriver::handle(const Event& event) {
   std::visit(EventVisitor{
                  [this](const event::Alert& alert) { handleAlert(alert); },
                  [this](const event::Sheet& sheet) { record_.sheets.push_back(sheet.message); },
+                 [this](const event::AuditFailure& failure) {
+                   if (record_.auditFailures.size() < RehearsalRecord::kMostFailures) {
+                     record_.auditFailures.push_back(failure);
+                   }
+                 },
                  [this](const event::ProgressMaximum& maximum) { record_.addBarMaximum(maximum.value); },
                  [this](const event::ProgressValue& value) { record_.addBarValue(value.value); },
                  [this](const event::NextEnabled& next) { nextIsEnabled_ = next.isEnabled; },

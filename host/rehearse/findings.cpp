@@ -3,6 +3,7 @@
 #include "context/install_rules.h"
 #include "host/base/text.h"
 #include "host/log/log_records.h"
+#include "host/ui/run_result.h"
 
 #include <algorithm>
 #include <fstream>
@@ -292,6 +293,16 @@ void judgeFiles(const RehearsalFindings& findings, Verdict& verdict) {
       verdict.failures.push_back(format(_("content differs: {0}"), {file.source}));
     } else if (file.fate == Fate::missing) {
       verdict.failures.push_back(format(_("not installed: {0}"), {file.source}));
+    } else if (file.fate == Fate::overwritten && findings.plan.mode == kModeVolumes) {
+      verdict.diagnostics.push_back(
+          format(_("a later disc has another file of the same path: {0}"), {file.source}));
+    }
+  }
+  for (const event::AuditFailure& failure : findings.record.auditFailures) {
+    if (std::none_of(findings.files.begin(), findings.files.end(), [&failure](const FileFate& file) {
+          return file.source == failure.source && (file.fate == Fate::differs || file.fate == Fate::missing);
+        })) {
+      verdict.failures.push_back(failureText({failure.problem, failure.source, failure.detail}));
     }
   }
   for (const LeftFile& file : findings.leftFiles) {

@@ -56,7 +56,8 @@ ordered_json RehearsalRecord::toJson() const {
                        {"insertedDiscs", insertedDiscs},
                        {"prompts", ordered_json::array()},
                        {"alerts", ordered_json::array()},
-                       {"bars", ordered_json::array()}};
+                       {"bars", ordered_json::array()},
+                       {"auditFailures", ordered_json::array()}};
   for (const Prompt& prompt : prompts) {
     json["prompts"].push_back({{"volume", prompt.volume}, {"reply", prompt.reply}});
   }
@@ -66,6 +67,13 @@ ordered_json RehearsalRecord::toJson() const {
   }
   for (const Bar& bar : bars) {
     json["bars"].push_back({{"maximum", bar.maximum}, {"highest", bar.highest}});
+  }
+  for (const event::AuditFailure& failure : auditFailures) {
+    json["auditFailures"].push_back({{"problem", failure.problem},
+                                     {"source", failure.source},
+                                     {"destination", failure.destination},
+                                     {"volume", failure.volume},
+                                     {"detail", failure.detail}});
   }
   return json;
 }
@@ -86,6 +94,10 @@ RehearsalRecord RehearsalRecord::fromJson(const ordered_json& json) {
   }
   for (const auto& bar : json.at("bars")) {
     record.bars.push_back({bar.at("maximum"), bar.at("highest")});
+  }
+  for (const auto& failure : json.at("auditFailures")) {
+    record.auditFailures.push_back({failure.at("problem"), failure.at("source"), failure.at("destination"),
+                                    failure.at("volume"), failure.at("detail")});
   }
   return record;
 }

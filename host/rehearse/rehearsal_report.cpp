@@ -130,7 +130,8 @@ std::string resultRows(const RehearsalFindings& findings, const Verdict& verdict
                              countOf(findings.files, Fate::same),
                              {std::to_string(countOf(findings.files, Fate::differs)),
                               std::to_string(countOf(findings.files, Fate::missing)),
-                              std::to_string(countOf(findings.files, Fate::replaced))}));
+                              std::to_string(countOf(findings.files, Fate::replaced) +
+                                             countOf(findings.files, Fate::overwritten))}));
   text += leftRows(findings);
   if (verdict.whole.real > 0) {
     text += sizeRow(_("size"), verdict.whole);

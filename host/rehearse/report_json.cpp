@@ -15,6 +15,7 @@ const char* fateName(Fate fate) {
     case Fate::same: return "same";
     case Fate::differs: return "differs";
     case Fate::missing: return "missing";
+    case Fate::overwritten: return "overwritten";
     case Fate::replaced: break;
   }
   return "replaced";

@@ -34,7 +34,8 @@ void lookIntoFolder(const fs::path& root, CheckedVolume& checked) {
   checked.hasAlternate = fs::exists(root / "Mac OSX" / checked.folderName, error);
   chooseFolder(checked);
   if (!checked.chosen.empty()) {
-    checked.tree = SourceTree::ofFolder(root / checked.chosen);
+    checked.folder = root / checked.chosen;
+    checked.tree = SourceTree::ofFolder(checked.folder);
   }
 }
 

@@ -30,8 +30,9 @@ struct CheckedVolume {
   bool isListed = false;  // it could be looked into
   bool hasPrimary = false;
   bool hasAlternate = false;
-  std::string chosen;  // the data folder that the page takes, below the root; empty: neither is there
-  SourceTree tree;     // what the page would copy of it, hidden names included
+  std::string chosen;            // the data folder that the page takes, below the root; empty: neither is there
+  std::filesystem::path folder;  // the data folder on this machine; empty in an image
+  SourceTree tree;               // what the page would copy of it, hidden names included
   std::vector<std::string> leftOut;  // at its top, what the page passes over, since no library is called so
 
   // The location of the data folder, or of `path` in it, for a diagnostic.

@@ -157,6 +157,9 @@ SourceTree SourceTree::ofFolder(const fs::path& folder) {
         toList.push_back(tree.entries_.back().path);
       }
     }
+    if (error && !(below.empty() && error == std::errc::no_such_file_or_directory)) {
+      tree.unlisted_.push_back(below);
+    }
   }
   tree.sort();
   return tree;
@@ -217,6 +220,13 @@ SourceTree SourceTree::below(const std::string& path) const {
       TreeEntry& taken = tree.entries_.back();
       taken.path.erase(0, start.size());
       taken.isHidden = hasHiddenPart(taken.path);
+    }
+  }
+  for (const std::string& folder : unlisted_) {
+    if (folder == path || path.starts_with(folder + "/") || folder.empty()) {
+      tree.unlisted_.emplace_back();
+    } else if (folder.starts_with(start)) {
+      tree.unlisted_.push_back(folder.substr(start.size()));
     }
   }
   return tree;

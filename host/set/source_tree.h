@@ -35,6 +35,9 @@ class SourceTree {
 
   [[nodiscard]] const std::vector<TreeEntry>& entries() const { return entries_; }  // sorted by path
 
+  // The folders that could not be listed, so that their content is unknown; empty for the top.
+  [[nodiscard]] const std::vector<std::string>& unlisted() const { return unlisted_; }
+
   // The entry at `path`, or null.
   [[nodiscard]] const TreeEntry* find(const std::string& path) const;
 
@@ -50,6 +53,7 @@ class SourceTree {
   void sort();
 
   std::vector<TreeEntry> entries_;
+  std::vector<std::string> unlisted_;
 };
 
 }  // namespace tavenhall

@@ -1,15 +1,13 @@
 #include "host/audit/audit.h"
 #include "tests/support/files.h"
+#include "tests/support/private_root.h"
 
-#include <array>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <linux/capability.h>
 #include <map>
 #include <string>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 #include <vector>
 
@@ -113,13 +111,6 @@ TEST_F(AuditTest, ReportsAFolderInAFilesPlaceAndAFileInAFolders) {
   EXPECT_THAT(failuresOf(),
               UnorderedElementsAre("wrong type " + atSource("two.db"), "wrong type " + atSource("Keys"),
                                    "missing " + atSource("Keys/one.db")));
-}
-
-// Gives up what lets root read and list everything.
-void dropOverridesOfPermissions() {
-  __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
-  std::array<__user_cap_data_struct, 2> none{};
-  ASSERT_EQ(syscall(SYS_capset, &header, none.data()), 0);
 }
 
 TEST_F(AuditTest, ReportsAFolderThatCannotBeListedAndAFileThatCannotBeRead) {

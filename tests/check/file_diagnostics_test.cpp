@@ -1,4 +1,5 @@
 #include "tests/check/sets.h"
+#include "tests/support/private_root.h"
 
 #include <sys/stat.h>
 
@@ -141,10 +142,30 @@ TEST(FileDiagnostic, NamesOnTwoDiscsThatDifferInCaseAlone) {
                     {{"case-clash", "error", "discs/2 Tavenhall Lumaweave/DOVA/Factory/One.db"}}, 1);
 }
 
-TEST(FileDiagnostic, AFileThatALaterDiscReplacesIsSound) {
+TEST(FileDiagnostic, AFileOfTwoDiscsWithOtherContents) {
+  for (const char* contents : {"the full one", "ONE"}) {
+    makeDiscSet();
+    const std::string later = "discs/2 Tavenhall Lumaweave/DOVA/Factory/one.db";
+    writeFile(inSet(later), contents);
+    const CheckResult result = checkFor("Lumaweave");
+    expectDiagnostics(result, {{"file-differs", "error", later}}, 1);
+    EXPECT_THAT(result.diagnostics.all()[0].sentence,
+                testing::HasSubstr("\"discs/1 Tavenhall Lumaweave/DOVA/Factory/one.db\""));
+  }
+}
+
+TEST(FileDiagnostic, AFileOfTwoDiscsWithTheSameContentsIsSound) {
   makeDiscSet();
-  writeFile(inSet("discs/2 Tavenhall Lumaweave/DOVA/Factory/one.db"), "the full one");
+  writeFile(inSet("discs/2 Tavenhall Lumaweave/DOVA/Factory/one.db"), "one");
   expectDiagnostics(checkFor("Lumaweave"), {}, 0);
+}
+
+// The permission bits let others in, but not the owner.
+TEST(FileDiagnostic, AFolderThatCannotBeListed) {
+  makeDiscSet();
+  ASSERT_EQ(chmod(inSet(kData + "Factory").c_str(), 0055), 0);
+  dropOverridesOfPermissions();
+  expectDiagnostics(checkFor("Lumaweave"), {{"not-readable", "error", kData + "Factory"}}, 1);
 }
 
 TEST(FileDiagnostic, OfOneKindOnlySoManyAreShown) {

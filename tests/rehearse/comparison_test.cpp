@@ -28,7 +28,7 @@ std::filesystem::path where(const std::string& path, int /*copy*/) { return path
 std::vector<std::string> fates(const std::vector<FileFate>& files) {
   std::vector<std::string> lines;
   for (const FileFate& file : files) {
-    const char* names[] = {"same", "differs", "missing", "replaced"};
+    const char* names[] = {"same", "differs", "missing", "replaced", "overwritten"};
     lines.push_back(file.source + " " + names[static_cast<int>(file.fate)] + " " + std::to_string(file.copy));
   }
   std::sort(lines.begin(), lines.end());
@@ -115,7 +115,7 @@ TEST(CompareFiles, AFileThatALaterCopyReplacedIsNotAFailure) {
   writeLog({"Copying folder /Users/tester/one /Users/tester/to\n",
             "Copying folder /Users/tester/two /Users/tester/to\n"});
   EXPECT_THAT(fates(compareFiles(copiedFolders(kLogFile, where))),
-              ElementsAre("/Users/tester/one/f replaced 0", "/Users/tester/two/f same 1"));
+              ElementsAre("/Users/tester/one/f overwritten 0", "/Users/tester/two/f same 1"));
 }
 
 TEST(FilesNotCopied, AreTheOnesThatNoCopyRead) {

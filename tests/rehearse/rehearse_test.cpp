@@ -1,4 +1,7 @@
 #include "tests/rehearse/rehearsals.h"
+#include "tests/support/private_root.h"
+
+#include <sys/stat.h>
 
 // How rehearsals end, by what is wrong with the set or goes wrong meanwhile.
 namespace tavenhall::test {
@@ -150,6 +153,28 @@ TEST(Rehearse, DoesNotWarnOfDataOfTheFullEdition) {
   EXPECT_THAT(outcome.output, HasSubstr("  left out     1 file of the Full edition\n"));
   EXPECT_EQ(report()["notInstalled"][0]["path"], "Second/TANVO/Tessaphon/two.db");
   EXPECT_EQ(report()["notInstalled"][0]["fullEditionOnly"], true);
+}
+
+// ---- What nobody sees who looks at the installed files alone ----
+
+TEST(Rehearse, AFolderThatCannotBeListedFails) {
+  if (!isRealRoot()) {
+    GTEST_SKIP() << "a folder of another user's is needed";
+  }
+  makeDownloadSet();
+  ASSERT_EQ(chmod(inSet("TANVO/Tessaphon").c_str(), 0700), 0);
+  const Outcome outcome = runThrough(asOrdinaryUser(rehearseCommand({"--ui", "quiet"})));
+  EXPECT_EQ(outcome.status, 1) << outcome.error;
+  EXPECT_THAT(outcome.output, HasSubstr("FAILED: Cannot be listed: "));
+}
+
+TEST(Rehearse, ALaterDiscsOtherFileIsAWarning) {
+  makeDiscSet();
+  writeFile(inSet("discs/2 Tavenhall Lumaweave/DOVA/Factory/one.db"), "eno");
+  const Outcome outcome = rehearse({"--product", "Lumaweave"});
+  EXPECT_EQ(outcome.status, 3) << outcome.error;
+  EXPECT_THAT(outcome.output, HasSubstr("warning: a later disc has another file of the same path: "
+                                        "/Volumes/Tavenhall Lumaweave/DOVA/Factory/one.db\n"));
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <linux/capability.h>
 #include <sched.h>
 #include <sstream>
 #include <string_view>
@@ -164,6 +165,12 @@ void endWhatIsLeft() {
       isAnybodyLeft = (isOther && kill(std::stoi(process), SIGKILL) == 0) || isAnybodyLeft;
     }
   }
+}
+
+void dropOverridesOfPermissions() {
+  __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
+  std::array<__user_cap_data_struct, 2> none{};
+  require(syscall(SYS_capset, &header, none.data()) == 0, "cannot give up capabilities");
 }
 
 bool isRealRoot() {

@@ -20,6 +20,10 @@ void enterPrivateRoot();
 // its frontend and waits for an answer for ever. Once all tests have run.
 void endWhatIsLeft();
 
+// Gives up for this process what lets root read, list and write everything. Any later check of permissions
+// counts.
+void dropOverridesOfPermissions();
+
 // Is this process the real root, outside any user namespace? Loop mounts need it.
 [[nodiscard]] bool isRealRoot();
 

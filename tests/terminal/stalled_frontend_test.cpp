@@ -47,7 +47,7 @@ TEST(StalledFrontend, TheTerminalPageComesToItsLastPage) {
   TmuxTerminal terminal(80, 24, runScript(kManyFailures));
   terminal.waitFor("Press Continue to begin.");
   terminal.press({"Enter"});
-  terminal.waitFor("(50000 times)");
+  terminal.waitFor("(50 000 times)");
   terminal.press({"Enter"});
   terminal.waitFor("[ Continue ]");
   terminal.press({"Enter"});
