@@ -131,6 +131,9 @@ ExitStatus run(const RunArguments& arguments) {
   const Frontend frontend = frontendFor(arguments.ui);
   EngineOptions options = optionsFrom(arguments, frontend);
   const std::optional<InstallPlan> plan = checkedPlan(arguments, frontend, options);
+  if (plan) {
+    options.copies = expectedCopies(*plan);
+  }
   switch (frontend) {
     case Frontend::json:
       runEngine(options, Controller::program, {.requests = STDIN_FILENO, .events = STDOUT_FILENO});

@@ -176,6 +176,34 @@ std::string refusalToCopyOntoItself(const InstallPlan& plan) {
   return {};
 }
 
+std::vector<ExpectedCopy> expectedCopies(const InstallPlan& plan) {
+  std::vector<ExpectedCopy> copies;
+  for (const PlannedFolder& folder : plan.systemFolders) {
+    copies.push_back({folder.source, folder.destination, 0});
+  }
+  for (const PlannedPass& pass : plan.passes) {
+    for (const PlannedVolume& volume : pass.volumes) {
+      std::error_code error;
+      const bool hasData =
+          volume.isMounted || fs::exists(volume.primary, error) || fs::exists(volume.alternate, error);
+      if (volume.isOptional || !hasData) {
+        continue;
+      }
+      if (!volume.librariesOnly) {
+        copies.push_back({volume.primary, pass.destination, volume.number + 1});
+        continue;
+      }
+      for (const PlannedLibrary& library : plan.editions.libraries) {
+        if (!library.isLite) {
+          copies.push_back({volume.primary + "/" + library.folderName,
+                            pass.destination + "/" + library.folderName, volume.number + 1});
+        }
+      }
+    }
+  }
+  return copies;
+}
+
 RunDescription describeRun(const InstallPlan& plan) {
   RunDescription description;
   description.introduction = introduce(plan, freeBytesAt);

@@ -32,6 +32,10 @@ using FreeBytes = std::function<std::optional<std::int64_t>(const std::string& p
 // remove the installed plug-ins before it copies them onto themselves. Empty if there is no reason.
 [[nodiscard]] std::string refusalToCopyOntoItself(const InstallPlan& plan);
 
+// The copies that the page must make by this plan: all volumes but optional ones, those without a data folder,
+// and libraries in the Lite edition.
+[[nodiscard]] std::vector<ExpectedCopy> expectedCopies(const InstallPlan& plan);
+
 // The description of an installation on this machine. Call it before the engine is started.
 [[nodiscard]] RunDescription describeRun(const InstallPlan& plan);
 

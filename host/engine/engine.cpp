@@ -121,6 +121,10 @@ void Engine::perform(Command command) {
     }
     case Command::enter: {
       beginAudits();
+      {
+        const Lock lock(state_);
+        isEntered_ = true;
+      }
       page_->didEnterPane(kDirectionForward);
       const Lock lock(state_);
       report(event::Entered{});

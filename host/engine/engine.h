@@ -17,8 +17,16 @@
 #include <optional>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace tavenhall {
+
+// A copy that an install must make: which volume of which data folder, or of a system folder.
+struct ExpectedCopy {
+  std::string source;       // to name it
+  std::string destination;  // a path; another path of the same folder counts as well
+  std::int32_t volume = 0;  // from 1; 0 for a system folder
+};
 
 // Plays the installer around one page: performs requests, runs what the page dispatches, and reports events.
 //
@@ -56,9 +64,14 @@ class Engine final : private InstallerHost {
   // afterwards: the caller ends the process without destroying this object. The thread that made the engine.
   void run() EXCLUDES(main_);
 
+  // Reports each of these copies that was not made since the page was entered, as a failure; nothing if it was
+  // not entered. Call it once page threads have ended.
+  void requireCopies(const std::vector<ExpectedCopy>& expected) EXCLUDES(state_);
+
   // Any thread.
   [[nodiscard]] bool nextIsEnabled() const EXCLUDES(state_);
   [[nodiscard]] bool inputIsClosed() const EXCLUDES(main_);
+  [[nodiscard]] bool isIdle() const EXCLUDES(state_);  // no page thread runs
   [[nodiscard]] event::Summary summary() const EXCLUDES(state_);
 
   // Whether everything is installed: the page was left forwards, every copy succeeded, no sheet reported a
@@ -112,7 +125,6 @@ class Engine final : private InstallerHost {
   void assertionReleased(const char* type) noexcept override;
 
   void accept(std::string_view line) EXCLUDES(main_);
-  [[nodiscard]] bool isIdle() const EXCLUDES(state_);
   [[nodiscard]] bool canPerform(Command command) const REQUIRES(main_);
   void perform(Command command) REQUIRES(main_);
   void leave(std::int64_t direction) REQUIRES(main_);
@@ -121,6 +133,7 @@ class Engine final : private InstallerHost {
   [[nodiscard]] event::CopyState copyState() const REQUIRES(state_);
   void takeSnapshot() EXCLUDES(state_);
   void beginAudits() EXCLUDES(state_);
+  void reportFailure(const event::AuditFailure& failure) REQUIRES(state_);
   [[nodiscard]] bool isInstalled() const REQUIRES(state_);
 
   using Clock = std::chrono::steady_clock;
@@ -154,6 +167,8 @@ class Engine final : private InstallerHost {
   int pageThreads_ GUARDED_BY(state_) = 0;
   PaneSnapshot snapshot_ GUARDED_BY(state_);  // the latest
   event::CopyBegin copy_ GUARDED_BY(state_);  // that began last
+  bool isEntered_ GUARDED_BY(state_) = false;
+  std::vector<ExpectedCopy> copies_ GUARDED_BY(state_);  // those that were made since the page was entered
   std::int64_t bytesAtCopyBegin_ GUARDED_BY(state_) = 0;
   std::int64_t filesAtCopyBegin_ GUARDED_BY(state_) = 0;
   Clock::time_point copyThreadStart_ GUARDED_BY(state_);

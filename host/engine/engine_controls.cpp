@@ -1,10 +1,12 @@
 #include "host/base/exit_status.h"
 #include "host/engine/engine.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <stdexcept>
 #include <utility>
 
@@ -193,6 +195,7 @@ void Engine::copyBegun(const TreeCopy& copy) noexcept {
   isCopying_ = true;
   copy_ = {copy.source, textOrEmpty(copy.destination), isVolume ? snapshot_.currentVolumeNumber + 1 : 0,
            isVolume ? snapshot_.volumeCount : 0};
+  copies_.push_back({copy_.source, copy_.destination, copy_.volume});
   report(copy_);
 }
 
@@ -220,16 +223,38 @@ void Engine::copyFinished(const TreeCopy& copy, bool isCopied) noexcept {
 void Engine::beginAudits() {
   audit_.emplace([this](const AuditFailure& failure) {
     const Lock lock(state_);
-    event::AuditFailure event{nameOf(failure.problem), failure.source, failure.destination, copy_.volume,
-                              detailOf(failure)};
-    report(event);
-    if (events_ == nullptr) {
-      const std::string reason = event.detail.empty() ? event.problem : event.problem + ", " + event.detail;
-      showError(std::runtime_error("not installed: " + event.source + " (" + reason + ")"));
-    }
+    reportFailure(
+        {nameOf(failure.problem), failure.source, failure.destination, copy_.volume, detailOf(failure)});
   });
   const Lock lock(state_);
   summary_.audit = {};
+  copies_.clear();
+}
+
+void Engine::reportFailure(const event::AuditFailure& failure) {
+  report(failure);
+  if (events_ == nullptr) {
+    const std::string reason =
+        failure.detail.empty() ? failure.problem : failure.problem + ", " + failure.detail;
+    showError(std::runtime_error("not installed: " + failure.source + " (" + reason + ")"));
+  }
+}
+
+void Engine::requireCopies(const std::vector<ExpectedCopy>& expected) {
+  const Lock lock(state_);
+  for (const ExpectedCopy& copy : expected) {
+    const bool isMade = std::any_of(copies_.begin(), copies_.end(), [&copy](const ExpectedCopy& made) {
+      std::error_code error;
+      return made.volume == copy.volume &&
+             (made.destination == copy.destination ||
+              (made.destination.empty() && made.source == copy.source) ||
+              std::filesystem::equivalent(made.destination, copy.destination, error));
+    });
+    if (isEntered_ && !isMade) {
+      ++summary_.audit.failures;
+      reportFailure({"not-copied", copy.source, copy.destination, copy.volume, ""});
+    }
+  }
 }
 
 void Engine::assertionTaken(const char* type, std::uint32_t level, const char* name) noexcept {

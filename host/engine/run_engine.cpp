@@ -123,6 +123,9 @@ void runEngine(const EngineOptions& options, Controller controller, const Engine
     engine.add(Command::forward);
     engine.run();
   }
+  if (engine.isIdle()) {
+    engine.requireCopies(options.copies);
+  }
   const bool isDone = controller == Controller::program || engine.isSuccess();
   finish(isDone ? ExitStatus::success : ExitStatus::failure);
   std::abort();  // not reached

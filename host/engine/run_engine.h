@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/engine/engine.h"
 #include "host/protocol/engine_process.h"
 
 #include <filesystem>
@@ -14,6 +15,7 @@ struct EngineOptions {
   std::string installType;            // "Lite", "Full", or empty: none is written
   std::filesystem::path bundle;       // the plug-in's folder
   std::filesystem::path summary;      // empty: none is written
+  std::vector<ExpectedCopy> copies;   // that the install must make; checked at its end
   std::vector<std::string> warnings;  // reported before everything else, in English
 };
 

@@ -89,7 +89,7 @@ dev_t diskOf(const fs::path& folder) {
   return found.st_dev;
 }
 
-std::string failureText(const fs::path& image, int status, const std::string& lastWords) {
+std::string mountFailureText(const fs::path& image, int status, const std::string& lastWords) {
   const char* pattern = _("cannot open the disc image {0}: {1}");
   if (status == kCannotRun) {
     pattern = _("cannot open the disc image {0}: {2} is missing; install the package {2}");
@@ -106,7 +106,7 @@ ImageMount::ImageMount(const fs::path& image, fs::path folder, const StopRequest
   while (!isServed()) {
     stop.throwIfCome();
     if (server_.hasEnded()) {
-      throw UsageError(failureText(image, server_.wait(), server_.lastLine()));
+      throw UsageError(mountFailureText(image, server_.wait(), server_.lastLine()));
     }
     std::this_thread::sleep_for(kBetweenLooks);
   }

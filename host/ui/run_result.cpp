@@ -20,8 +20,9 @@ struct ProblemText {
 
 // In the order in which they are listed. "not-found", "source", "folder", "target" and "command" are a log's
 // names.
-constexpr std::array<ProblemText, 17> kProblemTexts{{
+constexpr std::array<ProblemText, 18> kProblemTexts{{
     {"no-destination", N_("No destination")},
+    {"not-copied", N_("Not copied")},
     {"same-source", N_("Copied again instead of the next disc")},
     {"not-found", N_("Not found on the disc or beside the package")},
     {"not-listed", N_("Cannot be listed")},
