@@ -3,6 +3,7 @@
 #include "host/base/text.h"
 #include "platform/host_system.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -60,6 +61,27 @@ bool writeAll(int descriptor, std::string_view text) {
       pollfd output{descriptor, POLLOUT, 0};  // somebody has made it non-blocking
       poll(&output, 1, -1);
     } else if (written == 0 || errno != EINTR) {
+      return false;
+    }
+  }
+  return true;
+}
+
+bool writeUnless(int descriptor, std::string_view text, int interrupt, std::chrono::milliseconds timeout) {
+  constexpr std::size_t kRoom = 4096;  // bytes; a pipe that poll() calls writable has room for so many
+  while (!text.empty()) {
+    std::array<pollfd, 2> ends{{{descriptor, POLLOUT, 0}, {interrupt, POLLIN, 0}}};
+    const int ready = poll(ends.data(), ends.size(), static_cast<int>(timeout.count()));
+    if (ready < 0 && errno == EINTR) {
+      continue;
+    }
+    if (ready <= 0 || ends[1].revents != 0) {
+      return false;
+    }
+    const ssize_t written = ::write(descriptor, text.data(), std::min(text.size(), kRoom));
+    if (written > 0) {
+      text.remove_prefix(static_cast<std::size_t>(written));
+    } else if (written == 0 || (errno != EINTR && errno != EAGAIN)) {
       return false;
     }
   }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdio>
 #include <memory>
 #include <optional>
@@ -22,6 +23,11 @@ struct Pipe {
 
 // Writes all of `text`, also after signals. Returns false if a write fails. Any thread.
 bool writeAll(int descriptor, std::string_view text);
+
+// The same, but gives up with false when `interrupt` becomes readable, or after `timeout` if it is not
+// negative. Never blocks in write(2) itself, also where the descriptor is a full pipe. `interrupt` may be -1.
+[[nodiscard]] bool writeUnless(int descriptor, std::string_view text, int interrupt,
+                               std::chrono::milliseconds timeout = std::chrono::milliseconds(-1));
 
 // Runs `command` (a program of the PATH, and its arguments) in a child process, without a shell, after
 // setsid() so that a terminal's Ctrl-C does not reach it, with these standard streams. The child gets SIGTERM

@@ -21,8 +21,6 @@ namespace tavenhall {
 
 namespace {
 
-void printLine(std::string_view line) { writeAll(STDOUT_FILENO, std::string(line) + "\n"); }
-
 // Signals of the terminal reach only this process: the engine has no terminal.
 WakeUp* signalWakeUp = nullptr;
 volatile std::sig_atomic_t isHungUp = 0;
@@ -91,6 +89,25 @@ class PlainFrontend {
     if (sources[4].revents != 0) {
       answerPasswordPrompt();
     }
+  }
+
+  // Waits for whoever reads standard output, but not for longer than until a signal comes.
+  void print(std::string_view line) {
+    constexpr std::chrono::seconds kPatience{1};
+    const std::string text = std::string(line) + "\n";
+    if (isStopped_) {
+      isOutputStuck_ = isOutputStuck_ || !writeUnless(STDOUT_FILENO, text, -1, kPatience);
+      return;
+    }
+    if (!writeUnless(STDOUT_FILENO, text, wakeUp_.descriptor()) && hasSignal()) {
+      wakeUp_.clear();
+      stop();
+    }
+  }
+
+  [[nodiscard]] bool hasSignal() const {
+    pollfd signal{wakeUp_.descriptor(), POLLIN, 0};
+    return ::poll(&signal, 1, 0) > 0;
   }
 
   void stop() {
@@ -170,44 +187,43 @@ class PlainFrontend {
     const bool isWhole = std::string_view(end, digits.data() + digits.size()).find_first_not_of(" \t\r") ==
                          std::string_view::npos;
     if (error != std::errc{} || !isWhole || number < 1 || number > buttons_) {
-      printLine("  " + format(_("Type a number from 1 to {0}."), {std::to_string(buttons_)}));
+      print("  " + format(_("Type a number from 1 to {0}."), {std::to_string(buttons_)}));
       return;
     }
     buttons_ = 0;
     engine_.send(Answer{kAlertFirstButtonReturn + number - 1});
   }
 
-  void printResult(ExitStatus status) const {
+  void printResult(ExitStatus status) {
     if (summary_) {
       const std::string amount =
           format(_("{0} in {1}"), {sizeText(summary_->audit.bytes), durationText(summary_->seconds)});
       switch (status) {
-        case ExitStatus::success: printLine(format(_("Installed {0}."), {amount})); break;
+        case ExitStatus::success: print(format(_("Installed {0}."), {amount})); break;
         case ExitStatus::noAnswer:
-          printLine("! " +
-                    format(_("Stopped: a prompt needs an answer, but standard input is closed. Copied {0}."),
-                           {amount}));
+          print("! " + format(_("Stopped: a prompt needs an answer, but standard input is closed. Copied {0}."),
+                              {amount}));
           break;
         default:
-          printLine("! " +
-                    format(_("Not installed completely: see the lines that begin with \"!\". Copied {0}."),
-                           {amount}));
+          print("! " + format(_("Not installed completely: see the lines that begin with \"!\". Copied {0}."),
+                              {amount}));
           break;
       }
     } else if (isStopped_) {
-      printLine("! " + join(_("Stopped."), description_.afterStop));
+      print("! " + join(_("Stopped."), description_.afterStop));
     } else if (status == ExitStatus::failure) {
-      printLine(std::string("! ") + _("The installer's engine ended unexpectedly."));
+      print(std::string("! ") + _("The installer's engine ended unexpectedly."));
     }
     if (status != ExitStatus::badUsage && !description_.log.empty()) {
-      printLine(format(_("The log is {0}."), {description_.log}));
+      print(format(_("The log is {0}."), {description_.log}));
     }
   }
 
   WakeUp wakeUp_;
   EngineClient engine_;
   const RunDescription& description_;
-  PlainPrinter printer_{printLine};
+  bool isOutputStuck_ = false;  // nobody has read it since the run was stopped
+  PlainPrinter printer_{[this](std::string_view line) { print(line); }};
   LineReader answerLines_{STDIN_FILENO};
   std::optional<PasswordPrompt> passwordPrompt_;  // while a command asks
   std::deque<std::string> typed_;

@@ -8,7 +8,8 @@
 
 namespace tavenhall {
 
-EventWriter::EventWriter(int descriptor) : descriptor_(descriptor), thread_([this] { run(); }) {}
+EventWriter::EventWriter(int descriptor, int interrupt)
+    : descriptor_(descriptor), interrupt_(interrupt), thread_([this] { run(); }) {}
 
 EventWriter::~EventWriter() { finish(); }
 
@@ -62,7 +63,7 @@ void EventWriter::run() {
     isUrgent_ = false;
     isWriting_ = true;
     mutex_.unlock();
-    const bool isWritten = writeAll(descriptor_, batch);
+    const bool isWritten = writeUnless(descriptor_, batch, interrupt_);
     mutex_.lock();
     isWriting_ = false;
     if (!isWritten) {

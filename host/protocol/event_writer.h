@@ -19,8 +19,9 @@ namespace tavenhall {
 // gone, everything is.
 class EventWriter {
  public:
-  // The caller owns the descriptor, which must stay open as long as this object lives. Starts the thread.
-  explicit EventWriter(int descriptor);
+  // The caller owns the descriptors, which must stay open as long as this object lives. Starts the thread. Once
+  // `interrupt` is readable, everything that the reader does not take at once is dropped; -1: never.
+  explicit EventWriter(int descriptor, int interrupt = -1);
   EventWriter(const EventWriter&) = delete;
   EventWriter& operator=(const EventWriter&) = delete;
 
@@ -48,6 +49,7 @@ class EventWriter {
   }
 
   const int descriptor_;
+  const int interrupt_;
   Mutex mutex_;
   Condition changed_;
   std::string pending_ GUARDED_BY(mutex_);         // whole lines

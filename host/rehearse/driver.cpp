@@ -46,7 +46,7 @@ EngineConnection RehearsalDriver::start() const {
 ExitStatus RehearsalDriver::run() {
   engine_.emplace(start());
   if (hasFrontend()) {
-    frontendEvents_.emplace(frontend_.events);
+    frontendEvents_.emplace(frontend_.events, stop_.descriptor());
   } else {
     for (const Command command : {Command::title, Command::enter, Command::wait}) {
       engine_->send(command);
@@ -76,7 +76,7 @@ ExitStatus RehearsalDriver::run() {
     }
   }
   const ExitStatus status = engine_->wait();
-  if (!isStopping && frontendEvents_) {
+  if (frontendEvents_) {
     frontendEvents_->finish();
   }
   stop_.throwIfCome();

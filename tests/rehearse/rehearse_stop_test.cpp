@@ -3,8 +3,10 @@
 #include "tests/terminal/tmux_terminal.h"
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <thread>
 
 // A rehearsal that is ended in the middle takes everything with it: images, processes, folders.
 namespace tavenhall::test {
@@ -69,6 +71,29 @@ INSTANTIATE_TEST_SUITE_P(Frontends, RehearseStop,
                                                                                : "Hup";
                            return std::string(tried.param.first) + signal;
                          });
+
+// More events than a pipe holds, and nobody reads them.
+TEST(RehearseStop, AStuckReaderOfJsonDoesNotHoldItUp) {
+  makeDownloadSet();
+  for (int i = 0; i < 2000; ++i) {
+    writeFile(inSet("TANVO/Tessaphon/" + std::to_string(i) + ".db"), "x");
+  }
+  ChildProgram program(rehearseCommand({"--ui", "json"}));
+  program.write("{\"do\":\"enter\"}\n{\"do\":\"wait\"}\n{\"do\":\"forward\"}\n{\"do\":\"quit\"}\n");
+  EXPECT_TRUE(comesTrue([] {
+    const std::vector<std::string> tree = treeOf("/tmp");
+    return std::any_of(tree.begin(), tree.end(), [](const std::string& path) {
+      return path.ends_with("Tavenhall/TANVO/Tessaphon/1999.db");
+    });
+  }));
+  std::this_thread::sleep_for(std::chrono::seconds(1));
+  kill(program.pid(), SIGTERM);
+  EXPECT_TRUE(comesTrue([&program] {
+    return readFile("/proc/" + std::to_string(program.pid()) + "/stat").find(") Z ") != std::string::npos;
+  }));
+  EXPECT_EQ(program.waitForEnd(), 1);
+  expectNothingLeft();
+}
 
 TEST(RehearseStop, AProgramThatIsKilledLeavesNoMountAndNoProcess) {
   ChildProgram program(stoppableCommand({"--ui", "quiet"}));

@@ -65,7 +65,6 @@ void writeLog(const std::string& message) {
 }
 
 constexpr const char* kSource = "/tmp/scripted/source";
-constexpr const char* kDestination = "/tmp/scripted/destination";
 
 class ScriptedPage final : public InstallerPane {
  public:
@@ -103,6 +102,7 @@ class ScriptedPage final : public InstallerPane {
     snapshot.kBytesCopied = kBytes_;
     snapshot.bytesWritten = kBytes_ * 1024;
     snapshot.currentFile = kBytes_ > 0 ? "/Volumes/A/TANVO/1.db" : "";
+    snapshot.sourceFolder = isReady_ != 0 ? kSource : "";
     return snapshot;
   }
 
@@ -166,15 +166,18 @@ class ScriptedPage final : public InstallerPane {
     }
   }
 
-  // Of a file with as many bytes as the bar has said.
+  // Of the first volume, with one file that has as many bytes as the bar has said.
   void reportCopy() {
-    for (const char* top : {kSource, kDestination}) {
+    const std::string destination =
+        std::string(std::getenv("HOME")) + "/Library/Application Support/Tavenhall/TANVO";
+    for (const std::string& top : {std::string(kSource), destination}) {
       std::filesystem::create_directories(top);
-      std::ofstream(std::string(top) + "/1.db");
-      std::filesystem::resize_file(std::string(top) + "/1.db", static_cast<std::uintmax_t>(kBytes_ * 1024));
+      std::ofstream(top + "/1.db");
+      std::filesystem::resize_file(top + "/1.db", static_cast<std::uintmax_t>(kBytes_ * 1024));
     }
-    host().copyBegun({kSource, kDestination});
-    host().copyFinished({kSource, kDestination}, true);
+    const TreeCopy copy{kSource, destination.c_str()};
+    host().copyBegun(copy);
+    host().copyFinished(copy, true);
   }
 
   void showSheets(int count, const std::string& text) {

@@ -6,9 +6,12 @@
 #include "tests/terminal/tmux_terminal.h"
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace tavenhall::test {
@@ -25,6 +28,12 @@ std::vector<std::string> installWith(const char* frontend) {
   std::vector<std::string> command = runScript(kManyFailures);
   command.insert(command.end(), {"--ui", frontend});
   return command;
+}
+
+// Has ended, and waits for its parent to take note.
+bool isZombie(pid_t process) {
+  const std::string status = readFile("/proc/" + std::to_string(process) + "/status");
+  return status.find("\nState:\tZ") != std::string::npos;
 }
 
 bool copyRuns() { return exists(kLog) && readFile(kLog).find("The copy runs.") != std::string::npos; }
@@ -74,6 +83,20 @@ TEST(StalledFrontend, AFullStandardOutputStopsNoInstall) {
   EXPECT_TRUE(comesTrue([] { return exists("/tmp/finished"); }));
   EXPECT_THAT(program.readAll(), HasSubstr("! Not installed completely"));
   EXPECT_EQ(program.waitForEnd(), 1);
+}
+
+TEST(StalledFrontend, AFullStandardOutputTakesSignals) {
+  for (const int signal : {SIGTERM, SIGINT}) {
+    std::filesystem::remove(kLog);
+    std::filesystem::remove("/tmp/go");
+    ChildProgram program(installWith("plain"));
+    ASSERT_TRUE(comesTrue(copyRuns));
+    let("go");
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));  // until the pipe is full
+    kill(program.pid(), signal);
+    EXPECT_TRUE(comesTrue([&program] { return kill(program.pid(), 0) != 0 || isZombie(program.pid()); }));
+    EXPECT_EQ(program.waitForEnd(), 1);
+  }
 }
 
 TEST(StalledFrontend, AProgramThatReadsNothingStopsNoInstallAndGetsEverySheet) {

@@ -92,7 +92,7 @@ TEST_F(TerminalStart, AfterAnInstallNothingIsLeftOfItsLock) {
   EXPECT_EQ(runThrough(command).status, 0);
   EXPECT_EQ(runThrough(command).status, 0);
   EXPECT_THAT(treeOf("/Users/tester/Library/Application Support"),
-              testing::ElementsAre("Tavenhall/", "Tavenhall/TANVO/"));
+              testing::ElementsAre("Tavenhall/", "Tavenhall/TANVO/", "Tavenhall/TANVO/1.db"));
 }
 
 TEST_F(TerminalStart, ACommandThatOutlivesTheInstallDoesNotHoldTheLock) {
