@@ -18,6 +18,9 @@ namespace tavenhall {
 // set. The caller closes it. -1 on failure. Any thread.
 [[nodiscard]] int openMemoryFile() noexcept;
 
+// Whether the file system of an open folder is known to list "." and ".." in every folder. Any thread.
+[[nodiscard]] bool listsDots(int folder) noexcept;
+
 // Asks the system to send this process SIGTERM when its parent process ends. Call it in the child after fork.
 // Does nothing on systems without such a request.
 void endWithParentProcess() noexcept;

@@ -2,6 +2,7 @@
 
 #include "context/install_rules.h"
 #include "context/placement_rules.h"
+#include "platform/host_system.h"
 
 #include <cerrno>
 #include <cstring>
@@ -143,12 +144,14 @@ void TreeComparison::compareFolder(const Folder& folder, ComparedTree& found) {
   }
   const OpenFolder open{folder, dirfd(listing), destination.get(), hashOf(folder.destination),
                         isAttributesFile(folder.source)};
+  bool isListed = false;
   while (true) {
     errno = 0;
     const dirent* entry = readdir(listing);
     if (entry == nullptr) {
       break;
     }
+    isListed = true;
     const char* name = entry->d_name;
     if (isHiddenName(name)) {
       found.counts.skipped += std::strcmp(name, ".") != 0 && std::strcmp(name, "..") != 0 ? 1 : 0;
@@ -161,8 +164,10 @@ void TreeComparison::compareFolder(const Folder& folder, ComparedTree& found) {
       compareFile(open, name, found);
     }
   }
-  if (errno != 0) {
-    fail({AuditProblem::notListed, folder.source, folder.destination, 0, 0, errno}, found);
+  // readdir() takes ENOENT for the end. But most file systems list "." and ".." even in an empty folder.
+  const int error = errno;
+  if (error != 0 || (!isListed && listsDots(dirfd(listing)))) {
+    fail({AuditProblem::notListed, folder.source, folder.destination, 0, 0, error}, found);
   }
   closedir(listing);
 }

@@ -179,7 +179,7 @@ std::string refusalToCopyOntoItself(const InstallPlan& plan) {
 std::vector<ExpectedCopy> expectedCopies(const InstallPlan& plan) {
   std::vector<ExpectedCopy> copies;
   for (const PlannedFolder& folder : plan.systemFolders) {
-    copies.push_back({folder.source, folder.destination, 0});
+    copies.push_back({folder.source, "", folder.destination, 0});
   }
   for (const PlannedPass& pass : plan.passes) {
     for (const PlannedVolume& volume : pass.volumes) {
@@ -190,13 +190,14 @@ std::vector<ExpectedCopy> expectedCopies(const InstallPlan& plan) {
         continue;
       }
       if (!volume.librariesOnly) {
-        copies.push_back({volume.primary, pass.destination, volume.number + 1});
+        copies.push_back({volume.primary, volume.alternate, pass.destination, volume.number + 1});
         continue;
       }
       for (const PlannedLibrary& library : plan.editions.libraries) {
         if (!library.isLite) {
-          copies.push_back({volume.primary + "/" + library.folderName,
-                            pass.destination + "/" + library.folderName, volume.number + 1});
+          const std::string below = "/" + library.folderName;
+          copies.push_back(
+              {volume.primary + below, volume.alternate + below, pass.destination + below, volume.number + 1});
         }
       }
     }

@@ -23,7 +23,8 @@ namespace tavenhall {
 
 // A copy that an install must make: which volume of which data folder, or of a system folder.
 struct ExpectedCopy {
-  std::string source;       // to name it
+  std::string source;       // a path
+  std::string alternative;  // the other folder that the page may copy instead; may be empty
   std::string destination;  // a path; another path of the same folder counts as well
   std::int32_t volume = 0;  // from 1; 0 for a system folder
 };

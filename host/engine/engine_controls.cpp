@@ -195,7 +195,7 @@ void Engine::copyBegun(const TreeCopy& copy) noexcept {
   isCopying_ = true;
   copy_ = {copy.source, textOrEmpty(copy.destination), isVolume ? snapshot_.currentVolumeNumber + 1 : 0,
            isVolume ? snapshot_.volumeCount : 0};
-  copies_.push_back({copy_.source, copy_.destination, copy_.volume});
+  copies_.push_back({copy_.source, "", copy_.destination, copy_.volume});
   report(copy_);
 }
 
@@ -245,9 +245,11 @@ void Engine::requireCopies(const std::vector<ExpectedCopy>& expected) {
   for (const ExpectedCopy& copy : expected) {
     const bool isMade = std::any_of(copies_.begin(), copies_.end(), [&copy](const ExpectedCopy& made) {
       std::error_code error;
+      const std::filesystem::path source = std::filesystem::path(made.source).lexically_normal();
       return made.volume == copy.volume &&
-             (made.destination == copy.destination ||
-              (made.destination.empty() && made.source == copy.source) ||
+             (source == std::filesystem::path(copy.source).lexically_normal() ||
+              source == std::filesystem::path(copy.alternative).lexically_normal()) &&
+             (made.destination == copy.destination || made.destination.empty() ||
               std::filesystem::equivalent(made.destination, copy.destination, error));
     });
     if (isEntered_ && !isMade) {

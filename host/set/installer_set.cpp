@@ -125,6 +125,7 @@ void findDiscs(InstallerSet& set) {
                            return other.number == disc->number;
                          });
     if (disc && !isTaken) {
+      requireNoSpecialFile(path);  // the tools that open images would block
       set.discs.push_back(*disc);
     } else {
       set.notDiscs.push_back(path);

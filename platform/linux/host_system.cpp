@@ -5,9 +5,11 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <linux/magic.h>
 #include <sys/eventfd.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 namespace tavenhall {
@@ -18,6 +20,24 @@ std::filesystem::path programPath() {
 }
 
 int openMemoryFile() noexcept { return memfd_create("tavinstall", MFD_CLOEXEC); }
+
+bool listsDots(int folder) noexcept {
+  struct statfs found {};
+  if (fstatfs(folder, &found) != 0) {
+    return false;
+  }
+  switch (found.f_type) {
+    case EXT4_SUPER_MAGIC:
+    case TMPFS_MAGIC:
+    case OVERLAYFS_SUPER_MAGIC:
+    case XFS_SUPER_MAGIC:
+    case BTRFS_SUPER_MAGIC:
+    case ISOFS_SUPER_MAGIC:
+    case UDF_SUPER_MAGIC:
+    case SQUASHFS_MAGIC: return true;
+    default: return false;  // a FUSE server may list neither
+  }
+}
 
 void endWithParentProcess() noexcept { prctl(PR_SET_PDEATHSIG, SIGTERM); }
 

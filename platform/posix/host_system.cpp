@@ -19,6 +19,8 @@ int openMemoryFile() noexcept {
   return descriptor;
 }
 
+bool listsDots(int /*folder*/) noexcept { return false; }
+
 void endWithParentProcess() noexcept {}
 
 WakeUp::WakeUp() noexcept {

@@ -83,6 +83,14 @@ std::vector<BadInput> badInputs() {
                       "/tmp/thing/rehearsal.json is not a JSON object; write it as {\"product\": \"NAME\"}"});
     inputs.push_back({"pipeForRehearsalFile", [] { setWithPipe("rehearsal.json"); }, forSet(command),
                       "/tmp/thing/rehearsal.json is a pipe, a socket or a device; put a file in its place"});
+    inputs.push_back(
+        {"pipeForImage", [] { setWithPipe("discs/1 Tavenhall Tessaphon A.squashfs"); }, forSet(command),
+         "/tmp/thing/discs/1 Tavenhall Tessaphon A.squashfs is a pipe, a socket or a device; put a "
+         "file in its place"});
+    inputs.push_back(
+        {"pipeForImage", [] { setWithPipe("discs/1 Tavenhall Tessaphon A.iso"); }, forSet(command),
+         "/tmp/thing/discs/1 Tavenhall Tessaphon A.iso is a pipe, a socket or a device; put a file "
+         "in its place"});
     inputs.push_back({"noText", [] { setWith("rehearsal.json", R"({"product": 7})"); }, forSet(command),
                       "/tmp/thing/rehearsal.json: \"product\" is not a text; put it in quotes"});
     inputs.push_back(

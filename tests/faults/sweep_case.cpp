@@ -93,6 +93,22 @@ bool isNamed(const InstalledFile& file, const std::vector<std::string>& log) {
   });
 }
 
+// The audit's lines name a file, or a folder above it that was not listed or not copied, by its source:
+// "! Missing: /Volumes/A/TANVO/a.db (No such file or directory)".
+bool isNamedByAudit(const InstalledFile& file, const std::vector<std::string>& output) {
+  return std::ranges::any_of(output, [&file](const std::string& line) {
+    const std::size_t path = line.find(": /");
+    if (!line.starts_with("! ") || path == std::string::npos) {
+      return false;
+    }
+    const std::string named = line.substr(path + 2, line.rfind(" (") - path - 2);
+    const std::string source = fs::path(named).lexically_normal().native();
+    const std::string whole = fs::path(line.substr(path + 2)).lexically_normal().native();
+    return file.source == whole || file.source.starts_with(whole + "/") || file.source == source ||
+           file.source.starts_with(source + "/");
+  });
+}
+
 // What went wrong in how the program ended; empty if nothing.
 std::string badEnd(const GatedRun& run) {
   if (run.isHung) {
@@ -176,8 +192,15 @@ CaseResult judgeRun(const SweepScenario& scenario, const GatedRun& run, const Hi
     return {run.status == 0 ? Ending::whole : Ending::falseAlarm, ""};
   }
   const std::vector<std::string> log = linesOf(exists(kLog) ? contentsOf(kLog) : "");
-  if (run.status != 0) {
-    if (std::ranges::all_of(wrong, [&](const InstalledFile* file) { return isNamed(*file, log); })) {
+  const std::vector<std::string> output = linesOf(run.output);
+  if (run.status == 0) {
+    return {Ending::lost, "it claims success, and " + wrong.front()->destination + " is wrong\n" + run.output};
+  }
+  {
+    const auto isReported = [&](const InstalledFile* file) {
+      return isNamed(*file, log) || isNamedByAudit(*file, output);
+    };
+    if (std::ranges::all_of(wrong, isReported)) {
       return {Ending::named, ""};
     }
     if (wasGivenUp(run, log)) {

@@ -64,7 +64,7 @@ void writeLog(const std::string& message) {
   std::ofstream(folder + "/installationLog.txt", std::ios::app) << time.data() << " host: " << message << "\n";
 }
 
-constexpr const char* kSource = "/tmp/scripted/source";
+constexpr const char* kSource = "/Volumes/Tavenhall Tessaphon A/TANVO";
 
 class ScriptedPage final : public InstallerPane {
  public:

@@ -183,6 +183,7 @@ TEST_F(TerminalPassword, TheRealSudoAsksInTheWindowAndOnce) {
   command.insert(command.end(), page.begin(), page.end());
   std::filesystem::remove("/tmp/TavInstallLoc");
   giveTo(kUser, "/Users/tester");
+  giveTo(kUser, "/Volumes");
   TmuxTerminal terminal(80, 24, command, {{"PATH", "/usr/bin:/bin"}});
   enter(terminal);
   terminal.waitFor("[sudo] password for tester:");
