@@ -7,31 +7,44 @@
 
 namespace tavenhall {
 
+AuditCounts& AuditCounts::operator+=(const AuditCounts& other) {
+  files += other.files;
+  folders += other.folders;
+  bytes += other.bytes;
+  skipped += other.skipped;
+  failures += other.failures;
+  return *this;
+}
+
 AuditCounts Audit::compare(const char* source, const char* destination) {
   ++copies_;
   if (destination == nullptr) {
     report_({AuditProblem::noDestination, source, ""});
     return {.failures = 1};
   }
-  TreeComparison comparison(refused_, report_, copies_);
-  ComparedTree compared = comparison.run(source, destination);
-  installed_.insert(installed_.end(), compared.installed.begin(), compared.installed.end());
-  std::move(compared.suspects.begin(), compared.suspects.end(), std::back_inserter(suspects_));
-  compared.counts.failures += reportSharedFiles();
+  AuditCounts counts;
+  std::uint64_t listing = 0;
+  for (ComparedTree& compared : TreeComparison(refused_, report_, copies_).run(source, destination)) {
+    counts += compared.counts;
+    listing += compared.listing;
+    installed_.insert(installed_.end(), compared.installed.begin(), compared.installed.end());
+    std::move(compared.suspects.begin(), compared.suspects.end(), std::back_inserter(suspects_));
+  }
+  counts.failures += reportSharedFiles();
   struct stat top {};
   if (stat(source, &top) == 0) {
     // The number of a device is used again for the next disc, so the content must be the same too.
-    const CopiedFolder copied{identityOf(top), compared.listing};
+    const CopiedFolder copied{identityOf(top), listing};
     const bool isKnown = std::any_of(copied_.begin(), copied_.end(), [&copied](const CopiedFolder& earlier) {
       return earlier.folder == copied.folder && earlier.listing == copied.listing;
     });
     if (isKnown) {
       report_({AuditProblem::sameSource, source, destination});
-      ++compared.counts.failures;
+      ++counts.failures;
     }
     copied_.push_back(copied);
   }
-  return compared.counts;
+  return counts;
 }
 
 // Two names of one file are right only if they have one source, or if one is a later volume's file of the same

@@ -29,9 +29,9 @@ struct AuditFailure {
   AuditProblem problem = AuditProblem::missing;
   std::string source;
   std::string destination;           // empty with noDestination
-  std::int64_t sourceSize = 0;       // bytes; with wrongSize
-  std::int64_t destinationSize = 0;  // bytes; with wrongSize
   int error = 0;                     // errno of the call that failed; 0 if none did
+  std::int64_t sourceSize = 0;       // bytes; with wrongSize
+  std::int64_t destinationSize = 0;  // likewise
 };
 
 struct AuditCounts {
@@ -40,6 +40,8 @@ struct AuditCounts {
   std::int64_t bytes = 0;    // of these files
   std::int64_t skipped = 0;  // entries that the page does not install by design: hidden names, attributes files
   std::int64_t failures = 0;
+
+  AuditCounts& operator+=(const AuditCounts& other);
 };
 
 // The audit of one install. One thread at a time.

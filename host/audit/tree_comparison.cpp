@@ -73,36 +73,26 @@ int errorOfReading(int folder, const char* name) {
 
 std::uint64_t identityOf(const struct stat& found) { return mixed(found.st_dev, found.st_ino); }
 
-ComparedTree TreeComparison::run(const std::string& source, const std::string& destination) {
-  ComparedTree found;
-  Folder top{source, destination};
-  compareFolder(top, found);
-  std::thread helper;
-  ComparedTree foundByHelper;
+std::array<ComparedTree, 2> TreeComparison::run(const std::string& source, const std::string& destination) {
+  std::array<ComparedTree, 2> found;
+  compareFolder({source, destination}, found[0]);
   bool hasSeveralFolders = false;
   {
     const Lock lock(mutex_);
     hasSeveralFolders = pending_.size() > 1;
   }
+  std::thread helper;
   if (hasSeveralFolders) {
     try {
-      helper = std::thread([this, &foundByHelper] { work(foundByHelper); });
+      helper = std::thread([this, &found] { work(found[1]); });
     } catch (const std::system_error&) {
       // No thread can be started: this one does all.
     }
   }
-  work(found);
+  work(found[0]);
   if (helper.joinable()) {
     helper.join();
   }
-  found.counts.files += foundByHelper.counts.files;
-  found.counts.folders += foundByHelper.counts.folders;
-  found.counts.bytes += foundByHelper.counts.bytes;
-  found.counts.skipped += foundByHelper.counts.skipped;
-  found.counts.failures += foundByHelper.counts.failures;
-  found.listing += foundByHelper.listing;
-  found.installed.insert(found.installed.end(), foundByHelper.installed.begin(), foundByHelper.installed.end());
-  std::move(foundByHelper.suspects.begin(), foundByHelper.suspects.end(), std::back_inserter(found.suspects));
   return found;
 }
 
@@ -131,7 +121,7 @@ void TreeComparison::compareFolder(const Folder& folder, ComparedTree& found) {
   const FolderDescriptor destination(folder.destination);
   struct stat top {};
   if (stat(folder.destination.c_str(), &top) != 0) {
-    fail({AuditProblem::missing, folder.source, folder.destination, 0, 0, errno}, found);
+    fail({AuditProblem::missing, folder.source, folder.destination, errno}, found);
   } else if (!S_ISDIR(top.st_mode)) {
     fail({AuditProblem::wrongType, folder.source, folder.destination}, found);
   } else {
@@ -139,7 +129,7 @@ void TreeComparison::compareFolder(const Folder& folder, ComparedTree& found) {
   }
   DIR* listing = opendir(folder.source.c_str());
   if (listing == nullptr) {
-    fail({AuditProblem::notListed, folder.source, folder.destination, 0, 0, errno}, found);
+    fail({AuditProblem::notListed, folder.source, folder.destination, errno}, found);
     return;
   }
   const OpenFolder open{folder, dirfd(listing), destination.get(), hashOf(folder.destination),
@@ -167,7 +157,7 @@ void TreeComparison::compareFolder(const Folder& folder, ComparedTree& found) {
   // readdir() takes ENOENT for the end. But most file systems list "." and ".." even in an empty folder.
   const int error = errno;
   if (error != 0 || (!isListed && listsDots(dirfd(listing)))) {
-    fail({AuditProblem::notListed, folder.source, folder.destination, 0, 0, error}, found);
+    fail({AuditProblem::notListed, folder.source, folder.destination, error}, found);
   }
   closedir(listing);
 }
@@ -175,8 +165,8 @@ void TreeComparison::compareFolder(const Folder& folder, ComparedTree& found) {
 void TreeComparison::compareFile(const OpenFolder& folder, const char* name, ComparedTree& found) {
   const auto reject = [&](AuditProblem problem, int error = 0, std::int64_t sourceSize = 0,
                           std::int64_t destinationSize = 0) {
-    fail({problem, folder.paths.source + "/" + name, folder.paths.destination + "/" + name, sourceSize,
-          destinationSize, error},
+    fail({problem, folder.paths.source + "/" + name, folder.paths.destination + "/" + name, error, sourceSize,
+          destinationSize},
          found);
   };
   struct stat source {};

@@ -3,6 +3,7 @@
 #include "host/audit/audit.h"
 #include "host/base/mutex.h"
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -12,7 +13,7 @@
 
 namespace tavenhall {
 
-// What the comparison of one tree has found.
+// What one thread has found in a tree.
 struct ComparedTree {
   AuditCounts counts;
   std::uint64_t listing = 0;  // a digest of the source's names and sizes, whatever their order
@@ -32,7 +33,8 @@ class TreeComparison {
                  std::uint64_t copy)
       : refused_(refused), report_(report), copy_(copy) {}
 
-  [[nodiscard]] ComparedTree run(const std::string& source, const std::string& destination);
+  // What each of the two threads has found.
+  [[nodiscard]] std::array<ComparedTree, 2> run(const std::string& source, const std::string& destination);
 
  private:
   // A folder of both trees that is still to be compared.

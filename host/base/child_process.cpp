@@ -52,24 +52,14 @@ Pipe makePipe() {
   return {ends[0], ends[1]};
 }
 
-bool writeAll(int descriptor, std::string_view text) {
-  while (!text.empty()) {
-    const ssize_t written = ::write(descriptor, text.data(), text.size());
-    if (written > 0) {
-      text.remove_prefix(static_cast<std::size_t>(written));
-    } else if (written < 0 && errno == EAGAIN) {
-      pollfd output{descriptor, POLLOUT, 0};  // somebody has made it non-blocking
-      poll(&output, 1, -1);
-    } else if (written == 0 || errno != EINTR) {
-      return false;
-    }
-  }
-  return true;
-}
+bool writeAll(int descriptor, std::string_view text) { return writeUnless(descriptor, text, -1); }
 
 bool writeUnless(int descriptor, std::string_view text, int interrupt, std::chrono::milliseconds timeout) {
   constexpr std::size_t kRoom = 4096;  // bytes; a pipe that poll() calls writable has room for so many
   while (!text.empty()) {
+    if (descriptor < 0) {
+      return false;  // poll() would wait for it without end
+    }
     std::array<pollfd, 2> ends{{{descriptor, POLLOUT, 0}, {interrupt, POLLIN, 0}}};
     const int ready = poll(ends.data(), ends.size(), static_cast<int>(timeout.count()));
     if (ready < 0 && errno == EINTR) {

@@ -169,7 +169,7 @@ class Engine final : private InstallerHost {
   PaneSnapshot snapshot_ GUARDED_BY(state_);  // the latest
   event::CopyBegin copy_ GUARDED_BY(state_);  // that began last
   bool isEntered_ GUARDED_BY(state_) = false;
-  std::vector<ExpectedCopy> copies_ GUARDED_BY(state_);  // those that were made since the page was entered
+  std::vector<event::CopyBegin> copies_ GUARDED_BY(state_);  // those that were made since the page was entered
   std::int64_t bytesAtCopyBegin_ GUARDED_BY(state_) = 0;
   std::int64_t filesAtCopyBegin_ GUARDED_BY(state_) = 0;
   Clock::time_point copyThreadStart_ GUARDED_BY(state_);

@@ -56,6 +56,19 @@ std::string detailOf(const AuditFailure& failure) {
   return failure.error != 0 ? std::strerror(failure.error) : "";
 }
 
+// A copy that had no destination is a failure of its own.
+bool isCopyOf(const event::CopyBegin& made, const ExpectedCopy& expected) {
+  const auto isFromSource =
+      [source = std::filesystem::path(made.source).lexically_normal()](const std::string& path) {
+        return source == std::filesystem::path(path).lexically_normal();
+      };
+  std::error_code error;
+  return made.volume == expected.volume &&
+         (isFromSource(expected.source) || isFromSource(expected.alternative)) &&
+         (made.destination.empty() || made.destination == expected.destination ||
+          std::filesystem::equivalent(made.destination, expected.destination, error));
+}
+
 }  // namespace
 
 // ---- Controls ----
@@ -195,7 +208,7 @@ void Engine::copyBegun(const TreeCopy& copy) noexcept {
   isCopying_ = true;
   copy_ = {copy.source, textOrEmpty(copy.destination), isVolume ? snapshot_.currentVolumeNumber + 1 : 0,
            isVolume ? snapshot_.volumeCount : 0};
-  copies_.push_back({copy_.source, "", copy_.destination, copy_.volume});
+  copies_.push_back(copy_);
   report(copy_);
 }
 
@@ -242,17 +255,13 @@ void Engine::reportFailure(const event::AuditFailure& failure) {
 
 void Engine::requireCopies(const std::vector<ExpectedCopy>& expected) {
   const Lock lock(state_);
+  if (!isEntered_) {
+    return;
+  }
   for (const ExpectedCopy& copy : expected) {
-    const bool isMade = std::any_of(copies_.begin(), copies_.end(), [&copy](const ExpectedCopy& made) {
-      std::error_code error;
-      const std::filesystem::path source = std::filesystem::path(made.source).lexically_normal();
-      return made.volume == copy.volume &&
-             (source == std::filesystem::path(copy.source).lexically_normal() ||
-              source == std::filesystem::path(copy.alternative).lexically_normal()) &&
-             (made.destination == copy.destination || made.destination.empty() ||
-              std::filesystem::equivalent(made.destination, copy.destination, error));
-    });
-    if (isEntered_ && !isMade) {
+    const bool isMade = std::any_of(copies_.begin(), copies_.end(),
+                                    [&copy](const event::CopyBegin& made) { return isCopyOf(made, copy); });
+    if (!isMade) {
       ++summary_.audit.failures;
       reportFailure({"not-copied", copy.source, copy.destination, copy.volume, ""});
     }

@@ -92,9 +92,7 @@ void RehearsalDriver::handle(const Event& event) {
                  [this](const event::Alert& alert) { handleAlert(alert); },
                  [this](const event::Sheet& sheet) { record_.sheets.push_back(sheet.message); },
                  [this](const event::AuditFailure& failure) {
-                   if (record_.auditFailures.size() < RehearsalRecord::kMostFailures) {
-                     record_.auditFailures.push_back(failure);
-                   }
+                   record_.auditFailures.add({failure.problem, failure.source, failure.detail});
                  },
                  [this](const event::ProgressMaximum& maximum) { record_.addBarMaximum(maximum.value); },
                  [this](const event::ProgressValue& value) { record_.addBarValue(value.value); },

@@ -10,6 +10,8 @@
 #include <iterator>
 #include <map>
 #include <memory>
+#include <string_view>
+#include <unordered_set>
 
 namespace tavenhall {
 
@@ -284,6 +286,21 @@ void judgeRun(const RehearsalFindings& findings, Verdict& verdict) {
   }
 }
 
+// What the comparison of contents has not reported already.
+void judgeAudit(const RehearsalFindings& findings, Verdict& verdict) {
+  std::unordered_set<std::string_view> reported;
+  for (const FileFate& file : findings.files) {
+    if (file.fate == Fate::differs || file.fate == Fate::missing) {
+      reported.insert(file.source);
+    }
+  }
+  for (const FailedEntry& failure : findings.record.auditFailures.first) {
+    if (!reported.contains(failure.name)) {
+      verdict.failures.push_back(failureText(failure));
+    }
+  }
+}
+
 void judgeFiles(const RehearsalFindings& findings, Verdict& verdict) {
   if (findings.files.empty()) {
     verdict.failures.emplace_back(_("no file was copied"));
@@ -296,13 +313,6 @@ void judgeFiles(const RehearsalFindings& findings, Verdict& verdict) {
     } else if (file.fate == Fate::overwritten && findings.plan.mode == kModeVolumes) {
       verdict.diagnostics.push_back(
           format(_("a later disc has another file of the same path: {0}"), {file.source}));
-    }
-  }
-  for (const event::AuditFailure& failure : findings.record.auditFailures) {
-    if (std::none_of(findings.files.begin(), findings.files.end(), [&failure](const FileFate& file) {
-          return file.source == failure.source && (file.fate == Fate::differs || file.fate == Fate::missing);
-        })) {
-      verdict.failures.push_back(failureText({failure.problem, failure.source, failure.detail}));
     }
   }
   for (const LeftFile& file : findings.leftFiles) {
@@ -348,6 +358,7 @@ Verdict judge(const RehearsalFindings& findings) {
   Verdict verdict;
   judgeRun(findings, verdict);
   judgeFiles(findings, verdict);
+  judgeAudit(findings, verdict);
   judgeSizes(findings, verdict);
   return verdict;
 }

@@ -68,12 +68,9 @@ ordered_json RehearsalRecord::toJson() const {
   for (const Bar& bar : bars) {
     json["bars"].push_back({{"maximum", bar.maximum}, {"highest", bar.highest}});
   }
-  for (const event::AuditFailure& failure : auditFailures) {
-    json["auditFailures"].push_back({{"problem", failure.problem},
-                                     {"source", failure.source},
-                                     {"destination", failure.destination},
-                                     {"volume", failure.volume},
-                                     {"detail", failure.detail}});
+  for (const FailedEntry& failure : auditFailures.first) {
+    json["auditFailures"].push_back(
+        {{"problem", failure.problem}, {"name", failure.name}, {"detail", failure.detail}});
   }
   return json;
 }
@@ -96,8 +93,7 @@ RehearsalRecord RehearsalRecord::fromJson(const ordered_json& json) {
     record.bars.push_back({bar.at("maximum"), bar.at("highest")});
   }
   for (const auto& failure : json.at("auditFailures")) {
-    record.auditFailures.push_back({failure.at("problem"), failure.at("source"), failure.at("destination"),
-                                    failure.at("volume"), failure.at("detail")});
+    record.auditFailures.add({failure.at("problem"), failure.at("name"), failure.at("detail")});
   }
   return record;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/protocol/messages.h"
+#include "host/ui/run_result.h"
 
 #include <cstdint>
 #include <deque>
@@ -31,7 +31,7 @@ struct RehearsalRecord {
   std::vector<Prompt> prompts;
   std::vector<Alert> alerts;
   std::vector<std::string> sheets;
-  std::vector<event::AuditFailure> auditFailures;  // the first kMostFailures
+  Failures auditFailures;  // their names are paths at the source
   std::vector<Bar> bars;
   std::vector<std::size_t> insertedDiscs;  // indices into the set's, in order
   std::string missingDisc;        // a volume that the page asked for and the set does not have; empty: none
@@ -43,8 +43,6 @@ struct RehearsalRecord {
   void addAnswer(int answer);  // also before its alert
   void addBarMaximum(double maximum);
   void addBarValue(double value);
-
-  static constexpr std::size_t kMostFailures = 1000;
 
   // Each sheet's text and its number, in the order of the first ones.
   [[nodiscard]] std::vector<std::pair<std::string, int>> countedSheets() const;

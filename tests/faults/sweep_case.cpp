@@ -196,19 +196,17 @@ CaseResult judgeRun(const SweepScenario& scenario, const GatedRun& run, const Hi
   if (run.status == 0) {
     return {Ending::lost, "it claims success, and " + wrong.front()->destination + " is wrong\n" + run.output};
   }
-  {
-    const auto isReported = [&](const InstalledFile* file) {
-      return isNamed(*file, log) || isNamedByAudit(*file, output);
-    };
-    if (std::ranges::all_of(wrong, isReported)) {
-      return {Ending::named, ""};
-    }
-    if (wasGivenUp(run, log)) {
-      return {Ending::stopped, ""};
-    }
-    if (hits.onLog && sheetsOfFiles(run) >= wrong.size()) {
-      return {Ending::sheetsOnly, ""};
-    }
+  const auto isNamedSomewhere = [&](const InstalledFile* file) {
+    return isNamed(*file, log) || isNamedByAudit(*file, output);
+  };
+  if (std::ranges::all_of(wrong, isNamedSomewhere)) {
+    return {Ending::named, ""};
+  }
+  if (wasGivenUp(run, log)) {
+    return {Ending::stopped, ""};
+  }
+  if (hits.onLog && sheetsOfFiles(run) >= wrong.size()) {
+    return {Ending::sheetsOnly, ""};
   }
   for (const InstalledFile* file : wrong) {
     const auto isAbout = [file](const Silence& silence) { return covers(silence, file->source); };
