@@ -2,6 +2,7 @@
 
 #include "host/base/text.h"
 
+#include <cstdio>
 #include <exception>
 #include <stdexcept>
 
@@ -51,6 +52,8 @@ class UsageError : public std::runtime_error {
 };
 
 // Prints an error on standard error, as one line even where a path in it holds line breaks. Any thread.
-void showError(const std::exception& error);
+inline void showError(const std::exception& error) {
+  std::fprintf(stderr, "tavinstall: %s\n", printableLine(error.what()).c_str());
+}
 
 }  // namespace tavenhall

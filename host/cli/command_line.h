@@ -39,7 +39,7 @@ void addFrontendOption(CLI::App& command, std::string& name);
 // the plain one.
 [[nodiscard]] Frontend frontendFor(const std::string& name);
 
-// help_text: the help of the program or of a command, for a screen of 80 columns: its purpose, options and exit
+// The help of the program or of a command, for a screen of 80 columns: its purpose, options and exit
 // statuses.
 [[nodiscard]] std::string helpText(const CLI::App& command);
 

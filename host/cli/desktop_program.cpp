@@ -2,7 +2,7 @@
 
 #include "host/base/build_facts.h"
 #include "host/base/exit_status.h"
-#include "host/base/program_files.h"
+#include "host/base/files.h"
 #include "host/base/text.h"
 #include "host/cli/command_line.h"
 #include "host/engine/pre_install.h"

@@ -3,7 +3,7 @@
 #include "host/base/mutex.h"
 #include "host/cli/run_description.h"
 #include "host/desktop/desktop_run.h"
-#include "host/engine/install_lock.h"
+#include "host/engine/pre_install.h"
 #include "host/engine/run_engine.h"
 #include "host/ui/progress_meter.h"
 #include "host/ui/run_result.h"

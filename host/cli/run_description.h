@@ -2,7 +2,7 @@
 
 #include "host/engine/run_engine.h"
 #include "host/set/install_plan.h"
-#include "host/ui/run_description.h"
+#include "host/ui/introduction.h"
 #include "host/ui/run_result.h"
 
 #include <cstdint>

@@ -3,9 +3,8 @@
 #include "host/base/text.h"
 #include "host/desktop/desktop_run.h"
 #import "host/desktop/installer_window.h"
-#import "host/desktop/ns_string.h"
-#import "host/desktop/palette.h"
-#import "host/desktop/text_page.h"
+#import "host/desktop/look.h"
+#import "host/desktop/views.h"
 
 #include <cstdio>
 #include <unistd.h>

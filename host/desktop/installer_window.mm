@@ -1,9 +1,8 @@
 #import "host/desktop/installer_window.h"
 
 #include "host/base/text.h"
-#import "host/desktop/ns_string.h"
-#import "host/desktop/palette.h"
-#import "host/desktop/step_list.h"
+#import "host/desktop/look.h"
+#import "host/desktop/views.h"
 
 #include <algorithm>
 #include <cmath>

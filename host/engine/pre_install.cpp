@@ -1,15 +1,19 @@
 #include "host/engine/pre_install.h"
 
 #include "host/base/exit_status.h"
+#include "host/base/files.h"
 #include "host/base/text.h"
 #include "platform/installer_pane.h"
 #include "platform/system.h"
 
 #include <cerrno>
 #include <cstring>
+#include <dlfcn.h>
 #include <fcntl.h>
+#include <filesystem>
 #include <string>
 #include <string_view>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -91,6 +95,54 @@ void runPreInstallStep(const fs::path& package, const std::string& installType) 
   if (!installType.empty()) {
     writeLine(kInstallTypeFile, installType);
   }
+}
+
+InstallLock::InstallLock(bool mayMakeFolder) {
+  std::string path;
+  if (!firstUserSearchPath(SearchPath::applicationSupport, path)) {
+    return;
+  }
+  if (mayMakeFolder) {
+    std::error_code ignored;  // the pre-install step says what is wrong
+    std::filesystem::create_directories(path, ignored);
+  }
+  folder_ = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (folder_ >= 0 && flock(folder_, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+    close(folder_);
+    throw UsageError(_("another installation of yours is running; start this one after it has ended"));
+  }
+}
+
+InstallLock::~InstallLock() {
+  if (folder_ >= 0) {
+    close(folder_);
+  }
+}
+
+namespace {
+
+constexpr const char* kBundleProgram = "Contents/MacOS/InstallDataPane";
+
+}  // namespace
+
+PageFactory loadBundle(const fs::path& bundle) {
+  const fs::path program = fs::absolute(bundle) / kBundleProgram;
+  std::error_code error;
+  if (!fs::exists(program, error)) {
+    throw UsageError(format(_("cannot load {0}: it has no {1}; --bundle takes a plug-in's folder"),
+                            {bundle.string(), kBundleProgram}));
+  }
+  requireNoSpecialFile(program);
+  void* handle = dlopen(program.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (handle == nullptr) {
+    throw UsageError(format(_("cannot load {0}: {1}"), {bundle.string(), dlerror()}));
+  }
+  auto factory = reinterpret_cast<PageFactory>(dlsym(handle, kPageFactoryName));
+  if (factory == nullptr) {
+    throw UsageError(
+        format(_("cannot load {0}: it makes no page ({1} is missing)"), {bundle.string(), kPageFactoryName}));
+  }
+  return factory;
 }
 
 }  // namespace tavenhall

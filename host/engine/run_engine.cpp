@@ -3,9 +3,7 @@
 #include "host/base/child_process.h"
 #include "host/base/exit_status.h"
 #include "host/base/text.h"
-#include "host/engine/bundle_loader.h"
 #include "host/engine/engine.h"
-#include "host/engine/install_lock.h"
 #include "host/engine/pre_install.h"
 #include "host/protocol/json_form.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/engine/engine.h"
-#include "host/protocol/engine_process.h"
+#include "host/protocol/engine_client.h"
 
 #include <filesystem>
 #include <string>

@@ -1,6 +1,6 @@
 #include "host/engine/stand_ins.h"
 
-#include "host/base/program_files.h"
+#include "host/base/files.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -2,7 +2,6 @@
 
 #include "host/base/child_process.h"
 #include "host/base/text.h"
-#include "host/plain/password_prompt.h"
 #include "host/plain/plain_printer.h"
 #include "platform/host_system.h"
 #include "platform/installer_host.h"
@@ -11,9 +10,12 @@
 #include <charconv>
 #include <csignal>
 #include <deque>
+#include <fcntl.h>
 #include <optional>
 #include <poll.h>
 #include <string>
+#include <string_view>
+#include <termios.h>
 #include <unistd.h>
 #include <variant>
 
@@ -30,6 +32,60 @@ void noteSignal(int signal) {
     isHungUp = 1;
   }
   signalWakeUp->signal();
+}
+
+// A prompt on this process's terminal that reads one line without echo. The destructor restores the terminal's
+// modes. One thread.
+class PasswordPrompt {
+ public:
+  // Prints the prompt on the terminal, wherever standard output goes, and discards what was typed before it.
+  explicit PasswordPrompt(const std::string& prompt);
+  PasswordPrompt(const PasswordPrompt&) = delete;
+  PasswordPrompt& operator=(const PasswordPrompt&) = delete;
+  ~PasswordPrompt();
+
+  // Poll it for input; -1 when there is no terminal.
+  [[nodiscard]] int descriptor() const { return terminal_; }
+
+  // Reads the line; call it when the descriptor is readable. Returns false for an end of input (Ctrl-D), and
+  // when the terminal is gone.
+  [[nodiscard]] bool read(Secret& line);
+
+ private:
+  int terminal_;
+  termios modesBefore_{};
+};
+
+PasswordPrompt::PasswordPrompt(const std::string& prompt)
+    : terminal_(open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC)) {
+  if (terminal_ < 0) {
+    return;
+  }
+  tcgetattr(terminal_, &modesBefore_);
+  termios modes = modesBefore_;
+  modes.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+  modes.c_lflag |= ECHONL;  // echo the newline, so that the next output starts on a line of its own
+  tcsetattr(terminal_, TCSAFLUSH, &modes);
+  writeAll(terminal_, prompt);
+}
+
+PasswordPrompt::~PasswordPrompt() {
+  if (terminal_ >= 0) {
+    tcsetattr(terminal_, TCSADRAIN, &modesBefore_);
+    close(terminal_);
+  }
+}
+
+bool PasswordPrompt::read(Secret& line) {
+  std::array<char, Secret::kLongest + 1> typed;
+  const ssize_t count = ::read(terminal_, typed.data(), typed.size());
+  if (count > 0) {
+    std::string_view text(typed.data(), static_cast<std::size_t>(count));
+    text.remove_suffix(text.ends_with('\n') ? 1 : 0);
+    line.append(text);
+    wipe(typed.data(), typed.size());
+  }
+  return count > 0;
 }
 
 class PlainFrontend {

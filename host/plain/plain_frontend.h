@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/protocol/engine_client.h"
-#include "host/ui/run_description.h"
+#include "host/ui/introduction.h"
 
 namespace tavenhall {
 

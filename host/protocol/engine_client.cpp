@@ -1,12 +1,17 @@
 #include "host/protocol/engine_client.h"
 
 #include "host/base/child_process.h"
+#include "host/base/exit_status.h"
+#include "host/base/text.h"
 #include "host/protocol/json_form.h"
 
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/wait.h>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
 
@@ -56,6 +61,73 @@ void EngineClient::stop() {
   if (kill(-connection_.process, SIGTERM) != 0) {
     kill(connection_.process, SIGTERM);
   }
+}
+
+namespace {
+
+void closeAll(std::initializer_list<int> descriptors) {
+  for (const int descriptor : descriptors) {
+    if (descriptor >= 0) {
+      close(descriptor);
+    }
+  }
+}
+
+[[noreturn]] void runBody(const EngineBody& body, const EngineEnds& ends) {
+  try {
+    exitProcess(body(ends));
+  } catch (const UsageError& error) {
+    showError(error);
+    exitProcess(ExitStatus::badUsage);
+  }
+}
+
+}  // namespace
+
+EngineConnection startEngineProcess(const EngineBody& body, const EngineProcessOptions& options) {
+  const Pipe requests = makePipe();
+  const Pipe events = makePipe();
+  const Pipe errors = options.capturesErrors ? makePipe() : Pipe{};
+  const PseudoTerminal terminal = options.hasPasswordTerminal ? openPseudoTerminal() : PseudoTerminal{};
+  std::fflush(nullptr);
+  const pid_t pid = fork();
+  if (pid < 0) {
+    throw std::system_error(errno, std::generic_category(), "fork");
+  }
+  if (pid == 0) {
+    closeAll({requests.writeEnd, events.readEnd, terminal.frontend});
+    setsid();
+    keepToOneLanguage();
+    if (terminal.commands >= 0) {
+      surviveSignal(SIGHUP);  // the terminal hangs up when its frontend goes
+      setControllingTerminal(terminal.commands);
+    }
+    if (errors.writeEnd >= 0) {
+      // A command must neither block nor get SIGPIPE when its errors are not read: this end never blocks, and
+      // the other one stays open here.
+      fcntl(errors.writeEnd, F_SETFL, O_NONBLOCK);
+      dup2(errors.writeEnd, STDERR_FILENO);
+    }
+    runBody(body, {.requests = requests.readEnd, .events = events.writeEnd});
+  }
+  closeAll({requests.readEnd, events.writeEnd, errors.writeEnd, terminal.commands});
+  return {.process = pid,
+          .requests = requests.writeEnd,
+          .events = events.readEnd,
+          .errors = errors.readEnd,
+          .passwords = terminal.frontend};
+}
+
+void surviveSignal(int signal) {
+  struct sigaction action {};
+  action.sa_handler = [](int) {};
+  action.sa_flags = SA_RESTART;
+  sigaction(signal, &action, nullptr);
+}
+
+void exitProcess(ExitStatus status) {
+  std::fflush(nullptr);
+  _exit(static_cast<int>(status));
 }
 
 }  // namespace tavenhall

@@ -2,7 +2,6 @@
 
 #include "host/base/exit_status.h"
 #include "host/protocol/engine_client.h"
-#include "host/protocol/engine_process.h"
 #include "host/protocol/event_writer.h"
 #include "host/rehearse/disc_tray.h"
 #include "host/rehearse/rehearsal_record.h"

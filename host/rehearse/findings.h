@@ -9,6 +9,7 @@
 #include "host/set/checked_set.h"
 
 #include <cstdint>
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <vector>
@@ -80,5 +81,13 @@ struct Verdict {
 
 // How far the bar came during the copies; its final value is always the full bar.
 [[nodiscard]] RehearsalRecord::Bar volumeBar(const RehearsalRecord& record);
+
+// The report of a rehearsal; docs/rehearsal.md describes each field.
+
+// The report in the user's language, with a newline at the end. Long lists are shortened.
+[[nodiscard]] std::string reportText(const RehearsalFindings& findings, const Verdict& verdict);
+
+// The whole report in English. Call it while there is one thread.
+[[nodiscard]] nlohmann::ordered_json reportJson(const RehearsalFindings& findings);
 
 }  // namespace tavenhall

@@ -5,7 +5,6 @@
 #include "host/base/text.h"
 #include "host/rehearse/driver.h"
 #include "host/rehearse/findings.h"
-#include "host/rehearse/rehearsal_report.h"
 #include "host/rehearse/temporary_folder.h"
 
 #include <cerrno>

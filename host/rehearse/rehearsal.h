@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/base/exit_status.h"
-#include "host/protocol/engine_process.h"
+#include "host/protocol/engine_client.h"
 #include "host/set/install_plan.h"
 
 #include <filesystem>

@@ -1,4 +1,4 @@
-#include "host/rehearse/rehearsal_report.h"
+#include "host/rehearse/findings.h"
 
 #include "host/base/text.h"
 

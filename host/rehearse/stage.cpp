@@ -1,7 +1,7 @@
 #include "host/rehearse/stage.h"
 
 #include "host/base/exit_status.h"
-#include "host/base/program_files.h"
+#include "host/base/files.h"
 #include "host/base/text.h"
 #include "platform/host_system.h"
 

@@ -2,7 +2,7 @@
 
 #include "host/base/unicode.h"
 #include "host/protocol/password_terminal.h"
-#include "host/terminal/curses_includes.h"
+#include "host/terminal/palette.h"
 
 namespace tavenhall {
 

@@ -3,7 +3,6 @@
 #include "host/base/display_text.h"
 #include "host/base/text.h"
 #include "host/base/unicode.h"
-#include "host/terminal/curses_includes.h"
 #include "host/terminal/palette.h"
 #include "host/terminal/terminal_device.h"
 #include "platform/host_system.h"

@@ -1,6 +1,6 @@
 #include "host/terminal/terminal_device.h"
 #include "host/base/display_text.h"
-#include "host/terminal/curses_includes.h"
+#include "host/terminal/palette.h"
 
 #include <algorithm>
 #include <array>

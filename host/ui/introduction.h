@@ -1,8 +1,10 @@
 #pragma once
 
+#include "host/base/text.h"
 #include "host/ui/styled_text.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -30,5 +32,13 @@ struct Introduction {
 
 // "The data takes 1.2 GB, and the disk has 300.0 MB free."; only where the room is short.
 [[nodiscard]] std::string shortRoomText(const Introduction& introduction);
+
+// What a frontend presents of a run beyond the engine's events.
+struct RunDescription {
+  Introduction introduction;
+  std::string log;  // the path of the installation log, as the user is shown it; empty: it is not shown
+  std::string afterStop =
+      _("The files copied so far are kept. Run the installer again to complete the installation.");
+};
 
 }  // namespace tavenhall

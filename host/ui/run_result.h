@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/base/exit_status.h"
-#include "host/ui/run_description.h"
+#include "host/ui/introduction.h"
 #include "host/ui/styled_text.h"
 
 #include <chrono>

@@ -1,5 +1,5 @@
-#include "host/engine/bundle_loader.h"
-#include "host/base/program_files.h"
+#include "host/base/files.h"
+#include "host/engine/pre_install.h"
 
 #include "host/base/exit_status.h"
 #include "platform/installer_host.h"

@@ -1,6 +1,6 @@
 #include "host/base/display_text.h"
 #include "host/base/text.h"
-#include "host/rehearse/rehearsal_report.h"
+#include "host/rehearse/findings.h"
 
 #include <clocale>
 #include <cstdlib>

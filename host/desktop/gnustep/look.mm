@@ -2,8 +2,6 @@
 
 #include "host/desktop/gnustep/font_choice.h"
 #import "host/desktop/gnustep/page_theme.h"
-#import "host/desktop/ns_string.h"
-#import "host/desktop/palette.h"
 #include "platform/strings_language.h"
 
 #include "host/base/exit_status.h"

@@ -1,6 +1,6 @@
 #import "host/desktop/gnustep/page_theme.h"
 
-#import "host/desktop/palette.h"
+#import "host/desktop/look.h"
 
 #include <algorithm>
 #include <cmath>

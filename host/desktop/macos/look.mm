@@ -1,7 +1,5 @@
 #import "host/desktop/look.h"
 
-#import "host/desktop/ns_string.h"
-
 #include "host/base/text.h"
 #import <AppKit/AppKit.h>
 
