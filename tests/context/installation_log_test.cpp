@@ -4,11 +4,15 @@
 #include "tests/support/private_root.h"
 #include "tests/support/recording_platform.h"
 
+#include <cerrno>
+#include <climits>
 #include <csignal>
+#include <cstring>
 #include <ctime>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <regex>
+#include <sched.h>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -79,6 +83,15 @@ TEST_F(InstallationLog, ARecordIsTimeHostNameAndMessage) {
   const std::smatch parts = onlyRecord(log);
   EXPECT_EQ(parts[2], hostName());
   EXPECT_EQ(parts[3], "the message");
+}
+
+TEST_F(InstallationLog, TheLongestHostNameOfTheSystemIsWhole) {
+  const std::string longest(HOST_NAME_MAX, 'h');
+  ASSERT_EQ(unshare(CLONE_NEWUTS), 0) << std::strerror(errno);  // the name is this process's alone
+  ASSERT_EQ(sethostname(longest.c_str(), longest.size()), 0) << std::strerror(errno);
+  addEventToInstallationLog("the message");
+  const std::string log = readFile(kLog);
+  EXPECT_EQ(onlyRecord(log)[2], longest);
 }
 
 TEST_F(InstallationLog, TheTimeIsTheLocalTimeWithTheFullMonthName) {

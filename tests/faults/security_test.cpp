@@ -16,6 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 using testing::Contains;
 using testing::ElementsAre;
+using testing::HasSubstr;
 
 constexpr uid_t kOtherUser = 54321;
 constexpr const char* kSharedLine =

@@ -81,15 +81,17 @@ TEST_F(CopyEngine, AnEmptyFolderIsCreatedAndCountsAsCopied) {
   EXPECT_THAT(logMessages(), ElementsAre("Copying folder /tmp/from /tmp/to\n", "mkdir 0 2 /tmp/to"));
 }
 
-TEST_F(CopyEngine, ACreatedFolderHasTheModeThatTheUmaskLeaves) {
-  makeFolder("/tmp/from");
+TEST_F(CopyEngine, ACreatedFolderOrFileHasTheModeThatTheUmaskLeaves) {
+  writeFile("/tmp/from/one.dat", "one");
   const mode_t before = umask(0027);
   EXPECT_EQ(copyFolder("/tmp/from", "/tmp/to"), 1);
   umask(0);
   EXPECT_EQ(copyFolder("/tmp/from", "/tmp/open"), 1);
   umask(before);
   EXPECT_EQ(modeOf("/tmp/to"), 0750U);
+  EXPECT_EQ(modeOf("/tmp/to/one.dat"), 0640U);
   EXPECT_EQ(modeOf("/tmp/open"), 0777U);
+  EXPECT_EQ(modeOf("/tmp/open/one.dat"), 0666U);
 }
 
 TEST_F(CopyEngine, ASourceFolderThatCannotBeOpenedStillMakesItsDestinationAndCountsAsCopied) {
