@@ -23,7 +23,7 @@ std::FILE* openBesidePackage(const char* tail, BoundedText<kAttributesPathSize>&
   return openToRead(path.c_str());
 }
 
-// Shows the file's lines to a search; whether it found its key. A failed read uses up one of the turns.
+// Passes the file's lines to a search. Returns whether it found its key. A failed read counts as a line.
 template <typename Search>
 bool searchLines(std::FILE* file, Search& search) {
   std::array<char, kAttributesLineSize> line{};

@@ -11,7 +11,7 @@ namespace tavenhall {
 
 namespace {
 
-// The blanks of the C locale, whatever locale the installer runs in. A newline is one of them.
+// The blanks of the C locale, including the newline, in every locale of the installer.
 constexpr std::string_view kBlanks = " \t\n\v\f\r";
 
 void skipBlanks(std::string_view& text) {

@@ -8,16 +8,16 @@
 // ignored, and a value that runs to the end of the line. Pure: no file, no log, no state. Any thread.
 namespace tavenhall {
 
-// A line is read with this limit (bytes, terminator included); a longer one counts as several.
+// The longest line in bytes, terminator included; a longer one counts as several lines.
 inline constexpr std::size_t kAttributesLineSize = 2048;
 
-// Only so many lines are searched.
+// The number of lines that are searched.
 inline constexpr int kAttributesLineCount = 999;
 
 // A buffer of this many bytes holds every value and every default text.
 inline constexpr std::size_t kAttributesValueSize = 2048;
 
-// The parts of one line; they point into it. A part that the line does not have is empty.
+// The parts of one line, as views of it. A part that the line does not have is empty.
 struct AttributesLine {
   std::string_view key;
   std::string_view separator;
@@ -33,27 +33,27 @@ struct AttributesLine {
 [[nodiscard]] bool isStringKey(std::string_view key, std::string_view wanted) noexcept;
 [[nodiscard]] bool isNumberKey(std::string_view key, std::string_view wanted) noexcept;
 
-// The decimal number at the start of `value`, and whether there is one; `number` stays as it is where there is
-// none. A number beyond 64 bits becomes the nearest one that fits.
+// Stores the decimal number at the start of `value`. Returns false, with `number` unchanged, if there is none.
+// A number beyond 64 bits becomes the nearest one that fits.
 bool readAttributesNumber(std::string_view value, std::int64_t& number) noexcept;
 
-// Ends `value` at its first carriage return, and makes of each backslash with "n" or "r" a blank and a
-// newline (the length stays).
+// Ends `value` at its first carriage return, and replaces each "\n" and "\r" escape by a blank and a newline,
+// which keeps the length.
 void finishAttributesValue(char* value) noexcept;
 
-// A search for one key. It is shown the file's lines in order, the first kAttributesLineCount at most, until it
-// returns true: that line has the key. Then it is not shown another.
+// A search for one key. The caller passes the file's lines in order, at most kAttributesLineCount of them,
+// until show() returns true: that line has the key.
 //
-// Required: every line shown leaves its value, if it has one, whether it is the wanted line or not. Installers
-// in the field rely on what a missing key leaves in the buffer.
+// Required: every line passed stores its value, if it has one, whether or not its key matches. Installers in
+// the field rely on what a missing key leaves in the buffer.
 class TextSearch {
  public:
-  // The value goes into the caller's buffer of `size` bytes, cut at a character's edge.
+  // Stores values in the caller's buffer of `size` bytes, truncated at a character boundary.
   TextSearch(std::string_view key, char* value, std::size_t size) noexcept
       : key_(key), value_(value), size_(size) {}
   bool show(const AttributesLine& line) noexcept;
 
-  // Did the line shown last leave a value?
+  // Whether the last line passed stored a value.
   [[nodiscard]] bool tookValue() const noexcept { return tookValue_; }
 
  private:
@@ -69,7 +69,7 @@ class NumberSearch {
   bool show(const AttributesLine& line) noexcept;
   [[nodiscard]] bool tookValue() const noexcept { return tookValue_; }
 
-  // The number of the wanted line, or where that has none, of the last line before it that has one; 0 unless
+  // The number in the matching line, or if it has none, in the last line before it that has one. 0 unless
   // show() has returned true.
   [[nodiscard]] std::int64_t number() const noexcept { return isFound_ ? number_ : 0; }
 

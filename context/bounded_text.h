@@ -14,19 +14,17 @@ namespace tavenhall {
 // Any thread.
 [[noreturn]] void stopForWantOfRoom(std::size_t limit) noexcept;
 
-// Formats into `out` (`room` bytes, terminator included). What does not fit ends the process.
+// Formats into `out` (`room` bytes, terminator included). Aborts on overflow.
 void formatBounded(char* out, std::size_t room, const char* format, std::va_list arguments) noexcept;
 
-// Formats into `out` (`room` bytes, terminator included); what does not fit is left away, at a byte's
-// edge.
+// Formats into `out` (`room` bytes, terminator included); truncates at any byte.
 void formatCut(char* out, std::size_t room, const char* format, std::va_list arguments) noexcept;
 
-// Copies `text` into `out` (`room` bytes, at least 1, terminator included); what does not fit is left
-// away, at the edge of a UTF-8 character. Bytes that are not UTF-8 are cut anywhere.
+// Copies `text` into `out` (`room` bytes, at least 1, terminator included); truncates
+// at the boundary of a UTF-8 character. Bytes that are not UTF-8 are truncated anywhere.
 void copyCut(char* out, std::size_t room, std::string_view text) noexcept;
 
-// A byte string of at most `Size - 1` bytes, always terminated. Starts empty. Not shared between
-// threads without some order of the owner's making.
+// A byte string of at most `Size - 1` bytes, always terminated. Starts empty. The owner synchronises threads.
 template <std::size_t Size>
 class BoundedText {
  public:
@@ -35,7 +33,7 @@ class BoundedText {
   [[nodiscard]] std::size_t length() const noexcept { return std::strlen(bytes_.data()); }
   [[nodiscard]] bool empty() const noexcept { return bytes_[0] == '\0'; }
 
-  // The bare buffer, for functions that fill one; they keep it terminated.
+  // The buffer, for functions that fill one; they must keep it terminated.
   [[nodiscard]] char* data() noexcept { return bytes_.data(); }
   [[nodiscard]] static constexpr std::size_t capacity() noexcept { return Size; }
 
@@ -64,7 +62,7 @@ class BoundedText {
     va_end(arguments);
   }
 
-  // The one way to a shortened text; everything else in this class refuses to cut.
+  // Truncates. Every other function of this class aborts on overflow.
   void assignCut(std::string_view text) noexcept { copyCut(bytes_.data(), Size, text); }
 
  private:

@@ -6,8 +6,8 @@
 
 namespace tavenhall {
 
-// The entries of a folder in the order in which the system lists them, without those whose names begin with
-// a full stop. One thread; closes the folder when it goes.
+// Lists the entries of a folder in the system's order, without names that begin with a full stop. One thread.
+// The destructor closes the folder.
 class FolderListing {
  public:
   explicit FolderListing(const char* path) noexcept : folder_(opendir(path)) {}
@@ -21,10 +21,10 @@ class FolderListing {
 
   [[nodiscard]] bool isOpen() const noexcept { return folder_ != nullptr; }
 
-  // Of the folder, which must be open; valid as long as this object.
+  // The descriptor of the folder, which must be open; valid as long as this object.
   [[nodiscard]] int descriptor() const noexcept { return dirfd(folder_); }
 
-  // The next entry, valid until the next call; null at the end, and where the folder could not be opened.
+  // Returns the next entry, valid until the next call; null at the end, or if the folder could not be opened.
   [[nodiscard]] const dirent* next() noexcept {
     while (folder_ != nullptr) {
       const dirent* entry = readdir(folder_);

@@ -38,7 +38,7 @@ struct ModeWord {
   std::int32_t mode;
 };
 
-// The first word that a mode's value contains decides.
+// The first word that the value contains decides.
 constexpr std::array<ModeWord, 4> kModeWords{{
     {"DataUpdater", kModeDataUpdater},
     {"InstallFromVolumes", kModeVolumes},

@@ -20,7 +20,7 @@ struct KeyedText {
   const char* missingLine;
 };
 
-// Looks the key up; whether it is in the file.
+// Looks up the key. Returns whether it is in the file.
 bool getText(const KeyedText& row, char* text) {
   if (getStringFromAttributesFile(row.key, text, kAttributesValueSize) != 0) {
     addEventToInstallationLog(row.foundLine, text);
@@ -79,7 +79,7 @@ std::int64_t readNumberOfVolumes() noexcept {
 int getInstallationMode(void) noexcept {
   int mode = kModeVolumes;
   if (std::FILE* file = getInstallationAttributesFile()) {
-    std::fclose(file);  // it was only a test of presence
+    std::fclose(file);  // only its presence counts
     std::array<char, kModeSize> value{};
     if (getStringFromAttributesFile("Mode", value.data(), value.size()) != 0) {
       mode = installModeForValue(value.data());

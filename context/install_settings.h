@@ -4,9 +4,9 @@
 
 #include <cstdint>
 
-// What the InstallationAttributes file says of this installer. Each getter looks one key up in the file,
-// at every call, and logs what it found. A missing file or key gives the built-in text and a log line
-// that says so; no getter fails. Every buffer holds at least kAttributesValueSize bytes. Any thread.
+// The settings in the InstallationAttributes file. Each getter looks up one key in the file, at every call, and
+// logs what it found. For a missing file or key it returns the built-in text and logs that; no getter fails.
+// Every buffer holds at least kAttributesValueSize bytes. Any thread.
 namespace tavenhall {
 
 extern "C" {
@@ -17,15 +17,15 @@ TAVENHALL_EXPORT void getInstallDataTitle(char* text) noexcept;
 TAVENHALL_EXPORT void getInstallingDataString(char* text) noexcept;
 TAVENHALL_EXPORT void getCompletionMessage(int ignored, char* text) noexcept;
 
-// The source folders, relative to the package's folder. The second has no built-in text: when it is missing
-// the buffer is left as the lookup left it.
+// The source folders, relative to the package's folder. The second has no built-in text: if it is missing, the
+// buffer keeps what the lookup left in it.
 TAVENHALL_EXPORT void getRelativePath(char* text) noexcept;
 TAVENHALL_EXPORT void getRelativePath2(char* text) noexcept;
 
 TAVENHALL_EXPORT void getPreparationTitle(char* text) noexcept;
 TAVENHALL_EXPORT void getLiteVsFullPromptText(char* text) noexcept;
 
-// Required spelling: other pages of the installer call them by these names.
+// Required spelling: other pages of the installer call these names.
 TAVENHALL_EXPORT void getAlternateNameForLiteInstalltion(char* text) noexcept;
 TAVENHALL_EXPORT void getAlternateNameForFullInstalltion(char* text) noexcept;
 
@@ -38,7 +38,7 @@ TAVENHALL_EXPORT int folderExistsAndHasContents(const char* path) noexcept;
 
 }  // extern "C"
 
-// Whether "RelativePath2" is in the file, with `text` filled and a log line written as by getRelativePath2.
+// Whether "RelativePath2" is in the file. Fills `text` and logs like getRelativePath2.
 [[nodiscard]] bool findRelativePath2(char* text) noexcept;
 
 // "NumberOfVolumes", with a log line.

@@ -8,14 +8,14 @@
 #include <string_view>
 #include <sys/stat.h>
 
-// Which libraries an update carries, and in which edition a user has them: what is looked at, in the order in
-// which the system lists it. Only reads. `Path` holds the paths: a BoundedText, which ends the process where
-// one does not fit, or a std::string. Each step is reported to `Observer`, which may log it. Any thread.
+// Finds the libraries in an update, and the editions that a user has, in the order in which the system lists
+// them. Only reads. `Path` is the type of the paths: a BoundedText, which aborts on overflow, or a std::string.
+// Each step is reported to `Observer`, which may log it. Any thread.
 namespace tavenhall {
 
 inline constexpr const char* kMirelPacks = "Mirel Packs";
 
-// Gives the observer each library in an update's data folder, until it has no room for more. It has
+// Passes each library in an update's data folder to the observer, until isFull(). The observer has
 //   bool isFull()
 //   void foundLibrary(const char* name)
 //   void foundPacks(const char* path)      the folder that holds the Mirel Packs
@@ -47,7 +47,7 @@ void listUpdateLibraries(const Path& folder, Observer& observer) {
   }
 }
 
-// The path with the name of the folder's first database file behind it; false where there is none.
+// Appends the name of the folder's first database file to the path. Returns false if there is none.
 template <typename Path>
 [[nodiscard]] bool appendDatabaseName(Path& path) {
   FolderListing listing(path.c_str());
@@ -61,8 +61,8 @@ template <typename Path>
   return false;
 }
 
-// Does the user whose central folder this is have the library in its Lite edition? Nothing if that is unknown;
-// it then counts as Full. The observer, for Mirel Packs alone, has
+// Whether the user with this central folder has the Lite edition of the library; none if unknown, which counts
+// as Full. The observer, for Mirel Packs alone, has
 //   void searches(const char* path)
 //   void foundDatabase(const char* path, std::int32_t size)    bytes, as a 32-bit number
 template <typename Path, typename Observer>
@@ -93,7 +93,7 @@ template <typename Path, typename Observer>
       continue;
     }
     // Required: the path only grows. A subfolder without a database stays in it, so in effect the first
-    // subfolder of the listing decides.
+    // subfolder listed decides.
     path.append("/");
     path.append(entry->d_name);
     if (!appendDatabaseName(path)) {

@@ -11,11 +11,11 @@ constinit thread_local BoundedText<kPackageFolderSize> sOutputPathWithCallersSub
 
 namespace {
 
-// Tried once a process, before the first open, so that a failed open is never repeated. A second thread
-// that comes in meanwhile waits for the first one's reading.
+// Set before the first open, so that a failed open is never repeated. A second thread waits until the first one
+// has read the file.
 constinit std::once_flag sHaveReadTavLocFile;
 
-// Written under sHaveReadTavLocFile alone, and only read afterwards.
+// Written once, under sHaveReadTavLocFile.
 constinit BoundedText<kFirstLineSize> sContentsOfTavLocFile;
 
 bool isSeparator(char character) { return character == '/' || character == '\\'; }
@@ -40,7 +40,7 @@ void getFolderContainingPKGfile(const char* subfolder) noexcept {
     return;
   }
 
-  // Together these two take one trailing separator away.
+  // Together these two remove one trailing separator.
   if (!isSeparator(folder.view().back())) {
     folder.append("/");
   }

@@ -23,7 +23,7 @@ constexpr std::array<KindTest, kPluginKindCount> kKindTests{{
     {PluginKind::vstPlugin, "/Plug-Ins/VST", ".vst"},
 }};
 
-// Required order. ".vst" matches whatever ".vst3" does, so the second never decides; it is left as it is.
+// Required order. ".vst" matches whatever ".vst3" matches, so the second never decides.
 constexpr std::array<const char*, 5> kRemovableSuffixes{".vst", ".vst3", ".aaxplugin", ".component", ".app"};
 
 }  // namespace

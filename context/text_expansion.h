@@ -5,9 +5,9 @@
 
 namespace tavenhall {
 
-// Fills in a text that comes from a file and serves as a format. The first "%s" receives `argument`
-// ("(null)" when it is null), "%%" becomes a percent sign, and everything else stands as it is, a second
-// "%s" and a "%n" included: such a text never reaches printf. Any thread.
+// Formats a text from a file that serves as a format. Replaces the first "%s" by `argument` ("(null)" if it is
+// null) and "%%" by a percent sign. Everything else is unchanged, including a second "%s" and a "%n": such a
+// text never reaches printf. Any thread.
 [[nodiscard]] std::string expandFormat(std::string_view format, const char* argument) noexcept;
 
 }  // namespace tavenhall

@@ -16,7 +16,7 @@ namespace {
 constexpr std::size_t kLinkSize = 1024;
 using LinkPath = BoundedText<kLinkSize>;
 
-// The page keeps pointers to these paths for the rest of the process, so none is ever let go.
+// The page keeps pointers to these paths for the rest of the process, so none is ever freed.
 const char* keepForProcess(const char* path) {
   static auto* kept = new std::forward_list<std::string>;
   return kept->emplace_front(path).c_str();
@@ -31,9 +31,9 @@ bool canonicalise(const char* path, LinkPath& canonical) {
   return true;
 }
 
-// What a relative link at `path` leads to. Joining "/../" and the target goes through the link itself, so
-// it fails for a link into a folder beside it, which is what users make; then the link's own folder is
-// taken, and whether anything is there is for the caller to see.
+// Returns what a relative link at `path` leads to. A path of the link, "/../" and the target goes through the
+// link itself, so it fails for a link to a folder beside it, which is what users make. Then the target is
+// joined to the link's own folder; the caller tests whether anything is there.
 void followRelativeLink(const char* path, const LinkPath& target, LinkPath& result) {
   LinkPath joined;
   joined.format("%s/../%s", path, target.c_str());
@@ -46,7 +46,7 @@ void followRelativeLink(const char* path, const LinkPath& target, LinkPath& resu
   }
 }
 
-// Follows one symbolic link: a target that is a link itself is not followed. False when there is no link.
+// Follows one symbolic link, but not a target that is a link itself. Returns false if there is no link.
 bool followLink(const char* path, LinkPath& result) {
   LinkPath target;
   const ssize_t length = readlink(path, target.data(), kLinkSize);
@@ -81,7 +81,7 @@ const char* InstallDataPane::findCentralFolder(const char* name) noexcept {
   }
   std::string aliased;
   if (resolveAlias(path.c_str(), aliased) && aliased.size() < kLinkSize) {
-    path = aliased;  // one that is longer counts as none
+    path = aliased;  // a longer one counts as none
   }
 
   const char* buf = keepForProcess(path.c_str());

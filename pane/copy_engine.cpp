@@ -36,10 +36,10 @@ constexpr const char* kPluginOutputSheet =
 constexpr const char* kSizesDifferSheet =
     "Failed to copy file.  Perhaps out of disk space on destination drive?   Contact customer support.";
 
-// Nothing checks that the folder is there afterwards: its files would fail to open.
+// Does not check that the folder exists afterwards: otherwise its files fail to open.
 void createFolder(const char* path) {
   const int result = mkdir(path, kFolderMode);
-  // Required: the errno is the current one; after success it is what the failed test for existence left.
+  // Required: logs the current errno; after success it is from the failed test for existence.
   addEventToInstallationLog("mkdir %d %d %s", result, errno, path);
   if (result == -1) {
     BoundedText<kCommandSize> command;
@@ -49,7 +49,7 @@ void createFolder(const char* path) {
   }
 }
 
-// A line in the log for each 100 MB; the bytes beyond are not carried over.
+// Logs a line for each 100 MB; the bytes beyond are not carried over.
 void countForProgressLog(std::size_t bytes) {
   progressSizeForLoggingUnitBytes += static_cast<float>(bytes);
   if (progressSizeForLoggingUnitBytes > kBytesBetweenProgressLines) {
@@ -101,8 +101,8 @@ std::int32_t InstallDataPane::copyDirectory(const char* source, const char* dest
     createFolder(dest);
   }
 
-  // Required: a source folder that cannot be opened counts as copied, without a word. No child stops the
-  // walk, and entries of unknown type go as files.
+  // Required: a source folder that cannot be opened counts as copied, and nothing reports it. No failed child
+  // stops the walk, and entries of unknown type are copied as files.
   std::int32_t result = 1;
   FolderListing listing(source);
   const OpenFolder destFolder(dest);
@@ -127,7 +127,7 @@ std::int32_t InstallDataPane::copyFile(const FilePlace& source, const FilePlace&
     return 1;
   }
   if (isAaxSignature(source.path)) {
-    // The shell's copy keeps the attributes that the signature needs.
+    // The shell's cp keeps the attributes that the signature needs.
     BoundedText<kCommandSize> command;
     command.format("cp  -a  \"%s\" \"%s\"", source.path, dest.path);
     addEventToInstallationLog("copying AAX signature with command:  %s", command.c_str());
@@ -161,7 +161,7 @@ std::int32_t InstallDataPane::copyBytes(const FilePlace& source, const FilePlace
 
   int chunkNumber = 0;
   for (auto bytes = in.next(); !bytes.empty(); bytes = in.next()) {
-    bytesWritten += static_cast<std::int64_t>(out.write(bytes));  // a short write shows in the sizes below
+    bytesWritten += static_cast<std::int64_t>(out.write(bytes));  // the sizes below reveal a short write
     while (!bytes.empty()) {
       const std::size_t chunk = std::min(bytes.size(), kChunkSize);
       bytes = bytes.subspan(chunk);
@@ -175,7 +175,7 @@ std::int32_t InstallDataPane::copyBytes(const FilePlace& source, const FilePlace
   in.close();
   out.close();
 
-  // Required: a difference is reported to the user, and the copy still counts as done.
+  // Required: a different size is reported to the user, and the copy still counts as done.
   const std::int64_t sourceSize = sizeOf(source);
   const std::int64_t destSize = sizeOf(dest);
   if (sourceSize != destSize) {

@@ -38,7 +38,7 @@ OpenFolder::~OpenFolder() {
   }
 }
 
-// Without waiting: opening a pipe would otherwise wait for somebody to write to it.
+// With O_NONBLOCK, since opening a pipe would otherwise block until somebody writes to it.
 CopySource::CopySource(const FilePlace& file) noexcept
     : descriptor_(openat(file.folder, file.name, O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {
   if (!isOpen()) {
@@ -58,7 +58,7 @@ std::span<const char> CopySource::next() noexcept {
     if (count < 0) {
       break;
     }
-    // A short read that completes the size has come to the end: no need to read once more for nothing.
+    // A short read that completes the size is the end; another read would only confirm it.
     const bool isShort = static_cast<std::size_t>(count) < buffer.size() - filled;
     filled += static_cast<std::size_t>(count);
     bytesRead_ += count;
@@ -73,8 +73,8 @@ void CopySource::close() noexcept {
   }
 }
 
-// First as a new file, which needs no look at what it was. Without O_TRUNC, which would empty the source where
-// the user's folder leads back to it.
+// First tries to create a new file, which needs no examination. Without O_TRUNC, which would empty the source
+// if the destination leads back to it.
 CopyDestination::CopyDestination(const FilePlace& file, const CopySource& source) noexcept
     : descriptor_(openat(file.folder, file.name, kOpenForWriting | O_EXCL, kFileMode)) {
   if (isOpen()) {
@@ -91,7 +91,7 @@ CopyDestination::CopyDestination(const FilePlace& file, const CopySource& source
   }
 }
 
-// Empties the file, unless it is the source: the same bytes are then written over themselves.
+// Empties the file, unless it is the source: then the same bytes are written over themselves.
 bool CopyDestination::makeReadyFor(const CopySource& source) noexcept {
   struct stat found {};
   const bool isKnown = fstat(descriptor_, &found) == 0;

@@ -6,21 +6,21 @@
 #include <span>
 #include <sys/stat.h>
 
-// The two files of a copy. The bytes go through one buffer of the process's, so that only one source may be
-// open at a time; the copy engine never runs twice at once.
+// The two files of a copy. The bytes go through one buffer of the process, so only one source may be open at a
+// time; only one copy engine runs at a time.
 namespace tavenhall {
 
 inline constexpr std::size_t kChunkSize = 10240;  // bytes
 
-// A file. The system is given its name in a folder that is open, where there is one: looking up a whole path
-// takes it longer than opening the file.
+// A file, as its name in an open folder where there is one: the system needs longer to look up a whole path
+// than to open the file.
 struct FilePlace {
   const char* path;
   int folder = AT_FDCWD;  // a descriptor, not owned
   const char* name = path;
 };
 
-// A folder that is open while its files are written, unless too many descriptors are in use.
+// A folder that stays open while its files are written, unless too many descriptors are in use.
 class OpenFolder {
  public:
   explicit OpenFolder(const char* path) noexcept;
@@ -28,7 +28,7 @@ class OpenFolder {
   OpenFolder& operator=(const OpenFolder&) = delete;
   ~OpenFolder();
 
-  // Its file `name`; by its path alone where the folder could not be opened.
+  // Returns the file `name` in it; by its path alone if the folder could not be opened.
   [[nodiscard]] FilePlace place(const char* path, const char* name) const noexcept {
     return descriptor_ >= 0 ? FilePlace{path, descriptor_, name} : FilePlace{path};
   }
@@ -39,8 +39,7 @@ class OpenFolder {
 
 class CopySource {
  public:
-  // Opens the file. Not a pipe or a device, which could keep the copy waiting for ever. A folder opens, and
-  // gives nothing to read.
+  // Opens the file. Refuses a pipe or a device, which could block the copy. A folder opens and reads as empty.
   explicit CopySource(const FilePlace& file) noexcept;
   CopySource(const CopySource&) = delete;
   CopySource& operator=(const CopySource&) = delete;
@@ -48,8 +47,8 @@ class CopySource {
 
   [[nodiscard]] bool isOpen() const noexcept { return descriptor_ >= 0; }
 
-  // The next whole chunks, as many as the buffer holds; fewer bytes before the end or an error, none there.
-  // Valid until the next call.
+  // Returns the next whole chunks, as many as the buffer holds; fewer bytes before the end or an error, and
+  // none after it. Valid until the next call.
   [[nodiscard]] std::span<const char> next() noexcept;
 
   void close() noexcept;
@@ -65,8 +64,8 @@ class CopySource {
 
 class CopyDestination {
  public:
-  // Opens the file, created or emptied, for what the source holds; the source need not be open. One that is
-  // the source, reached by another way, keeps its bytes. errno says why it is not open.
+  // Creates or empties the file; the source need not be open. If the file is the source itself, reached by
+  // another path, it keeps its bytes. If the file is not open afterwards, errno has the reason.
   CopyDestination(const FilePlace& file, const CopySource& source) noexcept;
   CopyDestination(const CopyDestination&) = delete;
   CopyDestination& operator=(const CopyDestination&) = delete;
@@ -74,7 +73,7 @@ class CopyDestination {
 
   [[nodiscard]] bool isOpen() const noexcept { return descriptor_ >= 0; }
 
-  // Returns the number of bytes that were written; fewer than given after an error.
+  // Returns the number of bytes written; fewer than given after an error.
   std::size_t write(std::span<const char> bytes) noexcept;
 
   void close() noexcept;

@@ -25,7 +25,7 @@ class LibrarySlots {
     slot().assign(name);
     ++pane_.gNumTwoComponentInstallFolders;
   }
-  // The slot is not counted; the first pack takes it.
+  // The slot is not counted; the first pack overwrites it.
   void foundPacks(const char* path) noexcept {
     slot().assign(kMirelPacks);
     addEventToInstallationLog("Searching for Mirel Packs update data: %s \n", path);
@@ -57,7 +57,7 @@ struct DetectionLog {
 void InstallDataPane::storeTwoComponentInstallFolderNames() noexcept {
   BoundedText<kAttributesValueSize> relativePath;
   if (!findRelativePath2(relativePath.data())) {
-    return;  // what the buffer holds now is some other line's value
+    return;  // the buffer now holds another line's value
   }
   getFolderContainingPKGfile(relativePath.c_str());
   DetectionPath folder;

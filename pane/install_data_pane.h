@@ -21,8 +21,8 @@ inline constexpr std::size_t kFolderNameSize = 512;
 //   pane_lifecycle      entering and leaving the page, its title, buttons and sheets
 //   progress_display    the bar and the status line
 //   central_folder      where the data goes, through links and aliases
-//   install_job_start   what is to be installed, settled before the install thread starts
-//   edition_detection   which libraries an update carries, and in which edition the user has them
+//   install_job_start   what to install, decided before the install thread starts
+//   edition_detection   the libraries in an update, and the editions that the user has
 //   source_volumes      how many volumes, and where they are mounted
 //   install_driver      the install thread
 //   volume_loop         every volume of one data folder: prompts, folders, copy, eject
@@ -120,8 +120,8 @@ class InstallDataPane final : public InstallerPane {
   [[nodiscard]] static std::string _localizedStringForKey(const char* key) noexcept;  // any thread
   void displayCompletionMessage() noexcept;                                           // the install thread
 
-  // A sheet with one button, the localised "OK_BUTTON". The second, for worker threads, hands over to the
-  // main thread and returns once the sheet is begun.
+  // Begin a sheet with one button, the localised "OK_BUTTON". The second, for worker threads, dispatches to the
+  // main thread and returns when the sheet has begun.
   void showSheet(const char* message) noexcept;
   void showSheetFromWorker(const char* message) noexcept;
 
@@ -131,8 +131,8 @@ class InstallDataPane final : public InstallerPane {
 
   // ---- central_folder: the main or the install thread, never both at once ----
 
-  // The path of the data folder `name` (null or empty: the localised "FolderName"), or null when nothing
-  // exists there. The result lives for the process.
+  // Returns the path of the data folder `name` (null or empty: the localised "FolderName"), or null if nothing
+  // exists there. The result is valid as long as the process.
   [[nodiscard]] static const char* findCentralFolder(const char* name) noexcept;
 
   // ---- install_job_start and edition_detection: main thread ----
@@ -156,16 +156,16 @@ class InstallDataPane final : public InstallerPane {
   void copySupportHubExternalFolders() noexcept;
   void installAllVolumesForOneOf_TANVOorDOVA() noexcept;
 
-  // Sets the root of the current volume; the optional disc that it is, or null.
+  // Sets the root of the current volume. Returns the optional disc that it is, or null.
   [[nodiscard]] const OptionalDisc* chooseVolumeRoot(bool hasOptionalDiscs) noexcept;
 
-  // Waits for the current volume's disc; false when the user skips an optional one.
+  // Waits for the current volume's disc. Returns false if the user skips an optional disc.
   [[nodiscard]] bool waitForVolume(const OptionalDisc* optionalDisc) noexcept;
   [[nodiscard]] int askForOptionalDisc(const OptionalDisc& disc) noexcept;
   void askForMandatoryVolume() noexcept;
   void prepareFirstVolume() noexcept;
 
-  // The folder of the current volume that holds the data, or null when it has neither.
+  // Returns the folder of the current volume that holds the data, or null if it has neither.
   [[nodiscard]] const char* chooseFolderToCopy() noexcept;
   void copyVolumeOnItsThread(const char* folder) noexcept;
 
@@ -175,9 +175,9 @@ class InstallDataPane final : public InstallerPane {
 
   // ---- copy_engine: the copy thread, or the install thread ----
 
-  // Copies a folder with all below it, or a file. 1 for success, 0 for failure; a null `dest` copies
-  // nothing and gives 0. `tailName` is what the user sees while a folder is copied. Paths that do not fit
-  // their buffers end the process.
+  // Copies a folder with everything below it, or a file. Returns 1 for success, 0 for failure. A null `dest`
+  // copies nothing and returns 0. `tailName` is what the user sees while a folder is copied. Aborts if a path
+  // does not fit its buffer.
   std::int32_t copyDirectoryOrFile(const char* source, const char* dest, const char* tailName,
                                    bool isADir) noexcept;
   [[nodiscard]] std::int32_t copyEntry(const FilePlace& source, const FilePlace& dest, const char* tailName,

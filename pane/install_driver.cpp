@@ -10,8 +10,8 @@
 
 namespace tavenhall {
 
-// The closing steps run whatever the passes found: whether the install succeeded is readyToProceed's to
-// say, when the user leaves the page.
+// The closing steps run after every result of the passes: readyToProceed decides whether the install succeeded,
+// when the user leaves the page.
 void InstallDataPane::doEntireInstall() noexcept {
   onMainThread([this] {
     progressIndicator->setDoubleValue(0.0);
@@ -51,7 +51,7 @@ void InstallDataPane::doEntireInstall() noexcept {
   _updateNextButtonState();
   displayCompletionMessage();
 
-  // Required: Next is enabled twice, before the holds are given back and after.
+  // Required: Next is enabled twice, before and after the power assertions are released.
   host().setNextEnabled(true);
   addEventToInstallationLog("Enabling Next button 1");
   addEventToInstallationLog("Re-enabling sleep");
@@ -63,7 +63,7 @@ void InstallDataPane::doEntireInstall() noexcept {
       "Installation complete\n*********************************************************\n");
 }
 
-// A folder that is not beside the package is passed over without a word.
+// Skips a folder that is not beside the package; nothing reports it.
 void InstallDataPane::copySupportHubExternalFolders() noexcept {
   for (const char* folder : kSystemFolders) {
     getFolderContainingPKGfile(nullptr);

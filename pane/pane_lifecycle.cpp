@@ -23,7 +23,7 @@ InstallDataPane::InstallDataPane(InstallerHost& host) noexcept
       uiButton(&host.uiButton()),
       progressIndicator(&host.progressIndicator()) {}
 
-// The direction is not consulted: entering does the same forwards and backwards, the first time and later.
+// Ignores the direction: entering does the same forwards and backwards, the first time and later.
 void InstallDataPane::didEnterPane(std::int64_t /*direction*/) noexcept {
   addEventToInstallationLog(
       "\n\n**********************************************************************************************\n"
@@ -71,7 +71,7 @@ void InstallDataPane::didEnterPane(std::int64_t /*direction*/) noexcept {
   _updateNextButtonState();
 }
 
-// Required: an updater may always be left forwards, before its copy has succeeded too.
+// Required: the user may always leave an updater forwards, even before its copy has succeeded.
 bool InstallDataPane::shouldExitPane(std::int64_t direction) noexcept {
   if (direction != kDirectionForward || readyToProceed != 0 || gInstallMode == kModeProductUpdater) {
     host().setNextEnabled(true);
@@ -83,7 +83,7 @@ bool InstallDataPane::shouldExitPane(std::int64_t direction) noexcept {
   return false;
 }
 
-// The installer asks for the title at any time, so nothing of the page is touched here.
+// The installer may ask for the title at any time, so this touches no state of the page.
 std::string InstallDataPane::title() noexcept {
   BoundedText<kAttributesValueSize> text;
   getInstallDataTitle(text.data());
@@ -113,7 +113,7 @@ PaneSnapshot InstallDataPane::snapshot() const noexcept {
 
 bool InstallDataPane::_entriesAreValid() const noexcept { return readyToProceed != 0; }
 
-// Previous is never enabled by this page.
+// This page never enables Previous.
 void InstallDataPane::_updateNextButtonState() noexcept {
   host().setPreviousEnabled(false);
   host().setNextEnabled(_entriesAreValid());

@@ -18,9 +18,8 @@ constexpr std::int16_t kEverybody = 0777;
 
 using OncePerProduct = std::array<std::int32_t, pluginNames.size()>;
 
-// Set for each kind and product when its first item is met, and never cleared while the process lives: what
-// lies inside a bundle matches like the bundle, and must not delete it again. The thread of the copy
-// engine.
+// Set for each kind and product at its first item, and never cleared: items inside a bundle match like the
+// bundle itself, and must not delete it again. The copy engine's thread.
 OncePerProduct deletedAAXwrapper{};
 OncePerProduct deletedStandaloneApp{};
 OncePerProduct deletedAUplugin{};
@@ -50,7 +49,7 @@ void removeExisting(const char* dest) {
                             error.localizedFailureReason.c_str());
 }
 
-// Only logs. Required: right after a removal both speak of a path that is gone, and log a failure.
+// Only logs. Required: right after a removal both test a path that is gone, and log a failure.
 void probeDestination(const char* dest) {
   addEventToInstallationLog(statFileSystem(dest) ? " ...  statfs call on p/w/a  successful."
                                                  : " ...  statfs call on p/w/a failed.");
@@ -98,7 +97,7 @@ void InstallDataPane::placePlugin(const char* source, const char* dest) const no
   probeDestination(dest);
 }
 
-// Required for every call, so each item inside an application gets a recursive command of its own.
+// Required for every call, so each item inside an application gets its own recursive command.
 void InstallDataPane::openApplicationPermissions(const char* dest) const noexcept {
   if (gInstallMode == kModeProductUpdater && isApplicationDestination(dest)) {
     setPermissionTo_777(dest, 1);

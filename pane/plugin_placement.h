@@ -2,9 +2,9 @@
 
 namespace tavenhall {
 
-// Gives everybody every right to `path`, and with a nonzero flag to all below it, by a shell command that
-// is logged with its result; then, whatever that gave, to the one item itself. Required: the path goes into
-// the command without quotes, so a path with blanks reaches the shell as several. Any thread.
+// Gives everybody all permissions for `path`, and with a nonzero flag for everything below it, by a shell
+// command that it logs with its result. Then, whatever the result, sets them for `path` itself. Required: the
+// path is not quoted in the command, so the shell splits a path with blanks. Any thread.
 void setPermissionTo_777(const char* path, int recursive) noexcept;
 
 }  // namespace tavenhall

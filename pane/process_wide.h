@@ -2,20 +2,19 @@
 
 #include <cstdint>
 
-// What the page keeps for the whole process rather than for one page.
+// State of the process, not of one page.
 namespace tavenhall {
 
-// The two sleep-prevention holds. Taken on the main thread before the install thread starts, released by
-// that thread at its end.
+// The two power assertions. Taken on the main thread before the install thread starts, released by that thread
+// at its end.
 extern std::uint32_t assertionIDDisplay;
 extern std::uint32_t assertionIDNoIdle;
 
-// Counts the calls of updateProgress; nothing reads it. The thread of the copy engine.
+// Counts the calls of updateProgress; nothing reads it. The copy engine's thread.
 extern int sAsteriskAnimationCounter;
 
-// Bytes copied since the last progress line of the log, and how many lines there were; set back for every
-// volume. The thread of the copy engine. Required as a 32-bit float: its rounding decides which chunk
-// writes the line.
+// Bytes copied since the last progress line in the log, and the number of such lines; reset for every volume.
+// The copy engine's thread. Required as a 32-bit float: its rounding decides which chunk writes the line.
 extern float progressSizeForLoggingUnitBytes;
 extern std::int32_t progressCounterForLogging;
 

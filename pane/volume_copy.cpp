@@ -14,8 +14,8 @@ constexpr int kReadinessAttempts = 3;
 constexpr unsigned kSecondsForDiscToInitialise = 5;
 constexpr std::size_t kSubfolderPathSize = 2048;
 
-// Gives a disc that was just put in its time to become readable. It only waits: the copy comes after the
-// last failed attempt too, and reports what it cannot read.
+// Waits until a disc that was just inserted is readable. After the last failed attempt the copy starts all the
+// same, and reports what it cannot read.
 void waitForReadableFolder(const char* folder) {
   for (int attempt = 0; attempt < kReadinessAttempts; ++attempt) {
     {
@@ -68,7 +68,7 @@ void InstallDataPane::copySingleVolume() noexcept {
 
   status->setTitleWithMnemonic(" ");
   addEventToInstallationLog("End copySingleVolume: copySrcPath %s\n", copySrcPath);
-  copySingleVolumeRunning.store(0, std::memory_order_release);  // the last act: the install thread goes on
+  copySingleVolumeRunning.store(0, std::memory_order_release);  // the last act: the install thread continues
 }
 
 }  // namespace tavenhall

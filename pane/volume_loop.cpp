@@ -26,7 +26,7 @@ bool exists(const char* path) {
 }  // namespace
 
 void InstallDataPane::installAllVolumesForOneOf_TANVOorDOVA() noexcept {
-  // Asked of the root as the caller left it, before a volume changes it.
+  // Tests the root that the caller set, before a volume changes it.
   const bool hasOptionalDiscs = rootHasOptionalDiscs(gPathOfSourceDataExcludingTANVOtail.view());
   determineNumVolumesToInstall();
   // Read the count after each volume: the first one may change it.
@@ -48,7 +48,7 @@ void InstallDataPane::installAllVolumesForOneOf_TANVOorDOVA() noexcept {
     if (const char* folder = chooseFolderToCopy()) {
       copyVolumeOnItsThread(folder);
     } else if (gInstallMode != kModeProductUpdater) {
-      gCurrentVolumeNumber = gVolumeCount;  // the last step of the pass still counts it up
+      gCurrentVolumeNumber = gVolumeCount;  // the last step of the pass still increments it
     }
   }
 }
@@ -56,7 +56,7 @@ void InstallDataPane::installAllVolumesForOneOf_TANVOorDOVA() noexcept {
 const OptionalDisc* InstallDataPane::chooseVolumeRoot(bool hasOptionalDiscs) noexcept {
   auto& root = gPathOfSourceDataExcludingTANVOtail;
   if (gCurrentVolumeNumber == 0) {
-    return nullptr;  // the caller of the pass has settled it
+    return nullptr;  // the caller of the pass has decided it
   }
   const VolumeRoot chosen =
       volumeRoot(gCurrentVolumeNumber, gInstallMode, gInstallationHasLiteVsFullOption != 0,
@@ -149,15 +149,15 @@ void InstallDataPane::prepareFirstVolume() noexcept {
     progressIndicator->setMaxValue(barMaximumForBytes(totalNumBytesExpectedAcrossAllVolumes));
     host().endAnimationGrouping();
   } else {
-    // Required as it stands: the text says 10 GB, the value is 100 MB, the bar keeps its range, and the
-    // volume count keeps its value.
+    // Required: the text says 10 GB, the value is 100 MB, and neither the bar's range nor the volume count
+    // changes.
     addEventToInstallationLog(
         "Unable to read expectd size from installation instruction file. Assuming 1 volume and 10 GB.");
     totalNumBytesExpectedAcrossAllVolumes = kExpectedBytesWhenUnknown;
   }
 
   if (gInstallMode == kModeVolumes) {
-    determineNumVolumesToInstall();  // once more, now that the first volume is readable
+    determineNumVolumesToInstall();  // again, now that the first volume is readable
   }
   addEventToInstallationLog("Volume count: %d", gVolumeCount);
 }
@@ -179,7 +179,7 @@ const char* InstallDataPane::chooseFolderToCopy() noexcept {
     showSheetFromWorker("Files to be installed not found.");
     _updateNextButtonState();
   }
-  return nullptr;  // an updater carries what it carries: no word about the rest
+  return nullptr;  // an updater may lack folders; nothing reports them
 }
 
 void InstallDataPane::copyVolumeOnItsThread(const char* folder) noexcept {
