@@ -21,6 +21,14 @@ namespace tavenhall {
 // Whether the file system of an open folder is known to list "." and ".." in every folder. Any thread.
 [[nodiscard]] bool listsDots(int folder) noexcept;
 
+// Returns a seccomp program, in a memory file with close-on-exec set, that refuses a program in a sandbox every
+// system call by which it could get out. The caller closes it. -1 if the system has no such filters. Any
+// thread.
+[[nodiscard]] int openSandboxFilter() noexcept;
+
+// Sets close-on-exec for every descriptor above standard error. Call it in the child after fork.
+void closeDescriptorsOnExec() noexcept;
+
 // Asks the system to send this process SIGTERM when its parent process ends. Call it in the child after fork.
 // Does nothing on systems without such a request.
 void endWithParentProcess() noexcept;

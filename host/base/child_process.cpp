@@ -98,20 +98,25 @@ pid_t startProgram(const std::vector<std::string>& command, const StandardStream
     dup2(streams.input, STDIN_FILENO);
     dup2(streams.output, STDOUT_FILENO);
     dup2(streams.error, STDERR_FILENO);
+    closeDescriptorsOnExec();
+    if (streams.kept >= 0) {
+      fcntl(streams.kept, F_SETFD, 0);
+    }
     execvp(arguments[0], arguments.data());
     _exit(kCannotRun);
   }
   return pid;
 }
 
-ToolProcess::ToolProcess(const std::vector<std::string>& command, Keep keep)
+ToolProcess::ToolProcess(const std::vector<std::string>& command, Keep keep, int keptDescriptor)
     : output_(std::tmpfile(), std::fclose) {
   if (!output_) {
     throw startFailure(command.front());
   }
   const NullDevice null;
   const int kept = fileno(output_.get());
-  pid_ = startProgram(command, {null.descriptor(), kept, keep == Keep::output ? null.descriptor() : kept});
+  pid_ = startProgram(
+      command, {null.descriptor(), kept, keep == Keep::output ? null.descriptor() : kept, keptDescriptor});
 }
 
 ToolProcess::~ToolProcess() { end(); }

@@ -30,14 +30,15 @@ bool writeAll(int descriptor, std::string_view text);
                                std::chrono::milliseconds timeout = std::chrono::milliseconds(-1));
 
 // Runs `command` (a program of the PATH, and its arguments) in a child process, without a shell, after
-// setsid() so that a terminal's Ctrl-C does not reach it, with these standard streams. The child gets SIGTERM
-// when this process ends, if the system supports that. Throws std::system_error if the process cannot be
-// created; the child exits with kCannotRun if the program cannot be executed.
+// setsid() so that a terminal's Ctrl-C does not reach it, with these descriptors and no other. The child gets
+// SIGTERM when this process ends, if the system supports that. Throws std::system_error if the process cannot
+// be created; the child exits with kCannotRun if the program cannot be executed.
 inline constexpr int kCannotRun = 127;
 struct StandardStreams {
   int input;
   int output;
   int error;
+  int kept = -1;  // stays open in the child under its own number
 };
 [[nodiscard]] pid_t startProgram(const std::vector<std::string>& command, const StandardStreams& streams);
 
@@ -47,7 +48,8 @@ class ToolProcess {
   enum class Keep { outputAndErrors, output };
 
   // Throws std::system_error if the process cannot be created.
-  explicit ToolProcess(const std::vector<std::string>& command, Keep keep = Keep::outputAndErrors);
+  explicit ToolProcess(const std::vector<std::string>& command, Keep keep = Keep::outputAndErrors,
+                       int keptDescriptor = -1);
   ToolProcess(const ToolProcess&) = delete;
   ToolProcess& operator=(const ToolProcess&) = delete;
   ~ToolProcess();

@@ -30,14 +30,15 @@ const char* replyName(DiscTray::Reply reply) {
 
 }  // namespace
 
-RehearsalDriver::RehearsalDriver(std::vector<std::string> command, DiscTray& tray, const EngineEnds& frontend,
+RehearsalDriver::RehearsalDriver(SandboxCommand command, DiscTray& tray, const EngineEnds& frontend,
                                  const StopRequest& stop)
     : command_(std::move(command)), tray_(tray), frontend_(frontend), stop_(stop) {}
 
 EngineConnection RehearsalDriver::start() const {
   const Pipe requests = makePipe();
   const Pipe events = makePipe();
-  const pid_t process = startProgram(command_, {requests.readEnd, events.writeEnd, STDERR_FILENO});
+  const pid_t process =
+      startProgram(command_.words, {requests.readEnd, events.writeEnd, STDERR_FILENO, command_.filter});
   close(requests.readEnd);
   close(events.writeEnd);
   return {.process = process, .requests = requests.writeEnd, .events = events.readEnd};

@@ -5,6 +5,7 @@
 #include "host/protocol/event_writer.h"
 #include "host/rehearse/disc_tray.h"
 #include "host/rehearse/rehearsal_record.h"
+#include "host/rehearse/sandbox.h"
 #include "host/rehearse/stop_request.h"
 
 #include <optional>
@@ -19,8 +20,7 @@ class RehearsalDriver {
  public:
   // `command` starts an engine with JSON lines on its standard streams. `frontend` has the engine's ends of the
   // pipes to a frontend; without a descriptor for requests there is no frontend.
-  RehearsalDriver(std::vector<std::string> command, DiscTray& tray, const EngineEnds& frontend,
-                  const StopRequest& stop);
+  RehearsalDriver(SandboxCommand command, DiscTray& tray, const EngineEnds& frontend, const StopRequest& stop);
 
   // Blocks until the engine has ended. Throws std::system_error if it cannot be started, and Stopped.
   [[nodiscard]] ExitStatus run();
@@ -37,7 +37,7 @@ class RehearsalDriver {
   [[nodiscard]] int answerFor(const std::string& volume, bool isOptional);
   void giveUpOn(const std::string& volume, bool wasIn);
 
-  std::vector<std::string> command_;
+  SandboxCommand command_;
   DiscTray& tray_;
   EngineEnds frontend_;
   const StopRequest& stop_;

@@ -12,8 +12,16 @@ struct SandboxBind {
   std::string inside;
 };
 
+// A command that runs bubblewrap.
+struct SandboxCommand {
+  std::vector<std::string> words;
+  int filter;  // a descriptor that bubblewrap reads; the sandbox owns it
+};
+
 // The sandbox of a rehearsal: /tmp, /Volumes, /Library, /Applications and the home are in one private folder;
-// the rest of the system is read-only.
+// the system's programs and libraries are read-only. There is nothing else: no other folder, process, network,
+// socket, device or keyring, no environment variable but those of the language, and no way to get more rights.
+// Linux alone.
 class Sandbox {
  public:
   static constexpr const char* kHome = "/Users/rehearsal";
@@ -21,8 +29,11 @@ class Sandbox {
   static constexpr const char* kTools = "/rehearsal/tools";      // first on the PATH
 
   // Creates the five folders in `root`, an absolute path without links, which is empty or does not exist.
-  // Throws std::filesystem::filesystem_error.
+  // Throws UsageError and std::filesystem::filesystem_error.
   explicit Sandbox(std::filesystem::path root);
+  Sandbox(const Sandbox&) = delete;
+  Sandbox& operator=(const Sandbox&) = delete;
+  ~Sandbox();
 
   // Throws UsageError, naming what is missing, if no program can run in a sandbox.
   void probe() const;
@@ -34,11 +45,12 @@ class Sandbox {
 
   [[nodiscard]] const std::filesystem::path& root() const { return root_; }
 
-  // Returns the command line that runs `command` in the sandbox, with HOME and PATH set. It ends with its
-  // parent.
-  [[nodiscard]] std::vector<std::string> commandLine(const std::vector<std::string>& command) const;
+  // Returns the command that runs `command` in the sandbox, with HOME and PATH set. It ends with its parent.
+  // Start it before the next one is returned.
+  [[nodiscard]] SandboxCommand commandFor(const std::vector<std::string>& command) const;
 
  private:
+  int filter_;  // of system calls, a seccomp program
   std::filesystem::path root_;
   std::vector<SandboxBind> binds_;
 };

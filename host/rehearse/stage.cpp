@@ -95,7 +95,7 @@ void Stage::layInstalled(const fs::path& installed, const StopRequest& stop) {
   }
 }
 
-std::vector<std::string> Stage::engineCommand(const std::string& installType) const {
+SandboxCommand Stage::engineCommand(const std::string& installType) const {
   std::vector<std::string> command{std::string(Sandbox::kProgram) + "/bin/" + programPath().filename().string(),
                                    "run",
                                    "--ui",
@@ -107,7 +107,7 @@ std::vector<std::string> Stage::engineCommand(const std::string& installType) co
   if (!installType.empty()) {
     command.insert(command.end(), {"--install-type", installType});
   }
-  return sandbox_.commandLine(command);
+  return sandbox_.commandFor(command);
 }
 
 fs::path Stage::outside(const std::string& path, const std::vector<std::size_t>& insertedDiscs,

@@ -23,8 +23,8 @@ class Stage {
         const std::filesystem::path& workFolder, const std::filesystem::path& installed,
         const StopRequest& stop);
 
-  // Returns the command line of an engine with JSON lines on its standard streams; `installType` may be empty.
-  [[nodiscard]] std::vector<std::string> engineCommand(const std::string& installType) const;
+  // Returns the command of an engine with JSON lines on its standard streams; `installType` may be empty.
+  [[nodiscard]] SandboxCommand engineCommand(const std::string& installType) const;
 
   // Returns the real path of the page's `path`. `insertedDiscs` is the order in which the discs were inserted,
   // and `copy` counts the copies from volumes of the same name.

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <linux/close_range.h>
 #include <linux/magic.h>
 #include <sys/eventfd.h>
 #include <sys/mman.h>
@@ -38,6 +39,8 @@ bool listsDots(int folder) noexcept {
     default: return false;  // a FUSE server may list neither
   }
 }
+
+void closeDescriptorsOnExec() noexcept { close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC); }
 
 void endWithParentProcess() noexcept { prctl(PR_SET_PDEATHSIG, SIGTERM); }
 

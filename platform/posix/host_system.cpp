@@ -21,6 +21,14 @@ int openMemoryFile() noexcept {
 
 bool listsDots(int /*folder*/) noexcept { return false; }
 
+int openSandboxFilter() noexcept { return -1; }
+
+void closeDescriptorsOnExec() noexcept {
+  for (long descriptor = STDERR_FILENO + 1; descriptor < sysconf(_SC_OPEN_MAX); ++descriptor) {
+    fcntl(static_cast<int>(descriptor), F_SETFD, FD_CLOEXEC);
+  }
+}
+
 void endWithParentProcess() noexcept {}
 
 WakeUp::WakeUp() noexcept {
