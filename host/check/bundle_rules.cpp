@@ -15,10 +15,6 @@ constexpr std::array<std::string_view, 8> kBundleSuffixes{".vst", ".vst3",   ".a
 // Shell metacharacters. Blanks have a diagnostic of their own.
 constexpr std::string_view kShellCharacters = "\"'`$&|;<>()*?[]{}!#~\\\t\n";
 
-bool hasShellCharacter(std::string_view path) {
-  return path.find_first_of(kShellCharacters) != std::string::npos;
-}
-
 // A plug-in or an application with everything inside it.
 struct Item {
   std::string path;  // below the system folder
@@ -144,6 +140,10 @@ class BundleRules {
 };
 
 }  // namespace
+
+bool hasShellCharacter(std::string_view path) noexcept {
+  return path.find_first_of(kShellCharacters) != std::string::npos;
+}
 
 bool isInBundle(std::string_view path) noexcept {
   return std::any_of(kBundleSuffixes.begin(), kBundleSuffixes.end(), [path](std::string_view suffix) {

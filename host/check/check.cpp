@@ -6,8 +6,9 @@ namespace tavenhall {
 
 CheckResult checkSet(const CheckRequest& request) {
   CheckResult result{openCheckedSet(request), {}};
-  for (const auto rule : {checkSettings, checkAttributesFile, checkKeys, checkValues, checkSizes, checkMachine,
-                          checkDiscs, checkDataFolders, checkFiles, checkLibraries, checkBundles}) {
+  for (const auto rule :
+       {checkSettings, checkAttributesFile, checkKeys, checkValues, checkSizes, checkMachine, checkDiscs,
+        checkDataFolders, checkBoundary, checkFiles, checkLibraries, checkBundles}) {
     rule(result.checked, result.diagnostics);
   }
   result.diagnostics.sort();

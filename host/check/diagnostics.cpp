@@ -13,6 +13,8 @@ namespace {
 constexpr int kMostOfOneKind = 20;
 
 constexpr DiagnosticKind kKinds[] = {
+    // The whole set
+    {"outside-set", Severity::error},
     // The attributes file
     {"attributes-missing", Severity::warning},
     {"attributes-twice", Severity::warning},
@@ -85,6 +87,7 @@ constexpr DiagnosticKind kKinds[] = {
     {"product-in-path", Severity::warning},
     {"app-path-blank", Severity::warning},
     {"app-path-shell", Severity::error},
+    {"signature-path-shell", Severity::error},
     {"bundle-permissions", Severity::note},
     {"bundle-link", Severity::warning},
     // What lies on the user's machine

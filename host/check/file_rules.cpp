@@ -5,6 +5,7 @@
 #include "host/base/unicode.h"
 #include "host/check/rules.h"
 #include "host/check/spelling.h"
+#include "host/set/set_boundary.h"
 
 #include <algorithm>
 #include <array>
@@ -224,11 +225,75 @@ void checkUnlisted(const CopiedTree& copied, Diagnostics& diagnostics) {
   }
 }
 
+// The files whose paths the page gives to a shell, but for those in /Applications (see bundle_rules):
+// signatures, between double quotes, and whatever an update's data folder has in a folder "Applications".
+class ShellPaths {
+ public:
+  explicit ShellPaths(const CheckedSet& checked) : checked_(checked) {}
+
+  void check(const CopiedTree& copied, const TreeEntry& entry, Diagnostics& diagnostics) {
+    const bool isOpened = checked_.whole.mode == kModeProductUpdater && !copied.isSystemFolder &&
+                          isApplicationDestination(copied.destination + "/" + entry.path);
+    if (isOpened && hasShellCharacter(entry.path)) {
+      diagnostics.add(
+          "app-path-shell", {copied.shown(entry.path)},
+          _("The path contains a shell metacharacter, so the command that sets the permissions does "
+            "something else."));
+    }
+    if (entry.kind != EntryKind::folder && isAaxSignature(copied.source + "/" + entry.path)) {
+      checkSignature(copied, entry, diagnostics);
+    }
+  }
+
+ private:
+  static bool isReadInQuotes(std::string_view path) {
+    return path.find_first_of("$`\"\\") != std::string_view::npos;
+  }
+
+  void checkSignature(const CopiedTree& copied, const TreeEntry& entry, Diagnostics& diagnostics) {
+    const std::string text =
+        _("The path contains a shell metacharacter, so the command that copies the plug-in's signature does "
+          "something else.");
+    if (isReadInQuotes(entry.path)) {
+      diagnostics.add("signature-path-shell", {copied.shown(entry.path)}, text);
+    } else if (isReadInQuotes(copied.source) && !isPackageNamed_) {
+      isPackageNamed_ = true;
+      diagnostics.add("signature-path-shell", {checked_.set.package.string()}, text);
+    }
+  }
+
+  const CheckedSet& checked_;
+  bool isPackageNamed_ = false;  // its own path is that of every signature
+};
+
+std::string outsideText(const OutsideReference& reference) {
+  switch (reference.kind) {
+    case OutsideReference::Kind::link:
+      return format(
+          _("The link leads to {0}, which is not in the set or not on this disc, so it leads nowhere for the "
+            "user of the installer."),
+          {quotedText(reference.target)});
+    case OutsideReference::Kind::package: return _("The package is not in the set's folder.");
+    case OutsideReference::Kind::attributesFile:
+      return _("The page reads this attributes file, but it is not in the set's folder.");
+    case OutsideReference::Kind::relativePath: break;
+  }
+  return format(_("{0} is not in the set's folder, so the user of the installer does not get the data."),
+                {quotedText(reference.target)});
+}
+
 }  // namespace
+
+void checkBoundary(const CheckedSet& checked, Diagnostics& diagnostics) {
+  for (const OutsideReference& reference : outsideReferences(checked.set, checked.whole)) {
+    diagnostics.add("outside-set", {checked.shown(reference.place), reference.line}, outsideText(reference));
+  }
+}
 
 void checkFiles(const CheckedSet& checked, Diagnostics& diagnostics) {
   CaseClashes clashes;
   ReplacedFiles replaced;
+  ShellPaths shellPaths(checked);
   for (const CopiedTree& copied : copiedTrees(checked)) {
     checkHidden(copied, diagnostics);
     checkUnlisted(copied, diagnostics);
@@ -237,6 +302,7 @@ void checkFiles(const CheckedSet& checked, Diagnostics& diagnostics) {
         checkKind(copied, entry, diagnostics);
         checkLength(copied, entry, diagnostics);
         clashes.check(copied, entry, diagnostics);
+        shellPaths.check(copied, entry, diagnostics);
         const bool isFile = entry.kind == EntryKind::file || entry.kind == EntryKind::linkToFile;
         if (copied.isOfDisc && isFile) {
           replaced.check(copied, entry, diagnostics);

@@ -35,6 +35,9 @@ void checkMachine(const CheckedSet& checked, Diagnostics& diagnostics);
 void checkDiscs(const CheckedSet& checked, Diagnostics& diagnostics);
 void checkDataFolders(const CheckedSet& checked, Diagnostics& diagnostics);
 
+// file_rules: links and paths that leave the set
+void checkBoundary(const CheckedSet& checked, Diagnostics& diagnostics);
+
 // file_rules: the effect of the copy on each file
 void checkFiles(const CheckedSet& checked, Diagnostics& diagnostics);
 
@@ -43,6 +46,10 @@ void checkLibraries(const CheckedSet& checked, Diagnostics& diagnostics);
 
 // bundle_rules: the plug-ins and applications of an update
 void checkBundles(const CheckedSet& checked, Diagnostics& diagnostics);
+
+// Whether a shell reads anything in the path but its letters, where no quotes are around it. Blanks do not
+// count.
+[[nodiscard]] bool hasShellCharacter(std::string_view path) noexcept;
 
 // Whether the path is inside a bundle (a plug-in, an application, a framework). The bundle itself is not.
 [[nodiscard]] bool isInBundle(std::string_view path) noexcept;

@@ -80,6 +80,8 @@ void addRehearseCommand(CommandLine& commandLine) {
           "--installed", request.installed,
           _("What the user has installed: a home, a folder with TANVO and DOVA, or a folder from --keep"))
       ->type_name("FOLDER");
+  command->add_flag("--allow-outside", request.allowsOutside,
+                    _("Rehearse a set whose links or paths lead out of its folder"));
   command->add_option("--late", request.late, _("Report each disc as missing N times before inserting it"))
       ->check(wholeNumber())
       ->type_name("N");

@@ -6,6 +6,7 @@
 #include "host/rehearse/driver.h"
 #include "host/rehearse/findings.h"
 #include "host/rehearse/temporary_folder.h"
+#include "host/set/set_boundary.h"
 
 #include <cerrno>
 #include <csignal>
@@ -39,6 +40,9 @@ class Rehearsal {
     if (!request_.report.empty()) {
       requireWritable(request_.report);  // before a long install rather than after it
     }
+    if (!request_.allowsOutside) {
+      requireWholeSet();
+    }
     if (!request_.keep.empty()) {
       kept_.emplace(request_.keep);
     }
@@ -59,6 +63,18 @@ class Rehearsal {
   }
 
  private:
+  // A link would lead to another file in the sandbox than out here, where the files are compared.
+  void requireWholeSet() const {
+    const InstallPlan plan = planInstall({set_.package.string(), product_, {}, "Full"});
+    const std::vector<OutsideReference> outside = outsideReferences(set_, plan);
+    if (!outside.empty()) {
+      throw UsageError(
+          format(_("{0} leads out of the set, to {1}; put that into the set, or use --allow-outside. "
+                   "tavinstall check names every such path"),
+                 {outside.front().place.string(), outside.front().target}));
+    }
+  }
+
   void checkRoom() const {
     const RealSizes sizes = checked_.realSizes();
     const std::int64_t needed = sizes.whole.value_or(0) + sizes.systemFolders;

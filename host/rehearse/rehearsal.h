@@ -18,6 +18,7 @@ struct RehearsalRequest {
   std::filesystem::path installed;
   std::filesystem::path keep;
   std::filesystem::path report;
+  bool allowsOutside = false;  // the set may refer to what is not in its folder
   int late = 0;  // how often each disc is first reported missing
 };
 

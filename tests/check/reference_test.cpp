@@ -77,7 +77,7 @@ TEST(Reference, IsLinkedFromDiagnostics) {
 
 TEST(Reference, EveryDiagnosticIsProvokedByATest) {
   std::string tests;
-  for (const char* topic : {"attributes", "value", "setting", "disc", "file", "update"}) {
+  for (const char* topic : {"attributes", "value", "setting", "disc", "file", "boundary", "update"}) {
     tests += source("tests/check/" + std::string(topic) + "_diagnostics_test.cpp");
   }
   for (const DiagnosticKind& kind : diagnosticKinds()) {

@@ -149,6 +149,41 @@ TEST(BundleDiagnostic, ACharacterForTheShellInAnApplication) {
   expectDiagnostics(checkFor("Tessaphon"), {{"app-path-shell", "error", "Applications/Tessaphon.app"}}, 1);
 }
 
+TEST(BundleDiagnostic, ACharacterForTheShellInAnApplicationAmongTheData) {
+  makeUpdateSet();
+  const std::string file = "First/TANVO/Tessaphon/Applications/Tool.app/$(id).db";
+  writeFile(inSet(file), "data");
+  expectDiagnostics(checkFor("Tessaphon"), {{"app-path-shell", "error", file}}, 1);
+}
+
+const std::string kAaxSignature = "/Contents/Resources/__Pace_Eden/Signatures/codesign.dsig";
+
+TEST(BundleDiagnostic, ACharacterForTheShellInTheNameOfAPlugInWithASignature) {
+  makeUpdateSet();
+  const std::string plugIn = "Library/Audio/Plug-Ins/VST3/Tessaphon $(id).vst3";
+  writeFile(inSet(plugIn + "/Contents/program"), "program");
+  expectDiagnostics(checkFor("Tessaphon"), {}, 0);  // no command has its name yet
+  writeFile(inSet(plugIn + kAaxSignature), "signature");
+  expectDiagnostics(checkFor("Tessaphon"), {{"signature-path-shell", "error", plugIn + kAaxSignature}}, 1);
+}
+
+TEST(BundleDiagnostic, ABlankAndAnAmpersandInTheNameOfAPlugInWithASignatureAreSound) {
+  makeUpdateSet();
+  writeFile(inSet("Library/Audio/Plug-Ins/VST3/Tessaphon & Co.vst3" + kAaxSignature), "signature");
+  expectDiagnostics(checkFor("Tessaphon"), {}, 0);
+}
+
+TEST(BundleDiagnostic, ACharacterForTheShellInThePackagesPathAboveASignature) {
+  makeUpdateSet();
+  writeFile(inSet("Library/Audio/Plug-Ins/VST3/Tessaphon.vst3" + kAaxSignature), "signature");
+  writeFile(inSet("Library/Audio/Plug-Ins/VST3/Other Tessaphon.vst3" + kAaxSignature), "signature");
+  const std::string folder = "/Users/tester/a `b`";
+  std::filesystem::rename(kSetFolder, folder);
+  const CheckResult result = checkSet({folder, "Tessaphon", "Full", {}});
+  EXPECT_EQ(foundIn(result),
+            (std::vector<Found>{{"signature-path-shell", "error", folder + "/Installer.pkg"}}));
+}
+
 TEST(BundleDiagnostic, ProgramsInAPlugIn) {
   makeUpdateSet();
   makeProgram(kComponent + "/Contents/Tessaphon");

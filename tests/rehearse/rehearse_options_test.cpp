@@ -263,6 +263,37 @@ TEST(Rehearse, TheUsersOwnFoldersAreNotTouched) {
   EXPECT_EQ(everything(), before);
 }
 
+TEST(RehearseBadUsage, ASetThatLeadsOutOfItsFolder) {
+  makeDownloadSet();
+  writeFile("/Users/tester/outside.db", "outside");
+  std::filesystem::create_symlink("/Users/tester/outside.db", inSet("TANVO/Tessaphon/two.db"));
+  const Outcome outcome = rehearse();
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(
+      outcome.error,
+      "tavinstall: /Users/tester/Installer/TANVO/Tessaphon/two.db leads out of the set, to "
+      "/Users/tester/outside.db; put that into the set, or use --allow-outside. tavinstall check names every "
+      "such path\n");
+  EXPECT_EQ(rehearse({"--allow-outside"}).status, 1);  // in the sandbox the link leads nowhere
+}
+
+TEST(RehearseBadUsage, APackageOutsideTheSet) {
+  makeDownloadSet();
+  writeFile(inSet("rehearsal.json"), R"({"package": "../../../etc/hostname"})");
+  const Outcome outcome = rehearse();
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_THAT(outcome.error, HasSubstr("/etc/hostname leads out of the set"));
+}
+
+TEST(Rehearse, ADiscMayBeALinkWhereThatIsAllowed) {
+  makeDiscSet();
+  std::filesystem::rename(inSet("discs/2 Tavenhall Lumaweave"), "/Users/tester/disc");
+  std::filesystem::create_symlink("/Users/tester/disc", inSet("discs/2 Tavenhall Lumaweave"));
+  const Outcome outcome = rehearse({"--product", "Lumaweave", "--allow-outside"});
+  EXPECT_EQ(outcome.status, 0) << outcome.output << outcome.error;
+  EXPECT_THAT(fatesReported(), testing::ElementsAre("Factory/one.db same", "Factory/two.db same"));
+}
+
 TEST(Rehearse, AnOrdinaryUserNeedsNoRights) {
   makeUpdateSet();
   const Outcome outcome = runThrough(asOrdinaryUser(rehearseCommand({"--ui", "quiet"})));
