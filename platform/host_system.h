@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <string>
+#include <sys/types.h>
 
 // What a host program needs of the operating system beyond what the page does (platform/system.h). Every
 // backend implements all of it.
@@ -28,6 +29,15 @@ namespace tavenhall {
 
 // Sets close-on-exec for every descriptor above standard error. Call it in the child after fork.
 void closeDescriptorsOnExec() noexcept;
+
+// Who may write a file besides its owner and everybody.
+struct GroupWriters {
+  bool owningGroup = false;
+  bool others = false;  // a user or a group that a POSIX ACL names, but this user and root
+};
+
+// `mode` and `owner` are those of the file. Systems without POSIX ACLs have only the mode. Any thread.
+[[nodiscard]] GroupWriters groupWritersOf(const char* path, mode_t mode, uid_t owner) noexcept;
 
 // Asks the system to send this process SIGTERM when its parent process ends. Call it in the child after fork.
 // Does nothing on systems without such a request.

@@ -43,7 +43,7 @@ void closeInput() {
   }
 }
 
-EngineOptions readOptions(CLI::App& program, int argumentCount, char** arguments) {
+EngineOptions readOptions(CLI::App& program, int argumentCount, char** arguments, bool& isTrusted) {
   EngineOptions options;
   std::string package;
   std::string product;
@@ -73,6 +73,8 @@ EngineOptions readOptions(CLI::App& program, int argumentCount, char** arguments
       ->type_name("DIR")
       ->envname("TAVINSTALL_BUNDLE")
       ->excludes(productOption);
+  program.add_flag("--trusted", isTrusted, _("Install even if other users can change the package"))
+      ->envname("TAVINSTALL_TRUSTED");
   program.parse(argumentCount, arguments);
   options.package = packageLocation(package);
   options.bundle =
@@ -93,7 +95,7 @@ std::optional<ExitStatus> DesktopProgram::read(int argumentCount, char** argumen
   return orElse(std::optional(ExitStatus::badUsage), [&]() -> std::optional<ExitStatus> {
     CLI::App program{_("Install the data of an installer package, in a window."), "tavinstall-desktop"};
     try {
-      options_ = readOptions(program, argumentCount, arguments);
+      options_ = readOptions(program, argumentCount, arguments, isTrusted_);
     } catch (const CLI::Success& request) {
       std::ostringstream text;
       program.exit(request, text);  // help or version
@@ -123,7 +125,18 @@ DesktopText DesktopProgram::introduction() const noexcept {
 
 std::string DesktopProgram::prepare() noexcept {
   try {
-    if (std::string refusal = refusalToCopyOntoItself(planFor(options_)); !refusal.empty()) {
+    if (options_.installType.empty()) {
+      installTypePlace_.emplace();
+    }
+    const InstallPlan plan = planFor(options_);
+    if (!isTrusted_) {
+      for (std::string refusal : {refusalToTrust(options_), refusalToTrust(plan)}) {
+        if (!refusal.empty()) {
+          return refusal;
+        }
+      }
+    }
+    if (std::string refusal = refusalToCopyOntoItself(plan); !refusal.empty()) {
       return refusal;
     }
     lock_ = std::make_unique<InstallLock>(true);
@@ -160,6 +173,7 @@ void DesktopProgram::setPaused(bool isPaused) noexcept {
 
 void DesktopProgram::end() noexcept {
   orElse(false, [this] {
+    installTypePlace_.reset();
     const Lock lock(meterMutex_);
     meter_.finish(Clock::now());
     result_.status = ExitStatus::success;

@@ -4,7 +4,6 @@
 #include "host/base/text.h"
 #include "host/cli/command_line.h"
 #include "host/cli/run_description.h"
-#include "host/engine/other_users.h"
 #include "host/engine/pre_install.h"
 #include "host/engine/run_engine.h"
 #include "host/log/log_records.h"
@@ -37,16 +36,6 @@ struct RunArguments {
   bool isTrusted = false;
   bool isWithoutAttributes = false;
 };
-
-// The reason not to trust a file that the page reads, because other users can write it; empty if there is none.
-std::string whatOthersDecide(const EngineOptions& options) {
-  std::string line =
-      options.package.empty() ? writtenByOthers(kLocationFile) : changeableByOthers(options.package);
-  if (line.empty() && options.installType.empty()) {
-    line = writtenByOthers(kInstallTypeFile);
-  }
-  return line;
-}
 
 // Refuses to install for the reason that `reason` gives in the current language. Another program that drives
 // the install decides itself, so it gets a warning.
@@ -84,6 +73,9 @@ std::optional<InstallPlan> checkedPlan(const RunArguments& arguments, Frontend f
     }
     return std::nullopt;
   }
+  if (!arguments.isTrusted && options.warnings.empty()) {  // one reason is enough
+    refuse([&plan] { return refusalToTrust(*plan); }, frontend, options);
+  }
   refuse([&plan] { return refusalToCopyOntoItself(*plan); }, frontend, options);
   if (!arguments.isWithoutAttributes) {
     refuse([&plan] { return missingAttributes(*plan); }, frontend, options);
@@ -107,12 +99,7 @@ EngineOptions optionsFrom(const RunArguments& arguments, Frontend frontend) {
     requireWritable(options.summary);
   }
   if (!arguments.isTrusted) {
-    refuse(
-        [&options] {
-          const std::string line = whatOthersDecide(options);
-          return line.empty() ? "" : format(_("{0}; use --trusted to install anyway"), {line});
-        },
-        frontend, options);
+    refuse([&options] { return refusalToTrust(options); }, frontend, options);
   }
   return options;
 }
@@ -128,6 +115,10 @@ bool hasControllingTerminal() {
 
 ExitStatus run(const RunArguments& arguments) {
   const Frontend frontend = frontendFor(arguments.ui);
+  std::optional<InstallTypePlace> installTypePlace;
+  if (arguments.installType.empty()) {
+    installTypePlace.emplace();  // before anybody's file in its place is looked for
+  }
   EngineOptions options = optionsFrom(arguments, frontend);
   const std::optional<InstallPlan> plan = checkedPlan(arguments, frontend, options);
   if (plan) {

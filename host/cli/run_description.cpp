@@ -4,6 +4,7 @@
 #include "context/open_file.h"
 #include "host/base/files.h"
 #include "host/base/text.h"
+#include "host/engine/other_users.h"
 #include "host/log/log_records.h"
 #include "host/log/logged_run.h"
 #include "platform/installer_pane.h"
@@ -91,6 +92,10 @@ std::string packagePath(const EngineOptions& options) {
   return options.package.string();
 }
 
+std::string withRemedy(const std::string& line) {
+  return line.empty() ? "" : format(_("{0}; use --trusted to install anyway"), {line});
+}
+
 }  // namespace
 
 Introduction introduce(const InstallPlan& plan, const FreeBytes& freeBytes) {
@@ -174,6 +179,30 @@ std::string refusalToCopyOntoItself(const InstallPlan& plan) {
     }
   }
   return {};
+}
+
+std::string refusalToTrust(const EngineOptions& options) {
+  std::string line =
+      options.package.empty() ? writtenByOthers(kLocationFile) : changeableByOthers(options.package);
+  if (line.empty() && options.installType.empty()) {
+    line = writtenByOthers(kInstallTypeFile);
+  }
+  return withRemedy(line);
+}
+
+std::string refusalToTrust(const InstallPlan& plan) {
+  std::string line;
+  for (const PlannedFolder& folder : plan.systemFolders) {
+    line = line.empty() ? sourceChangeableByOthers(folder.source, Depth::withContents) : line;
+  }
+  for (const PlannedPass& pass : plan.passes) {
+    for (const PlannedVolume& volume : pass.volumes) {
+      for (const std::string& source : {volume.primary, volume.alternate}) {
+        line = line.empty() && !volume.isMounted ? sourceChangeableByOthers(source, Depth::folderAlone) : line;
+      }
+    }
+  }
+  return withRemedy(line);
 }
 
 std::vector<ExpectedCopy> expectedCopies(const InstallPlan& plan) {

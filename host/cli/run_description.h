@@ -32,6 +32,12 @@ using FreeBytes = std::function<std::optional<std::int64_t>(const std::string& p
 // remove the installed plug-ins before it copies them onto themselves. Empty if there is no reason.
 [[nodiscard]] std::string refusalToCopyOntoItself(const InstallPlan& plan);
 
+// The reason to refuse an installation that other users can change, with the remedy; empty if there is no
+// reason. The first is for the package, or without one for the files of a pre-install step; the second for the
+// folders beside the package.
+[[nodiscard]] std::string refusalToTrust(const EngineOptions& options);
+[[nodiscard]] std::string refusalToTrust(const InstallPlan& plan);
+
 // The copies that the page must make by this plan: all volumes but optional ones, those without a data folder,
 // and libraries in the Lite edition.
 [[nodiscard]] std::vector<ExpectedCopy> expectedCopies(const InstallPlan& plan);

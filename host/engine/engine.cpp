@@ -3,6 +3,7 @@
 #include "host/base/exit_status.h"
 #include "host/base/files.h"
 #include "host/base/text.h"
+#include "host/engine/pre_install.h"
 #include "host/protocol/json_form.h"
 
 #include <array>
@@ -125,7 +126,10 @@ void Engine::perform(Command command) {
         const Lock lock(state_);
         isEntered_ = true;
       }
-      page_->didEnterPane(kDirectionForward);
+      {
+        const InstallTypePlace place;  // the page reads the choice here, and only here
+        page_->didEnterPane(kDirectionForward);
+      }
       const Lock lock(state_);
       report(event::Entered{});
       break;

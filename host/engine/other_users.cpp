@@ -1,9 +1,13 @@
 #include "host/engine/other_users.h"
 
 #include "host/base/text.h"
+#include "platform/host_system.h"
 
+#include <algorithm>
 #include <array>
+#include <functional>
 #include <grp.h>
+#include <iterator>
 #include <pwd.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
@@ -32,17 +36,79 @@ bool isOwnersOwnGroup(const struct stat& found) {
          members.gr_mem[0] == nullptr;
 }
 
+bool isReadOnly(const fs::path& path) {
+  struct statvfs fileSystem {};
+  return statvfs(path.c_str(), &fileSystem) == 0 && (fileSystem.f_flag & ST_RDONLY) != 0;
+}
+
 bool othersCanWrite(const fs::path& path) {
   struct stat found {};
-  if (stat(path.c_str(), &found) != 0 || (S_ISDIR(found.st_mode) && (found.st_mode & S_ISVTX) != 0)) {
+  if (stat(path.c_str(), &found) != 0) {
     return false;
   }
-  const bool groupCanWrite = (found.st_mode & S_IWGRP) != 0 && !isOwnersOwnGroup(found);
-  if ((found.st_mode & S_IWOTH) == 0 && !groupCanWrite) {
-    return false;
+  const GroupWriters group = groupWritersOf(path.c_str(), found.st_mode, found.st_uid);
+  const bool groupCanWrite = group.others || (group.owningGroup && !isOwnersOwnGroup(found));
+  return ((found.st_mode & S_IWOTH) != 0 || groupCanWrite) && !isReadOnly(path);
+}
+
+// Goes the way that the system goes to a path, and passes each folder on it, until `isFound` returns true. A
+// link is no more to be trusted than the folder that it is in.
+bool anyFolderOnTheWay(const fs::path& path, const std::function<bool(const fs::path&)>& isFound) {
+  constexpr int kMostLinks = 40;  // the system's own limit
+  int links = 0;
+  std::vector<fs::path> ahead(path.begin(), path.end());
+  std::reverse(ahead.begin(), ahead.end());
+  fs::path at;
+  while (!ahead.empty()) {
+    const fs::path next =
+        at / ahead.back();  // an absolute link begins with "/", which replaces what was before
+    ahead.pop_back();
+    std::error_code error;
+    if (fs::is_symlink(next, error)) {
+      if (++links > kMostLinks) {
+        return false;
+      }
+      const fs::path target = fs::read_symlink(next, error);
+      ahead.insert(ahead.end(), std::make_reverse_iterator(target.end()),
+                   std::make_reverse_iterator(target.begin()));
+      continue;
+    }
+    at = next;
+    if (fs::is_directory(at, error) && isFound(at)) {
+      return true;
+    }
   }
-  struct statvfs fileSystem {};
-  return statvfs(path.c_str(), &fileSystem) != 0 || (fileSystem.f_flag & ST_RDONLY) == 0;
+  return false;
+}
+
+std::string changeableText(const fs::path& path) {
+  return format(_("other users can change {0} and thereby what is installed"),
+                {path.lexically_normal().string()});
+}
+
+std::string wayChangeableByOthers(const fs::path& path) {
+  std::string text;
+  static_cast<void>(anyFolderOnTheWay(fs::absolute(path), [&text](const fs::path& folder) {
+    text = othersCanWrite(folder) ? changeableText(folder) : "";
+    return !text.empty();
+  }));
+  return text;
+}
+
+std::string attributesFileOfOthers(const fs::path& file) {
+  struct stat found {};
+  if (stat(file.c_str(), &found) != 0) {
+    return "";
+  }
+  if (std::string text = wayChangeableByOthers(file); !text.empty()) {
+    return text;  // it may be a link
+  }
+  if (othersCanWrite(file)) {
+    return changeableText(file);
+  }
+  return found.st_uid == geteuid() || found.st_uid == 0 || isReadOnly(file)
+             ? ""
+             : format(_("{0} belongs to another user, who decides what is installed"), {file.string()});
 }
 
 }  // namespace
@@ -53,14 +119,23 @@ std::string changeableByOthers(const fs::path& package) {
   if (error) {
     return "";
   }
-  std::vector<fs::path> paths{folder / ".InstallationAttributes.dat",
-                              folder.parent_path() / ".InstallationAttributes.dat", folder};
-  for (fs::path above = folder; above != above.root_path(); above = above.parent_path()) {
-    paths.push_back(above.parent_path());
+  std::string text = wayChangeableByOthers(package.parent_path());
+  // The page takes the second one where there is no first.
+  for (const fs::path& place : {folder, folder.parent_path()}) {
+    text = text.empty() ? attributesFileOfOthers(place / ".InstallationAttributes.dat") : text;
   }
-  for (const fs::path& path : paths) {
-    if (othersCanWrite(path)) {
-      return format(_("other users can change {0} and thereby what is installed"), {path.string()});
+  return text;
+}
+
+std::string sourceChangeableByOthers(const fs::path& folder, Depth depth) {
+  std::string text = wayChangeableByOthers(folder);
+  std::error_code error;
+  if (depth == Depth::folderAlone || !text.empty()) {
+    return text;
+  }
+  for (fs::recursive_directory_iterator at(folder, error), end; !error && at != end; at.increment(error)) {
+    if (!at->is_symlink(error) && othersCanWrite(at->path())) {
+      return changeableText(at->path());
     }
   }
   return "";

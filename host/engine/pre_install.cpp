@@ -6,6 +6,7 @@
 #include "platform/installer_pane.h"
 #include "platform/system.h"
 
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <dlfcn.h>
@@ -94,6 +95,23 @@ void runPreInstallStep(const fs::path& package, const std::string& installType) 
   writeLine(kLocationFile, packageLocation(package).native());
   if (!installType.empty()) {
     writeLine(kInstallTypeFile, installType);
+  }
+}
+
+InstallTypePlace::InstallTypePlace() noexcept {
+  static_cast<void>(
+      symlink(kInstallTypeFile, kInstallTypeFile));  // fails where there is a file, which then counts
+}
+
+InstallTypePlace::~InstallTypePlace() { clear(); }
+
+void InstallTypePlace::clear() noexcept {
+  struct stat found {};
+  std::array<char, 64> target{};
+  const bool isLinkToItself = readlink(kInstallTypeFile, target.data(), target.size() - 1) > 0 &&
+                              std::string_view(target.data()) == kInstallTypeFile;
+  if (isLinkToItself && lstat(kInstallTypeFile, &found) == 0 && found.st_uid == geteuid()) {
+    unlink(kInstallTypeFile);
   }
 }
 

@@ -18,6 +18,21 @@ namespace tavenhall {
 // user's file cannot be replaced.
 void runPreInstallStep(const std::filesystem::path& package, const std::string& installType);
 
+// Keeps other users from putting a choice of edition where the page looks for one, between the time when that
+// place was examined and the time when the page reads it. Where there is no choice file, a link to itself takes
+// its place, which the page finds like a missing file, and which nobody else can remove from a sticky folder.
+// The engine removes it when the page has been entered; the destructor does otherwise.
+class InstallTypePlace {
+ public:
+  InstallTypePlace() noexcept;
+  InstallTypePlace(const InstallTypePlace&) = delete;
+  InstallTypePlace& operator=(const InstallTypePlace&) = delete;
+  ~InstallTypePlace();
+
+  // Removes such a link of this user's, if there is one.
+  static void clear() noexcept;
+};
+
 // Prevents a user from running two installs at a time, since both would write the same files and the same log.
 // The lock is held until destruction or the end of the process.
 //

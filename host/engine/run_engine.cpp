@@ -104,6 +104,7 @@ void runEngine(const EngineOptions& options, Controller controller, const Engine
       events->finish();
     }
     theEngine->stopReading();
+    InstallTypePlace::clear();  // of a page that was not entered
     exitProcess(status);
   };
   Engine engine(events.get(), ejectNote, [&finish] { finish(ExitStatus::noAnswer); });

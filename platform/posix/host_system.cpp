@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 // With POSIX alone, for systems without a backend of their own; programPath() is in their folder.
@@ -22,6 +23,10 @@ int openMemoryFile() noexcept {
 bool listsDots(int /*folder*/) noexcept { return false; }
 
 int openSandboxFilter() noexcept { return -1; }
+
+GroupWriters groupWritersOf(const char* /*path*/, mode_t mode, uid_t /*owner*/) noexcept {
+  return {.owningGroup = (mode & S_IWGRP) != 0};
+}
 
 void closeDescriptorsOnExec() noexcept {
   for (long descriptor = STDERR_FILENO + 1; descriptor < sysconf(_SC_OPEN_MAX); ++descriptor) {

@@ -19,7 +19,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kThing = "/tmp/thing";
-constexpr const char* kGoodSet = "/tmp/good";
+constexpr const char* kGoodSet = "/Users/tester/good";
 
 struct BadInput {
   const char* name;

@@ -1,5 +1,6 @@
 #include "host/engine/other_users.h"
 
+#include "tests/install/child_program.h"
 #include "tests/support/files.h"
 #include "tests/support/private_root.h"
 
@@ -47,9 +48,79 @@ TEST_F(OtherUsers, CanChangeAnAttributesFileThatEverybodyCanWrite) {
             "installed");
 }
 
-TEST_F(OtherUsers, CannotTakeAnotherOnesFilesFromAFolderLikeTmp) {
+TEST_F(OtherUsers, CanAddToAFolderWithTheStickyBit) {
   allow("/Users/tester/Downloads", 01777);
-  EXPECT_EQ(changeableByOthers(kPackagePath), "");
+  EXPECT_EQ(changeableByOthers(kPackagePath),
+            "other users can change /Users/tester/Downloads and thereby what is installed");
+}
+
+TEST_F(OtherUsers, CanReplaceALinkInAFolderThatTheyCanWrite) {
+  makeFolder("/Volumes/Shared");
+  ASSERT_EQ(symlink("/Users/tester/Downloads/Set", "/Volumes/Shared/Set"), 0);
+  ASSERT_EQ(symlink("../../Volumes/Shared", "/Users/tester/Sets"), 0);
+  for (const char* path : {"/Volumes/Shared/Set/Installer.pkg", "/Users/tester/Sets/Set/Installer.pkg"}) {
+    EXPECT_EQ(changeableByOthers(path), "") << path;
+    allow("/Volumes/Shared", 01777);
+    EXPECT_EQ(changeableByOthers(path), "other users can change /Volumes/Shared and thereby what is installed")
+        << path;
+    allow("/Volumes/Shared", 0755);
+  }
+}
+
+TEST_F(OtherUsers, CanReplaceAnAttributesFileThatIsALinkIntoAFolderOfTheirs) {
+  makeFolder("/Volumes/Shared");
+  allow("/Volumes/Shared", 0777);
+  writeFile("/Volumes/Shared/attributes", "Mode = DataUpdater\n");
+  ASSERT_EQ(symlink("/Volumes/Shared/attributes", "/Users/tester/Downloads/Set/.InstallationAttributes.dat"),
+            0);
+  EXPECT_EQ(changeableByOthers(kPackagePath),
+            "other users can change /Volumes/Shared and thereby what is installed");
+}
+
+TEST_F(OtherUsers, ALinkToItselfEndsTheWay) {
+  ASSERT_EQ(symlink("loop", "/Users/tester/loop"), 0);
+  EXPECT_EQ(sourceChangeableByOthers("/Users/tester/loop/Data", Depth::folderAlone), "");
+}
+
+TEST_F(OtherUsers, CanWriteByAnAccessList) {
+  const std::string folder = "/Users/tester/Downloads/Set";
+  const auto setList = [&folder](const std::string& entries) {
+    EXPECT_EQ(runThrough({"setfacl", "-b", "-m", entries, folder}).status, 0) << entries;
+  };
+  setList("u:54321:rwx");
+  EXPECT_EQ(changeableByOthers(kPackagePath),
+            "other users can change " + folder + " and thereby what is installed");
+  setList("g:54321:rwx");
+  EXPECT_EQ(changeableByOthers(kPackagePath),
+            "other users can change " + folder + " and thereby what is installed");
+  for (const char* harmless : {"u:54321:rx", "u:0:rwx", "u:54321:rwx,m::rx"}) {
+    setList(harmless);
+    EXPECT_EQ(changeableByOthers(kPackagePath), "") << harmless;
+  }
+}
+
+TEST_F(OtherUsers, OwnAnAttributesFileThatTheyWrote) {
+  if (!isRealRoot()) {
+    GTEST_SKIP() << "only the machine's own root may give a file away";
+  }
+  const std::string file = "/Users/tester/Downloads/.InstallationAttributes.dat";
+  writeFile(file, "Mode = DataUpdater\n");
+  ASSERT_EQ(chown(file.c_str(), 54321, 54321), 0);
+  EXPECT_EQ(changeableByOthers(kPackagePath), file + " belongs to another user, who decides what is installed");
+}
+
+TEST_F(OtherUsers, CanChangeASourceBesideThePackage) {
+  const std::string set = "/Users/tester/Downloads/Set/";
+  writeFile(set + "Applications/Tool.app/program", "");
+  EXPECT_EQ(sourceChangeableByOthers(set + "Applications", Depth::withContents), "");
+  EXPECT_EQ(sourceChangeableByOthers(set + "None", Depth::withContents), "");
+  allow(set + "Applications/Tool.app", 0777);
+  EXPECT_EQ(sourceChangeableByOthers(set + "Applications", Depth::folderAlone), "");
+  EXPECT_EQ(sourceChangeableByOthers(set + "Applications", Depth::withContents),
+            "other users can change " + set + "Applications/Tool.app and thereby what is installed");
+  allow(set + "Applications", 01777);
+  EXPECT_EQ(sourceChangeableByOthers(set + "Applications", Depth::folderAlone),
+            "other users can change " + set + "Applications and thereby what is installed");
 }
 
 TEST_F(OtherUsers, AFolderIsLookedAtWhereItReallyLies) {

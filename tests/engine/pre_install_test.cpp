@@ -1,10 +1,14 @@
 #include "host/engine/pre_install.h"
 
+#include "context/first_line.h"
 #include "host/base/exit_status.h"
+#include "platform/installer_pane.h"
 #include "tests/support/files.h"
 #include "tests/support/private_root.h"
 
+#include <cerrno>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -196,6 +200,28 @@ TEST(PreInstallStep, AHomeThatCannotHoldTheFoldersIsRefused) {
   writeFile("/Users/tester/Library", "a file");
   EXPECT_THROW(runPreInstallStep("/Users/tester/Installer.pkg", ""), UsageError);
   EXPECT_FALSE(exists("/tmp/TavInstallLoc"));
+}
+
+TEST(InstallTypePlace, NobodyElseCanPutAChoiceThereAndThePageFindsNone) {
+  {
+    const InstallTypePlace place;
+    EXPECT_EQ(open(kInstallTypeFile, O_WRONLY | O_CREAT, 0644), -1);
+    EXPECT_EQ(errno, ELOOP);
+    BoundedText<kFirstLineSize> line;
+    EXPECT_FALSE(readFirstLine(kInstallTypeFile, line));
+    const InstallTypePlace again;
+  }
+  EXPECT_FALSE(fs::is_symlink(kInstallTypeFile));
+}
+
+TEST(InstallTypePlace, LeavesAFileAndAnotherLinkAlone) {
+  writeFile(kInstallTypeFile, "Lite\n");
+  { const InstallTypePlace place; }
+  EXPECT_EQ(readFile(kInstallTypeFile), "Lite\n");
+  fs::remove(kInstallTypeFile);
+  fs::create_symlink("/Users/tester/elsewhere", kInstallTypeFile);
+  { const InstallTypePlace place; }
+  EXPECT_TRUE(fs::is_symlink(kInstallTypeFile));
 }
 
 }  // namespace

@@ -44,6 +44,29 @@ TEST(SharedPackageFolder, IsRefusedInOneLineAndNothingIsBegun) {
   EXPECT_FALSE(exists(kLog));
 }
 
+TEST(SharedPackageFolder, IsRefusedWhereOthersCanAddAnAttributesFileOrASource) {
+  layUpdate();
+  for (const char* folder : {"/Users/tester/Downloads", "/Users/tester/Downloads/Set/TANVO"}) {
+    ASSERT_EQ(chmod(folder, 01777), 0);
+    const Outcome outcome = runThrough({kTavinstall, "run", "--ui", "plain", "--package", kPackage});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.error, "tavinstall: other users can change " + std::string(folder) +
+                                 " and thereby what is installed; use --trusted to install anyway\n");
+    ASSERT_EQ(chmod(folder, 0755), 0);
+  }
+  EXPECT_FALSE(exists(kLog));
+}
+
+TEST(SharedPackageFolder, IsRefusedWhereOthersCanWriteInAnApplication) {
+  layTree(kSet, {textFile(".InstallationAttributes.dat", "Mode = TavenhallUpdater\nRelativePath = .\n"),
+                 textFile("Installer.pkg", ""), file("Applications/Tool.app/Contents/program", 100)});
+  openToAll(std::string(kSet) + "/Applications/Tool.app/Contents");
+  const Outcome outcome = runThrough({kTavinstall, "run", "--ui", "quiet", "--package", kPackage});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_THAT(outcome.error,
+              HasSubstr("other users can change " + std::string(kSet) + "/Applications/Tool.app/Contents"));
+}
+
 TEST(SharedPackageFolder, IsInstalledFromWhenItIsTrusted) {
   layUpdate();
   openToAll(kSet);

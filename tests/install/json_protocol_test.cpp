@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <ostream>
@@ -49,8 +50,21 @@ TEST(JsonProtocol, DoesNothingWithoutACommand) {
   EXPECT_EQ(installer.finish(), 0);
   EXPECT_THAT(installer.events(), IsEmpty());
   EXPECT_EQ(readFile("/tmp/TavInstallLoc"), "/Users/tester/Downloads/Set/Installer.pkg\n");
+  EXPECT_FALSE(std::filesystem::is_symlink("/tmp/TavInstallType"));
   EXPECT_FALSE(exists("/tmp/TavInstallType"));
   EXPECT_FALSE(exists(kLog));
+}
+
+TEST(JsonProtocol, NobodyCanPutAChoiceOfEditionThereUntilThePageIsEntered) {
+  layDataUpdate();
+  JsonInstaller installer({"--package", kPackage});
+  installer.send(kTitle);
+  static_cast<void>(installer.await("title"));
+  EXPECT_TRUE(std::filesystem::is_symlink("/tmp/TavInstallType"));
+  installer.send({kEnter, kWait});
+  static_cast<void>(installer.await("idle"));
+  EXPECT_FALSE(std::filesystem::is_symlink("/tmp/TavInstallType"));
+  EXPECT_EQ(installer.finish(), 0);
 }
 
 TEST(JsonProtocol, ClosedInputLetsTheLinesFinishThatCameBefore) {
