@@ -21,7 +21,7 @@ _tavinstall() {
   local options
   case $command in
     run) options="--package --install-type --product --bundle --ui --summary --no-preinstall --trusted --without-attributes --help" ;;
-    rehearse) options="--product --install-type --installed --late --keep --report --ui --help" ;;
+    rehearse) options="--product --install-type --installed --allow-outside --late --keep --report --ui --help" ;;
     check) options="--product --install-type --installed --format --help" ;;
     log) options="--last --format --help" ;;
     *) options="--help --version" ;;

@@ -23,6 +23,7 @@ complete -c tavinstall -n '__fish_seen_subcommand_from run' -l no-preinstall -d 
 complete -c tavinstall -n '__fish_seen_subcommand_from run' -l trusted -d 'Install even if other users can change the package'
 complete -c tavinstall -n '__fish_seen_subcommand_from run' -l without-attributes -d 'Install one disc even if there is no attributes file'
 
+complete -c tavinstall -n '__fish_seen_subcommand_from rehearse' -l allow-outside -d 'Rehearse a set whose links or paths lead out of its folder'
 complete -c tavinstall -n '__fish_seen_subcommand_from rehearse' -l late -x -d 'Report each disc as missing N times'
 complete -c tavinstall -n '__fish_seen_subcommand_from rehearse' -l keep -x -a '(__fish_complete_directories)' -d 'Keep the installed files and the log in this new folder'
 complete -c tavinstall -n '__fish_seen_subcommand_from rehearse' -l report -r -F -d 'Also write the report to this file, as JSON'

@@ -236,7 +236,7 @@ TEST_P(LostOutput, IsNoConcernWhereThereIsNoInput) {
 
 INSTANTIATE_TEST_SUITE_P(Each, LostOutput,
                          testing::Values("--help", "--version", "run --help", "check --help", "rehearse --help",
-                                         "log --help", "check /tmp/good", "check /tmp/good --format json",
+                                         "log --help", "check /Users/tester/good", "check /Users/tester/good --format json",
                                          "log /tmp/log", "log /tmp/log --format json"),
                          [](const auto& tested) { return "case" + std::to_string(tested.index); });
 

@@ -110,9 +110,9 @@ TEST(Languages, DefaultToEnglish) {
 
 // The page says that its folder is missing; the program says where the log is.
 Outcome withoutFolder(const ChildProgram::Environment& environment) {
-  writeFile("/tmp/set/Installer.pkg", "");
+  writeFile("/Users/tester/set/Installer.pkg", "");
   return runThrough(
-      {kTavinstall, "run", "--ui", "plain", "--without-attributes", "--package", "/tmp/set/Installer.pkg"},
+      {kTavinstall, "run", "--ui", "plain", "--without-attributes", "--package", "/Users/tester/set/Installer.pkg"},
       environment);
 }
 
@@ -151,12 +151,12 @@ TEST(Languages, LeaveTheEventsInEnglish) {
 
 // The page writes the system's error texts into the log, which support reads.
 TEST(Languages, LeaveTheLogInEnglish) {
-  writeFile("/tmp/set/Installer.pkg", "");
-  writeFile("/tmp/set/.InstallationAttributes.dat",
+  writeFile("/Users/tester/set/Installer.pkg", "");
+  writeFile("/Users/tester/set/.InstallationAttributes.dat",
             "Mode = Downloaded\nRelativePath = .\nTotalSizeMillionsBytes = 1\n");
-  writeFile("/tmp/set/TANVO/a.db", "data");
+  writeFile("/Users/tester/set/TANVO/a.db", "data");
   makeFolder("/Users/tester/Library/Application Support/Tavenhall/TANVO/a.db");  // in the file's way
-  const std::vector<std::string> run{"run", "--ui", "plain", "--package", "/tmp/set/Installer.pkg"};
+  const std::vector<std::string> run{"run", "--ui", "plain", "--package", "/Users/tester/set/Installer.pkg"};
 
   const Outcome english = inLanguage("en", run);
   const std::vector<std::string> messages = logMessages();

@@ -132,10 +132,10 @@ const Printed kPrinted[] = {
     {"ASummaryThatCannotBeWritten",
      "de",
      [] {
-       writeFile("/tmp/set/Installer.pkg", "");
-       writeFile("/tmp/set/.InstallationAttributes.dat", "Mode = DataUpdater\nRelativePath = Nowhere\n");
+       writeFile("/Users/tester/set/Installer.pkg", "");
+       writeFile("/Users/tester/set/.InstallationAttributes.dat", "Mode = DataUpdater\nRelativePath = Nowhere\n");
      },
-     {"run", "--ui", "quiet", "--package", "/tmp/set/Installer.pkg", "--summary", "/dev/full"},
+     {"run", "--ui", "quiet", "--package", "/Users/tester/set/Installer.pkg", "--summary", "/dev/full"},
      1,
      {"tavinstall: die Zusammenfassung /dev/full kann nicht geschrieben werden: No space left on device\n"}},
 };
@@ -228,10 +228,10 @@ const Refused kRefused[] = {
      "--late: 99999999999 ist keine ganze Zahl ab 0",
      "--late: 99999999999 は 0 以上の整数ではありません"},
     {"FolderThatOthersCanWrite",
-     {"run", "--ui", "plain", "--package", "/tmp/open/Installer.pkg"},
-     "other users can change /tmp/open and thereby what is installed; use --trusted to install anyway",
-     "andere Benutzer können /tmp/open ändern und damit, was installiert wird; --trusted installiert trotzdem",
-     "他のユーザーが /tmp/open を変更でき、インストールされるものも変わります。--trusted を付ければインスト"
+     {"run", "--ui", "plain", "--package", "/Users/tester/open/Installer.pkg"},
+     "other users can change /Users/tester/open and thereby what is installed; use --trusted to install anyway",
+     "andere Benutzer können /Users/tester/open ändern und damit, was installiert wird; --trusted installiert trotzdem",
+     "他のユーザーが /Users/tester/open を変更でき、インストールされるものも変わります。--trusted を付ければインスト"
      "ールします"},
 };
 
@@ -240,8 +240,8 @@ INSTANTIATE_TEST_SUITE_P(Each, RefusedArguments, testing::ValuesIn(kRefused),
                          [](const auto& tested) { return std::string(tested.param.name); });
 
 TEST_P(RefusedArguments, AreNamedInTheUsersLanguage) {
-  writeFile("/tmp/open/Installer.pkg", "");
-  ASSERT_EQ(chmod("/tmp/open", 0777), 0);
+  writeFile("/Users/tester/open/Installer.pkg", "");
+  ASSERT_EQ(chmod("/Users/tester/open", 0777), 0);
   for (const auto& [language, text] :
        {std::pair("en", GetParam().english), {"de", GetParam().german}, {"ja", GetParam().japanese}}) {
     const Outcome outcome = inLanguage(language, GetParam().arguments);

@@ -35,14 +35,14 @@ void expectItRuns(const std::string& prefix) {
   const std::string program = prefix + "/bin/tavinstall";
   EXPECT_THAT(runThrough({program, "--version"}).output, MatchesRegex("tavinstall [0-9.]+\n"));
 
-  writeFile("/tmp/set/Installer.pkg", "");
-  writeFile("/tmp/set/.InstallationAttributes.dat",
+  writeFile("/Users/tester/set/Installer.pkg", "");
+  writeFile("/Users/tester/set/.InstallationAttributes.dat",
             "Mode = Downloaded\nInstallDataTitle = Packed\nRelativePath = .\nTotalSizeMillionsBytes = 1\n");
-  writeFile("/tmp/set/TANVO/a.db", "data");
-  EXPECT_EQ(runThrough({program, "check", "/tmp/set", "--product", "Tessaphon"}).status, 0);
+  writeFile("/Users/tester/set/TANVO/a.db", "data");
+  EXPECT_EQ(runThrough({program, "check", "/Users/tester/set", "--product", "Tessaphon"}).status, 0);
 
   makeFolder("/Users/tester/Library/Application Support/Tavenhall/TANVO");
-  const Outcome run = runThrough({program, "run", "--ui", "plain", "--package", "/tmp/set/Installer.pkg"});
+  const Outcome run = runThrough({program, "run", "--ui", "plain", "--package", "/Users/tester/set/Installer.pkg"});
   EXPECT_EQ(run.status, 0) << run.output << run.error;
   EXPECT_THAT(run.output, HasSubstr("Packed\n"));
   EXPECT_EQ(readFile("/Users/tester/Library/Application Support/Tavenhall/TANVO/a.db"), "data");
