@@ -6,6 +6,7 @@
 #include "platform/installer_pane.h"
 #include "platform/system.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -24,6 +25,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
+constexpr const char* kBundleProgram = "Contents/MacOS/InstallDataPane";
 constexpr std::size_t kLongestLocation = 1022;  // bytes that the page reads before the newline
 
 // /tmp is world-writable: unlink first, then create with O_EXCL, so that no link, pipe or file that somebody
@@ -124,24 +126,40 @@ InstallLock::InstallLock(bool mayMakeFolder) {
     std::error_code ignored;  // the pre-install step says what is wrong
     std::filesystem::create_directories(path, ignored);
   }
-  folder_ = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (folder_ >= 0 && flock(folder_, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
-    close(folder_);
-    throw UsageError(_("another installation of yours is running; start this one after it has ended"));
+  add(path, _("another installation of yours is running; start this one after it has ended"));
+  for (const char* name : {"/Tavenhall/TANVO", "/Tavenhall/DOVA"}) {
+    add(path + name,
+        format(_("another installation to {0} is running; start this one after it has ended"), {path + name}));
   }
 }
 
-InstallLock::~InstallLock() {
-  if (folder_ >= 0) {
-    close(folder_);
+void InstallLock::add(const std::string& folder, const std::string& refusal) {
+  const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  struct stat found {};
+  if (descriptor < 0 || fstat(descriptor, &found) != 0) {
+    return;
+  }
+  const bool isLocked = std::any_of(folders_.begin(), folders_.end(), [&found](int locked) {
+    struct stat other {};
+    return fstat(locked, &other) == 0 && other.st_dev == found.st_dev && other.st_ino == found.st_ino;
+  });
+  folders_.push_back(descriptor);
+  if (isLocked) {
+    return;  // one folder by two links; a second lock of this process would wait for the first
+  }
+  if (flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+    close();
+    throw UsageError(refusal);
   }
 }
 
-namespace {
+InstallLock::~InstallLock() { close(); }
 
-constexpr const char* kBundleProgram = "Contents/MacOS/InstallDataPane";
-
-}  // namespace
+void InstallLock::close() noexcept {
+  for (const int folder : folders_) {
+    ::close(folder);
+  }
+}
 
 PageFactory loadBundle(const fs::path& bundle) {
   const fs::path program = fs::absolute(bundle) / kBundleProgram;

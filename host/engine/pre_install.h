@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 // What the rest of an installer does before the page is shown. Call these before any thread is started.
 namespace tavenhall {
@@ -33,23 +34,27 @@ class InstallTypePlace {
   static void clear() noexcept;
 };
 
-// Prevents a user from running two installs at a time, since both would write the same files and the same log.
-// The lock is held until destruction or the end of the process.
+// Prevents two installs at a time from writing the same files or the same log. The locks are held until
+// destruction or the end of the process.
 //
-// The lock is on the user's Application Support folder itself, so no file is made for it and none is left
-// behind, and two users, or two private roots, never meet. Commands that the page runs do not hold it.
+// They are on folders themselves, so no file is made for them and none is left behind: on the user's
+// Application Support folder, and on the data folders in it, also where those are links to folders that another
+// user or another home has, too. Commands that the page runs do not hold them.
 class InstallLock {
  public:
   // `mayMakeFolder`: make the folder where it is missing, as the pre-install step would do next. Throws
-  // UsageError when another install has the lock. Without the folder there is nothing that two installs could
-  // both write to; where the file system knows no such locks, installing is better than refusing.
+  // UsageError when another install has one of the locks. Without a folder there is nothing that two installs
+  // could both write to; where the file system knows no such locks, installing is better than refusing.
   explicit InstallLock(bool mayMakeFolder);
   InstallLock(const InstallLock&) = delete;
   InstallLock& operator=(const InstallLock&) = delete;
   ~InstallLock();
 
  private:
-  int folder_ = -1;
+  void add(const std::string& folder, const std::string& refusal);
+  void close() noexcept;
+
+  std::vector<int> folders_;
 };
 
 // Loads the program of a plug-in bundle for the life of the process and returns its page factory. Throws

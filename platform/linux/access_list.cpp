@@ -20,7 +20,7 @@ struct Entry {
   std::optional<uid_t> user;  // of ACL_USER
 };
 
-std::optional<Entry> read(acl_entry_t from) {
+std::optional<Entry> readEntry(acl_entry_t from) {
   Entry entry;
   acl_permset_t permissions = nullptr;
   if (acl_get_tag_type(from, &entry.tag) != 0 || acl_get_permset(from, &permissions) != 0) {
@@ -52,7 +52,7 @@ GroupWriters groupWritersOf(const char* path, mode_t mode, uid_t owner) noexcept
   acl_entry_t at = nullptr;
   for (int more = acl_get_entry(list.get(), ACL_FIRST_ENTRY, &at); more == 1;
        more = acl_get_entry(list.get(), ACL_NEXT_ENTRY, &at)) {
-    const std::optional<Entry> entry = read(at);
+    const std::optional<Entry> entry = readEntry(at);
     if (!entry) {
       return {.owningGroup = true, .others = true};
     }

@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -200,6 +201,39 @@ TEST(PreInstallStep, AHomeThatCannotHoldTheFoldersIsRefused) {
   writeFile("/Users/tester/Library", "a file");
   EXPECT_THROW(runPreInstallStep("/Users/tester/Installer.pkg", ""), UsageError);
   EXPECT_FALSE(exists("/tmp/TavInstallLoc"));
+}
+
+// Two homes whose data folders are links to one folder, as on a machine whose users share a library.
+TEST(InstallLock, IsAlsoOnADataFolderThatTwoHomesShare) {
+  const std::string support = "/Library/Application Support/Tavenhall";
+  makeFolder("/Volumes/Data/TANVO");
+  for (const char* home : {"/Users/tester", "/Users/other"}) {
+    makeFolder(home + support);
+    fs::create_symlink("/Volumes/Data/TANVO", home + support + "/TANVO");
+  }
+  std::optional<InstallLock> first(std::in_place, false);
+  setenv("HOME", "/Users/other", 1);
+  try {
+    const InstallLock second(false);
+    FAIL() << "two installs to one folder";
+  } catch (const UsageError& error) {
+    EXPECT_STREQ(
+        error.what(),
+        "another installation to /Users/other/Library/Application Support/Tavenhall/TANVO is running; start "
+        "this one after it has ended");
+  }
+  first.reset();
+  const InstallLock third(false);
+}
+
+TEST(InstallLock, OneFolderMayBeBothDataFolders) {
+  const std::string support = "/Users/tester/Library/Application Support/Tavenhall";
+  makeFolder("/Volumes/Data");
+  makeFolder(support);
+  for (const char* name : {"/TANVO", "/DOVA"}) {
+    fs::create_symlink("/Volumes/Data", support + name);
+  }
+  EXPECT_NO_THROW(InstallLock(false));
 }
 
 TEST(InstallTypePlace, NobodyElseCanPutAChoiceThereAndThePageFindsNone) {

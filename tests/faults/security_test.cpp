@@ -182,5 +182,13 @@ TEST(CentralFolder, ALinkInItIsWrittenThrough) {
   EXPECT_EQ(readFile("/Users/tester/precious"), readFile(std::string(kSet) + "/TANVO/a.db"));
 }
 
+TEST(CentralFolder, ALinkInItToTheSourceIsWrittenThroughAndTheInstallFails) {
+  layUpdate();
+  writeFile(std::string(kSet) + "/TANVO/b.db", "another file of the source");
+  fs::create_symlink(std::string(kSet) + "/TANVO/b.db", std::string(kTanvo) + "/a.db");
+  EXPECT_EQ(install().status, 1);
+  EXPECT_EQ(readFile(std::string(kSet) + "/TANVO/b.db"), readFile(std::string(kSet) + "/TANVO/a.db"));
+}
+
 }  // namespace
 }  // namespace tavenhall::test
