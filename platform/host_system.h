@@ -27,6 +27,10 @@ namespace tavenhall {
 // thread.
 [[nodiscard]] int openSandboxFilter() noexcept;
 
+// Keeps the other processes of this user from reading this process's memory, and that of its children until
+// they execute a program; it then leaves no core dump. Does nothing on systems without such a request.
+void forbidTracing() noexcept;
+
 // Sets close-on-exec for every descriptor above standard error. Call it in the child after fork.
 void closeDescriptorsOnExec() noexcept;
 

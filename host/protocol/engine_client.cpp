@@ -4,6 +4,7 @@
 #include "host/base/exit_status.h"
 #include "host/base/text.h"
 #include "host/protocol/json_form.h"
+#include "platform/host_system.h"
 
 #include <cerrno>
 #include <csignal>
@@ -89,6 +90,9 @@ EngineConnection startEngineProcess(const EngineBody& body, const EngineProcessO
   const Pipe events = makePipe();
   const Pipe errors = options.capturesErrors ? makePipe() : Pipe{};
   const PseudoTerminal terminal = options.hasPasswordTerminal ? openPseudoTerminal() : PseudoTerminal{};
+  if (terminal.frontend >= 0) {
+    forbidTracing();  // a password goes through this process, and the engine has the terminal open
+  }
   std::fflush(nullptr);
   const pid_t pid = fork();
   if (pid < 0) {

@@ -10,6 +10,7 @@
 #include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
+#include <utility>
 
 namespace tavenhall {
 
@@ -42,6 +43,9 @@ PseudoTerminal openPseudoTerminal() noexcept {
   }
   if (grantpt(ends.frontend) == 0 && unlockpt(ends.frontend) == 0) {
     ends.commands = open(ptsname(ends.frontend), O_RDWR | O_NOCTTY | O_CLOEXEC);
+  }
+  if (ends.commands >= 0 && ioctl(ends.commands, TIOCEXCL) != 0) {
+    close(std::exchange(ends.commands, -1));
   }
   if (ends.commands < 0) {
     close(ends.frontend);

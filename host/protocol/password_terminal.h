@@ -36,7 +36,8 @@ class Secret {
 };
 
 // A pseudo-terminal for the commands that a page runs: sudo and the like ask for a password there, and a
-// frontend passes the prompt on to its user.
+// frontend passes the prompt on to its user. Only programs with root's rights, as sudo has them, can open it:
+// what another command leaves behind in the background would otherwise read the password.
 struct PseudoTerminal {
   int frontend = -1;  // the master side, for PasswordTerminal
   int commands = -1;  // the terminal itself

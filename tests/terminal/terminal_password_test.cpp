@@ -19,7 +19,14 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
-using TerminalPassword = InUtf8;
+class TerminalPassword : public InUtf8 {
+ protected:
+  void SetUp() override {
+    if (!isRealRoot()) {
+      GTEST_SKIP() << "only a program with root's rights can open the commands' terminal";
+    }
+  }
+};
 
 // Asks as sudo does: on its terminal, with what is typed not shown; and writes down what it got.
 constexpr const char* kAsker =
@@ -165,10 +172,7 @@ void giveTo(uid_t user, const std::string& folder) {
 }
 
 // The system's own sudo, and a user who may use it with the password "open sesame".
-TEST_F(TerminalPassword, TheRealSudoAsksInTheWindowAndOnce) {
-  if (!isRealRoot() || !exists("/usr/bin/sudo")) {
-    GTEST_SKIP() << "needs root, to make up a user, and sudo";
-  }
+std::vector<std::string> asUserWithSudo(const std::vector<std::string>& page) {
   constexpr uid_t kUser = 4321;
   replaceFile("/etc/passwd", readFile("/etc/passwd") + "tester:x:4321:4321::/Users/tester:/bin/sh\n", 0644);
   replaceFile("/etc/shadow",
@@ -179,20 +183,57 @@ TEST_F(TerminalPassword, TheRealSudoAsksInTheWindowAndOnce) {
               "Defaults lecture=never, !syslog, timestampdir=/Library/sudo\ntester ALL=(ALL) ALL\n", 0440);
   std::vector<std::string> command{"/usr/bin/setpriv",    "--reuid",       std::to_string(kUser), "--regid",
                                    std::to_string(kUser), "--clear-groups"};
-  const auto page = askingPage("run sudo mkdir /Library/Made\nrun sudo chmod 777 /Library/Made\n");
   command.insert(command.end(), page.begin(), page.end());
   std::filesystem::remove("/tmp/TavInstallLoc");
   giveTo(kUser, "/Users/tester");
   giveTo(kUser, "/Volumes");
-  TmuxTerminal terminal(80, 24, command, {{"PATH", "/usr/bin:/bin"}});
+  return command;
+}
+
+bool canMakeUpAUser() { return isRealRoot() && exists("/usr/bin/sudo"); }
+
+void typeThePassword(TmuxTerminal& terminal) {
+  terminal.press({"o", "p", "e", "n", "Space", "s", "e", "s", "a", "m", "e", "Enter"});
+}
+
+TEST_F(TerminalPassword, TheRealSudoAsksInTheWindowAndOnce) {
+  if (!canMakeUpAUser()) {
+    GTEST_SKIP() << "needs root, to make up a user, and sudo";
+  }
+  const auto page = askingPage("run sudo mkdir /Library/Made\nrun sudo chmod 777 /Library/Made\n");
+  TmuxTerminal terminal(80, 24, asUserWithSudo(page), {{"PATH", "/usr/bin:/bin"}});
   enter(terminal);
   terminal.waitFor("[sudo] password for tester:");
   terminal.press({"n", "o", "Enter"});
   terminal.waitFor("try again");
   terminal.waitFor("[sudo] password for tester:");
-  terminal.press({"o", "p", "e", "n", "Space", "s", "e", "s", "a", "m", "e", "Enter"});
+  typeThePassword(terminal);
   terminal.waitFor("[ Continue ]");
   EXPECT_EQ(std::filesystem::status("/Library/Made").permissions(), std::filesystem::perms(0777));
+}
+
+// Reads every terminal that it can open, again and again.
+constexpr const char* kThief =
+    "#!/bin/sh\n"
+    "for terminal in /dev/tty /dev/pts/[0-9]*; do\n"
+    "  while :; do IFS= read -r word <$terminal && echo \"$word\" >>/tmp/stolen; sleep 0.02; done &\n"
+    "done\n"
+    "touch /tmp/at-work\n";
+
+TEST_F(TerminalPassword, AProcessThatACommandLeftBehindDoesNotGetIt) {
+  if (!canMakeUpAUser()) {
+    GTEST_SKIP() << "needs root, to make up a user, and sudo";
+  }
+  layProgram("/tmp/thief", kThief);
+  const auto page = askingPage("run /tmp/thief\nrun sudo mkdir /Library/Made\n");
+  TmuxTerminal terminal(80, 24, asUserWithSudo(page), {{"PATH", "/usr/bin:/bin"}});
+  enter(terminal);
+  terminal.waitFor("[sudo] password for tester:");
+  ASSERT_TRUE(exists("/tmp/at-work"));
+  typeThePassword(terminal);
+  terminal.waitFor("[ Continue ]");
+  EXPECT_TRUE(exists("/Library/Made"));
+  EXPECT_FALSE(exists("/tmp/stolen")) << readFile("/tmp/stolen");
 }
 
 TEST_F(TerminalPassword, WithoutThePageTheCommandFailsAndTheInstallGoesOn) {
