@@ -19,7 +19,7 @@ struct RehearsalRequest {
   std::filesystem::path keep;
   std::filesystem::path report;
   bool allowsOutside = false;  // the set may refer to what is not in its folder
-  int late = 0;  // how often each disc is first reported missing
+  int late = 0;                // how often each disc is first reported missing
 };
 
 // What a frontend shows of a rehearsal besides the engine's events.

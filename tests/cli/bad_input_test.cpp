@@ -236,8 +236,9 @@ TEST_P(LostOutput, IsNoConcernWhereThereIsNoInput) {
 
 INSTANTIATE_TEST_SUITE_P(Each, LostOutput,
                          testing::Values("--help", "--version", "run --help", "check --help", "rehearse --help",
-                                         "log --help", "check /Users/tester/good", "check /Users/tester/good --format json",
-                                         "log /tmp/log", "log /tmp/log --format json"),
+                                         "log --help", "check /Users/tester/good",
+                                         "check /Users/tester/good --format json", "log /tmp/log",
+                                         "log /tmp/log --format json"),
                          [](const auto& tested) { return "case" + std::to_string(tested.index); });
 
 }  // namespace

@@ -111,9 +111,9 @@ TEST(Languages, DefaultToEnglish) {
 // The page says that its folder is missing; the program says where the log is.
 Outcome withoutFolder(const ChildProgram::Environment& environment) {
   writeFile("/Users/tester/set/Installer.pkg", "");
-  return runThrough(
-      {kTavinstall, "run", "--ui", "plain", "--without-attributes", "--package", "/Users/tester/set/Installer.pkg"},
-      environment);
+  return runThrough({kTavinstall, "run", "--ui", "plain", "--without-attributes", "--package",
+                     "/Users/tester/set/Installer.pkg"},
+                    environment);
 }
 
 TEST(Languages, AreTheSameForThePageAndTheProgram) {

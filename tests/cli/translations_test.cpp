@@ -133,7 +133,8 @@ const Printed kPrinted[] = {
      "de",
      [] {
        writeFile("/Users/tester/set/Installer.pkg", "");
-       writeFile("/Users/tester/set/.InstallationAttributes.dat", "Mode = DataUpdater\nRelativePath = Nowhere\n");
+       writeFile("/Users/tester/set/.InstallationAttributes.dat",
+                 "Mode = DataUpdater\nRelativePath = Nowhere\n");
      },
      {"run", "--ui", "quiet", "--package", "/Users/tester/set/Installer.pkg", "--summary", "/dev/full"},
      1,
@@ -230,8 +231,10 @@ const Refused kRefused[] = {
     {"FolderThatOthersCanWrite",
      {"run", "--ui", "plain", "--package", "/Users/tester/open/Installer.pkg"},
      "other users can change /Users/tester/open and thereby what is installed; use --trusted to install anyway",
-     "andere Benutzer können /Users/tester/open ändern und damit, was installiert wird; --trusted installiert trotzdem",
-     "他のユーザーが /Users/tester/open を変更でき、インストールされるものも変わります。--trusted を付ければインスト"
+     "andere Benutzer können /Users/tester/open ändern und damit, was installiert wird; --trusted installiert "
+     "trotzdem",
+     "他のユーザーが /Users/tester/open を変更でき、インストールされるものも変わります。--trusted "
+     "を付ければインスト"
      "ールします"},
 };
 

@@ -42,7 +42,8 @@ void expectItRuns(const std::string& prefix) {
   EXPECT_EQ(runThrough({program, "check", "/Users/tester/set", "--product", "Tessaphon"}).status, 0);
 
   makeFolder("/Users/tester/Library/Application Support/Tavenhall/TANVO");
-  const Outcome run = runThrough({program, "run", "--ui", "plain", "--package", "/Users/tester/set/Installer.pkg"});
+  const Outcome run =
+      runThrough({program, "run", "--ui", "plain", "--package", "/Users/tester/set/Installer.pkg"});
   EXPECT_EQ(run.status, 0) << run.output << run.error;
   EXPECT_THAT(run.output, HasSubstr("Packed\n"));
   EXPECT_EQ(readFile("/Users/tester/Library/Application Support/Tavenhall/TANVO/a.db"), "data");

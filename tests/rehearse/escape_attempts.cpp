@@ -139,7 +139,7 @@ bool readsSessionKeyring() {
   return syscall(SYS_keyctl, KEYCTL_DESCRIBE, KEY_SPEC_SESSION_KEYRING, text.data(), text.size(), 0) > 0;
 }
 
-// A terminal of its own, which a session leader gets by opening it; the user's would be typed into alike.
+// Its own terminal, which a process gets by opening one after setsid(). The same call types into the user's.
 bool typesIntoTerminal() {
   return inChild([] {
     const int screen = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
