@@ -10,6 +10,7 @@
 #include <cstring>
 #include <memory>
 #include <optional>
+#include <sys/stat.h>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -55,6 +56,16 @@ Fate fateOf(const FileFate& file, const fs::path& destination, const std::functi
     return Fate::missing;
   }
   return haveSameContents(file.sourceOutside, destination, goOn) ? Fate::same : Fate::differs;
+}
+
+void compareModes(const fs::path& destination, FileFate& file) {
+  struct stat source {};
+  struct stat installed {};
+  if (stat(file.sourceOutside.c_str(), &source) != 0 || stat(destination.c_str(), &installed) != 0) {
+    return;
+  }
+  file.losesSetId = (source.st_mode & ~installed.st_mode & (S_ISUID | S_ISGID)) != 0;
+  file.losesPrivacy = (source.st_mode & 077) == 0 && (installed.st_mode & 077) != 0;
 }
 
 }  // namespace
@@ -122,6 +133,7 @@ std::vector<FileFate> compareFiles(const std::vector<CopiedFolder>& folders,
     const bool isLast = lastFor[destinations[i].string()] == i;
     if (isLast) {
       files[i].fate = fateOf(files[i], destinations[i], goOn);
+      compareModes(destinations[i], files[i]);
     } else {
       const bool isSame = haveSameContents(files[i].sourceOutside, destinations[i], goOn);
       files[i].fate = isSame ? Fate::replaced : Fate::overwritten;

@@ -40,6 +40,8 @@ struct FileFate {
   std::int64_t bytes = 0;
   int copy = 0;
   Fate fate = Fate::same;
+  bool losesSetId = false;    // the source has a setuid or setgid bit that the installed file does not have
+  bool losesPrivacy = false;  // only the owner may read the source, and others may read the installed file
 };
 
 // Compares the contents of each copied file with its source, in the order of the copies, in constant memory.

@@ -2,12 +2,14 @@
 
 #include "context/install_rules.h"
 #include "host/log/log_records.h"
+#include "platform/installer_pane.h"
 
 #include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <map>
 #include <memory>
+#include <unordered_set>
 
 namespace tavenhall {
 
@@ -197,6 +199,43 @@ class LeftFiles {
   std::vector<fs::path> fullEdition_;
 };
 
+void collectGoneFiles(const CheckedSet& checked, RehearsalFindings& findings) {
+  const auto collect = [&findings](const SourceTree& tree, const fs::path& folder, const auto& shown) {
+    for (const TreeEntry& entry : tree.entries()) {
+      std::error_code error;
+      if (!entry.isHidden &&
+          fs::symlink_status(folder / entry.path, error).type() == fs::file_type::not_found) {
+        findings.goneFiles.push_back(shown(entry.path));
+      }
+    }
+  };
+  for (const CheckedVolume& volume : checked.volumes) {
+    if (!volume.folder.empty()) {
+      collect(volume.tree, volume.folder, [&volume](const std::string& path) { return volume.shown(path); });
+    }
+  }
+  for (const CheckedFolder& folder : checked.systemFolders) {
+    collect(folder.tree, folder.folder.source,
+            [&folder](const std::string& path) { return folder.shownRoot + "/" + path; });
+  }
+}
+
+// What a command of the set has made, for one.
+void collectExtraFiles(const Stage& stage, RehearsalFindings& findings) {
+  std::unordered_set<std::string> explained{stage.log().string(), stage.outside(kLocationFile, {}, 0).string(),
+                                            stage.outside(kInstallTypeFile, {}, 0).string()};
+  for (const FileFate& file : findings.files) {
+    explained.insert(stage.outside(file.destination, {}, 0).lexically_normal().string());
+  }
+  const std::string discs = stage.volumes().string() + "/";  // links, as the discs are inserted
+  for (const std::string& file : filesBelow(stage.root())) {
+    if (!explained.contains(file) && !stage.filesBefore().contains(file) && !file.starts_with(discs)) {
+      findings.extraFiles.push_back(findings.insidePath(file));
+    }
+  }
+  std::sort(findings.extraFiles.begin(), findings.extraFiles.end());
+}
+
 void collectUnusedDiscs(const Stage& stage, RehearsalFindings& findings) {
   if (findings.plan.editions.isOffered && findings.plan.editions.allAreLite) {
     return;  // a Lite edition needs its first component alone
@@ -229,6 +268,8 @@ RehearsalFindings gatherFindings(const Stage& stage, const CheckedSet& checked, 
   sumUp(folders, findings);
   LeftFiles(stage, checked, findings).collectAll();
   collectUnusedDiscs(stage, findings);
+  collectGoneFiles(checked, findings);
+  collectExtraFiles(stage, findings);
   return findings;
 }
 

@@ -49,6 +49,8 @@ struct RehearsalFindings {
   std::vector<FileFate> files;
   std::vector<LeftFile> leftFiles;
   std::vector<std::string> unusedDiscs;  // mandatory discs that the page never asked for
+  std::vector<std::string> goneFiles;    // of the set's data, that were there before; below the set's folder
+  std::vector<std::string> extraFiles;   // in the sandbox, that no copy and no step of the host explains
 
   // A path in the sandbox, as the page sees it.
   [[nodiscard]] std::string insidePath(const std::string& path) const;

@@ -114,7 +114,9 @@ ordered_json reportJson(const RehearsalFindings& findings) {
           {"notInstalled", leftFilesJson(findings)},
           {"unusedDiscs", findings.unusedDiscs},
           {"logFile", findings.log.empty() ? ordered_json() : ordered_json(findings.log)},
-          {"log", findings.logText}};
+          {"log", findings.logText},
+          {"gone", findings.goneFiles},
+          {"extra", findings.extraFiles}};
 }
 
 }  // namespace tavenhall

@@ -98,6 +98,41 @@ void judgeFiles(const RehearsalFindings& findings, Verdict& verdict) {
   }
 }
 
+// `one` and `many` have the number, and {1} for the first path.
+void diagnosticForModes(const RehearsalFindings& findings, bool FileFate::*isLost, const char* one,
+                        const char* many, Verdict& verdict) {
+  std::int64_t count = 0;
+  const FileFate* first = nullptr;
+  for (const FileFate& file : findings.files) {
+    count += file.*isLost ? 1 : 0;
+    first = file.*isLost && first == nullptr ? &file : first;
+  }
+  if (first != nullptr) {
+    verdict.diagnostics.push_back(plural(one, many, count, {first->source}));
+  }
+}
+
+void judgeChanges(const RehearsalFindings& findings, Verdict& verdict) {
+  for (const std::string& file : findings.goneFiles) {
+    verdict.failures.push_back(format(_("disappeared from the set during the rehearsal: {0}"), {file}));
+  }
+  for (const std::string& file : findings.extraFiles) {
+    verdict.diagnostics.push_back(
+        format(_("the installation left a file that is not in the set: {0}"), {file}));
+  }
+  diagnosticForModes(
+      findings, &FileFate::losesSetId,
+      "{0} file loses its setuid or setgid bit, since the copy keeps no permissions: {1}",
+      "{0} files lose their setuid or setgid bits, since the copy keeps no permissions: {1} and others",
+      verdict);
+  diagnosticForModes(
+      findings, &FileFate::losesPrivacy,
+      "{0} file that only its owner may read can be read by others after the installation: {1}",
+      "{0} files that only their owner may read can be read by others after the installation: {1} and "
+      "others",
+      verdict);
+}
+
 void judgeSizes(const RehearsalFindings& findings, Verdict& verdict) {
   const RealSizes& real = findings.realSizes;
   const AnnouncedSize& announced = findings.plan.announced;
@@ -132,6 +167,7 @@ Verdict judge(const RehearsalFindings& findings) {
   judgeRun(findings, verdict);
   judgeFiles(findings, verdict);
   judgeAudit(findings, verdict);
+  judgeChanges(findings, verdict);
   judgeSizes(findings, verdict);
   return verdict;
 }

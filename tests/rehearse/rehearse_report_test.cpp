@@ -118,7 +118,9 @@ TEST(RehearseReport, AsJsonHasEveryField) {
       {"path": "Second/TANVO/Tessaphon/readme.txt", "data": true, "fullEditionOnly": true}
     ],
     "unusedDiscs": [],
-    "logFile": null
+    "logFile": null,
+    "gone": [],
+    "extra": []
   })"));
 }
 

@@ -70,7 +70,8 @@ TEST(Rehearse, ADiscWithoutADataFolderFailsAndIsNotCalledMissing) {
               ElementsAre("Tavenhall Bassoria: inserted", "Tavenhall Bassoria: not accepted"));
 }
 
-TEST(Rehearse, AByteThatChangesInTheSourceMeanwhileIsFound) {
+// Rehearses the download set, and changes something in it when everything is copied. Returns the exit status.
+int rehearseWhile(const std::function<void()>& change) {
   makeDownloadSet();
   ChildProgram program(rehearseCommand({"--ui", "json"}));
   program.write("{\"do\":\"enter\"}\n{\"do\":\"wait\"}\n");
@@ -79,9 +80,24 @@ TEST(Rehearse, AByteThatChangesInTheSourceMeanwhileIsFound) {
       break;
     }
   }
-  writeFile(inSet("TANVO/Tessaphon/one.db"), "onf");
+  change();
   program.write("{\"do\":\"forward\"}\n{\"do\":\"quit\"}\n");
-  EXPECT_EQ(program.waitForEnd(), 1);
+  return program.waitForEnd();
+}
+
+TEST(Rehearse, AFileThatDisappearsFromTheSourceMeanwhileIsAFailure) {
+  EXPECT_EQ(rehearseWhile([] {
+              writeFile(inSet("TANVO/Tessaphon/late.db"), "new");
+              std::filesystem::remove(inSet("TANVO/Tessaphon/one.db"));
+            }),
+            1);
+  EXPECT_EQ(report()["gone"], nlohmann::json({"TANVO/Tessaphon/one.db"}));
+  EXPECT_THAT(report()["failures"],
+              testing::Contains("disappeared from the set during the rehearsal: TANVO/Tessaphon/one.db"));
+}
+
+TEST(Rehearse, AByteThatChangesInTheSourceMeanwhileIsFound) {
+  EXPECT_EQ(rehearseWhile([] { writeFile(inSet("TANVO/Tessaphon/one.db"), "onf"); }), 1);
   EXPECT_THAT(
       report()["failures"],
       ElementsAre("content differs: /Users/rehearsal/Downloads/Installer/Package/../TANVO/Tessaphon/one.db"));
@@ -166,6 +182,34 @@ TEST(Rehearse, AFolderThatCannotBeListedFails) {
   const Outcome outcome = runThrough(asOrdinaryUser(rehearseCommand({"--ui", "quiet"})));
   EXPECT_EQ(outcome.status, 1) << outcome.error;
   EXPECT_THAT(outcome.output, HasSubstr("FAILED: Cannot be listed: "));
+}
+
+TEST(Rehearse, AFileThatACommandOfTheSetMadeIsAWarning) {
+  makeUpdateSet();
+  writeFile(inSet("Applications/$(cd;touch made).app/Contents/program"), "program");
+  const Outcome outcome = rehearse();
+  EXPECT_EQ(outcome.status, 3) << outcome.output << outcome.error;
+  EXPECT_THAT(
+      outcome.output,
+      HasSubstr("warning: the installation left a file that is not in the set: /Users/rehearsal/made\n"));
+  EXPECT_EQ(report()["extra"], nlohmann::json({"/Users/rehearsal/made"}));
+}
+
+TEST(Rehearse, WarnsOfLostModes) {
+  makeDownloadSet();
+  writeFile(inSet("TANVO/Tessaphon/private.db"), "private");
+  writeFile(inSet("TANVO/Tessaphon/program"), "program");
+  ASSERT_EQ(chmod(inSet("TANVO/Tessaphon/private.db").c_str(), 0600), 0);
+  ASSERT_EQ(chmod(inSet("TANVO/Tessaphon/program").c_str(), 04755), 0);
+  const Outcome outcome = rehearse();
+  EXPECT_EQ(outcome.status, 3) << outcome.output << outcome.error;
+  EXPECT_THAT(outcome.output,
+              HasSubstr("warning: 1 file loses its setuid or setgid bit, since the copy keeps no "
+                        "permissions: /Users/rehearsal/Downloads/Installer/Package/../TANVO/"
+                        "Tessaphon/program\n"));
+  EXPECT_THAT(outcome.output,
+              HasSubstr("warning: 1 file that only its owner may read can be read by others after "
+                        "the installation: "));
 }
 
 TEST(Rehearse, ALaterDiscsOtherFileIsAWarning) {
