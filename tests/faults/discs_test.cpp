@@ -205,6 +205,63 @@ INSTANTIATE_TEST_SUITE_P(UpToFive, DiscsInAnyOrder, testing::ValuesIn(everyFirst
          "First";
 });
 
+// The discs of the other products have one name, so the page takes each for the one that it asks for. Whatever
+// the order, each is copied once, if each is inserted once and leaves the drive when it is ejected.
+struct ProductAndCount {
+  const char* product;
+  const char* drive;
+  int count;
+};
+
+class DiscsOfOneName : public testing::TestWithParam<ProductAndCount> {};
+
+TEST_P(DiscsOfOneName, AreAllCopiedInAnyOrder) {
+  const auto [product, drive, count] = GetParam();
+  layPackageForVolumes(count);
+  std::vector<std::vector<Entry>> contents;
+  std::vector<int> order;
+  for (int number = 0; number < count; ++number) {
+    contents.push_back({file("DOVA/disc-" + std::to_string(number) + ".db", 500)});
+    order.push_back(number);
+  }
+  do {
+    fs::remove_all("/Volumes");
+    fs::remove_all(kDova);
+    fs::create_directory("/Volumes");
+    makeFolder(kDova);
+    std::size_t next = 0;
+    const GatedRun run = install({"--product", product}, [&](const FileCall& call) {
+      if (call.kind == CallKind::startCommand) {
+        fs::remove_all(drive);  // the only command ejects
+      } else if (call.kind == CallKind::stat && call.path == drive && !exists(drive) && next < order.size()) {
+        layTree(drive, contents[static_cast<std::size_t>(order[next++])]);
+      }
+      return kPass;
+    });
+    ASSERT_EQ(run.status, 0) << run.output << run.error;
+    for (const std::vector<Entry>& entries : contents) {
+      expectInstalled(entries, "DOVA", kDova);
+    }
+    ASSERT_FALSE(HasFailure()) << testing::PrintToString(order) << "\n" << run.output;
+  } while (std::next_permutation(order.begin(), order.end()));
+}
+
+// 32 orders of each.
+std::vector<ProductAndCount> everyProductAndCount() {
+  std::vector<ProductAndCount> every;
+  for (int count = 2; count <= 4; ++count) {
+    every.push_back({"Lumaweave", "/Volumes/Tavenhall Lumaweave", count});
+    every.push_back({"Bassoria", "/Volumes/Tavenhall Bassoria", count});
+    every.push_back({"TemporaQX", "/Volumes/Tavenhall Tempora QX", count});
+  }
+  return every;
+}
+
+INSTANTIATE_TEST_SUITE_P(UpToFour, DiscsOfOneName, testing::ValuesIn(everyProductAndCount()),
+                         [](const auto& instance) {
+                           return instance.param.product + std::to_string(instance.param.count);
+                         });
+
 // ---- Discs that go bad while they are read ----
 
 class FailingDisc : public testing::Test {

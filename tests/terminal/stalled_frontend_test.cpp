@@ -6,12 +6,16 @@
 #include "tests/terminal/tmux_terminal.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <csignal>
+#include <fcntl.h>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <string>
+#include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace tavenhall::test {
@@ -112,6 +116,46 @@ TEST(StalledFrontend, AProgramThatReadsNothingStopsNoInstallAndGetsEverySheet) {
             50000);
   EXPECT_THAT(lines.back(), HasSubstr(R"("event":"summary")"));
   EXPECT_EQ(program.waitForEnd(), 0);
+}
+
+// A standard output that does not block is one that another program has set so; it must not lose a line.
+TEST(StalledFrontend, AnOutputThatDoesNotBlockGetsEverySheet) {
+  const std::vector<std::string> command = installWith("json");
+  int ends[2];
+  ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
+  ASSERT_EQ(fcntl(ends[1], F_SETFL, O_NONBLOCK), 0);
+  writeFile("/tmp/requests", "{\"do\":\"enter\"}\n{\"do\":\"wait\"}\n{\"do\":\"forward\"}\n");
+  const pid_t program = fork();
+  ASSERT_GE(program, 0);
+  if (program == 0) {
+    dup2(open("/tmp/requests", O_RDONLY | O_CLOEXEC), STDIN_FILENO);
+    dup2(ends[1], STDOUT_FILENO);
+    std::vector<char*> arguments;
+    for (const std::string& word : command) {
+      arguments.push_back(const_cast<char*>(word.c_str()));
+    }
+    arguments.push_back(nullptr);
+    execv(arguments[0], arguments.data());
+    _exit(127);
+  }
+  close(ends[1]);
+  let("go");
+  EXPECT_TRUE(comesTrue([] { return exists("/tmp/finished"); }));
+  std::string text;
+  std::array<char, 65536> piece;
+  for (ssize_t count = 0; (count = read(ends[0], piece.data(), piece.size())) > 0;) {
+    text.append(piece.data(), static_cast<std::size_t>(count));
+  }
+  int status = 0;
+  waitpid(program, &status, 0);
+  EXPECT_EQ(status, 0);
+  std::size_t sheets = 0;
+  for (std::size_t at = 0; (at = text.find("{\"event\":\"sheet\"", at)) != std::string::npos; ++at) {
+    ++sheets;
+  }
+  EXPECT_EQ(sheets, 50000U);
+  EXPECT_NE(text.find("{\"event\":\"summary\""), std::string::npos);
+  EXPECT_TRUE(text.ends_with("}\n"));
 }
 
 }  // namespace
