@@ -27,7 +27,7 @@ struct ExitMeaning {
 
 // The help prints these; the manual repeats them.
 inline constexpr ExitMeaning kExitMeanings[] = {
-    {"run", ExitStatus::success, N_("installed, with nothing missing")},
+    {"run", ExitStatus::success, N_("every file was installed; with --ui json: the requests were served")},
     {"run", ExitStatus::failure, N_("the installation failed, for one file at least, or was stopped")},
     {"run", ExitStatus::badUsage, N_("invalid argument; nothing was installed")},
     {"run", ExitStatus::noAnswer, N_("a prompt needed an answer, but standard input was closed")},
