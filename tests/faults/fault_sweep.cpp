@@ -24,7 +24,7 @@
 #include <unistd.h>
 
 // Every call that the page makes on its files during a small install goes wrong once, in every way that it can,
-// alone and together with all that follow it.
+// alone and together with all that follow it; and during a large one, one call of each kind by chance.
 //   fault_sweep                    everything
 //   fault_sweep --part 10 --seed 7 a tenth of it, the same for the same seed
 //   fault_sweep --only discs:open  one scenario, or one kind of call in it
@@ -147,6 +147,20 @@ std::vector<Fault> faultsOf(const KindOfFault& kind, int calls) {
   return faults;
 }
 
+// One call in each way.
+std::vector<Fault> sampleOf(const KindOfFault& kind, int calls, std::mt19937& random) {
+  std::vector<Fault> faults;
+  for (const Verdict& verdict : kind.verdicts) {
+    for (const bool isLasting : {false, true}) {
+      if (!isLasting || verdict.kind != Verdict::Kind::kill) {
+        faults.push_back(
+            {kind.kind, verdict, 1 + static_cast<int>(random() % static_cast<unsigned>(calls)), isLasting});
+      }
+    }
+  }
+  return faults;
+}
+
 std::vector<PlannedCase> planCases(const Options& options, Tallies& tallies) {
   std::vector<PlannedCase> cases;
   std::mt19937 random(options.seed);
@@ -160,7 +174,9 @@ std::vector<PlannedCase> planCases(const Options& options, Tallies& tallies) {
         continue;
       }
       tallies[{scenario.name, kind.name}].calls = counts[i];
-      for (const Fault& fault : faultsOf(kind, counts[i])) {
+      const std::vector<Fault> faults =
+          scenario.isSampled ? sampleOf(kind, counts[i], random) : faultsOf(kind, counts[i]);
+      for (const Fault& fault : faults) {
         if (random() % static_cast<unsigned>(options.part) == 0) {
           cases.push_back({&scenario, undisturbed, &kind, fault});
         }

@@ -102,6 +102,24 @@ std::vector<InstalledFile> layProductUpdate() {
   return layer.takeFiles();
 }
 
+// Far more failures than a screen, a pipe or a list of the first ones holds.
+std::vector<InstalledFile> layLargeSet() {
+  constexpr int kFolders = 20;
+  constexpr int kFilesEach = 100;
+  Layer layer;
+  const std::string set = kSet;
+  std::vector<Entry> entries{textFile(".InstallationAttributes.dat",
+                                      "Mode = FullDownload\nRelativePath = .\nTotalSizeMillionsBytes = 1\n"),
+                             textFile("Installer.pkg", "")};
+  for (int i = 0; i < kFolders * kFilesEach; ++i) {
+    const std::string folder = "TANVO/Folder " + std::to_string(i / kFilesEach);
+    entries.push_back(file(folder + "/" + std::to_string(i) + ".db", static_cast<std::size_t>(i % 500)));
+  }
+  layTree(kTanvo, {});
+  layer.lay(set, entries, {{set + "/TANVO", kTanvo}});
+  return layer.takeFiles();
+}
+
 std::vector<std::string> installing(const std::vector<std::string>& more) {
   std::vector<std::string> arguments{"run", "--ui", "plain", "--package", kPackage};
   arguments.insert(arguments.end(), more.begin(), more.end());
@@ -112,25 +130,29 @@ std::vector<std::string> installing(const std::vector<std::string>& more) {
 
 std::span<const SweepScenario> sweepScenarios() {
   const std::string set = kSet;
-  static const std::array<SweepScenario, 3> kScenarios{{
+  static const std::array<SweepScenario, 4> kScenarios{{
       {"discs",
        installing({}),
        "1\n1\n1\n",
        {std::string(kDiscA) + "/TANVO", std::string(kDiscB) + "/Mac OSX/TANVO"},
        true,
+       false,
        layDiscs},
       {"update",
        installing({"--install-type", "Full"}),
        "",
        {set + "/Lite Part/TANVO", set + "/Full Part/TANVO"},
        true,
+       false,
        layUpdate},
       {"product",
        installing({}),
        "1\n1\n1\n",
        {set + "/Library", set + "/Applications", set + "/TANVO", set + "/Full/TANVO/Tessaphon", set + "/DOVA"},
        false,
+       false,
        layProductUpdate},
+      {"large", installing({}), "", {set + "/TANVO"}, true, true, layLargeSet},
   }};
   return kScenarios;
 }

@@ -19,6 +19,7 @@ struct SweepScenario {
   std::string input;                   // the answers to its questions, enough for all
   std::vector<std::string> sources;    // the folders that are copied
   bool sweepsLog;                      // whether calls on the log are disturbed, too
+  bool isSampled;  // of each kind of call only one is disturbed in each way, chosen by chance
 
   // Lays the sources and what the user has already into an empty private root; what has to be installed
   // afterwards. Once a process.
