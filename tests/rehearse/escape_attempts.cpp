@@ -214,5 +214,5 @@ int main() {
     }
     std::fflush(stdout);
   }
-  return 0;
+  _exit(0);  // without a leak check, which would trace this process
 }
