@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <functional>
 #include <grp.h>
 #include <iterator>
 #include <pwd.h>
@@ -51,48 +50,35 @@ bool othersCanWrite(const fs::path& path) {
   return ((found.st_mode & S_IWOTH) != 0 || groupCanWrite) && !isReadOnly(path);
 }
 
-// Goes the way that the system goes to a path, and passes each folder on it, until `isFound` returns true. A
-// link is no more to be trusted than the folder that it is in.
-bool anyFolderOnTheWay(const fs::path& path, const std::function<bool(const fs::path&)>& isFound) {
-  constexpr int kMostLinks = 40;  // the system's own limit
-  int links = 0;
-  std::vector<fs::path> ahead(path.begin(), path.end());
-  std::reverse(ahead.begin(), ahead.end());
-  fs::path at;
-  while (!ahead.empty()) {
-    const fs::path next =
-        at / ahead.back();  // an absolute link begins with "/", which replaces what was before
-    ahead.pop_back();
-    std::error_code error;
-    if (fs::is_symlink(next, error)) {
-      if (++links > kMostLinks) {
-        return false;
-      }
-      const fs::path target = fs::read_symlink(next, error);
-      ahead.insert(ahead.end(), std::make_reverse_iterator(target.end()),
-                   std::make_reverse_iterator(target.begin()));
-      continue;
-    }
-    at = next;
-    if (fs::is_directory(at, error) && isFound(at)) {
-      return true;
-    }
-  }
-  return false;
-}
-
 std::string changeableText(const fs::path& path) {
   return format(_("other users can change {0} and thereby what is installed"),
                 {path.lexically_normal().string()});
 }
 
+// Goes the way that the system goes to a path, to the first place on it that others can write, the path itself
+// included. A link is no more to be trusted than the folder that it is in.
 std::string wayChangeableByOthers(const fs::path& path) {
-  std::string text;
-  static_cast<void>(anyFolderOnTheWay(fs::absolute(path), [&text](const fs::path& folder) {
-    text = othersCanWrite(folder) ? changeableText(folder) : "";
-    return !text.empty();
-  }));
-  return text;
+  constexpr int kMostLinks = 40;  // the system's own limit
+  int links = 0;
+  const fs::path whole = fs::absolute(path);
+  std::vector<fs::path> ahead(whole.begin(), whole.end());
+  std::reverse(ahead.begin(), ahead.end());
+  fs::path at;
+  while (!ahead.empty() && links <= kMostLinks) {
+    // An absolute link begins with "/", which replaces what was before.
+    const fs::path next = at / ahead.back();
+    ahead.pop_back();
+    std::error_code error;
+    if (fs::is_symlink(next, error)) {
+      ++links;
+      const fs::path target = fs::read_symlink(next, error);
+      ahead.insert(ahead.end(), std::make_reverse_iterator(target.end()),
+                   std::make_reverse_iterator(target.begin()));
+    } else if (at = next; othersCanWrite(at)) {
+      return changeableText(at);
+    }
+  }
+  return "";
 }
 
 std::string attributesFileOfOthers(const fs::path& file) {
@@ -101,10 +87,7 @@ std::string attributesFileOfOthers(const fs::path& file) {
     return "";
   }
   if (std::string text = wayChangeableByOthers(file); !text.empty()) {
-    return text;  // it may be a link
-  }
-  if (othersCanWrite(file)) {
-    return changeableText(file);
+    return text;
   }
   return found.st_uid == geteuid() || found.st_uid == 0 || isReadOnly(file)
              ? ""

@@ -222,18 +222,20 @@ void collectGoneFiles(const CheckedSet& checked, RehearsalFindings& findings) {
 
 // What a command of the set has made, for one.
 void collectExtraFiles(const Stage& stage, RehearsalFindings& findings) {
-  std::unordered_set<std::string> explained{stage.log().string(), stage.outside(kLocationFile, {}, 0).string(),
-                                            stage.outside(kInstallTypeFile, {}, 0).string()};
+  std::unordered_set<std::string> explained{findings.insidePath(stage.log().string()), kLocationFile,
+                                            kInstallTypeFile};
   for (const FileFate& file : findings.files) {
-    explained.insert(stage.outside(file.destination, {}, 0).lexically_normal().string());
+    explained.insert(fs::path(file.destination).lexically_normal().string());
   }
-  const std::string discs = stage.volumes().string() + "/";  // links, as the discs are inserted
-  for (const std::string& file : filesBelow(stage.root())) {
-    if (!explained.contains(file) && !stage.filesBefore().contains(file) && !file.starts_with(discs)) {
-      findings.extraFiles.push_back(findings.insidePath(file));
+  const SourceTree after = SourceTree::ofFolder(stage.root());
+  for (const TreeEntry& entry : after.entries()) {
+    const std::string path = "/" + entry.path;
+    const bool isDisc = path.starts_with("/Volumes/");  // a link to it, while it is inserted
+    if (entry.kind != EntryKind::folder && !isDisc && !explained.contains(path) &&
+        stage.before().find(entry.path) == nullptr) {
+      findings.extraFiles.push_back(path);
     }
   }
-  std::sort(findings.extraFiles.begin(), findings.extraFiles.end());
 }
 
 void collectUnusedDiscs(const Stage& stage, RehearsalFindings& findings) {

@@ -47,20 +47,6 @@ void copyFolder(const fs::path& from, const fs::path& to, const StopRequest& sto
 
 }  // namespace
 
-std::vector<std::string> filesBelow(const fs::path& folder) {
-  std::vector<std::string> files;
-  std::error_code error;
-  for (fs::recursive_directory_iterator entry(folder, fs::directory_options::skip_permission_denied, error),
-       end;
-       !error && entry != end; entry.increment(error)) {
-    std::error_code unknown;
-    if (entry->is_symlink(unknown) || !entry->is_directory(unknown)) {
-      files.push_back(entry->path().string());
-    }
-  }
-  return files;
-}
-
 Stage::Stage(const InstallerSet& set, const Product& product, const fs::path& root, const fs::path& workFolder,
              const fs::path& installed, const StopRequest& stop)
     : set_(set), sandbox_(root), product_(product) {
@@ -74,8 +60,7 @@ Stage::Stage(const InstallerSet& set, const Product& product, const fs::path& ro
   layDiscs(workFolder, stop);
   sandbox_.probe();
   layInstalled(installed, stop);
-  const std::vector<std::string> files = filesBelow(sandbox_.root());
-  filesBefore_.insert(files.begin(), files.end());
+  before_ = SourceTree::ofFolder(sandbox_.root());
 }
 
 void Stage::layDiscs(const fs::path& workFolder, const StopRequest& stop) {

@@ -4,19 +4,15 @@
 #include "host/rehearse/sandbox.h"
 #include "host/set/install_plan.h"
 #include "host/set/installer_set.h"
+#include "host/set/source_tree.h"
 
 #include <filesystem>
 #include <map>
 #include <memory>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 namespace tavenhall {
-
-// The real paths of all files below `folder`, links among them, but of no folder. What cannot be listed is left
-// out.
-[[nodiscard]] std::vector<std::string> filesBelow(const std::filesystem::path& folder);
 
 // A set in a sandbox: the package's folder in the user's Downloads, the discs outside the drive, and the user's
 // installed files in the home.
@@ -42,8 +38,8 @@ class Stage {
   [[nodiscard]] std::filesystem::path log() const;
   [[nodiscard]] const std::vector<DiscTray::Disc>& discs() const { return discs_; }
 
-  // The files that were in the sandbox before the page ran, by their real paths.
-  [[nodiscard]] const std::unordered_set<std::string>& filesBefore() const { return filesBefore_; }
+  // The content of the sandbox before the page ran.
+  [[nodiscard]] const SourceTree& before() const { return before_; }
 
   // The set with its discs as folders, images too.
   [[nodiscard]] const InstallerSet& set() const { return set_; }
@@ -62,7 +58,7 @@ class Stage {
   std::vector<DiscTray::Disc> discs_;
   std::map<int, std::filesystem::path> namesInSet_;  // by the disc's number
   std::vector<std::unique_ptr<ImageMount>> images_;
-  std::unordered_set<std::string> filesBefore_;
+  SourceTree before_;
 };
 
 }  // namespace tavenhall

@@ -12,19 +12,21 @@ namespace fs = std::filesystem;
 
 namespace {
 
+bool isAtOrBelow(const fs::path& path, const fs::path& folder) {
+  return std::mismatch(folder.begin(), folder.end(), path.begin(), path.end()).first == folder.end();
+}
+
 // Follows links. What cannot be followed, as a link to itself, leads nowhere.
 bool isWithin(const fs::path& path, const fs::path& folder) {
   std::error_code error;
   const fs::path real = fs::weakly_canonical(path, error);
-  return error || std::mismatch(folder.begin(), folder.end(), real.begin(), real.end()).first == folder.end();
+  return error || isAtOrBelow(real, folder);
 }
 
 // A disc is a volume of its own: on it a link to the rest of the set leads nowhere.
 fs::path boundaryOf(const InstallerSet& set, const fs::path& entry) {
   for (const Disc& disc : set.discs) {
-    if (entry != disc.path &&
-        std::mismatch(disc.path.begin(), disc.path.end(), entry.begin(), entry.end()).first ==
-            disc.path.end()) {
+    if (entry != disc.path && isAtOrBelow(entry, disc.path)) {
       return disc.path;
     }
   }
