@@ -216,7 +216,8 @@ struct ProductAndCount {
 class DiscsOfOneName : public testing::TestWithParam<ProductAndCount> {};
 
 TEST_P(DiscsOfOneName, AreAllCopiedInAnyOrder) {
-  const auto [product, drive, count] = GetParam();
+  const char* const drive = GetParam().drive;
+  const int count = GetParam().count;
   layPackageForVolumes(count);
   std::vector<std::vector<Entry>> contents;
   std::vector<int> order;
@@ -230,7 +231,7 @@ TEST_P(DiscsOfOneName, AreAllCopiedInAnyOrder) {
     fs::create_directory("/Volumes");
     makeFolder(kDova);
     std::size_t next = 0;
-    const GatedRun run = install({"--product", product}, [&](const FileCall& call) {
+    const GatedRun run = install({"--product", GetParam().product}, [&](const FileCall& call) {
       if (call.kind == CallKind::startCommand) {
         fs::remove_all(drive);  // the only command ejects
       } else if (call.kind == CallKind::stat && call.path == drive && !exists(drive) && next < order.size()) {
