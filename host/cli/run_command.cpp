@@ -53,11 +53,9 @@ void refuse(const std::function<std::string()>& reason, Frontend frontend, Engin
 }
 
 std::string missingAttributes(const InstallPlan& plan) {
-  return plan.attributes.isFilePresent() ? ""
-                                         : format(_("there is no .InstallationAttributes.dat beside the "
-                                                    "package in {0} or one folder above; use "
-                                                    "--without-attributes to install one disc without it"),
-                                                  {plan.packageFolder});
+  return format(_("there is no .InstallationAttributes.dat beside the package in {0} or one folder above; use "
+                  "--without-attributes to install one disc without it"),
+                {plan.packageFolder});
 }
 
 // The plan, after all reasons to refuse it. None if the attributes file cannot be read: then the page finds
@@ -70,6 +68,7 @@ std::optional<InstallPlan> checkedPlan(const RunArguments& arguments, Frontend f
   } catch (const UsageError& error) {
     if (frontend == Frontend::terminal || !arguments.isWithoutAttributes) {
       refuse([&error] { return error.what(); }, frontend, options);
+      options.failures.push_back(unreadableAttributes(options));
     }
     return std::nullopt;
   }
@@ -77,8 +76,9 @@ std::optional<InstallPlan> checkedPlan(const RunArguments& arguments, Frontend f
     refuse([&plan] { return refusalToTrust(*plan); }, frontend, options);
   }
   refuse([&plan] { return refusalToCopyOntoItself(*plan); }, frontend, options);
-  if (!arguments.isWithoutAttributes) {
+  if (!arguments.isWithoutAttributes && !plan->attributes.isFilePresent()) {
     refuse([&plan] { return missingAttributes(*plan); }, frontend, options);
+    options.failures.push_back(unreadableAttributes(options));
   }
   return plan;
 }

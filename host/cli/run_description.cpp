@@ -170,6 +170,10 @@ InstallPlan planFor(const EngineOptions& options) {
   return planInstall(request);
 }
 
+event::AuditFailure unreadableAttributes(const EngineOptions& options) {
+  return {"not-readable", packageFolderOf(packagePath(options)) + "/.InstallationAttributes.dat", "", 0, ""};
+}
+
 std::string refusalToCopyOntoItself(const InstallPlan& plan) {
   for (const PlannedFolder& folder : plan.systemFolders) {
     std::error_code error;

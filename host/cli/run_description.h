@@ -24,9 +24,12 @@ using FreeBytes = std::function<std::optional<std::int64_t>(const std::string& p
 // A file's size in bytes; 0 where there is none.
 [[nodiscard]] std::int64_t sizeOfFile(const std::string& path);
 
-// The plan of an installation on this machine. Throws UsageError when the attributes file is a pipe or the
-// like.
+// The plan of an installation on this machine. Throws UsageError if the attributes file cannot be read, or is
+// a pipe or the like.
 [[nodiscard]] InstallPlan planFor(const EngineOptions& options);
+
+// The failure of an install whose attributes file cannot be read: what it consists of is not known.
+[[nodiscard]] event::AuditFailure unreadableAttributes(const EngineOptions& options);
 
 // The reason to refuse a product update: a folder beside its package is the system's own, and the page would
 // remove the installed plug-ins before it copies them onto themselves. Empty if there is no reason.

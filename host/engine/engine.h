@@ -65,9 +65,10 @@ class Engine final : private InstallerHost {
   // afterwards: the caller ends the process without destroying this object. The thread that made the engine.
   void run() EXCLUDES(main_);
 
-  // Reports each of these copies that was not made since the page was entered, as a failure; nothing if it was
-  // not entered. Call it once page threads have ended.
-  void requireCopies(const std::vector<ExpectedCopy>& expected) EXCLUDES(state_);
+  // Reports the failures, and each of these copies that was not made since the page was entered as one; nothing
+  // if it was not entered. Call it once page threads have ended.
+  void requireCopies(const std::vector<ExpectedCopy>& expected,
+                     const std::vector<event::AuditFailure>& failures) EXCLUDES(state_);
 
   // Any thread.
   [[nodiscard]] bool nextIsEnabled() const EXCLUDES(state_);

@@ -253,7 +253,8 @@ void Engine::reportFailure(const event::AuditFailure& failure) {
   }
 }
 
-void Engine::requireCopies(const std::vector<ExpectedCopy>& expected) {
+void Engine::requireCopies(const std::vector<ExpectedCopy>& expected,
+                           const std::vector<event::AuditFailure>& failures) {
   const Lock lock(state_);
   if (!isEntered_) {
     return;
@@ -265,6 +266,10 @@ void Engine::requireCopies(const std::vector<ExpectedCopy>& expected) {
       ++summary_.audit.failures;
       reportFailure({"not-copied", copy.source, copy.destination, copy.volume, ""});
     }
+  }
+  for (const event::AuditFailure& failure : failures) {
+    ++summary_.audit.failures;
+    reportFailure(failure);
   }
 }
 

@@ -123,7 +123,7 @@ void runEngine(const EngineOptions& options, Controller controller, const Engine
     engine.run();
   }
   if (engine.isIdle()) {
-    engine.requireCopies(options.copies);
+    engine.requireCopies(options.copies, options.failures);
   }
   const bool isDone = controller == Controller::program || engine.isSuccess();
   finish(isDone ? ExitStatus::success : ExitStatus::failure);

@@ -11,12 +11,13 @@ namespace tavenhall {
 
 // What to install, and how.
 struct EngineOptions {
-  std::filesystem::path package;      // empty: the pre-install step is skipped
-  std::string installType;            // "Lite", "Full", or empty: none is written
-  std::filesystem::path bundle;       // the plug-in's folder
-  std::filesystem::path summary;      // empty: none is written
-  std::vector<ExpectedCopy> copies;   // that the install must make; checked at its end
-  std::vector<std::string> warnings;  // reported before everything else, in English
+  std::filesystem::path package;              // empty: the pre-install step is skipped
+  std::string installType;                    // "Lite", "Full", or empty: none is written
+  std::filesystem::path bundle;               // the plug-in's folder
+  std::filesystem::path summary;              // empty: none is written
+  std::vector<ExpectedCopy> copies;           // that the install must make; checked at its end
+  std::vector<event::AuditFailure> failures;  // known beforehand; reported at its end, so that it fails
+  std::vector<std::string> warnings;          // reported before everything else, in English
 };
 
 // Who sends the requests, and so decides whether the installation succeeded.

@@ -112,9 +112,12 @@ class PlainFrontend {
     }
     passwordPrompt_.reset();
     printer_.flush();
-    const ExitStatus status = engine_.wait();
-    printResult(status);
-    return status;
+    const std::optional<ExitStatus> status = engine_.wait();
+    if (!status) {
+      summary_.reset();  // it is not the engine's last word
+    }
+    printResult(status.value_or(ExitStatus::failure));
+    return status.value_or(ExitStatus::failure);
   }
 
  private:

@@ -42,11 +42,11 @@ void EngineClient::readEvents(const std::function<void(const Event& event)>& han
   });
 }
 
-ExitStatus EngineClient::wait(const std::function<void(const std::string& line)>& handleError) {
+std::optional<ExitStatus> EngineClient::wait(const std::function<void(const std::string& line)>& handleError) {
   int status = 0;
   while (waitpid(connection_.process, &status, 0) < 0) {
     if (errno != EINTR) {
-      return ExitStatus::failure;  // success cannot be known
+      return std::nullopt;  // success cannot be known
     }
   }
   // Commands that outlive the engine may keep this open, so only what is there by now is read.
@@ -54,7 +54,7 @@ ExitStatus EngineClient::wait(const std::function<void(const std::string& line)>
   while (handleError && errors_.isOpen() && poll(&source, 1, 0) > 0) {
     errors_.read(handleError);
   }
-  return WIFEXITED(status) ? static_cast<ExitStatus>(WEXITSTATUS(status)) : ExitStatus::failure;
+  return WIFEXITED(status) ? std::optional(static_cast<ExitStatus>(WEXITSTATUS(status))) : std::nullopt;
 }
 
 void EngineClient::stop() {

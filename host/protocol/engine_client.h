@@ -6,6 +6,7 @@
 #include "host/protocol/password_terminal.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <sys/types.h>
 
@@ -42,9 +43,10 @@ class EngineClient {
   // Whether the engine has closed its events, as it does at its end.
   [[nodiscard]] bool hasEnded() const { return !events_.isOpen(); }
 
-  // Blocks until the engine's process has ended and returns its exit status; ExitStatus::failure when a signal
-  // ended it. Before that, passes on what is left of its standard error.
-  [[nodiscard]] ExitStatus wait(const std::function<void(const std::string& line)>& handleError = {});
+  // Blocks until the engine's process has ended and returns its exit status; none if a signal ended it, also
+  // after the summary. Before that, passes on what is left of its standard error.
+  [[nodiscard]] std::optional<ExitStatus> wait(
+      const std::function<void(const std::string& line)>& handleError = {});
 
   // Sends SIGTERM to the engine and the command that it may be running. What was copied stays.
   void stop();

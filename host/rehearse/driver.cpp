@@ -76,7 +76,7 @@ ExitStatus RehearsalDriver::run() {
       }
     }
   }
-  const ExitStatus status = engine_->wait();
+  const ExitStatus status = engine_->wait().value_or(ExitStatus::failure);
   if (frontendEvents_) {
     frontendEvents_->finish();
   }

@@ -7,7 +7,9 @@
 #include "host/base/files.h"
 
 #include <array>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <optional>
 
 namespace tavenhall {
@@ -36,9 +38,17 @@ std::vector<AttributesPiece> cutIntoPieces(std::string_view bytes) {
   return pieces;
 }
 
-// All bytes of the file; none if it cannot be opened. A folder can be opened, and has no lines.
+[[noreturn]] void throwUnreadable(const std::filesystem::path& path) {
+  throw UsageError(format(_("cannot read {0}: {1}"), {path.string(), std::strerror(errno)}));
+}
+
+// All bytes of the file; none if there is no such file. Throws if it cannot be read to its end: the page would
+// take the keys in the rest for missing, and nobody would notice.
 std::optional<std::string> readBytes(const std::filesystem::path& path) {
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(openToRead(path.c_str()), &std::fclose);
+  if (file == nullptr && errno != ENOENT && errno != ENOTDIR) {
+    throwUnreadable(path);
+  }
   if (file == nullptr) {
     return std::nullopt;
   }
@@ -46,6 +56,9 @@ std::optional<std::string> readBytes(const std::filesystem::path& path) {
   std::array<char, 65536> chunk;  // filled by the read
   while (bytes.size() < kMostBytes) {
     const std::size_t count = std::fread(chunk.data(), 1, chunk.size(), file.get());
+    if (std::ferror(file.get()) != 0) {
+      throwUnreadable(path);
+    }
     if (count == 0) {
       break;
     }

@@ -95,7 +95,8 @@ class TerminalFrontend {
     if (isReady) {
       return std::nullopt;
     }
-    return engine_.wait([](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); });
+    return engine_.wait([](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); })
+        .value_or(ExitStatus::failure);
   }
 
   void step() {
@@ -262,8 +263,9 @@ class TerminalFrontend {
 
   void takeResult() {
     RunResult result;
-    result.status = engine_.wait([this](const std::string& line) { model_.addMessage(line); });
-    result.hasSummary = summary_.has_value();
+    const auto status = engine_.wait([this](const std::string& line) { model_.addMessage(line); });
+    result.status = status.value_or(ExitStatus::failure);
+    result.hasSummary = summary_ && status;
     result.bytes =
         summary_ ? static_cast<double>(summary_->audit.bytes) : model_.meter().copied().value_or(0.0);
     result.log = description_.log;

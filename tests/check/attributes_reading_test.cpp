@@ -3,6 +3,7 @@
 #include "context/install_rules.h"
 #include "context/install_settings.h"
 #include "context/internal_lookups.h"
+#include "host/base/exit_status.h"
 #include "tests/check/random_attributes.h"
 #include "tests/support/files.h"
 
@@ -133,12 +134,10 @@ TEST(AttributesReading, WithoutAFileEveryTextIsTheBuiltInOne) {
   EXPECT_EQ(reading.textOrFallback("RelativePath2"), "");
 }
 
-TEST(AttributesReading, AFolderInTheFilesPlaceHoldsNoLine) {
+TEST(AttributesReading, AFolderInTheFilesPlaceIsAnErrorThoughThePageFindsNoLine) {
   makeFolder(std::string(kSet) + "/.InstallationAttributes.dat");
   setPackage(std::string(kSet) + "/Installer.pkg");
-  const AttributesReading reading = readSet();
-  EXPECT_TRUE(reading.isFilePresent());
-  EXPECT_TRUE(reading.pieces().empty());
+  EXPECT_THROW(static_cast<void>(readSet()), UsageError);
   EXPECT_EQ(getInstallationMode(), 2);
 }
 

@@ -251,9 +251,6 @@ class Sweep {
     Tally& tally = tallies_[{planned.scenario->name, planned.kind->name}];
     ++tally.runs;
     ++tally.endings[ending];
-    if (ending == Ending::silent) {
-      ++silences_[why];
-    }
     if (ending == Ending::lost) {
       ++lost_;
       std::fprintf(stderr, "%s: %s\n", describe(planned).c_str(), why.c_str());
@@ -261,14 +258,13 @@ class Sweep {
   }
 
   void printFigures() const {
-    static constexpr std::array kEndings{Ending::whole,   Ending::falseAlarm, Ending::named,
-                                         Ending::stopped, Ending::sheetsOnly, Ending::silent,
-                                         Ending::killed,  Ending::notReached, Ending::lost};
+    static constexpr std::array kEndings{Ending::whole,  Ending::falseAlarm, Ending::named, Ending::stopped,
+                                         Ending::killed, Ending::notReached, Ending::lost};
     std::printf("| install | call | calls | errors | runs |");
     for (const Ending ending : kEndings) {
       std::printf(" %s |", endingName(ending));
     }
-    std::printf("\n|---|---|---|---|---|---|---|---|---|---|---|---|---|---|\n");
+    std::printf("\n|---|---|---|---|---|---|---|---|---|---|---|---|\n");
     Tally all;
     for (const auto& [name, tally] : tallies_) {
       std::string errors;
@@ -288,10 +284,6 @@ class Sweep {
       }
     }
     printRow("**all** | | " + std::to_string(all.calls) + " | ", all, kEndings);
-    std::printf("\nWhat the page has to keep silent about, in so many runs:\n\n");
-    for (const auto& [rule, count] : silences_) {
-      std::printf("- %s: %d\n", rule.c_str(), count);
-    }
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start_;
     std::printf("\n%d runs, each followed by an undisturbed one, in %.0f s; %d lost.\n", all.runs, took.count(),
                 lost_);
@@ -309,7 +301,6 @@ class Sweep {
   const Options& options_;
   const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
   Tallies tallies_;
-  std::map<std::string, int> silences_;
   std::vector<PlannedCase> cases_;
   std::vector<Running> running_;
   std::size_t next_ = 0;

@@ -20,10 +20,8 @@ struct Fault {
 enum class Ending {
   whole,       // everything arrived, and the last word says so
   falseAlarm,  // everything arrived, and the last word is of a failure
-  named,       // each file that is wrong is named in the log
+  named,       // each file that is wrong is named on standard output
   stopped,     // nothing more was begun, and the last word says so
-  sheetsOnly,  // the log could not be written; sheets tell of the failures
-  silent,      // the page has to keep silent about it, and does; a rehearsal's comparison finds it
   killed,      // the process was ended in the middle of it, and its frontend says so
   notReached,  // there was no such call in this run: threads may divide a large read differently
   lost,        // anything else: an error of ours
@@ -32,7 +30,7 @@ enum class Ending {
 
 struct CaseResult {
   Ending ending = Ending::lost;
-  std::string why;  // for silent: the rule; for lost: what is wrong
+  std::string why;  // for lost: what is wrong
 };
 
 // What a kind of call can answer instead of doing its work.
