@@ -104,7 +104,6 @@ std::optional<ExitStatus> DesktopProgram::read(int argumentCount, char** argumen
     }
     bundlePath_ = options_.bundle.string();
     description_ = describeRun(planFor(options_));
-    logStart_ = sizeOfFile(description_.log);
     const Lock lock(meterMutex_);
     meter_ = ProgressMeter(description_.introduction.barWraps);
     closeInput();
@@ -181,8 +180,8 @@ void DesktopProgram::end() noexcept {
     result_.bytes = meter_.copied();
     result_.time = meter_.passed(Clock::now());
     result_.destination = description_.introduction.destination;
-    result_.log = description_.log;
-    result_.failures = failuresInLog(description_.log, logStart_);
+    result_.log = description_.writtenLog();
+    result_.failures = failuresInLog(description_.log, description_.logStart);
     return true;
   });
 }

@@ -42,7 +42,6 @@ class DesktopProgram final : public DesktopRun {
   bool isTrusted_ = false;
   std::string bundlePath_;
   RunDescription description_;
-  std::int64_t logStart_ = 0;  // bytes: where this run begins in the log
   std::unique_ptr<InstallLock> lock_;
   std::optional<InstallTypePlace> installTypePlace_;  // from prepare() until the page has been left
   Mutex meterMutex_;

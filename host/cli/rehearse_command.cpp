@@ -27,7 +27,7 @@ RunDescription describe(const RehearsalScene& scene) {
     place = insidePath(place, scene.sandbox);
   }
   const bool isKept = !scene.keptFolder.empty();
-  description.log = isKept ? scene.log : "";
+  description.log = isKept ? scene.log : "";  // it comes there at the end
   description.afterStop =
       isKept ? format(_("What was installed so far is in {0}."), {scene.keptFolder}) : _("Nothing was kept.");
   return description;

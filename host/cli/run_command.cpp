@@ -130,7 +130,7 @@ ExitStatus run(const RunArguments& arguments) {
     case Frontend::quiet: runEngine(options, Controller::nobody, {});
     case Frontend::plain: {
       RunDescription description;
-      description.log = usersInstallationLog();
+      description.watchLog(usersInstallationLog());
       return runPlainFrontend(startEngine(options, {.hasPasswordTerminal = hasControllingTerminal()}),
                               description);
     }

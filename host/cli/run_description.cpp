@@ -132,9 +132,9 @@ Failures failuresInLog(const std::string& log, std::int64_t start) {
   if (file == nullptr) {
     return failures;
   }
-  if (start <= sizeOfFile(log)) {
-    std::fseek(file.get(), static_cast<long>(start), SEEK_SET);
-  }
+  std::fseek(file.get(), 0, SEEK_END);
+  const bool isShorter = std::ftell(file.get()) < start;
+  std::fseek(file.get(), isShorter ? 0 : static_cast<long>(start), SEEK_SET);
   LoggedRuns runs([&failures](const LoggedRun& run) {
     for (const RunFailure& failure : run.failures) {
       failures.add({failure.kind, failure.file.empty() ? failure.detail : failure.file, ""});
@@ -149,11 +149,6 @@ Failures failuresInLog(const std::string& log, std::int64_t start) {
   records.finish();
   runs.finish();
   return failures;
-}
-
-std::int64_t sizeOfFile(const std::string& path) {
-  struct stat found {};
-  return stat(path.c_str(), &found) == 0 ? found.st_size : 0;
 }
 
 InstallPlan planFor(const EngineOptions& options) {
@@ -241,7 +236,7 @@ std::vector<ExpectedCopy> expectedCopies(const InstallPlan& plan) {
 RunDescription describeRun(const InstallPlan& plan) {
   RunDescription description;
   description.introduction = introduce(plan, freeBytesAt);
-  description.log = usersInstallationLog();
+  description.watchLog(usersInstallationLog());
   return description;
 }
 

@@ -21,9 +21,6 @@ using FreeBytes = std::function<std::optional<std::int64_t>(const std::string& p
 // its beginning.
 [[nodiscard]] Failures failuresInLog(const std::string& log, std::int64_t start);
 
-// A file's size in bytes; 0 where there is none.
-[[nodiscard]] std::int64_t sizeOfFile(const std::string& path);
-
 // The plan of an installation on this machine. Throws UsageError if the attributes file cannot be read, or is
 // a pipe or the like.
 [[nodiscard]] InstallPlan planFor(const EngineOptions& options);

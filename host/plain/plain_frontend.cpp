@@ -273,8 +273,8 @@ class PlainFrontend {
     } else if (status == ExitStatus::failure) {
       print(std::string("! ") + _("The installer's engine ended unexpectedly."));
     }
-    if (status != ExitStatus::badUsage && !description_.log.empty()) {
-      print(format(_("The log is {0}."), {description_.log}));
+    if (const std::string log = description_.writtenLog(); status != ExitStatus::badUsage && !log.empty()) {
+      print(format(_("The log is {0}."), {log}));
     }
   }
 

@@ -268,7 +268,7 @@ class TerminalFrontend {
     result.hasSummary = summary_ && status;
     result.bytes =
         summary_ ? static_cast<double>(summary_->audit.bytes) : model_.meter().copied().value_or(0.0);
-    result.log = description_.log;
+    result.log = description_.writtenLog();
     result.destination = model_.introduction().destination;
     result.time = model_.meter().passed(Clock::now());
     result.messages.assign(model_.messages().begin(), model_.messages().end());
@@ -298,7 +298,7 @@ class TerminalFrontend {
     }
     if (hasBegun) {
       std::puts(join(_("Stopped."), description_.afterStop).c_str());
-      std::fputs(logLine(description_.log).c_str(), stdout);
+      std::fputs(logLine(description_.writtenLog()).c_str(), stdout);
     } else if (!result_) {
       std::puts(_("Nothing was installed."));
     }

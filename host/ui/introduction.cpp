@@ -3,12 +3,22 @@
 #include "host/base/text.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
+#include <utility>
 
 namespace tavenhall {
 
 namespace {
 
 constexpr int kLeastIndent = 8;
+
+// In bytes; 0 where there is no such file.
+std::int64_t sizeOfFile(const std::string& path) {
+  std::error_code error;
+  const std::uintmax_t size = std::filesystem::file_size(path, error);
+  return error ? 0 : static_cast<std::int64_t>(size);
+}
 
 void appendPlaces(std::vector<Line>& lines, const std::string& label, const std::vector<std::string>& places,
                   int indent, int width) {
@@ -62,5 +72,12 @@ std::vector<Line> introductionLines(const Introduction& introduction, int width)
   append(lines, wrappedLines(_("Press Continue to begin."), width, Style::dim));
   return lines;
 }
+
+void RunDescription::watchLog(std::string path) {
+  log = std::move(path);
+  logStart = sizeOfFile(log);
+}
+
+std::string RunDescription::writtenLog() const { return logStart < 0 || sizeOfFile(log) > logStart ? log : ""; }
 
 }  // namespace tavenhall

@@ -37,8 +37,16 @@ struct Introduction {
 struct RunDescription {
   Introduction introduction;
   std::string log;  // the path of the installation log, as the user is shown it; empty: it is not shown
+  std::int64_t logStart =
+      -1;  // its size before the run, in bytes; -1: it is shown whether or not it was written
   std::string afterStop =
       _("The files copied so far are kept. Run the installer again to complete the installation.");
+
+  // Call it before the engine is started.
+  void watchLog(std::string path);
+
+  // `log`, if this run has written to it; else empty.
+  [[nodiscard]] std::string writtenLog() const;
 };
 
 }  // namespace tavenhall

@@ -156,6 +156,12 @@ TEST(BundleDiagnostic, ACharacterForTheShellInAnApplicationAmongTheData) {
   expectDiagnostics(checkFor("Tessaphon"), {{"app-path-shell", "error", file}}, 1);
 }
 
+TEST(BundleDiagnostic, ACharacterForTheShellInADataFolderIsSound) {
+  makeUpdateSet();
+  writeFile(inSet("First/TANVO/Tessaphon/Strings & Brass/a.db"), "data");
+  expectDiagnostics(checkFor("Tessaphon"), {}, 0);
+}
+
 const std::string kAaxSignature = "/Contents/Resources/__Pace_Eden/Signatures/codesign.dsig";
 
 TEST(BundleDiagnostic, ACharacterForTheShellInTheNameOfAPlugInWithASignature) {

@@ -109,6 +109,14 @@ TEST_F(OtherUsers, OwnAnAttributesFileThatTheyWrote) {
   EXPECT_EQ(changeableByOthers(kPackagePath), file + " belongs to another user, who decides what is installed");
 }
 
+TEST_F(OtherUsers, AreTrustedWithAFolderOfTheirOwn) {
+  if (!isRealRoot()) {
+    GTEST_SKIP() << "only the machine's own root may give a folder away";
+  }
+  ASSERT_EQ(chown("/Users/tester/Downloads/Set", 54321, 54321), 0);
+  EXPECT_EQ(changeableByOthers(kPackagePath), "");
+}
+
 TEST_F(OtherUsers, CanChangeASourceBesideThePackage) {
   const std::string set = "/Users/tester/Downloads/Set/";
   writeFile(set + "Applications/Tool.app/program", "");

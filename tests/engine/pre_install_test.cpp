@@ -6,14 +6,18 @@
 #include "tests/support/files.h"
 #include "tests/support/private_root.h"
 
+#include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <optional>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace tavenhall::test {
@@ -224,6 +228,30 @@ TEST(InstallLock, IsAlsoOnADataFolderThatTwoHomesShare) {
   }
   first.reset();
   const InstallLock third(false);
+}
+
+TEST(InstallLock, AnybodyWhoCanReadTheDataFolderCanHoldIt) {
+  if (!isRealRoot()) {
+    GTEST_SKIP() << "only the machine's own root may become another user";
+  }
+  const std::string folder = "/Users/tester/Library/Application Support/Tavenhall/TANVO";
+  makeFolder(folder);
+  std::array<int, 2> ready{};
+  ASSERT_EQ(pipe2(ready.data(), O_CLOEXEC), 0);
+  const pid_t other = fork();
+  if (other == 0) {
+    const bool isHeld = setuid(54321) == 0 && flock(open(folder.c_str(), O_RDONLY | O_CLOEXEC), LOCK_EX) == 0 &&
+                        write(ready[1], "x", 1) == 1;
+    _exit(isHeld ? pause() : 1);
+  }
+  close(ready[1]);
+  char byte = 0;
+  ASSERT_EQ(read(ready[0], &byte, 1), 1);
+  EXPECT_THROW(InstallLock(false), UsageError);
+  kill(other, SIGKILL);
+  waitpid(other, nullptr, 0);
+  EXPECT_NO_THROW(InstallLock(false));
+  close(ready[0]);
 }
 
 TEST(InstallLock, OneFolderMayBeBothDataFolders) {
