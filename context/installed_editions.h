@@ -62,8 +62,9 @@ template <typename Path>
 }
 
 // Whether the user with this central folder has the Lite edition of the library; none if unknown, which counts
-// as Full. The observer, for Mirel Packs alone, has
-//   void searches(const char* path)
+// as Full. The observer has
+//   void examines(const char* path)        the file that the Lite edition of Tessaphon lacks
+//   void searches(const char* path)        the folder of a Mirel Pack
 //   void foundDatabase(const char* path, std::int32_t size)    bytes, as a 32-bit number
 template <typename Path, typename Observer>
 [[nodiscard]] std::optional<bool> installedEditionIsLite(std::string_view centralFolder,
@@ -73,6 +74,7 @@ template <typename Path, typename Observer>
   if (library == "Tessaphon") {
     // The one instrument that a Lite edition lacks.
     path.append("/Tessaphon/Soundsources/Factory/Tessaphon Library/Keyboards/Glassophone.db");
+    observer.examines(path.c_str());
     struct stat found {};
     return stat(path.c_str(), &found) != 0;
   }

@@ -46,6 +46,7 @@ class LibrarySlots {
 };
 
 struct DetectionLog {
+  static void examines(const char* /*path*/) noexcept {}
   static void searches(const char* path) noexcept { addEventToInstallationLog("Searching: %s \n", path); }
   static void foundDatabase(const char* path, std::int32_t size) noexcept {
     addEventToInstallationLog("Found %s file with size = %d\n", path, size);

@@ -8,6 +8,7 @@
 #include "host/engine/run_engine.h"
 #include "host/log/log_records.h"
 #include "host/plain/plain_frontend.h"
+#include "host/set/unexamined_places.h"
 #include "host/terminal/terminal_frontend.h"
 #include "platform/installer_pane.h"
 
@@ -79,6 +80,14 @@ std::optional<InstallPlan> checkedPlan(const RunArguments& arguments, Frontend f
   if (!arguments.isWithoutAttributes && !plan->attributes.isFilePresent()) {
     refuse([&plan] { return missingAttributes(*plan); }, frontend, options);
     options.failures.push_back(unreadableAttributes(options));
+  }
+  for (const UnexaminedPlace& place : unexaminedPlaces(*plan)) {
+    refuse(
+        [&place] {
+          return format(_("cannot read {0}: {1}"), {place.path, place.error.message()});
+        },
+        frontend, options);
+    options.failures.push_back({"not-readable", place.path, "", 0, place.error.message()});
   }
   return plan;
 }

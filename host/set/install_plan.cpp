@@ -256,6 +256,7 @@ struct LibraryList {
 };
 
 struct NoObserver {
+  static void examines(const char* /*path*/) {}
   static void searches(const char* /*path*/) {}
   static void foundDatabase(const char* /*path*/, std::int32_t /*size*/) {}
 };

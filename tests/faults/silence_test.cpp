@@ -14,12 +14,18 @@ namespace tavenhall::test {
 namespace {
 
 using testing::AllOf;
+using testing::AnyOf;
 using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
 
 constexpr const char* kPluginsSignature =
     "Library/Audio/Plug-Ins/VST/Tessaphon.vst/Contents/Resources/__Pace_Eden/Signatures/codesign.dsig";
+
+constexpr const char* kMarker =
+    "/Users/tester/Library/Application Support/Tavenhall/TANVO/Tessaphon/Soundsources/Factory/Tessaphon "
+    "Library/"
+    "Keyboards/Glassophone.db";
 
 void layDownload(const std::string& attributes = "Mode = DataUpdater\nRelativePath = .\n") {
   layTree(kSet, {textFile(".InstallationAttributes.dat", attributes), textFile("Installer.pkg", ""),
@@ -35,26 +41,57 @@ Judge failing(CallKind kind, const std::string& path, int error) {
   };
 }
 
-TEST(Silence, AProductUpdatesFolderThatCannotBeExaminedIsSkippedAndReported) {
-  layDownload("Mode = TavenhallUpdater\nRelativePath = .\n");
-  layTree(kSet, {file("Applications/Tessaphon.app/Contents/program", 100)});
-  const std::string applications = std::string(kSet) + "/Applications";
-  bool isEngine = false;  // the plan is made before the page is entered
-  const GatedRun run = installWith([&](const FileCall& call) {
-    isEngine = isEngine || call.path == kLog;
-    return isEngine && call.kind == CallKind::stat && call.path == applications ? failWith(EACCES) : kPass;
-  });
-  EXPECT_EQ(run.status, 1);
-  EXPECT_THAT(run.output, HasSubstr("\n! Not copied: " + applications));
+// The page cannot examine it, though the host, which looks at it before, can.
+Judge failingLater(CallKind kind, const std::string& path) {
+  return [kind, path, isBegun = false](const FileCall& call) mutable {
+    isBegun = isBegun || call.path == kLog;
+    return isBegun && call.kind == kind && call.path == path ? failWith(EACCES) : kPass;
+  };
 }
 
+struct Place {
+  const char* name;
+  CallKind kind;
+  const char* path;
+};
+
+// What decides what a product update installs, and where the page sees nothing if it cannot look.
+class PlaceThatCannotBeExamined : public testing::TestWithParam<Place> {
+ protected:
+  PlaceThatCannotBeExamined() {
+    layDownload("Mode = TavenhallUpdater\nRelativePath = .\nRelativePath2 = Full\n");
+    layTree(kSet, {file("Applications/Tessaphon.app/Contents/program", 100), file("DOVA/b.db", 100),
+                   file("Full/TANVO/Tessaphon/full.db", 100)});
+    writeFile(kMarker, std::string(2000, 'x'));
+  }
+};
+
+TEST_P(PlaceThatCannotBeExamined, IsRefused) {
+  const GatedRun run = installWith(failing(GetParam().kind, GetParam().path, EACCES));
+  EXPECT_EQ(run.status, 2) << run.output;
+  EXPECT_EQ(run.error, std::string("tavinstall: cannot read ") + GetParam().path + ": Permission denied\n");
+}
+
+TEST_P(PlaceThatCannotBeExamined, IsReportedIfOnlyThePageCannotExamineIt) {
+  const GatedRun run = installWith(failingLater(GetParam().kind, GetParam().path));
+  EXPECT_EQ(run.status, 1) << run.output;
+  EXPECT_THAT(run.output, AnyOf(HasSubstr("\n! Not copied: "), HasSubstr("\n! Cannot be listed: ")));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    InAProductUpdate, PlaceThatCannotBeExamined,
+    testing::Values(Place{"Applications", CallKind::stat, "/Users/tester/Downloads/Set/Applications"},
+                    Place{"DataFolder", CallKind::stat, "/Users/tester/Downloads/Set/./DOVA"},
+                    Place{"Libraries", CallKind::list, "/Users/tester/Downloads/Set/Full/TANVO"},
+                    Place{"ClosedLibraries", CallKind::open, "/Users/tester/Downloads/Set/Full/TANVO"},
+                    Place{"Marker", CallKind::stat, kMarker}),
+    [](const auto& instance) { return instance.param.name; });
+
 TEST(Silence, AnEditionWhoseMarkerCannotBeExaminedIsTakenForLite) {
-  const std::string marker =
-      std::string(kTanvo) + "/Tessaphon/Soundsources/Factory/Tessaphon Library/Keyboards/Glassophone.db";
   layDownload("Mode = TavenhallUpdater\nRelativePath = .\nRelativePath2 = Full\n");
-  layTree(kSet, {file("TANVO/Tessaphon/a.prt", 100), file("Full/TANVO/Tessaphon/full.db", 100)});
-  writeFile(marker, std::string(2000, 'x'));
-  const GatedRun run = installWith(failing(CallKind::stat, marker, EACCES));
+  layTree(kSet, {file("Full/TANVO/Tessaphon/full.db", 100)});
+  writeFile(kMarker, std::string(2000, 'x'));
+  const GatedRun run = installWith(failingLater(CallKind::stat, kMarker));
   EXPECT_THAT(run.output, HasSubstr("Detected Installation Type"));
   EXPECT_THAT(logMessages(), Contains(HasSubstr("Installation is Lite")));
 }
