@@ -1,8 +1,8 @@
 #pragma once
 
-#include "host/audit/audit.h"
 #include "host/base/child_process.h"
 #include "host/base/mutex.h"
+#include "host/engine/install_audit.h"
 #include "host/engine/stand_ins.h"
 #include "host/protocol/event_writer.h"
 #include "host/protocol/messages.h"
@@ -20,14 +20,6 @@
 #include <vector>
 
 namespace tavenhall {
-
-// A copy that an install must make: which volume of which data folder, or of a system folder.
-struct ExpectedCopy {
-  std::string source;       // a path
-  std::string alternative;  // the other folder that the page may copy instead; may be empty
-  std::string destination;  // a path; another path of the same folder counts as well
-  std::int32_t volume = 0;  // from 1; 0 for a system folder
-};
 
 // Plays the installer around one page: performs requests, runs what the page dispatches, and reports events.
 //
@@ -135,7 +127,8 @@ class Engine final : private InstallerHost {
   [[nodiscard]] event::CopyState copyState() const REQUIRES(state_);
   void takeSnapshot() EXCLUDES(state_);
   void beginAudits() EXCLUDES(state_);
-  void reportFailure(const event::AuditFailure& failure) REQUIRES(state_);
+  void reportFailure(const event::AuditFailure& failure) EXCLUDES(state_);
+  [[nodiscard]] event::CopyBegin copyNow() const EXCLUDES(state_);
   [[nodiscard]] bool isInstalled() const REQUIRES(state_);
 
   using Clock = std::chrono::steady_clock;
@@ -170,7 +163,6 @@ class Engine final : private InstallerHost {
   PaneSnapshot snapshot_ GUARDED_BY(state_);  // the latest
   event::CopyBegin copy_ GUARDED_BY(state_);  // that began last
   bool isEntered_ GUARDED_BY(state_) = false;
-  std::vector<event::CopyBegin> copies_ GUARDED_BY(state_);  // those that were made since the page was entered
   std::int64_t bytesAtCopyBegin_ GUARDED_BY(state_) = 0;
   std::int64_t filesAtCopyBegin_ GUARDED_BY(state_) = 0;
   Clock::time_point copyThreadStart_ GUARDED_BY(state_);
@@ -178,7 +170,8 @@ class Engine final : private InstallerHost {
   bool hasFailedCopy_ GUARDED_BY(state_) = false;
   event::Summary summary_ GUARDED_BY(state_);
 
-  std::optional<Audit> audit_;  // made by the main loop when the page is entered; then the copying thread's
+  std::optional<InstallAudit>
+      audit_;  // made by the main loop when the page is entered; then the copying thread's
 
   std::thread inputThread_;
   Pipe stopReading_;                     // its write end is closed to end that thread

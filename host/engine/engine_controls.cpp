@@ -1,12 +1,9 @@
 #include "host/base/exit_status.h"
 #include "host/engine/engine.h"
 
-#include <algorithm>
-#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <stdexcept>
 #include <utility>
 
@@ -18,56 +15,6 @@ namespace {
 constexpr const char* kCopyThread = "copySingleVolume";
 
 std::string textOrEmpty(const char* text) { return text != nullptr ? text : ""; }
-
-struct ProblemName {
-  AuditProblem problem;
-  const char* name;
-};
-
-// As docs/protocol.md lists them.
-constexpr std::array<ProblemName, 12> kProblemNames{{
-    {AuditProblem::noDestination, "no-destination"},
-    {AuditProblem::sameSource, "same-source"},
-    {AuditProblem::notListed, "not-listed"},
-    {AuditProblem::notReadable, "not-readable"},
-    {AuditProblem::folderAsFile, "folder-as-file"},
-    {AuditProblem::skipped, "skipped"},
-    {AuditProblem::missing, "missing"},
-    {AuditProblem::refused, "refused"},
-    {AuditProblem::wrongType, "type"},
-    {AuditProblem::wrongSize, "size"},
-    {AuditProblem::sharedFile, "shared"},
-    {AuditProblem::isSource, "link-to-source"},
-}};
-
-std::string nameOf(AuditProblem problem) {
-  for (const ProblemName& row : kProblemNames) {
-    if (row.problem == problem) {
-      return row.name;
-    }
-  }
-  return "";
-}
-
-std::string detailOf(const AuditFailure& failure) {
-  if (failure.problem == AuditProblem::wrongSize) {
-    return std::to_string(failure.destinationSize) + " of " + std::to_string(failure.sourceSize) + " bytes";
-  }
-  return failure.error != 0 ? std::strerror(failure.error) : "";
-}
-
-// A copy that had no destination is a failure of its own.
-bool isCopyOf(const event::CopyBegin& made, const ExpectedCopy& expected) {
-  const auto isFromSource =
-      [source = std::filesystem::path(made.source).lexically_normal()](const std::string& path) {
-        return source == std::filesystem::path(path).lexically_normal();
-      };
-  std::error_code error;
-  return made.volume == expected.volume &&
-         (isFromSource(expected.source) || isFromSource(expected.alternative)) &&
-         (made.destination.empty() || made.destination == expected.destination ||
-          std::filesystem::equivalent(made.destination, expected.destination, error));
-}
 
 }  // namespace
 
@@ -208,7 +155,6 @@ void Engine::copyBegun(const TreeCopy& copy) noexcept {
   isCopying_ = true;
   copy_ = {copy.source, textOrEmpty(copy.destination), isVolume ? snapshot_.currentVolumeNumber + 1 : 0,
            isVolume ? snapshot_.volumeCount : 0};
-  copies_.push_back(copy_);
   report(copy_);
 }
 
@@ -221,30 +167,25 @@ void Engine::copyFinished(const TreeCopy& copy, bool isCopied) noexcept {
     report(event::CopyEnd{copy.source, textOrEmpty(copy.destination), isCopied,
                           snapshot_.bytesWritten - bytesAtCopyBegin_, snapshot_.filesDone - filesAtCopyBegin_});
   }
-  const AuditCounts counts = audit_->compare(copy.source, copy.destination);
+  const event::Audit audit = audit_->compare(copyNow());
   const Lock lock(state_);
-  event::Audit& sums = summary_.audit;
-  sums.files += counts.files;
-  sums.folders += counts.folders;
-  sums.bytes += counts.bytes;
-  sums.skipped += counts.skipped;
-  sums.failures += counts.failures;
-  report(event::Audit{copy_.source, copy_.destination, copy_.volume, counts.files, counts.folders, counts.bytes,
-                      counts.skipped, counts.failures});
+  summary_.audit = audit_->sums();
+  report(audit);
+}
+
+event::CopyBegin Engine::copyNow() const {
+  const Lock lock(state_);
+  return copy_;
 }
 
 void Engine::beginAudits() {
-  audit_.emplace([this](const AuditFailure& failure) {
-    const Lock lock(state_);
-    reportFailure(
-        {nameOf(failure.problem), failure.source, failure.destination, copy_.volume, detailOf(failure)});
-  });
+  audit_.emplace([this](const event::AuditFailure& failure) { reportFailure(failure); });
   const Lock lock(state_);
   summary_.audit = {};
-  copies_.clear();
 }
 
 void Engine::reportFailure(const event::AuditFailure& failure) {
+  const Lock lock(state_);
   report(failure);
   if (events_ == nullptr) {
     const std::string reason =
@@ -255,22 +196,15 @@ void Engine::reportFailure(const event::AuditFailure& failure) {
 
 void Engine::requireCopies(const std::vector<ExpectedCopy>& expected,
                            const std::vector<event::AuditFailure>& failures) {
-  const Lock lock(state_);
-  if (!isEntered_) {
-    return;
-  }
-  for (const ExpectedCopy& copy : expected) {
-    const bool isMade = std::any_of(copies_.begin(), copies_.end(),
-                                    [&copy](const event::CopyBegin& made) { return isCopyOf(made, copy); });
-    if (!isMade) {
-      ++summary_.audit.failures;
-      reportFailure({"not-copied", copy.source, copy.destination, copy.volume, ""});
+  {
+    const Lock lock(state_);
+    if (!isEntered_) {
+      return;
     }
   }
-  for (const event::AuditFailure& failure : failures) {
-    ++summary_.audit.failures;
-    reportFailure(failure);
-  }
+  audit_->requireCopies(expected, failures);
+  const Lock lock(state_);
+  summary_.audit = audit_->sums();
 }
 
 void Engine::assertionTaken(const char* type, std::uint32_t level, const char* name) noexcept {
