@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace tavenhall {
 
@@ -30,6 +31,13 @@ struct PaneSnapshot {
   std::string sourceFolder;              // of the volume copied last; empty before the first
   std::string destinationFolder;         // the central data folder; empty where there is none
 };
+
+// The volume, from 1, that a copy of this source is of; 0 for a folder beside the package. Of a snapshot that
+// is taken while the copy begins or ends.
+[[nodiscard]] inline std::int32_t volumeOf(std::string_view source, const PaneSnapshot& snapshot) {
+  const bool isVolume = !snapshot.sourceFolder.empty() && source.starts_with(snapshot.sourceFolder);
+  return isVolume ? snapshot.currentVolumeNumber + 1 : 0;
+}
 
 // A page of the installer, as the installer sees it. The host calls it on its main thread, and enters it again
 // only when every page thread has ended.

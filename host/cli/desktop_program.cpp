@@ -43,7 +43,8 @@ void closeInput() {
   }
 }
 
-EngineOptions readOptions(CLI::App& program, int argumentCount, char** arguments, bool& isTrusted) {
+EngineOptions readOptions(CLI::App& program, int argumentCount, char** arguments, bool& isTrusted,
+                          bool& isWithoutAttributes) {
   EngineOptions options;
   std::string package;
   std::string product;
@@ -75,6 +76,10 @@ EngineOptions readOptions(CLI::App& program, int argumentCount, char** arguments
       ->excludes(productOption);
   program.add_flag("--trusted", isTrusted, _("Install even if other users can change the package"))
       ->envname("TAVINSTALL_TRUSTED");
+  program
+      .add_flag("--without-attributes", isWithoutAttributes,
+                _("Install one disc even if there is no attributes file"))
+      ->envname("TAVINSTALL_WITHOUT_ATTRIBUTES");
   program.parse(argumentCount, arguments);
   options.package = packageLocation(package);
   options.bundle =
@@ -95,7 +100,7 @@ std::optional<ExitStatus> DesktopProgram::read(int argumentCount, char** argumen
   return orElse(std::optional(ExitStatus::badUsage), [&]() -> std::optional<ExitStatus> {
     CLI::App program{_("Install the data of an installer package, in a window."), "tavinstall-desktop"};
     try {
-      options_ = readOptions(program, argumentCount, arguments, isTrusted_);
+      options_ = readOptions(program, argumentCount, arguments, isTrusted_, isWithoutAttributes_);
     } catch (const CLI::Success& request) {
       std::ostringstream text;
       program.exit(request, text);  // help or version
@@ -138,6 +143,13 @@ std::string DesktopProgram::prepare() noexcept {
     if (std::string refusal = refusalToCopyOntoItself(plan); !refusal.empty()) {
       return refusal;
     }
+    if (!isWithoutAttributes_ && !plan.attributes.isFilePresent()) {
+      return missingAttributes(plan);
+    }
+    if (const auto places = unexaminedPlaces(plan); !places.empty()) {
+      return cannotExamine(places.front());
+    }
+    options_.copies = expectedCopies(plan);
     lock_ = std::make_unique<InstallLock>(true);
     runPreInstallStep(options_.package, options_.installType);
     addStandInsToPath();
@@ -149,8 +161,37 @@ std::string DesktopProgram::prepare() noexcept {
 }
 
 void DesktopProgram::begin() noexcept {
-  const Lock lock(meterMutex_);
-  meter_.start(Clock::now());
+  {
+    const Lock lock(meterMutex_);
+    meter_.start(Clock::now());
+  }
+  const Lock lock(auditMutex_);
+  failures_ = {};
+  hasFailed_ = false;
+  audit_.emplace([this](const event::AuditFailure& failure) {
+    auditMutex_.assertHeld();  // by the caller of the audit
+    failures_.add({failure.problem, failure.source, failure.detail});
+  });
+}
+
+void DesktopProgram::auditCopy(const DesktopCopy& copy, bool isCopied) noexcept {
+  orElse(false, [&] {
+    const Lock lock(auditMutex_);
+    hasFailed_ = hasFailed_ || !isCopied;
+    audit_->compare({copy.source, copy.destination, copy.volume, 0});
+    return true;
+  });
+}
+
+void DesktopProgram::addFailure(const std::string& source) noexcept {
+  orElse(false, [&] {
+    const Lock lock(auditMutex_);
+    hasFailed_ = true;
+    if (!source.empty()) {
+      audit_->addRefusal(source);
+    }
+    return true;
+  });
 }
 
 void DesktopProgram::setProgress(const DesktopProgress& progress) noexcept {
@@ -175,13 +216,17 @@ void DesktopProgram::end() noexcept {
     installTypePlace_.reset();
     const Lock lock(meterMutex_);
     meter_.finish(Clock::now());
-    result_.status = ExitStatus::success;
+    const Lock auditLock(auditMutex_);
+    audit_->requireCopies(options_.copies, options_.failures);
+    const event::Audit& sums = audit_->sums();
+    const bool isInstalled = !hasFailed_ && sums.failures == 0 && sums.files > 0;
+    result_.status = isInstalled ? ExitStatus::success : ExitStatus::failure;
     result_.hasSummary = true;
-    result_.bytes = meter_.copied();
+    result_.bytes = static_cast<double>(sums.bytes);
     result_.time = meter_.passed(Clock::now());
     result_.destination = description_.introduction.destination;
     result_.log = description_.writtenLog();
-    result_.failures = failuresInLog(description_.log, description_.logStart);
+    result_.failures = failures_.count > 0 ? failures_ : failuresInLog(description_.log, description_.logStart);
     return true;
   });
 }

@@ -31,6 +31,8 @@ class DesktopProgram final : public DesktopRun {
   [[nodiscard]] std::string prepare() noexcept override;
   void begin() noexcept override;
   void setProgress(const DesktopProgress& progress) noexcept override;
+  void auditCopy(const DesktopCopy& copy, bool isCopied) noexcept override;
+  void addFailure(const std::string& source) noexcept override;
   void setPaused(bool isPaused) noexcept override;
   void end() noexcept override;
   [[nodiscard]] std::string paceText() noexcept override;
@@ -40,12 +42,17 @@ class DesktopProgram final : public DesktopRun {
  private:
   EngineOptions options_;
   bool isTrusted_ = false;
+  bool isWithoutAttributes_ = false;
   std::string bundlePath_;
   RunDescription description_;
   std::unique_ptr<InstallLock> lock_;
   std::optional<InstallTypePlace> installTypePlace_;  // from prepare() until the page has been left
   Mutex meterMutex_;
   ProgressMeter meter_ GUARDED_BY(meterMutex_);
+  Mutex auditMutex_;
+  std::optional<InstallAudit> audit_ GUARDED_BY(auditMutex_);  // since the page was entered
+  Failures failures_ GUARDED_BY(auditMutex_);                  // that it has found
+  bool hasFailed_ GUARDED_BY(auditMutex_) = false;             // as the page has reported
   RunResult result_;
 };
 

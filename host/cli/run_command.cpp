@@ -8,7 +8,6 @@
 #include "host/engine/run_engine.h"
 #include "host/log/log_records.h"
 #include "host/plain/plain_frontend.h"
-#include "host/set/unexamined_places.h"
 #include "host/terminal/terminal_frontend.h"
 #include "platform/installer_pane.h"
 
@@ -53,12 +52,6 @@ void refuse(const std::function<std::string()>& reason, Frontend frontend, Engin
   options.warnings.push_back(reason());
 }
 
-std::string missingAttributes(const InstallPlan& plan) {
-  return format(_("there is no .InstallationAttributes.dat beside the package in {0} or one folder above; use "
-                  "--without-attributes to install one disc without it"),
-                {plan.packageFolder});
-}
-
 // The plan, after all reasons to refuse it. None if the attributes file cannot be read: then the page finds
 // none, and copies no folder beside the package.
 std::optional<InstallPlan> checkedPlan(const RunArguments& arguments, Frontend frontend,
@@ -82,11 +75,7 @@ std::optional<InstallPlan> checkedPlan(const RunArguments& arguments, Frontend f
     options.failures.push_back(unreadableAttributes(options));
   }
   for (const UnexaminedPlace& place : unexaminedPlaces(*plan)) {
-    refuse(
-        [&place] {
-          return format(_("cannot read {0}: {1}"), {place.path, place.error.message()});
-        },
-        frontend, options);
+    refuse([&place] { return cannotExamine(place); }, frontend, options);
     options.failures.push_back({"not-readable", place.path, "", 0, place.error.message()});
   }
   return plan;

@@ -165,6 +165,16 @@ InstallPlan planFor(const EngineOptions& options) {
   return planInstall(request);
 }
 
+std::string missingAttributes(const InstallPlan& plan) {
+  return format(_("there is no .InstallationAttributes.dat beside the package in {0} or one folder above; use "
+                  "--without-attributes to install one disc without it"),
+                {plan.packageFolder});
+}
+
+std::string cannotExamine(const UnexaminedPlace& place) {
+  return format(_("cannot read {0}: {1}"), {place.path, place.error.message()});
+}
+
 event::AuditFailure unreadableAttributes(const EngineOptions& options) {
   return {"not-readable", packageFolderOf(packagePath(options)) + "/.InstallationAttributes.dat", "", 0, ""};
 }

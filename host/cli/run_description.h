@@ -2,6 +2,7 @@
 
 #include "host/engine/run_engine.h"
 #include "host/set/install_plan.h"
+#include "host/set/unexamined_places.h"
 #include "host/ui/introduction.h"
 #include "host/ui/run_result.h"
 
@@ -24,6 +25,10 @@ using FreeBytes = std::function<std::optional<std::int64_t>(const std::string& p
 // The plan of an installation on this machine. Throws UsageError if the attributes file cannot be read, or is
 // a pipe or the like.
 [[nodiscard]] InstallPlan planFor(const EngineOptions& options);
+
+// The reasons to refuse an installation of which it is not known what it consists of.
+[[nodiscard]] std::string missingAttributes(const InstallPlan& plan);
+[[nodiscard]] std::string cannotExamine(const UnexaminedPlace& place);
 
 // The failure of an install whose attributes file cannot be read: what it consists of is not known.
 [[nodiscard]] event::AuditFailure unreadableAttributes(const EngineOptions& options);

@@ -26,6 +26,13 @@ struct DesktopProgress {
   std::int64_t bytesWritten = 0;
 };
 
+// A copy of the page that has ended.
+struct DesktopCopy {
+  std::string source;
+  std::string destination;  // empty where there is none
+  std::int32_t volume = 0;  // from 1; 0 for a folder beside the package
+};
+
 class DesktopRun {
  public:
   [[nodiscard]] virtual const std::string& productName() const noexcept = 0;
@@ -41,6 +48,14 @@ class DesktopRun {
 
   // The bar has changed. Any thread.
   virtual void setProgress(const DesktopProgress& progress) noexcept = 0;
+
+  // Compares the copy with its source, which must still be mounted. `isCopied` is the page's own result. A
+  // thread of the page.
+  virtual void auditCopy(const DesktopCopy& copy, bool isCopied) noexcept = 0;
+
+  // The page reports a failure to the user, at this file of the source; empty while it copies none. A thread of
+  // the page.
+  virtual void addFailure(const std::string& source) noexcept = 0;
 
   // An alert is up; its time is not counted.
   virtual void setPaused(bool isPaused) noexcept = 0;

@@ -51,6 +51,7 @@ BOOL isFirstButton(const char* message, const std::string& text, const char* fir
 // The plug-in pane's methods beyond the public interface.
 @protocol CopyingPane
 - (long long)bytesWritten;
+- (void)setObserver:(id)observer;
 @end
 
 @implementation Installer
@@ -130,6 +131,9 @@ BOOL isFirstButton(const char* message, const std::string& text, const char* fir
   [[window_ continueButton] setEnabled:YES];
   [self watchBarIn:[pane contentView]];
   run_->begin();
+  if ([pane respondsToSelector:@selector(setObserver:)]) {
+    [(id)pane setObserver:self];
+  }
   [pane willEnterPane:direction];
   [pane didEnterPane:direction];
 }
@@ -159,6 +163,20 @@ BOOL isFirstButton(const char* message, const std::string& text, const char* fir
   id pane = [section_ activePane];
   const BOOL countsBytes = [pane respondsToSelector:@selector(bytesWritten)];
   run_->setProgress({[bar minValue], [bar maxValue], [bar doubleValue], countsBytes ? [pane bytesWritten] : 0});
+}
+
+// ---- What the pane reports, on its own threads ----
+
+- (void)pane:(id)pane
+     didCopy:(const char*)source
+          to:(const char*)destination
+      volume:(int)volume
+          ok:(BOOL)isCopied {
+  run_->auditCopy({source, destination != nullptr ? destination : "", volume}, isCopied);
+}
+
+- (void)pane:(id)pane didFailAt:(const char*)source {
+  run_->addFailure(source != nullptr ? source : "");
 }
 
 - (void)showPace:(NSTimer*)timer {

@@ -149,12 +149,9 @@ void Engine::copyBegun(const TreeCopy& copy) noexcept {
   const Lock lock(state_);
   bytesAtCopyBegin_ = snapshot_.bytesWritten;
   filesAtCopyBegin_ = snapshot_.filesDone;
-  // A folder beside the package belongs to no volume.
-  const std::string_view source = copy.source;
-  const bool isVolume = !snapshot_.sourceFolder.empty() && source.starts_with(snapshot_.sourceFolder);
+  const std::int32_t volume = volumeOf(copy.source, snapshot_);
   isCopying_ = true;
-  copy_ = {copy.source, textOrEmpty(copy.destination), isVolume ? snapshot_.currentVolumeNumber + 1 : 0,
-           isVolume ? snapshot_.volumeCount : 0};
+  copy_ = {copy.source, textOrEmpty(copy.destination), volume, volume > 0 ? snapshot_.volumeCount : 0};
   report(copy_);
 }
 

@@ -5,6 +5,7 @@
 #include "platform/installer_pane.h"
 
 #include <memory>
+#include <string>
 
 // Linked into the bundle; made for every host.
 extern "C" tavenhall::InstallerPane* createInstallDataPane(tavenhall::InstallerHost* host,
@@ -84,6 +85,20 @@ struct InstallDataPaneParts {
 
 - (long long)bytesWritten {
   return parts_->page->snapshot().bytesWritten;
+}
+
+- (void)setObserver:(id<InstallDataPaneObserver>)observer {
+  observer_ = observer;
+}
+
+- (void)didCopy:(const char*)source to:(const char*)destination ok:(BOOL)isCopied {
+  const int volume = tavenhall::volumeOf(source, parts_->page->snapshot());
+  [observer_ pane:self didCopy:source to:destination volume:volume ok:isCopied];
+}
+
+- (void)didFailWhileCopying:(BOOL)isCopying {
+  const std::string file = isCopying ? parts_->page->snapshot().currentFile : std::string();
+  [observer_ pane:self didFailAt:isCopying ? file.c_str() : nullptr];
 }
 
 - (void)doEntireInstall {

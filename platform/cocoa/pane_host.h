@@ -4,6 +4,7 @@
 #include "platform/installer_host.h"
 #include "platform/thread_start.h"
 
+#include <atomic>
 #include <deque>
 #include <map>
 #include <memory>
@@ -61,11 +62,12 @@ class PaneHost final : public InstallerHost {
   void setAnimationDuration(double seconds) noexcept override;
   void endAnimationGrouping() noexcept override;
 
+  void copyBegun(const TreeCopy& /*copy*/) noexcept override { isCopying_ = true; }
+  void copyFinished(const TreeCopy& copy, bool isCopied) noexcept override;
+
   // The installer does not ask for these.
   void pageThreadStarted(const char* /*name*/) noexcept override {}
   void pageThreadEnded(const char* /*name*/) noexcept override {}
-  void copyBegun(const TreeCopy& /*copy*/) noexcept override {}
-  void copyFinished(const TreeCopy& /*copy*/, bool /*isCopied*/) noexcept override {}
   void assertionTaken(const char* /*type*/, std::uint32_t /*level*/, const char* /*name*/) noexcept override {}
   void assertionReleased(const char* /*type*/) noexcept override {}
 
@@ -77,6 +79,7 @@ class PaneHost final : public InstallerHost {
   Button uiButton_;
   LayoutProgressIndicator progressIndicator_;
   PageThreads threads_;
+  std::atomic<bool> isCopying_ = false;
 };
 
 }  // namespace tavenhall

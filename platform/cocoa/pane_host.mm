@@ -32,7 +32,13 @@ void PaneHost::setPreviousEnabled(bool enabled) noexcept {
 int PaneHost::runModal(const Alert& alert) noexcept { return runModalAlert(alert); }
 
 void PaneHost::beginInformationalSheet(const Sheet& sheet) noexcept {
+  [pane_ didFailWhileCopying:isCopying_];
   tavenhall::beginInformationalSheet(sheet, [sheetsField_ window], pane_);
+}
+
+void PaneHost::copyFinished(const TreeCopy& copy, bool isCopied) noexcept {
+  isCopying_ = false;
+  [pane_ didCopy:copy.source to:copy.destination ok:isCopied];
 }
 
 void PaneHost::dispatchSync(void (*block)(void*), void* context) noexcept {

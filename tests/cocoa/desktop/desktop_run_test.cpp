@@ -18,6 +18,8 @@ using testing::HasSubstr;
 using testing::StartsWith;
 
 constexpr const char* kPackageArgument = "--package=/Users/tester/Downloads/Set/Installer.pkg";
+constexpr const char* kDiscA = "/Volumes/Tavenhall Tessaphon A";
+constexpr const char* kDiscB = "/Volumes/Tessaphon B";
 
 std::optional<ExitStatus> readArguments(DesktopProgram& run, std::vector<std::string> arguments) {
   arguments.insert(arguments.begin(), "tavinstall-desktop");
@@ -101,17 +103,79 @@ TEST_F(DesktopRuns, PreparingDoesThePreInstallStepAndKeepsASecondInstallOut) {
   EXPECT_NE(second.prepare(), "");
 }
 
-TEST_F(DesktopRuns, TheSummaryHasTheBytesThatThePageHasWritten) {
-  run_.begin();
-  run_.setProgress({0.0, 97656.25, 0.0, 0});
-  run_.setProgress({0.0, 97656.25, 50000.0, 51234567});
-  run_.setProgress({0.0, 1.0, 1.0, 51234567});  // how the page closes its bar
+// Two discs, each with a file that the page has copied.
+class DesktopAudit : public DesktopRuns {
+ protected:
+  void SetUp() override {
+    DesktopRuns::SetUp();
+    ASSERT_EQ(run_.prepare(), "");
+    run_.begin();
+    for (const char* disc : {kDiscA, kDiscB}) {
+      const std::string name = disc == std::string(kDiscA) ? "/a.db" : "/b.db";
+      writeFile(disc + ("/TANVO" + name), std::string(600, 'x'));
+      writeFile(kTanvo + name, std::string(600, 'x'));
+    }
+  }
+
+  void auditDisc(const char* disc, int volume) {
+    run_.auditCopy({disc + std::string("/TANVO"), kTanvo, volume}, true);
+  }
+
+  void expectFailure(const std::string& line) {
+    run_.end();
+    EXPECT_NE(run_.summary().heading.text, "The installation was successful.");
+    EXPECT_THAT(textOf(run_.summary()), Contains(HasSubstr(line)));
+    EXPECT_EQ(run_.exitStatus(), ExitStatus::failure);
+  }
+};
+
+TEST_F(DesktopAudit, ACompleteInstallIsASuccessOfAsManyBytesAsAreThere) {
+  auditDisc(kDiscA, 1);
+  auditDisc(kDiscB, 2);
   run_.end();
   EXPECT_EQ(run_.summary().heading.text, "The installation was successful.");
   EXPECT_THAT(textOf(run_.summary()),
-              ElementsAre(StartsWith("Installed  51.2 MB in "), "In         " + std::string(kTanvo),
-                          "Log        /Users/tester/Library/Caches/Tavenhall/installationLog.txt"));
+              ElementsAre(StartsWith("Installed  1.2 kB in "), "In         " + std::string(kTanvo)));
   EXPECT_EQ(run_.exitStatus(), ExitStatus::success);
+}
+
+TEST_F(DesktopAudit, AFileThatIsMissingIsNamedThoughTheLogDoesNot) {
+  std::filesystem::remove(std::string(kTanvo) + "/b.db");
+  auditDisc(kDiscA, 1);
+  auditDisc(kDiscB, 2);
+  expectFailure("b.db");
+}
+
+TEST_F(DesktopAudit, AFileThatThePageCouldNotWriteIsNamedThoughAnOlderOneIsThere) {
+  run_.addFailure(kDiscA + std::string("/TANVO/a.db"));
+  auditDisc(kDiscA, 1);
+  auditDisc(kDiscB, 2);
+  expectFailure("a.db");
+}
+
+TEST_F(DesktopAudit, ADiscThatWasNotCopiedIsNamed) {
+  auditDisc(kDiscA, 1);
+  expectFailure(kDiscB);
+}
+
+TEST_F(DesktopAudit, WhatThePageReportsIsAFailureEvenIfNoFileIs) {
+  run_.addFailure("");
+  auditDisc(kDiscA, 1);
+  auditDisc(kDiscB, 2);
+  expectFailure("Run the installer again");
+}
+
+TEST_F(DesktopRuns, AnInstallThatCopiedNothingIsNoSuccess) {
+  run_.begin();
+  run_.setProgress({0.0, 1.0, 1.0, 51234567});
+  run_.end();
+  EXPECT_EQ(run_.summary().heading.style, Style::bad);
+  EXPECT_EQ(run_.exitStatus(), ExitStatus::failure);
+}
+
+TEST_F(DesktopRuns, WithoutAnAttributesFileTheInstallIsRefused) {
+  std::filesystem::remove(std::string(kSet) + "/.InstallationAttributes.dat");
+  EXPECT_THAT(run_.prepare(), StartsWith("there is no .InstallationAttributes.dat beside the package in "));
 }
 
 TEST_F(DesktopRuns, AFailureInTheLogIsReportedAndMakesTheExitStatus) {
