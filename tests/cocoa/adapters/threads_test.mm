@@ -24,6 +24,17 @@
 namespace tavenhall {
 namespace {
 
+// GNUstep sets up its run loop on first use. While another thread sends its first message, the two can wait for
+// each other for ever.
+class SetUpRunLoop : public testing::Environment {
+  void SetUp() override {
+    @autoreleasepool {
+      [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode beforeDate:[NSDate date]];
+    }
+  }
+};
+const testing::Environment* const kSetUpRunLoop = testing::AddGlobalTestEnvironment(new SetUpRunLoop);
+
 using test::recordCall;
 using test::recordedCalls;
 using test::runMainLoopUntil;
