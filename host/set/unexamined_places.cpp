@@ -2,15 +2,14 @@
 
 #include "context/install_decisions.h"
 #include "context/installed_editions.h"
+#include "platform/host_system.h"
 
 #include <cerrno>
-#include <filesystem>
+#include <dirent.h>
 #include <sys/stat.h>
 #include <utility>
 
 namespace tavenhall {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -18,21 +17,26 @@ class Places {
  public:
   void examine(const std::string& path) {
     struct stat found {};
-    if (stat(path.c_str(), &found) != 0 && errno != ENOENT && errno != ENOTDIR) {
-      unexamined_.push_back({path, {errno, std::generic_category()}});
-    }
+    addUnlessMissing(path, stat(path.c_str(), &found) == 0 ? 0 : errno);
   }
 
   // Its names. There are none where it is missing.
   void list(const std::string& folder) {
-    std::error_code error;
-    fs::directory_iterator entry(folder, error);
-    while (!error && entry != fs::directory_iterator()) {
-      entry.increment(error);
+    DIR* listing = opendir(folder.c_str());
+    if (listing == nullptr) {
+      addUnlessMissing(folder, errno);
+      return;
     }
-    if (error && error != std::errc::no_such_file_or_directory && error != std::errc::not_a_directory) {
-      unexamined_.push_back({folder, error});
+    bool isListed = false;
+    do {
+      errno = 0;
+    } while (readdir(listing) != nullptr && (isListed = true));
+    if (errno != 0) {
+      add(folder, errno);
+    } else if (!isListed && listsDots(dirfd(listing))) {
+      add(folder, ENOENT);  // which readdir() takes for the end
     }
+    closedir(listing);
   }
 
   // As the observer of installedEditionIsLite().
@@ -48,6 +52,15 @@ class Places {
   std::vector<UnexaminedPlace> take() { return std::move(unexamined_); }
 
  private:
+  void add(const std::string& path, int error) {
+    unexamined_.push_back({path, {error, std::generic_category()}});
+  }
+  void addUnlessMissing(const std::string& path, int error) {
+    if (error != 0 && error != ENOENT && error != ENOTDIR) {
+      add(path, error);
+    }
+  }
+
   std::vector<UnexaminedPlace> unexamined_;
 };
 
