@@ -134,7 +134,7 @@ std::vector<Line> resultLines(const RunResult& result, int width) {
             ? plural("{0} failure. Fix the problem below, then run the installer again.",
                      "{0} failures. Fix the problems below, then run the installer again.",
                      result.failures.count)
-            : _("The log names no file. Run the installer again to complete the installation.");
+            : _("It is not known which file is missing. Run the installer again to complete the installation.");
     append(lines, wrappedLines(whatToDo, width));
     lines.emplace_back();
     append(lines, labelledLines(copied, installedAmountText(result), indent, width));

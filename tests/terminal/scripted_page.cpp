@@ -71,6 +71,7 @@ class ScriptedPage final : public InstallerPane {
   explicit ScriptedPage(InstallerHost& host) : InstallerPane(host) {}
 
   void didEnterPane(std::int64_t /*direction*/) noexcept override {
+    writeLog("The page is entered.");  // as the real page does, so that a frontend names the log
     script_ = std::make_unique<std::ifstream>("/tmp/page-script");
     for (std::string line; std::getline(*script_, line);) {
       if (line == "thread") {

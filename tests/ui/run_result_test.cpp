@@ -103,8 +103,9 @@ TEST_F(RunResults, WithoutALogThereIsStillAnOutcome) {
   RunResult result = resultWith(ExitStatus::failure);
   result.failures = failuresInLog("/tmp/no log", 0);
   EXPECT_EQ(result.failures.count, 0);
-  EXPECT_THAT(textOf(resultLines(result, 100)),
-              Contains("The log names no file. Run the installer again to complete the installation."));
+  EXPECT_THAT(
+      textOf(resultLines(result, 100)),
+      Contains("It is not known which file is missing. Run the installer again to complete the installation."));
 }
 
 TEST_F(RunResults, MoreFailuresThanCanBeNamedAreCounted) {
