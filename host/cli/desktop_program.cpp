@@ -174,11 +174,11 @@ void DesktopProgram::begin() noexcept {
   });
 }
 
-void DesktopProgram::auditCopy(const DesktopCopy& copy, bool isCopied) noexcept {
+void DesktopProgram::auditCopy(const event::CopyBegin& copy, bool isCopied) noexcept {
   orElse(false, [&] {
     const Lock lock(auditMutex_);
     hasFailed_ = hasFailed_ || !isCopied;
-    audit_->compare({copy.source, copy.destination, copy.volume, 0});
+    audit_->compare(copy);
     return true;
   });
 }
@@ -219,7 +219,7 @@ void DesktopProgram::end() noexcept {
     const Lock auditLock(auditMutex_);
     audit_->requireCopies(options_.copies, options_.failures);
     const event::Audit& sums = audit_->sums();
-    const bool isInstalled = !hasFailed_ && sums.failures == 0 && sums.files > 0;
+    const bool isInstalled = !hasFailed_ && sums.isClean();
     result_.status = isInstalled ? ExitStatus::success : ExitStatus::failure;
     result_.hasSummary = true;
     result_.bytes = static_cast<double>(sums.bytes);

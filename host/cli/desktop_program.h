@@ -31,7 +31,7 @@ class DesktopProgram final : public DesktopRun {
   [[nodiscard]] std::string prepare() noexcept override;
   void begin() noexcept override;
   void setProgress(const DesktopProgress& progress) noexcept override;
-  void auditCopy(const DesktopCopy& copy, bool isCopied) noexcept override;
+  void auditCopy(const event::CopyBegin& copy, bool isCopied) noexcept override;
   void addFailure(const std::string& source) noexcept override;
   void setPaused(bool isPaused) noexcept override;
   void end() noexcept override;

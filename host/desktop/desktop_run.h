@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/base/exit_status.h"
+#include "host/protocol/messages.h"
 #include "host/ui/styled_text.h"
 
 #include <cstdint>
@@ -8,8 +9,8 @@
 #include <vector>
 
 // The run that the window shows: the texts before and after the page, the pre-install step, and the numbers
-// beside the bar. Main thread, unless a function says otherwise. Nothing here
-// throws, so Objective-C can call it.
+// beside the bar. Main thread, unless a function says otherwise. Nothing here throws, so Objective-C can call
+// it.
 namespace tavenhall {
 
 // One of the installer's own pages: a heading and unwrapped lines.
@@ -24,13 +25,6 @@ struct DesktopProgress {
   double maximum = 0.0;
   double value = 0.0;
   std::int64_t bytesWritten = 0;
-};
-
-// A copy of the page that has ended.
-struct DesktopCopy {
-  std::string source;
-  std::string destination;  // empty where there is none
-  std::int32_t volume = 0;  // from 1; 0 for a folder beside the package
 };
 
 class DesktopRun {
@@ -49,9 +43,9 @@ class DesktopRun {
   // The bar has changed. Any thread.
   virtual void setProgress(const DesktopProgress& progress) noexcept = 0;
 
-  // Compares the copy with its source, which must still be mounted. `isCopied` is the page's own result. A
-  // thread of the page.
-  virtual void auditCopy(const DesktopCopy& copy, bool isCopied) noexcept = 0;
+  // Compares a copy that has ended with its source, which must still be mounted. `isCopied` is the page's own
+  // result. A thread of the page.
+  virtual void auditCopy(const event::CopyBegin& copy, bool isCopied) noexcept = 0;
 
   // The page reports a failure to the user, at this file of the source; empty while it copies none. A thread of
   // the page.

@@ -165,6 +165,15 @@ BOOL isFirstButton(const char* message, const std::string& text, const char* fir
   run_->setProgress({[bar minValue], [bar maxValue], [bar doubleValue], countsBytes ? [pane bytesWritten] : 0});
 }
 
+- (void)showPace:(NSTimer*)timer {
+  if (stage_ == StageSection) {
+    const BOOL isAsking = [NSApp modalWindow] != nil;
+    run_->setPaused(isAsking);
+    const BOOL isCopying = !isAsking && ![[section_ activePane] nextEnabled];
+    [window_ setPace:isCopying ? nsString(run_->paceText()) : @""];
+  }
+}
+
 // ---- What the pane reports, on its own threads ----
 
 - (void)pane:(id)pane
@@ -177,15 +186,6 @@ BOOL isFirstButton(const char* message, const std::string& text, const char* fir
 
 - (void)pane:(id)pane didFailAt:(const char*)source {
   run_->addFailure(source != nullptr ? source : "");
-}
-
-- (void)showPace:(NSTimer*)timer {
-  if (stage_ == StageSection) {
-    const BOOL isAsking = [NSApp modalWindow] != nil;
-    run_->setPaused(isAsking);
-    const BOOL isCopying = !isAsking && ![[section_ activePane] nextEnabled];
-    [window_ setPace:isCopying ? nsString(run_->paceText()) : @""];
-  }
 }
 
 // ---- Requests of the section ----

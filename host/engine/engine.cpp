@@ -194,8 +194,7 @@ bool Engine::nextIsEnabled() const {
 }
 
 bool Engine::isInstalled() const {
-  return summary_.hasLeft && !hasFailedCopy_ && summary_.sheets.empty() && summary_.audit.failures == 0 &&
-         summary_.audit.files > 0;
+  return summary_.hasLeft && !hasFailedCopy_ && summary_.sheets.empty() && summary_.audit.isClean();
 }
 
 bool Engine::isSuccess() const {

@@ -128,7 +128,6 @@ class Engine final : private InstallerHost {
   void takeSnapshot() EXCLUDES(state_);
   void beginAudits() EXCLUDES(state_);
   void reportFailure(const event::AuditFailure& failure) EXCLUDES(state_);
-  [[nodiscard]] event::CopyBegin copyNow() const EXCLUDES(state_);
   [[nodiscard]] bool isInstalled() const REQUIRES(state_);
 
   using Clock = std::chrono::steady_clock;

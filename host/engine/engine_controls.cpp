@@ -157,22 +157,19 @@ void Engine::copyBegun(const TreeCopy& copy) noexcept {
 
 void Engine::copyFinished(const TreeCopy& copy, bool isCopied) noexcept {
   takeSnapshot();
+  event::CopyBegin ended;
   {
     const Lock lock(state_);
+    ended = copy_;
     isCopying_ = false;
     hasFailedCopy_ = hasFailedCopy_ || !isCopied;
     report(event::CopyEnd{copy.source, textOrEmpty(copy.destination), isCopied,
                           snapshot_.bytesWritten - bytesAtCopyBegin_, snapshot_.filesDone - filesAtCopyBegin_});
   }
-  const event::Audit audit = audit_->compare(copyNow());
+  const event::Audit audit = audit_->compare(ended);
   const Lock lock(state_);
   summary_.audit = audit_->sums();
   report(audit);
-}
-
-event::CopyBegin Engine::copyNow() const {
-  const Lock lock(state_);
-  return copy_;
 }
 
 void Engine::beginAudits() {

@@ -96,6 +96,9 @@ struct Audit {
   std::int64_t bytes = 0;    // of these files
   std::int64_t skipped = 0;  // entries that the page does not install by design
   std::int64_t failures = 0;
+
+  // Nothing that was installed is no success.
+  [[nodiscard]] bool isClean() const { return failures == 0 && files > 0; }
 };
 
 // An entry of the tree that is not installed as it should be; before the tree's Audit.

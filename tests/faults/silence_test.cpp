@@ -23,9 +23,8 @@ constexpr const char* kPluginsSignature =
     "Library/Audio/Plug-Ins/VST/Tessaphon.vst/Contents/Resources/__Pace_Eden/Signatures/codesign.dsig";
 
 constexpr const char* kMarker =
-    "/Users/tester/Library/Application Support/Tavenhall/TANVO/Tessaphon/Soundsources/Factory/Tessaphon "
-    "Library/"
-    "Keyboards/Glassophone.db";
+    "/Users/tester/Library/Application Support/Tavenhall/TANVO/Tessaphon/Soundsources/Factory/"
+    "Tessaphon Library/Keyboards/Glassophone.db";
 
 void layDownload(const std::string& attributes = "Mode = DataUpdater\nRelativePath = .\n") {
   layTree(kSet, {textFile(".InstallationAttributes.dat", attributes), textFile("Installer.pkg", ""),
