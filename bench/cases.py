@@ -151,18 +151,14 @@ class Growth:
 
 @dataclass(frozen=True)
 class SystemCalls:
-    """What the page asks of the system for a file and for a megabyte, beyond what it asks for none."""
+    """What the page asks of the system for a file and for a megabyte, beyond what a smaller install takes."""
 
     name: str
     title: str
 
     def run(self, arena, options):
-        nothing, files, bytes_ = (
-            self._count(arena, options, tree)
-            for tree in (trees.small_files(0), trees.small_files(1000), trees.one_file(100 * 2**20))
-        )
-        per_file = {call: (files[call] - nothing.get(call, 0)) / 1000 for call in files}
-        per_megabyte = {call: (bytes_[call] - nothing.get(call, 0)) / 100 for call in bytes_}
+        per_file = self._growth(arena, options, trees.small_files(100), trees.small_files(1100), 1000)
+        per_megabyte = self._growth(arena, options, trees.one_file(0), trees.one_file(100 * 2**20), 100)
         calls = sorted(set(per_file) | set(per_megabyte), key=lambda call: -per_file.get(call, 0))
         rows = [(call, f"{per_file.get(call, 0):.2f}", f"{per_megabyte.get(call, 0):.2f}") for call in calls
                 if max(per_file.get(call, 0), per_megabyte.get(call, 0)) >= 0.05]  # fmt: skip
@@ -171,6 +167,11 @@ class SystemCalls:
         section = Section(self.title, ("call", "a file", "a megabyte"), rows, note)
         _print_rows(section)
         return section
+
+    def _growth(self, arena, options, smaller, larger, steps):
+        before = self._count(arena, options, smaller)
+        after = self._count(arena, options, larger)
+        return {call: (after[call] - before.get(call, 0)) / steps for call in after}
 
     def _count(self, arena, options, tree):
         arena.lay_source(tree)

@@ -218,6 +218,9 @@ void DesktopProgram::end() noexcept {
     meter_.finish(Clock::now());
     const Lock auditLock(auditMutex_);
     audit_->requireCopies(options_.copies, options_.failures);
+    if (!hasFailed_) {
+      audit_->requireFiles();
+    }
     const event::Audit& sums = audit_->sums();
     const bool isInstalled = !hasFailed_ && sums.isClean();
     result_.status = isInstalled ? ExitStatus::success : ExitStatus::failure;

@@ -193,9 +193,11 @@ bool Engine::nextIsEnabled() const {
   return isNextEnabled_;
 }
 
-bool Engine::isInstalled() const {
-  return summary_.hasLeft && !hasFailedCopy_ && summary_.sheets.empty() && summary_.audit.isClean();
+bool Engine::pageIsContent() const {
+  return summary_.hasLeft && !hasFailedCopy_ && summary_.sheets.empty();
 }
+
+bool Engine::isInstalled() const { return pageIsContent() && summary_.audit.isClean(); }
 
 bool Engine::isSuccess() const {
   const Lock lock(state_);

@@ -128,6 +128,8 @@ class Engine final : private InstallerHost {
   void takeSnapshot() EXCLUDES(state_);
   void beginAudits() EXCLUDES(state_);
   void reportFailure(const event::AuditFailure& failure) EXCLUDES(state_);
+  // The page was left forwards and has reported no failure.
+  [[nodiscard]] bool pageIsContent() const REQUIRES(state_);
   [[nodiscard]] bool isInstalled() const REQUIRES(state_);
 
   using Clock = std::chrono::steady_clock;

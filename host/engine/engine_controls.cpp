@@ -197,6 +197,14 @@ void Engine::requireCopies(const std::vector<ExpectedCopy>& expected,
     }
   }
   audit_->requireCopies(expected, failures);
+  bool needsFiles = false;
+  {
+    const Lock lock(state_);
+    needsFiles = pageIsContent();
+  }
+  if (needsFiles) {
+    audit_->requireFiles();
+  }
   const Lock lock(state_);
   summary_.audit = audit_->sums();
 }

@@ -98,4 +98,12 @@ void InstallAudit::requireCopies(const std::vector<ExpectedCopy>& expected,
   std::for_each(failures.begin(), failures.end(), add);
 }
 
+void InstallAudit::requireFiles() {
+  if (sums_.files == 0 && sums_.failures == 0) {
+    const event::CopyBegin last = copies_.empty() ? event::CopyBegin{} : copies_.back();
+    ++sums_.failures;
+    report_({"no-files", last.source, last.destination, last.volume, ""});
+  }
+}
+
 }  // namespace tavenhall

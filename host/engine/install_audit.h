@@ -40,6 +40,9 @@ class InstallAudit {
   void requireCopies(const std::vector<ExpectedCopy>& expected,
                      const std::vector<event::AuditFailure>& failures);
 
+  // Reports it as a failure if there is neither an installed file nor a failure so far.
+  void requireFiles();
+
   // The sums of all copies, and the number of all failures.
   [[nodiscard]] const event::Audit& sums() const { return sums_; }
 

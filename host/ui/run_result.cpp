@@ -20,8 +20,9 @@ struct ProblemText {
 
 // In the order in which they are listed. "not-found", "source", "folder", "target" and "command" are a log's
 // names.
-constexpr std::array<ProblemText, 18> kProblemTexts{{
+constexpr std::array<ProblemText, 19> kProblemTexts{{
     {"no-destination", N_("No destination")},
+    {"no-files", N_("No file to install")},
     {"not-copied", N_("Not copied")},
     {"same-source", N_("Copied again instead of the next disc")},
     {"not-found", N_("Not found on the disc or beside the package")},
@@ -98,7 +99,10 @@ std::string failureText(const FailedEntry& failure) {
       std::find_if(kProblemTexts.begin(), kProblemTexts.end(),
                    [&failure](const ProblemText& text) { return text.problem == failure.problem; });
   const std::string name = failure.detail.empty() ? failure.name : failure.name + " (" + failure.detail + ")";
-  return row != kProblemTexts.end() ? format("{0}: {1}", {_(row->text), name}) : name;
+  if (row == kProblemTexts.end()) {
+    return name;
+  }
+  return name.empty() ? _(row->text) : format("{0}: {1}", {_(row->text), name});
 }
 
 ExitStatus RunResult::exitStatus() const {

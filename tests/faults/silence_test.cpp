@@ -106,6 +106,14 @@ TEST(Silence, ASignatureThatIsNotCopiedIsNamedByTheAudit) {
               Contains(AllOf(HasSubstr("copying AAX signature with command:"), HasSubstr(kPluginsSignature))));
 }
 
+TEST(Silence, ASetWithoutAFileIsNotInstalled) {
+  layDownload();
+  std::filesystem::remove(std::string(kSet) + "/TANVO/a.db");
+  const GatedRun run = installWith([](const FileCall&) { return kPass; });
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.output, HasSubstr(std::string("\n! No file to install: ") + kSet + "/./TANVO\n"));
+}
+
 TEST(Silence, ALogThatCannotBeWrittenIsNotNamedThoughAnEarlierOneIsThere) {
   layDownload();
   writeFile(kLog, "of an earlier run\n");
