@@ -193,9 +193,7 @@ bool Engine::nextIsEnabled() const {
   return isNextEnabled_;
 }
 
-bool Engine::pageIsContent() const {
-  return summary_.hasLeft && !hasFailedCopy_ && summary_.sheets.empty();
-}
+bool Engine::pageIsContent() const { return summary_.hasLeft && !hasFailedCopy_ && summary_.sheets.empty(); }
 
 bool Engine::isInstalled() const { return pageIsContent() && summary_.audit.isClean(); }
 
