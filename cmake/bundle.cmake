@@ -19,21 +19,6 @@ function(fit_bundle_for_gnustep bundle)
   file(CREATE_LINK ../Info.plist ${bundle}/Contents/Resources/Info-gnustep.plist SYMBOLIC)
 endfunction()
 
-# What the Installer of macOS wants: the compiled layout, and a signature over everything, so made last. Ad hoc; a
-# release signs anew.
-function(finish_bundle_for_macos bundle)
-  set(layout ${PROJECT_SOURCE_DIR}/resources/InstallDataPane.xib)
-  set(signature ${bundle}/Contents/_CodeSignature/CodeResources)
-  file(GLOB_RECURSE texts ${bundle}/Contents/*.plist ${bundle}/Contents/*.strings)
-  add_custom_command(
-    OUTPUT ${signature}
-    COMMAND ibtool --compile ${bundle}/Contents/Resources/InstallDataPane.nib ${layout}
-    COMMAND codesign --force --sign - ${bundle}
-    DEPENDS ${bundle}/Contents/MacOS/InstallDataPane ${layout} ${texts}
-    VERBATIM)
-  set_property(GLOBAL APPEND PROPERTY TAVENHALL_BUNDLE_PROGRAMS ${signature})
-endfunction()
-
 function(add_plugin_bundle bundle_name plugin_name folder_name)
   set(contents ${PROJECT_BINARY_DIR}/${bundle_name}/Contents)
   set(PLUGIN_NAME ${plugin_name})
@@ -45,18 +30,30 @@ function(add_plugin_bundle bundle_name plugin_name folder_name)
     configure_file(${PROJECT_SOURCE_DIR}/resources/${language}.lproj/InfoPlist.strings
                    ${contents}/Resources/${language}.lproj/InfoPlist.strings COPYONLY)
   endforeach()
-  add_custom_command(
-    OUTPUT ${contents}/MacOS/InstallDataPane
-    COMMAND ${CMAKE_COMMAND} -E make_directory ${contents}/MacOS
-    COMMAND ${CMAKE_COMMAND} -E copy $<TARGET_FILE:InstallDataPane> ${contents}/MacOS/InstallDataPane
-    DEPENDS InstallDataPane
-    VERBATIM)
+  set(program ${contents}/MacOS/InstallDataPane)
+  set(parts ${program})
   if(TAVINSTALL_COCOA AND APPLE)
-    finish_bundle_for_macos(${PROJECT_BINARY_DIR}/${bundle_name})
+    # What the Installer of macOS wants: the compiled layout, and a signature over everything, so made last; signing
+    # also writes into the program. Ad hoc; a release signs anew.
+    set(layout ${PROJECT_SOURCE_DIR}/resources/InstallDataPane.xib)
+    set(compiled_layout ${contents}/Resources/InstallDataPane.nib)
+    set(signature ${contents}/_CodeSignature/CodeResources)
+    file(GLOB_RECURSE texts ${contents}/*.plist ${contents}/*.strings)
+    list(APPEND parts ${compiled_layout} ${signature})
+    set(finish
+      COMMAND ibtool --minimum-deployment-target ${CMAKE_OSX_DEPLOYMENT_TARGET} --compile ${compiled_layout} ${layout}
+      COMMAND codesign --force --sign - ${PROJECT_BINARY_DIR}/${bundle_name})
   elseif(TAVINSTALL_COCOA)
     fit_bundle_for_gnustep(${PROJECT_BINARY_DIR}/${bundle_name})
   endif()
-  set_property(GLOBAL APPEND PROPERTY TAVENHALL_BUNDLE_PROGRAMS ${contents}/MacOS/InstallDataPane)
+  add_custom_command(
+    OUTPUT ${parts}
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${contents}/MacOS
+    COMMAND ${CMAKE_COMMAND} -E copy $<TARGET_FILE:InstallDataPane> ${program}
+    ${finish}
+    DEPENDS InstallDataPane ${layout} ${texts}
+    VERBATIM)
+  set_property(GLOBAL APPEND PROPERTY TAVENHALL_BUNDLE_PROGRAMS ${parts})
   install(DIRECTORY ${PROJECT_BINARY_DIR}/${bundle_name}
           DESTINATION ${CMAKE_INSTALL_LIBDIR}/tavinstall USE_SOURCE_PERMISSIONS)
 endfunction()

@@ -13,13 +13,11 @@ set(CMAKE_DISABLE_PRECOMPILE_HEADERS ON)
 add_library(objective_cxx INTERFACE)
 target_include_directories(objective_cxx INTERFACE ${PROJECT_SOURCE_DIR}/platform/cocoa/include)
 
-# The installer's own classes are those of the program that shows the plug-in, as on GNUstep.
 if(APPLE)
-  target_link_libraries(objective_cxx INTERFACE "-framework AppKit" "-framework CoreServices" "-framework IOKit")
-  foreach(class InstallerPane InstallerSection)
-    target_link_options(objective_cxx INTERFACE
-      LINKER:-U,_OBJC_CLASS_$_${class} LINKER:-U,_OBJC_METACLASS_$_${class})
-  endforeach()
+  # The page is required to use some calls that newer ones have replaced.
+  target_compile_options(objective_cxx INTERFACE -Wno-deprecated-declarations)
+  target_link_libraries(objective_cxx INTERFACE objc
+    "-framework AppKit" "-framework CoreFoundation" "-framework CoreServices" "-framework Foundation" "-framework IOKit")
   return()
 endif()
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdint>
 #include <unicase.h>
 #include <unistr.h>
 
@@ -10,8 +9,9 @@ namespace tavenhall {
 
 namespace {
 
-const std::uint8_t* bytesOf(std::string_view text) {
-  return reinterpret_cast<const std::uint8_t*>(text.data());
+// Not std::uint8_t: the library's headers may make a macro of that name.
+const unsigned char* bytesOf(std::string_view text) {
+  return reinterpret_cast<const unsigned char*>(text.data());
 }
 
 struct Piece {
@@ -33,7 +33,7 @@ Piece firstPiece(std::string_view text) {
 
 void appendUtf8(std::string& text, ucs4_t character) {
   constexpr ucs4_t kReplacement = 0xFFFD;
-  std::array<std::uint8_t, 6> bytes{};
+  std::array<unsigned char, 6> bytes{};
   int length = u8_uctomb(bytes.data(), character, bytes.size());
   if (length < 0) {
     length = u8_uctomb(bytes.data(), kReplacement, bytes.size());

@@ -11,7 +11,7 @@ typedef NS_ENUM(NSInteger, InstallerStage) { StageIntroduction, StageSection, St
 
 // The installer around the section: shows its own first and last page, does the pre-install step, enters and
 // leaves the section's panes. The application's delegate. Main thread, except for calls of the panes.
-@interface Installer : NSObject <SectionInstaller> {
+@interface Installer : NSObject <NSApplicationDelegate, NSWindowDelegate, SectionInstaller> {
  @private
   tavenhall::DesktopRun* run_;
   InstallerWindow* window_;

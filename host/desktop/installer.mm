@@ -14,7 +14,6 @@ namespace {
 using tavenhall::_;
 using tavenhall::DesktopText;
 using tavenhall::ExitStatus;
-using tavenhall::Style;
 
 // No destructor may run while a page thread runs.
 [[noreturn]] void endProcess(ExitStatus status) {
@@ -71,7 +70,7 @@ BOOL isFirstButton(const char* message, const std::string& text, const char* fir
   }
   const std::string title = tavenhall::format(_("Install {0}"), {run_->productName()});
   window_ = [[InstallerWindow alloc] initWithTitle:nsString(title) target:self];
-  [window_ setDelegate:(id)self];
+  [window_ setDelegate:self];
   [self showIntroduction];
   [window_ makeKeyAndOrderFront:nil];
   [NSApp activateIgnoringOtherApps:YES];
@@ -86,9 +85,9 @@ BOOL isFirstButton(const char* message, const std::string& text, const char* fir
 }
 
 - (void)showText:(const DesktopText&)text {
-  const unsigned color = text.heading.style == Style::good  ? palette::kGood
-                         : text.heading.style == Style::bad ? palette::kBad
-                                                            : palette::kText;
+  const unsigned color = text.heading.style == tavenhall::Style::good  ? palette::kGood
+                         : text.heading.style == tavenhall::Style::bad ? palette::kBad
+                                                                       : palette::kText;
   [window_ setHeading:nsString(text.heading.text) color:paletteColor(color)];
   [window_ setPage:textPage(attributedText(text.lines), [window_ pageFrame])];
 }

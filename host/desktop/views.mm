@@ -83,24 +83,23 @@ namespace {
 
 using tavenhall::Line;
 using tavenhall::Span;
-using tavenhall::Style;
 
 constexpr CGFloat kSmallestLabelColumn = 68.0;
 constexpr CGFloat kLabelGap = 12.0;
 constexpr CGFloat kInset = 14.0;
 
-unsigned colorOf(Style style) {
+unsigned colorOf(tavenhall::Style style) {
   switch (style) {
-    case Style::dim: return palette::kQuietText;
-    case Style::good: return palette::kGood;
-    case Style::warning:
-    case Style::bad: return palette::kBad;
+    case tavenhall::Style::dim: return palette::kQuietText;
+    case tavenhall::Style::good: return palette::kGood;
+    case tavenhall::Style::warning:
+    case tavenhall::Style::bad: return palette::kBad;
     default: return palette::kText;
   }
 }
 
 // `labelColumn` is 0 where there are no labels.
-NSDictionary* attributesOf(Style style, CGFloat labelColumn) {
+NSDictionary* attributesOf(tavenhall::Style style, CGFloat labelColumn) {
   NSMutableParagraphStyle* paragraph = [[[NSMutableParagraphStyle alloc] init] autorelease];
   [paragraph setParagraphSpacing:3.0];
   if (labelColumn > 0.0) {
@@ -109,7 +108,8 @@ NSDictionary* attributesOf(Style style, CGFloat labelColumn) {
     [paragraph setHeadIndent:labelColumn];
     [paragraph setLineBreakMode:NSLineBreakByCharWrapping];  // beside a label stands a path
   }
-  NSFont* font = style == Style::strong ? [NSFont boldSystemFontOfSize:13.0] : [NSFont systemFontOfSize:13.0];
+  NSFont* font =
+      style == tavenhall::Style::strong ? [NSFont boldSystemFontOfSize:13.0] : [NSFont systemFontOfSize:13.0];
   return [NSDictionary dictionaryWithObjectsAndKeys:font, NSFontAttributeName, paletteColor(colorOf(style)),
                                                     NSForegroundColorAttributeName, paragraph,
                                                     NSParagraphStyleAttributeName, nil];
@@ -150,7 +150,7 @@ NSAttributedString* attributedText(const std::vector<Line>& lines) {
       append(all, isLabel ? [labelOf(line) stringByAppendingString:@"\t"] : nsString(span.text),
              attributesOf(span.style, isLabelled(line) ? labelColumn : 0.0));
     }
-    append(all, @"\n", attributesOf(Style::text, 0.0));
+    append(all, @"\n", attributesOf(tavenhall::Style::text, 0.0));
   }
   return all;
 }

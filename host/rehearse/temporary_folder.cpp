@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <string>
 #include <system_error>
+#include <unistd.h>  // mkdtemp, on macOS
 
 namespace tavenhall {
 

@@ -33,11 +33,10 @@
   [super dealloc];
 }
 
-// AppKit takes the message for a format, so its percent signs are escaped.
 - (void)begin {
   tavenhall::adapt("a sheet", [&] {
-    NSString* format = [message_ stringByReplacingOccurrencesOfString:@"%" withString:@"%%"];
-    NSBeginInformationalAlertSheet(nil, defaultButton_, nil, nil, window_, delegate_, NULL, NULL, NULL, format);
+    NSBeginInformationalAlertSheet(nil, defaultButton_, nil, nil, window_, delegate_, NULL, NULL, NULL, @"%@",
+                                   message_);
   });
 }
 

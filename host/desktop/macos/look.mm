@@ -7,7 +7,7 @@
 
 void setUpLanguages() {}
 
-void setUpFonts(const std::string& language) {}
+void setUpFonts(const std::string& /*language*/) {}
 
 bool setUpLook() {
   [NSApp setActivationPolicy:NSApplicationActivationPolicyRegular];
