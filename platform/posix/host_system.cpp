@@ -4,10 +4,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
-// With POSIX alone, for systems without a backend of their own; programPath() is in their folder.
+// With POSIX alone, for systems that have nothing better.
 namespace tavenhall {
 
 int openMemoryFile() noexcept {
@@ -19,24 +18,6 @@ int openMemoryFile() noexcept {
   std::fclose(file);
   return descriptor;
 }
-
-bool listsDots(int /*folder*/) noexcept { return false; }
-
-int openSandboxFilter() noexcept { return -1; }
-
-GroupWriters groupWritersOf(const char* /*path*/, mode_t mode, uid_t /*owner*/) noexcept {
-  return {.owningGroup = (mode & S_IWGRP) != 0};
-}
-
-void forbidTracing() noexcept {}
-
-void closeDescriptorsOnExec() noexcept {
-  for (long descriptor = STDERR_FILENO + 1; descriptor < sysconf(_SC_OPEN_MAX); ++descriptor) {
-    fcntl(static_cast<int>(descriptor), F_SETFD, FD_CLOEXEC);
-  }
-}
-
-void endWithParentProcess() noexcept {}
 
 WakeUp::WakeUp() noexcept {
   int ends[2];

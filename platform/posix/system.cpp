@@ -37,9 +37,6 @@ bool firstUserSearchPath(SearchPath which, std::string& path) noexcept {
   return true;
 }
 
-// Finder's aliases are a thing of macOS alone.
-bool resolveAlias(const char* /*path*/, std::string& /*target*/) noexcept { return false; }
-
 bool detachNewThread(InstallerHost& host, const char* name, void (*body)(void*), void* target) noexcept {
   const auto start = std::make_shared<ThreadStart>(host, name, body, target);
   auto handed = std::make_unique<SharedStart>(start);
