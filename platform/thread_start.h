@@ -2,9 +2,14 @@
 
 #include "platform/installer_host.h"
 
+#include <cstddef>
 #include <semaphore>
 
 namespace tavenhall {
+
+// A walk down a folder tree recurses. The default of some systems' threads is too small for the deepest: 512 kB
+// on macOS, which is some 170 folders.
+inline constexpr std::size_t kPageThreadStack = 8388608;  // bytes
 
 // A page's thread, between the one that starts it and itself. It ensures the order of the notifications:
 // of the start before the body runs, of the end after it. Both hold it until they are done with it.

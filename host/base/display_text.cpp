@@ -214,7 +214,8 @@ std::string truncatePath(std::string_view path, int width) {
   while (!shown.empty() && widthOf(shown) > room) {
     shown = shown.subspan(1);
   }
-  const auto folder = std::ranges::find_if(shown, [](const Cluster& cluster) { return cluster.is('/'); });
+  const auto folder =
+      std::find_if(shown.begin(), shown.end(), [](const Cluster& cluster) { return cluster.is('/'); });
   const bool isWithinName = folder == shown.end();
   return ellipsis() +
          textOf(isWithinName ? shown : shown.subspan(static_cast<std::size_t>(folder - shown.begin())));

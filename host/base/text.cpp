@@ -135,7 +135,7 @@ std::string printableText(std::string_view text) {
 
 std::string printableLine(std::string_view text) {
   std::string line = printableText(text);
-  std::ranges::replace(line, '\n', '?');
+  std::replace(line.begin(), line.end(), '\n', '?');
   return line;
 }
 

@@ -218,7 +218,8 @@ void DesktopProgram::end() noexcept {
     meter_.finish(Clock::now());
     const Lock auditLock(auditMutex_);
     audit_->requireCopies(options_.copies, options_.failures);
-    if (!hasFailed_) {
+    Failures inLog = failuresInLog(description_.log, description_.logStart);
+    if (!hasFailed_ && inLog.count == 0) {
       audit_->requireFiles();
     }
     const event::Audit& sums = audit_->sums();
@@ -229,7 +230,7 @@ void DesktopProgram::end() noexcept {
     result_.time = meter_.passed(Clock::now());
     result_.destination = description_.introduction.destination;
     result_.log = description_.writtenLog();
-    result_.failures = failures_.count > 0 ? failures_ : failuresInLog(description_.log, description_.logStart);
+    result_.failures = failures_.count > 0 ? failures_ : std::move(inLog);
     return true;
   });
 }

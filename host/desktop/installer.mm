@@ -189,15 +189,39 @@ BOOL isFirstButton(const char* message, const std::string& text, const char* fir
 
 // ---- Requests of the section ----
 
+// The page changes its buttons from its own threads too; AppKit's are changed on the main thread alone.
+
 - (void)pane:(InstallerPane*)pane setNextEnabled:(BOOL)flag {
-  if (pane == [section_ activePane] && stage_ == StageSection) {
-    [[window_ continueButton] setEnabled:flag];
-  }
+  [self performSelectorOnMainThread:flag ? @selector(enableContinueFor:) : @selector(disableContinueFor:)
+                         withObject:pane
+                      waitUntilDone:YES];
 }
 
 - (void)pane:(InstallerPane*)pane setPreviousEnabled:(BOOL)flag {
+  [self performSelectorOnMainThread:flag ? @selector(enableGoBackFor:) : @selector(disableGoBackFor:)
+                         withObject:pane
+                      waitUntilDone:YES];
+}
+
+- (void)enableContinueFor:(InstallerPane*)pane {
+  [self enable:[window_ continueButton] to:YES for:pane];
+}
+
+- (void)disableContinueFor:(InstallerPane*)pane {
+  [self enable:[window_ continueButton] to:NO for:pane];
+}
+
+- (void)enableGoBackFor:(InstallerPane*)pane {
+  [self enable:[window_ backButton] to:YES for:pane];
+}
+
+- (void)disableGoBackFor:(InstallerPane*)pane {
+  [self enable:[window_ backButton] to:NO for:pane];
+}
+
+- (void)enable:(NSButton*)button to:(BOOL)flag for:(InstallerPane*)pane {
   if (pane == [section_ activePane] && stage_ == StageSection) {
-    [[window_ backButton] setEnabled:flag];
+    [button setEnabled:flag];
   }
 }
 

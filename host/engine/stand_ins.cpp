@@ -1,22 +1,26 @@
 #include "host/engine/stand_ins.h"
 
-#include "host/base/files.h"
-
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <system_error>
 #include <unistd.h>
 
 namespace tavenhall {
 
-void addStandInsToPath() {
-  const std::string standIns = findStandIns().string();
+void addStandInsToPath(const std::filesystem::path& standIns) {
   if (standIns.empty()) {
     return;
   }
-  const char* path = std::getenv("PATH");
-  setenv("PATH", ((path != nullptr ? path : "/usr/local/bin:/usr/bin:/bin") + (":" + standIns)).c_str(), 1);
+  const char* found = std::getenv("PATH");
+  std::string path = found != nullptr ? found : "/usr/local/bin:/usr/bin:/bin";
+  path += ":" + standIns.string();
+  std::error_code error;
+  if (const std::filesystem::path first = standIns / "first"; std::filesystem::is_directory(first, error)) {
+    path.insert(0, first.string() + ":");
+  }
+  setenv("PATH", path.c_str(), 1);
 }
 
 EjectNote::EjectNote() {

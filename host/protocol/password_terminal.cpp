@@ -132,7 +132,8 @@ void Secret::clear() noexcept {
 }
 
 std::size_t Secret::characters() const {
-  return static_cast<std::size_t>(std::ranges::count_if(text(), beginsCharacter));
+  const std::string_view shown = text();
+  return static_cast<std::size_t>(std::count_if(shown.begin(), shown.end(), beginsCharacter));
 }
 
 }  // namespace tavenhall

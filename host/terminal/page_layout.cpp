@@ -95,8 +95,8 @@ void putBar(LayerWriter& page, const Frame& frame, int row, const ProgressMeter&
 void putBothEnds(LayerWriter& page, const Frame& frame, int row, const std::vector<std::string>& leftForms,
                  const std::string& right) {
   const int room = frame.textColumns - (right.empty() ? 0 : displayWidth(right) + 1);
-  const auto left =
-      std::ranges::find_if(leftForms, [room](const std::string& form) { return displayWidth(form) <= room; });
+  const auto left = std::find_if(leftForms.begin(), leftForms.end(),
+                                 [room](const std::string& form) { return displayWidth(form) <= room; });
   if (left != leftForms.end()) {
     page.put(row, frame.textColumn, *left, Style::dim);
   }

@@ -50,12 +50,16 @@ std::string installedAmountText(const RunResult& result) {
 // The entries with one problem below their heading, each on a line that ends with its name.
 void appendProblem(std::vector<Line>& lines, const RunResult& result, const ProblemText& problem, int width) {
   std::vector<Line> files;
+  bool isFound = false;
   for (const FailedEntry& failure : result.failures.first) {
     if (failure.problem == problem.problem) {
-      files.push_back({{"  " + truncatePath(failure.name, width - 2), Style::text}});
+      isFound = true;
+      if (!failure.name.empty()) {
+        files.push_back({{"  " + truncatePath(failure.name, width - 2), Style::text}});
+      }
     }
   }
-  if (!files.empty()) {
+  if (isFound) {
     lines.emplace_back();
     append(lines, wrappedLines(_(problem.text), width, Style::strong));
     append(lines, std::move(files));
@@ -98,7 +102,7 @@ std::string failureText(const FailedEntry& failure) {
   const auto* row =
       std::find_if(kProblemTexts.begin(), kProblemTexts.end(),
                    [&failure](const ProblemText& text) { return text.problem == failure.problem; });
-  const std::string name = failure.detail.empty() ? failure.name : failure.name + " (" + failure.detail + ")";
+  std::string name = failure.detail.empty() ? failure.name : failure.name + " (" + failure.detail + ")";
   if (row == kProblemTexts.end()) {
     return name;
   }

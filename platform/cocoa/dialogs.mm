@@ -2,6 +2,8 @@
 
 #include "platform/cocoa/adapter.h"
 
+#include <algorithm>
+
 // A sheet until it has begun.
 @interface InstallDataSheet : NSObject {
  @private
@@ -45,7 +47,7 @@
 namespace tavenhall {
 
 int runModalAlert(const Alert& alert) noexcept {
-  int answer = kAlertFirstButtonReturn;
+  int answer = kAlertFirstButtonReturn + std::max(static_cast<int>(alert.buttons.size()), 1) - 1;
   adapt("an alert", [&] {
     NSAlert* panel = [[NSAlert alloc] init];
     for (const char* title : alert.buttons) {

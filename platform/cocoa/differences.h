@@ -12,8 +12,9 @@ namespace tavenhall {
 void changeControl(void (*change)(void*), void* context) noexcept;
 
 // Shows the text, all of it, by setTitleWithMnemonic:, which takes an "&" for the mark of a key and does not
-// show it. On macOS only the first one of a text, so another goes before it. On GNUstep the same, and a text
-// without any is not taken at all, so one goes before every text. Where controls are changed.
+// show it. On macOS the first one of a text is doubled, and a field that then shows something else is set
+// without marks. On GNUstep a text without any is not taken at all, so one goes before every text. Where
+// controls are changed.
 void showWithMnemonic(NSTextField* field, NSString* text);
 
 // Sends `begin` to the sheet, which must not wait for the sheet's end. On macOS at once, since a sheet that has

@@ -5,6 +5,8 @@
 #include "platform/thread_start.h"
 
 #include <atomic>
+#include <chrono>
+#include <condition_variable>
 #include <deque>
 #include <map>
 #include <memory>
@@ -19,8 +21,12 @@ namespace tavenhall {
 // finds its body here.
 class PageThreads {
  public:
-  // Detaches a thread that sends `name` to the pane. Returns false when the system cannot start it; the host is
-  // then not notified.
+  // `patience` is how long a thread may take to begin.
+  explicit PageThreads(std::chrono::milliseconds patience = std::chrono::seconds(30)) : patience_(patience) {}
+
+  // Starts a thread that sends `name` to the pane, and returns when it has begun. Returns false if the system
+  // cannot start it, or says that it did and no thread comes; the host is then not notified, and a thread that
+  // comes later does nothing.
   [[nodiscard]] bool detach(::InstallDataPane* pane, InstallerHost& host, const char* name, void (*body)(void*),
                             void* target) noexcept;
 
@@ -28,7 +34,9 @@ class PageThreads {
   void run(const char* name) noexcept;
 
  private:
+  const std::chrono::milliseconds patience_;
   std::mutex mutex_;
+  std::condition_variable taken_;
   std::map<std::string, std::deque<std::shared_ptr<ThreadStart>>, std::less<>> waiting_;  // guarded by mutex_
 };
 

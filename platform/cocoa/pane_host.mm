@@ -5,6 +5,7 @@
 #import "platform/cocoa/install_data_pane.h"
 #include "platform/system.h"
 
+#include <algorithm>
 #include <dispatch/dispatch.h>
 #include <utility>
 
@@ -58,20 +59,27 @@ bool PageThreads::detach(::InstallDataPane* pane, InstallerHost& host, const cha
     const std::lock_guard lock(mutex_);
     waiting_[name].push_back(start);
   }
-  bool isDetached = false;
+  bool isStarted = false;
   adapt("a thread", [&] {
-    [NSThread detachNewThreadSelector:NSSelectorFromString([NSString stringWithUTF8String:name])
-                             toTarget:pane
-                           withObject:nil];
-    isDetached = true;
+    NSThread* thread =
+        [[[NSThread alloc] initWithTarget:pane
+                                 selector:NSSelectorFromString([NSString stringWithUTF8String:name])
+                                   object:nil] autorelease];
+    [thread setStackSize:kPageThreadStack];
+    [thread start];
+    isStarted = true;
   });
-  if (isDetached) {
-    start->release();
-  } else {
-    const std::lock_guard lock(mutex_);
-    std::erase(waiting_[name], start);
+  {
+    std::unique_lock lock(mutex_);
+    auto& starts = waiting_[name];
+    const auto isTaken = [&] { return std::find(starts.begin(), starts.end(), start) == starts.end(); };
+    if (!isStarted || !taken_.wait_for(lock, patience_, isTaken)) {
+      std::erase(starts, start);
+      return false;
+    }
   }
-  return isDetached;
+  start->release();
+  return true;
 }
 
 void PageThreads::run(const char* name) noexcept {
@@ -85,6 +93,7 @@ void PageThreads::run(const char* name) noexcept {
     start = std::move(starts.front());
     starts.pop_front();
   }
+  taken_.notify_all();
   start->run();
 }
 

@@ -14,9 +14,6 @@ namespace tavenhall {
 
 namespace {
 
-// A walk down a folder tree recurses; the default of some systems' threads is too small for the deepest.
-constexpr std::size_t kStackSize = 8388608;  // bytes
-
 // Held by the starter and by the thread, since either may be done first.
 using SharedStart = std::shared_ptr<ThreadStart>;
 
@@ -43,7 +40,7 @@ bool detachNewThread(InstallerHost& host, const char* name, void (*body)(void*),
   pthread_attr_t attributes;
   pthread_attr_init(&attributes);
   pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
-  pthread_attr_setstacksize(&attributes, kStackSize);
+  pthread_attr_setstacksize(&attributes, kPageThreadStack);
   pthread_t thread{};
   const bool isStarted = pthread_create(&thread, &attributes, runPageThread, handed.get()) == 0;
   pthread_attr_destroy(&attributes);

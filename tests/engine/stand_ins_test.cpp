@@ -131,6 +131,64 @@ TEST(DrutilAlone, SupportsOnlyEject) {
   EXPECT_THAT(outcome.error, HasSubstr("drutil -drive 1 eject"));
 }
 
+// ---- drutil on macOS, which has one of its own ----
+
+class DrutilOfMacos : public testing::Test {
+ protected:
+  // Tools that say what they were asked for, and end with a status.
+  static void SetUpTestSuite() {
+    makeFolder("/tmp/bin");
+    for (const auto& [tool, status] : {std::pair{"diskutil", "$DISKUTIL"}, std::pair{"drutil", "0"}}) {
+      const std::string path = std::string("/tmp/bin/") + tool;
+      writeFile(path, std::string("#!/bin/sh\necho ") + tool + " \"$@\" >>/tmp/asked\nexit " + status + "\n");
+      fs::permissions(path, fs::perms::owner_all);
+    }
+    std::string script = readFile(TAVINSTALL_SOURCE_DIR "/host/libexec/macos/drutil");
+    script.replace(script.find("/usr/bin/drutil"), 15, "/tmp/bin/drutil");
+    writeFile("/tmp/script", script);
+  }
+
+  // What the tools were asked for.
+  static std::string asked(const std::string& arguments, int statusOfDiskutil = 0) {
+    fs::remove("/tmp/asked");
+    EXPECT_EQ(shell("PATH=/tmp/bin:$PATH DISKUTIL=" + std::to_string(statusOfDiskutil) + " sh /tmp/script " + arguments)
+                  .status,
+              0);
+    return readFile("/tmp/asked");
+  }
+};
+
+TEST_F(DrutilOfMacos, EjectsTheDiscThatWasCopiedWhateverItIs) {
+  EjectNote note;
+  note.write("/Volumes/Tavenhall Tessaphon A/Mac OSX/TANVO");
+  EXPECT_EQ(asked("-drive 1 eject"), "diskutil eject /Volumes/Tavenhall Tessaphon A\n");
+  // What diskutil cannot eject may still lie in the optical drive.
+  EXPECT_EQ(asked("-drive 1 eject", 1),
+            "diskutil eject /Volumes/Tavenhall Tessaphon A\ndrutil -drive 1 eject\n");
+}
+
+TEST_F(DrutilOfMacos, LeavesEverythingElseToTheSystem) {
+  EXPECT_EQ(asked("status"), "drutil status\n");
+  EjectNote note;
+  EXPECT_EQ(asked("-drive 1 eject"), "drutil -drive 1 eject\n");
+  note.write("/Users/tester/Set/TANVO");
+  EXPECT_EQ(asked("-drive 1 eject"), "drutil -drive 1 eject\n");
+}
+
+// ---- PATH ----
+
+TEST(StandIns, ComeAfterTheSystemsToolsButForThoseThatComeFirst) {
+  setenv("PATH", "/usr/bin:/bin", 1);
+  makeFolder("/tmp/standins");
+  addStandInsToPath("/tmp/standins");
+  EXPECT_STREQ(std::getenv("PATH"), "/usr/bin:/bin:/tmp/standins");
+
+  setenv("PATH", "/usr/bin:/bin", 1);
+  makeFolder("/tmp/standins/first");
+  addStandInsToPath("/tmp/standins");
+  EXPECT_STREQ(std::getenv("PATH"), "/tmp/standins/first:/usr/bin:/bin:/tmp/standins");
+}
+
 // ---- sudo ----
 
 TEST(Sudo, RunsTheCommandWithItsArgumentsAsTheyAre) {

@@ -26,6 +26,27 @@ TEST(PreInstall, ThePackageAndTheEditionAreWrittenAndTheHomeGetsItsFoldersButNoD
   EXPECT_EQ(treeOf("/Users/tester/Library"), (std::vector<std::string>{"Application Support/", "Caches/"}));
 }
 
+// The example package's own step runs as root, and /tmp is everybody's.
+TEST(PreInstall, OfTheExamplePackageDoesNotFollowALinkThatSomebodyPlanted) {
+  makeFolder("/tmp/bin");
+  for (const char* tool : {"stat", "dscl", "sudo"}) {
+    const std::string path = std::string("/tmp/bin/") + tool;
+    writeFile(path, "#!/bin/sh\necho tester\n");
+    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+  }
+  writeFile("/Users/tester/mine", "mine\n");
+  std::filesystem::create_symlink("/Users/tester/mine", "/tmp/TavInstallLoc");
+
+  const Outcome outcome =
+      runThrough({"sh", "-c", "PATH=/tmp/bin:$PATH exec sh '" TAVINSTALL_SOURCE_DIR
+                              "/resources/installer-example/preinstall' /Users/tester/A.pkg"});
+
+  EXPECT_EQ(outcome.status, 0) << outcome.error;
+  EXPECT_EQ(readFile("/Users/tester/mine"), "mine\n");
+  EXPECT_EQ(readFile("/tmp/TavInstallLoc"), "/Users/tester/A.pkg\n");
+  EXPECT_FALSE(std::filesystem::is_symlink("/tmp/TavInstallLoc"));
+}
+
 TEST(PreInstall, LeftOutItTakesTheFilesThatAreThere) {
   layTree(kSet, {textFile(".InstallationAttributes.dat", "InstallDataTitle = By hand\n")});
   setPackage(kPackage);

@@ -96,7 +96,7 @@
 
 - (id)initWithSection:(InstallerSection*)parent {
   self = [super init];
-  section_ = parent;
+  parentSection = parent;
   return self;
 }
 
@@ -111,11 +111,11 @@
 }
 
 - (InstallerSection*)section {
-  return section_;
+  return parentSection;
 }
 
 - (void)setSection:(InstallerSection*)section {
-  section_ = section;
+  parentSection = section;
   [nextPane setSection:section];
 }
 
@@ -153,7 +153,7 @@
   [pane retain];
   [nextPane release];
   nextPane = pane;
-  [pane setSection:section_];
+  [pane setSection:parentSection];
 }
 
 - (void)willEnterPane:(InstallerSectionDirection)direction {
@@ -174,7 +174,7 @@
 
 - (void)setNextEnabled:(BOOL)flag {
   nextEnabled_ = flag;
-  [[section_ installer] pane:self setNextEnabled:flag];
+  [[parentSection installer] pane:self setNextEnabled:flag];
 }
 
 - (BOOL)nextEnabled {
@@ -183,7 +183,7 @@
 
 - (void)setPreviousEnabled:(BOOL)flag {
   previousEnabled_ = flag;
-  [[section_ installer] pane:self setPreviousEnabled:flag];
+  [[parentSection installer] pane:self setPreviousEnabled:flag];
 }
 
 - (BOOL)previousEnabled {
@@ -191,11 +191,11 @@
 }
 
 - (BOOL)gotoNextPane {
-  return [[section_ installer] leavePane:self direction:InstallerDirectionForward];
+  return [[parentSection installer] leavePane:self direction:InstallerDirectionForward];
 }
 
 - (BOOL)gotoPreviousPane {
-  return [[section_ installer] leavePane:self direction:InstallerDirectionBackward];
+  return [[parentSection installer] leavePane:self direction:InstallerDirectionBackward];
 }
 
 @end

@@ -9,6 +9,10 @@ void showWithMnemonic(NSTextField* field, NSString* text) {
   [field setTitleWithMnemonic:mark.location == NSNotFound ? text
                                                           : [text stringByReplacingCharactersInRange:mark
                                                                                           withString:@"&&"]];
+  // How many of a text's "&" are taken for marks is not documented.
+  if (![[field stringValue] isEqualToString:text]) {
+    [field setStringValue:text];
+  }
 }
 
 void beginWithoutWaiting(id sheet, SEL begin) { [sheet performSelector:begin]; }

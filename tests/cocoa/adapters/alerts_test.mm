@@ -34,13 +34,15 @@ TEST(Alerts, ShowsATextThatIsNotUtf8) {
   EXPECT_EQ(recordedCalls().at(3), "NSAlert setInformativeText: Please insert \xEF\xBF\xBD");
 }
 
-TEST(Alerts, AnExceptionEndsHereAndCountsAsTheFirstButton) {
+TEST(Alerts, AnExceptionEndsHereAndCountsAsTheLastButton) {
   test::recordAlerts([]() -> long {
     [NSException raise:NSInternalInconsistencyException format:@"no display"];
-    return 1001;
+    return 1000;
   });
 
-  EXPECT_EQ(runModalAlert(kAlert), 1000);
+  EXPECT_EQ(runModalAlert(kAlert), 1001);
+  constexpr std::array<const char*, 1> kButton = {"OK"};
+  EXPECT_EQ(runModalAlert({"Ready", "Please insert a disc", kButton, 1}), 1000);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #import "platform/cocoa/install_data_pane.h"
 #include <atomic>
+#include <chrono>
 #include <gtest/gtest.h>
 #include <thread>
 
@@ -39,6 +40,9 @@ using test::recordCall;
 using test::recordedCalls;
 using test::runMainLoopUntil;
 using Calls = std::vector<std::string>;
+
+constexpr const char* kInit = "NSThread initWithTarget: ThreadPane selector: copySingleVolume object: nil";
+constexpr const char* kStart = "NSThread start, stackSize: 8388608";
 
 class NotifiedHost final : public InstallerHost {
  public:
@@ -76,7 +80,7 @@ class Threads : public testing::Test {
   }
 
   NotifiedHost host_;
-  PageThreads threads_;
+  PageThreads threads_{std::chrono::milliseconds(500)};
   ThreadPane* pane_ = nil;
 };
 
@@ -92,20 +96,26 @@ TEST_F(Threads, BeginInThePanesMethodAndTheHostIsReportedAroundTheirBody) {
 
   EXPECT_EQ(target, 7);
   EXPECT_EQ(recordedCalls(),
-            (Calls{"detachNewThreadSelector: copySingleVolume toTarget: ThreadPane withObject: nil",
-                   "started copySingleVolume", "the body", "ended copySingleVolume"}));
+            (Calls{kInit, kStart, "started copySingleVolume", "the body", "ended copySingleVolume"}));
 }
 
-TEST_F(Threads, WhereThereAreNoneTheHostIsReportedNothing) {
-  test::refuseThreads(true);
+class ThreadsThatDoNotStart : public Threads, public testing::WithParamInterface<test::ThreadStarts> {};
+
+TEST_P(ThreadsThatDoNotStart, AreReportedToThePageAndNotToTheHost) {
+  test::setThreadStarts(GetParam());
   const auto body = [](void* /*target*/) { recordCall("the body"); };
   EXPECT_FALSE(threads_.detach(pane_, host_, "copySingleVolume", body, nullptr));
 
-  // Nothing is left behind for the next one.
+  // Nothing is left behind for the next one, or for a thread that comes late.
   [pane_ copySingleVolume];
-  EXPECT_EQ(recordedCalls(),
-            Calls{"detachNewThreadSelector: copySingleVolume toTarget: ThreadPane withObject: nil"});
+  EXPECT_EQ(recordedCalls(), (Calls{kInit, kStart}));
 }
+
+INSTANTIATE_TEST_SUITE_P(Cases, ThreadsThatDoNotStart,
+                         testing::Values(test::ThreadStarts::refused, test::ThreadStarts::lost),
+                         [](const auto& instance) {
+                           return instance.param == test::ThreadStarts::lost ? "Lost" : "Refused";
+                         });
 
 // ---- The dispatch ----
 

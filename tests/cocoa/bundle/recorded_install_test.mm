@@ -139,7 +139,8 @@ TEST_F(RecordedInstall, AnUpdateCallsThePlatformInThisOrder) {
            "update.",
            "NSAlert setAlertStyle: 1",
            "NSAlert runModal",
-           "detachNewThreadSelector: doEntireInstall toTarget: InstallDataPane withObject: nil",
+           "NSThread initWithTarget: InstallDataPane selector: doEntireInstall object: nil",
+           "NSThread start, stackSize: 8388608",
            "progressIndicator setDoubleValue: 0",
            "progressIndicator displayIfNeeded",
            "a new manager: setAttributes: 777 among others ofItemAtPath: /Library/Audio/Plug-Ins/VST error: "
@@ -169,7 +170,8 @@ TEST_F(RecordedInstall, AnUpdateCallsThePlatformInThisOrder) {
            "progressIndicator setMinValue: 0",
            "progressIndicator setMaxValue: 1953.12",
            "endGrouping",
-           "detachNewThreadSelector: copySingleVolume toTarget: InstallDataPane withObject: nil",
+           "NSThread initWithTarget: InstallDataPane selector: copySingleVolume object: nil",
+           "NSThread start, stackSize: 8388608",
            "progressIndicator maxValue",
            "beginGrouping",
            "setDuration: 0",
@@ -191,7 +193,8 @@ TEST_F(RecordedInstall, AnUpdateCallsThePlatformInThisOrder) {
            "progressIndicator setMinValue: 0",
            "progressIndicator setMaxValue: 1953.12",
            "endGrouping",
-           "detachNewThreadSelector: copySingleVolume toTarget: InstallDataPane withObject: nil",
+           "NSThread initWithTarget: InstallDataPane selector: copySingleVolume object: nil",
+           "NSThread start, stackSize: 8388608",
            "progressIndicator maxValue",
            "beginGrouping",
            "setDuration: 0",
@@ -247,7 +250,7 @@ TEST_F(RecordedInstall, WithoutAThreadShowsASheetAndReleasesTheAssertions) {
   setAttributes("Mode = DataUpdater\n");
   makeFolder("/Users/tester/Library/Application Support/Tavenhall/TANVO");
   makePane();
-  refuseThreads(true);
+  setThreadStarts(ThreadStarts::refused);
 
   [pane_ didEnterPane:InstallerDirectionForward];
 

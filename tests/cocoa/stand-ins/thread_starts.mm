@@ -9,32 +9,44 @@ using tavenhall::test::recordCall;
 
 namespace {
 
-std::atomic<bool> theyAreRefused = false;
+using tavenhall::test::ThreadStarts;
+
+std::atomic<ThreadStarts> theStarts = ThreadStarts::all;
 
 }  // namespace
 
 @interface NSThread (Recorded)
-+ (void)recorded_detachNewThreadSelector:(SEL)selector toTarget:(id)target withObject:(id)argument;
+- (id)recorded_initWithTarget:(id)target selector:(SEL)selector object:(id)argument;
+- (void)recorded_start;
 @end
 
 @implementation NSThread (Recorded)
-+ (void)recorded_detachNewThreadSelector:(SEL)selector toTarget:(id)target withObject:(id)argument {
-  recordCall(std::string("detachNewThreadSelector: ") + sel_getName(selector) + " toTarget: " +
-             class_getName([target class]) + " withObject: " + (argument == nil ? "nil" : "something"));
-  if (theyAreRefused) {
-    [NSException raise:NSInternalInconsistencyException format:@"no more threads"];
+- (id)recorded_initWithTarget:(id)target selector:(SEL)selector object:(id)argument {
+  recordCall(std::string("NSThread initWithTarget: ") + class_getName([target class]) +
+             " selector: " + sel_getName(selector) + " object: " + (argument == nil ? "nil" : "something"));
+  return [self recorded_initWithTarget:target selector:selector object:argument];
+}
+
+- (void)recorded_start {
+  recordCall("NSThread start, stackSize: " + std::to_string([self stackSize]));
+  switch (theStarts) {
+    case ThreadStarts::all: [self recorded_start]; break;
+    case ThreadStarts::refused:
+      [NSException raise:NSInternalInconsistencyException format:@"no more threads"];
+      break;
+    case ThreadStarts::lost: break;
   }
-  [self recorded_detachNewThreadSelector:selector toTarget:target withObject:argument];
 }
 @end
 
 namespace tavenhall::test {
 
 void recordThreadStarts() {
-  exchangeClassMethods([NSThread class], @selector(detachNewThreadSelector:toTarget:withObject:),
-                       @selector(recorded_detachNewThreadSelector:toTarget:withObject:));
+  exchangeMethods([NSThread class], @selector(initWithTarget:selector:object:),
+                  @selector(recorded_initWithTarget:selector:object:));
+  exchangeMethods([NSThread class], @selector(start), @selector(recorded_start));
 }
 
-void refuseThreads(bool areRefused) { theyAreRefused = areRefused; }
+void setThreadStarts(ThreadStarts starts) { theStarts = starts; }
 
 }  // namespace tavenhall::test

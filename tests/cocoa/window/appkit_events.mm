@@ -53,13 +53,13 @@ __attribute__((visibility("default"))) void NSBeginInformationalAlertSheet(
     NSWindow* docWindow, id modalDelegate, SEL willEndSelector, SEL didEndSelector, void* contextInfo,
     NSString* message, ...) {
   static const auto begin = reinterpret_cast<BeginSheet>(dlsym(RTLD_NEXT, "NSBeginInformationalAlertSheet"));
-  va_list none;
-  va_start(none, message);
-  NSString* shown = [[[NSString alloc] initWithFormat:message arguments:none] autorelease];
-  va_end(none);
+  va_list values;
+  va_start(values, message);
+  NSString* shown = [[[NSString alloc] initWithFormat:message arguments:values] autorelease];
+  va_end(values);
   theReport(tavenhall::event::Sheet{[defaultButton UTF8String], [shown UTF8String]});
   begin(title, defaultButton, alternateButton, otherButton, docWindow, modalDelegate, willEndSelector,
-        didEndSelector, contextInfo, message);
+        didEndSelector, contextInfo, @"%@", shown);
 }
 
 // ---- Controls and alerts ----

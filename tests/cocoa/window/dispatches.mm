@@ -8,7 +8,8 @@
 #include <thread>
 
 // Two threads of a page at once: one hands an alert over and waits for its answer; the other, once the alert is
-// up, hands over the click on its second button. Writes what happens, a line for each thing.
+// up, hands over the click on its first button, which is not the answer of an alert that could not be shown.
+// Writes what happens, a line for each thing.
 namespace {
 
 using tavenhall::PaneHost;
@@ -39,13 +40,13 @@ void showAlert(Shared& shared) {
 }
 
 // True once the alert's window was there to click on.
-bool clickSkip(Shared& shared) {
+bool clickOk(Shared& shared) {
   bool hasClicked = false;
   auto work = [&] {
-    NSButton* skip = buttonWithTitle([[NSApp modalWindow] contentView], @"Skip");
-    if (skip != nil) {
+    NSButton* ok = buttonWithTitle([[NSApp modalWindow] contentView], @"OK");
+    if (ok != nil) {
       say("the second dispatch is served while the alert is up");
-      [skip performClick:nil];
+      [ok performClick:nil];
       hasClicked = true;
     }
   };
@@ -65,7 +66,7 @@ int main() {
     Shared shared{host};
     std::thread second([&] {
       shared.alertIsUp.wait(false);
-      while (!clickSkip(shared) && shared.answer == 0) {
+      while (!clickOk(shared) && shared.answer == 0) {
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
       }
     });
@@ -73,7 +74,7 @@ int main() {
       showAlert(shared);
       second.join();
       say("both threads have ended");
-      std::_Exit(shared.answer == NSAlertSecondButtonReturn ? 0 : 1);
+      std::_Exit(shared.answer == NSAlertFirstButtonReturn ? 0 : 1);
     });
     [NSApp run];
   }

@@ -28,15 +28,15 @@ void countedInstall(id pane, SEL selector) {
 }  // namespace
 
 @interface NSThread (CountedInstalls)
-+ (void)counted_detachNewThreadSelector:(SEL)selector toTarget:(id)target withObject:(id)argument;
+- (id)counted_initWithTarget:(id)target selector:(SEL)selector object:(id)argument;
 @end
 
 @implementation NSThread (CountedInstalls)
-+ (void)counted_detachNewThreadSelector:(SEL)selector toTarget:(id)target withObject:(id)argument {
-  [self counted_detachNewThreadSelector:selector toTarget:target withObject:argument];
+- (id)counted_initWithTarget:(id)target selector:(SEL)selector object:(id)argument {
   if (sel_isEqual(selector, @selector(doEntireInstall))) {
     [theInstaller installHasStarted];
   }
+  return [self counted_initWithTarget:target selector:selector object:argument];
 }
 @end
 
@@ -47,9 +47,8 @@ void countedInstall(id pane, SEL selector) {
   requests_ = &requests;
   report_ = report;
   theInstaller = self;
-  tavenhall::test::exchangeClassMethods([NSThread class],
-                                        @selector(detachNewThreadSelector:toTarget:withObject:),
-                                        @selector(counted_detachNewThreadSelector:toTarget:withObject:));
+  tavenhall::test::exchangeMethods([NSThread class], @selector(initWithTarget:selector:object:),
+                                   @selector(counted_initWithTarget:selector:object:));
   tavenhall::test::reportAppKitEvents(report, self);
   return self;
 }

@@ -39,7 +39,7 @@ typedef NS_ENUM(NSInteger, InstallerSectionDirection) {
   IBOutlet NSView* firstKeyView;
   IBOutlet NSView* lastKeyView;
   IBOutlet InstallerPane* nextPane;
-  InstallerSection* section_;
+  IBOutlet InstallerSection* parentSection;
   BOOL nextEnabled_;
   BOOL previousEnabled_;
 }

@@ -92,6 +92,7 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 - (const char*)UTF8String;
 - (NSUInteger)lengthOfBytesUsingEncoding:(NSStringEncoding)encoding;
 - (BOOL)getCString:(char*)buffer maxLength:(NSUInteger)size encoding:(NSStringEncoding)encoding;
+- (BOOL)isEqualToString:(NSString*)text;
 - (NSRange)rangeOfString:(NSString*)text;
 - (NSString*)stringByAppendingString:(NSString*)text;
 - (NSString*)stringByReplacingCharactersInRange:(NSRange)range
@@ -214,6 +215,10 @@ extern "C" NSArray* NSSearchPathForDirectoriesInDomains(NSSearchPathDirectory di
 @property NSUInteger stackSize API_AVAILABLE(macos(10.5));
 @property(class, readonly) BOOL isMainThread API_AVAILABLE(macos(10.5));
 - (void)start API_AVAILABLE(macos(10.5));
+@end
+
+@interface NSObject (NSThreadPerformAdditions)
+- (void)performSelectorOnMainThread:(SEL)selector withObject:(id)argument waitUntilDone:(BOOL)wait;
 @end
 
 // NSRunLoop.h, NSTimer.h
