@@ -7,8 +7,8 @@
 // The stand-ins in libexec/ for tools that a system may lack: drutil, which ejects discs on macOS, and sudo.
 namespace tavenhall {
 
-// Adds their folder to the end of PATH, so that they run only where the real tool is missing, and its folder "first",
-// which macOS alone has, to the front. Call it before any thread is started.
+// Adds their folder to the end of PATH, so that they run only where the real tool is missing, and its folder
+// "first", which macOS alone has, to the front. Call it before any thread is started.
 void addStandInsToPath(const std::filesystem::path& standIns = findStandIns());
 
 // Passes the folder that was copied last to the stand-in for drutil, which knows no drive numbers: in an

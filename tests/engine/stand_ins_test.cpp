@@ -151,7 +151,8 @@ class DrutilOfMacos : public testing::Test {
   // What the tools were asked for.
   static std::string asked(const std::string& arguments, int statusOfDiskutil = 0) {
     fs::remove("/tmp/asked");
-    EXPECT_EQ(shell("PATH=/tmp/bin:$PATH DISKUTIL=" + std::to_string(statusOfDiskutil) + " sh /tmp/script " + arguments)
+    EXPECT_EQ(shell("PATH=/tmp/bin:$PATH DISKUTIL=" + std::to_string(statusOfDiskutil) + " sh /tmp/script " +
+                    arguments)
                   .status,
               0);
     return readFile("/tmp/asked");

@@ -1,4 +1,5 @@
 #include "tests/install/case_files.h"
+#include "tests/install/child_program.h"
 #include "tests/install/source_tree.h"
 #include "tests/support/files.h"
 
@@ -37,9 +38,9 @@ TEST(PreInstall, OfTheExamplePackageDoesNotFollowALinkThatSomebodyPlanted) {
   writeFile("/Users/tester/mine", "mine\n");
   std::filesystem::create_symlink("/Users/tester/mine", "/tmp/TavInstallLoc");
 
-  const Outcome outcome =
-      runThrough({"sh", "-c", "PATH=/tmp/bin:$PATH exec sh '" TAVINSTALL_SOURCE_DIR
-                              "/resources/installer-example/preinstall' /Users/tester/A.pkg"});
+  const Outcome outcome = runThrough({"sh", "-c",
+                                      "PATH=/tmp/bin:$PATH exec sh '" TAVINSTALL_SOURCE_DIR
+                                      "/resources/installer-example/preinstall' /Users/tester/A.pkg"});
 
   EXPECT_EQ(outcome.status, 0) << outcome.error;
   EXPECT_EQ(readFile("/Users/tester/mine"), "mine\n");
