@@ -110,7 +110,7 @@ void Sandbox::probe() const {
   ToolProcess tool(command.words, ToolProcess::Keep::outputAndErrors, command.filter);
   const int status = tool.wait();
   if (status == kCannotRun) {
-    throw UsageError(_("rehearsing needs bubblewrap; install the package bubblewrap"));
+    throw UsageError(_("rehearsing needs Linux and bubblewrap; install the package bubblewrap"));
   }
   if (status != 0) {
     throw UsageError(format(_("bubblewrap cannot create a sandbox; user namespaces may be disabled: {0}"),
