@@ -210,7 +210,8 @@ TEST(RehearseBadUsage, WithoutBubblewrapItIsNamed) {
   std::filesystem::create_symlink("/usr/bin/setpriv", "/tmp/bin/setpriv");
   const Outcome outcome = runThrough(rehearseCommand(), {{"PATH", "/tmp/bin"}});
   EXPECT_EQ(outcome.status, 2);
-  EXPECT_EQ(outcome.error, "tavinstall: rehearsing needs Linux and bubblewrap; install the package bubblewrap\n");
+  EXPECT_EQ(outcome.error,
+            "tavinstall: rehearsing needs Linux and bubblewrap; install the package bubblewrap\n");
   expectNothingLeft();
 }
 
