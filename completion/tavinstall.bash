@@ -4,7 +4,7 @@ _tavinstall() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} command= word
   COMPREPLY=()
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
-    case $word in run | rehearse | check | log) command=$word; break ;; esac
+    case $word in run | rehearse | check | log | help) command=$word; break ;; esac
   done
 
   local products="Tessaphon Lumaweave Bassoria TemporaQX"
@@ -24,6 +24,7 @@ _tavinstall() {
     rehearse) options="--product --install-type --installed --allow-outside --late --keep --report --ui --help" ;;
     check) options="--product --install-type --installed --format --help" ;;
     log) options="--last --format --help" ;;
+    help) options="--help" ;;
     *) options="--help --version" ;;
   esac
   if [[ $current == -* ]]; then
@@ -31,7 +32,8 @@ _tavinstall() {
     return
   fi
   case $command in
-    '') COMPREPLY=($(compgen -W "run rehearse check log" -- "$current")) ;;
+    '') COMPREPLY=($(compgen -W "run rehearse check log help" -- "$current")) ;;
+    help) COMPREPLY=($(compgen -W "run rehearse check log exit-status" -- "$current")) ;;
     rehearse | check) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -d -- "$current") ;;
     log) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$current") ;;
   esac

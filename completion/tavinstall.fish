@@ -1,6 +1,6 @@
 # Completion of tavinstall for fish.
 
-set -l commands run rehearse check log
+set -l commands run rehearse check log help
 complete -c tavinstall -f
 complete -c tavinstall -s h -l help -d 'Show this help'
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -l version -d 'Show the version'
@@ -8,6 +8,8 @@ complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a run -d 
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a rehearse -d 'Install a set in a sandbox and verify the result'
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a check -d 'Check an installer set and show what the page would do with it'
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a log -d 'Show what an installation log records, run by run'
+complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a help -d 'Show the help of a command, or all exit statuses'
+complete -c tavinstall -n '__fish_seen_subcommand_from help' -x -a 'run rehearse check log exit-status' -d 'A topic'
 
 set -l products 'Tessaphon Lumaweave Bassoria TemporaQX'
 complete -c tavinstall -n '__fish_seen_subcommand_from run rehearse check' -l product -x -a "$products" -d 'The product'

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <exception>
 #include <stdexcept>
+#include <string>
 
 // The program's exit statuses, for all commands.
 namespace tavenhall {
@@ -17,6 +18,10 @@ enum class ExitStatus : int {
   // One number, since no command has both: somebody should look at it.
   noAnswer = 3,
   warnings = 3,
+
+  stopped = 4,         // by the user or a signal
+  alreadyRunning = 5,  // another installation of this user's has the lock; nothing was done
+  refused = 6,         // the installation would not be safe; nothing was done
 };
 
 struct ExitMeaning {
@@ -25,12 +30,15 @@ struct ExitMeaning {
   const char* meaning;
 };
 
-// The help prints these; the manual repeats them.
+// "tavinstall help exit-status" prints these; the manual repeats them.
 inline constexpr ExitMeaning kExitMeanings[] = {
     {"run", ExitStatus::success, N_("every file was installed; with --ui json: the requests were served")},
-    {"run", ExitStatus::failure, N_("the installation failed, for one file at least, or was stopped")},
+    {"run", ExitStatus::failure, N_("the installation failed, for one file at least")},
     {"run", ExitStatus::badUsage, N_("invalid argument; nothing was installed")},
     {"run", ExitStatus::noAnswer, N_("a prompt needed an answer, but standard input was closed")},
+    {"run", ExitStatus::stopped, N_("the installation was stopped")},
+    {"run", ExitStatus::alreadyRunning, N_("another installation is running; nothing was installed")},
+    {"run", ExitStatus::refused, N_("refused for safety; nothing was installed")},
     {"rehearse", ExitStatus::success, N_("everything was installed; no problems found")},
     {"rehearse", ExitStatus::failure,
      N_("the installation failed, or an installed file differs from its source")},
@@ -45,10 +53,16 @@ inline constexpr ExitMeaning kExitMeanings[] = {
 };
 
 // An argument, or a file that it names, cannot be used. what() names it, states the problem and the remedy; the
-// program shows it and exits with ExitStatus::badUsage.
+// program shows it and exits with status().
 class UsageError : public std::runtime_error {
  public:
-  using std::runtime_error::runtime_error;
+  explicit UsageError(const std::string& text, ExitStatus status = ExitStatus::badUsage)
+      : std::runtime_error(text), status_(status) {}
+
+  [[nodiscard]] ExitStatus status() const { return status_; }
+
+ private:
+  ExitStatus status_;
 };
 
 // Prints an error on standard error, as one line even where a path in it holds line breaks. Any thread.

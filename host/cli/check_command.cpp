@@ -47,7 +47,7 @@ void addCheckCommand(CommandLine& commandLine) {
   check
       ->add_option("--install-type", arguments->installType,
                    _("Edition to plan for if there is a choice: Lite or Full"))
-      ->check(oneOf({"Lite", "Full"}))
+      ->transform(edition())
       ->type_name("TYPE");
   check
       ->add_option("--installed", arguments->installed,

@@ -4,6 +4,7 @@
 #include "host/base/display_text.h"
 #include "host/base/exit_status.h"
 #include "host/base/text.h"
+#include "host/check/spelling.h"
 #include "host/terminal/terminal_device.h"
 
 #include <CLI/CLI.hpp>
@@ -32,11 +33,36 @@ Options optionsOf(const CLI::App& program) {
 
 bool takesValue(const CLI::Option& option) { return option.get_items_expected_max() > 0; }
 
+// The option or command that somebody who wrote `written` probably meant; empty if there is none.
+std::string meantBy(const std::string& written, const CLI::App& program) {
+  std::vector<std::string> known;
+  if (written.starts_with("-")) {
+    for (const CLI::Option* option : optionsOf(program)) {
+      for (const std::string& name : option->get_lnames()) {
+        known.push_back("--" + name);
+      }
+    }
+  } else if (program.get_subcommands().empty()) {
+    for (const CLI::App* command : program.get_subcommands([](const CLI::App*) { return true; })) {
+      known.push_back(command->get_name());
+    }
+  }
+  const auto nearest = std::min_element(known.begin(), known.end(),
+                                        [&written](const std::string& one, const std::string& other) {
+                                          return editDistance(written, one) < editDistance(written, other);
+                                        });
+  const int mostEdits = std::max(1, static_cast<int>(written.size()) / 3);
+  return nearest != known.end() && editDistance(written, *nearest) <= mostEdits ? *nearest : std::string();
+}
+
 std::string unexpectedText(const CLI::App& program) {
   const std::vector<std::string> left = program.remaining(true);
-  return plural("The following argument was not expected: {1}",
-                "The following arguments were not expected: {1}", static_cast<std::int64_t>(left.size()),
-                {CLI::detail::join(left, " ")});
+  const std::string text =
+      plural("The following argument was not expected: {1}", "The following arguments were not expected: {1}",
+             static_cast<std::int64_t>(left.size()), {CLI::detail::join(left, " ")});
+  const std::string written = left.empty() ? "" : left.front().substr(0, left.front().find('='));
+  const std::string meant = meantBy(written, program);
+  return meant.empty() ? text : format(_("{0}; did you mean {1}?"), {text, meant});
 }
 
 std::string requiredText(const CLI::App& program) {
@@ -96,6 +122,19 @@ CLI::Validator oneOf(const std::vector<std::string>& names) {
   return CLI::Validator(check, "");
 }
 
+CLI::Validator edition() {
+  const auto check = [](std::string& value) {
+    for (const char* name : {"Lite", "Full"}) {
+      if (equalsIgnoringCase(value, name)) {
+        value = name;
+        return std::string();
+      }
+    }
+    return format(_("{0} not in {1}"), {value, "{Lite,Full}"});
+  };
+  return CLI::Validator(check, "");
+}
+
 CLI::Validator wholeNumber() {
   const auto check = [](const std::string& value) {
     int number = 0;
@@ -109,8 +148,10 @@ CLI::Validator wholeNumber() {
 
 std::vector<std::string> productNames() { return {std::begin(kProducts), std::end(kProducts)}; }
 
-std::string argumentErrorText(const CLI::App& program, const std::vector<std::string>& arguments,
-                              const CLI::ParseError& error) {
+namespace {
+
+std::string reasonOf(const CLI::App& program, const std::vector<std::string>& arguments,
+                     const CLI::ParseError& error) {
   switch (static_cast<CLI::ExitCodes>(error.get_exit_code())) {
     case CLI::ExitCodes::ExtrasError: return unexpectedText(program);
     case CLI::ExitCodes::RequiredError: return requiredText(program);
@@ -119,6 +160,16 @@ std::string argumentErrorText(const CLI::App& program, const std::vector<std::st
     case CLI::ExitCodes::ConversionError: return flagValueText(program, arguments, error);
     default: return error.what();  // of a value that a check above does not take, behind the option's name
   }
+}
+
+}  // namespace
+
+std::string argumentErrorText(const CLI::App& program, const std::vector<std::string>& arguments,
+                              const CLI::ParseError& error) {
+  const auto commands = program.get_subcommands();
+  const std::string command = commands.empty() ? "" : " " + commands.front()->get_name();
+  return format(_("{0}; see {1}"),
+                {reasonOf(program, arguments, error), program.get_name() + command + " --help"});
 }
 
 void addFrontendOption(CLI::App& command, std::string& name) {
@@ -194,18 +245,21 @@ std::string usageOf(const CLI::App& command) {
   return format(_("Usage: {0}"), {line});
 }
 
-std::string exitTextOf(const std::string& command) {
+}  // namespace
+
+std::string exitStatusText() {
   constexpr int kStatusColumns = 6;
   std::string text;
+  std::string_view command;
   for (const ExitMeaning& row : kExitMeanings) {
-    if (command == row.command) {
-      text += entry(std::to_string(static_cast<int>(row.status)), _(row.meaning), kStatusColumns);
+    if (command != row.command) {
+      text += (text.empty() ? "tavinstall " : "\ntavinstall ") + std::string(row.command) + "\n";
+      command = row.command;
     }
+    text += entry(std::to_string(static_cast<int>(row.status)), _(row.meaning), kStatusColumns);
   }
-  return text.empty() ? text : std::string("\n") + _("Exit status:") + "\n" + text;
+  return text;
 }
-
-}  // namespace
 
 std::string helpText(const CLI::App& command) {
   constexpr int kNameColumns = 23;
@@ -221,7 +275,10 @@ std::string helpText(const CLI::App& command) {
       }
     }
   }
-  text += exitTextOf(command.get_name());
+  const bool hasMeanings =
+      std::any_of(std::begin(kExitMeanings), std::end(kExitMeanings),
+                  [&command](const ExitMeaning& row) { return command.get_name() == row.command; });
+  text += hasMeanings ? std::string("\n") + _("For exit statuses see tavinstall help exit-status") + "\n" : "";
   if (hasCommands(command)) {
     text += std::string("\n") + _("See also tavinstall COMMAND --help and man tavinstall") + "\n";
   }

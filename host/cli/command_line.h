@@ -20,6 +20,9 @@ struct CommandLine {
 // Requires one of the names as the value.
 [[nodiscard]] CLI::Validator oneOf(const std::vector<std::string>& names);
 
+// Requires the name of an edition, in any case, and replaces it by "Lite" or "Full".
+[[nodiscard]] CLI::Validator edition();
+
 // Requires an integer from 0 up that fits an int.
 [[nodiscard]] CLI::Validator wholeNumber();
 
@@ -39,13 +42,16 @@ void addFrontendOption(CLI::App& command, std::string& name);
 // the plain one.
 [[nodiscard]] Frontend frontendFor(const std::string& name);
 
-// The help of the program or of a command, for a screen of 80 columns: its purpose, options and exit
-// statuses.
+// The help of the program or of a command, for a screen of 80 columns: its purpose and options.
 [[nodiscard]] std::string helpText(const CLI::App& command);
+
+// The exit statuses of every command, likewise.
+[[nodiscard]] std::string exitStatusText();
 
 void addRunCommand(CommandLine& commandLine);
 void addRehearseCommand(CommandLine& commandLine);
 void addCheckCommand(CommandLine& commandLine);
 void addLogCommand(CommandLine& commandLine);
+void addHelpCommand(CommandLine& commandLine);
 
 }  // namespace tavenhall

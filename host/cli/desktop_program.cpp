@@ -60,7 +60,7 @@ EngineOptions readOptions(CLI::App& program, int argumentCount, char** arguments
   program
       .add_option("--install-type", options.installType,
                   _("Edition to install if there is a choice: Lite or Full"))
-      ->check(oneOf({"Lite", "Full"}))
+      ->transform(edition())
       ->type_name("TYPE")
       ->envname("TAVINSTALL_INSTALL_TYPE");
   CLI::Option* productOption =

@@ -53,6 +53,7 @@ ExitStatus runProgram(int argc, char** argv) {
   addRehearseCommand(commandLine);
   addCheckCommand(commandLine);
   addLogCommand(commandLine);
+  addHelpCommand(commandLine);
   try {
     program.parse(argc, argv);
   } catch (const CLI::Success& request) {
@@ -82,6 +83,9 @@ int runMain(int argc, char** argv) {
   } catch (const std::filesystem::filesystem_error& error) {
     status = ExitStatus::badUsage;
     showError(UsageError(format(_("cannot use {0}: {1}"), {error.path1().string(), error.code().message()})));
+  } catch (const UsageError& error) {
+    status = error.status();
+    showError(error);
   } catch (const std::exception& error) {
     status = ExitStatus::badUsage;
     showError(error);

@@ -73,7 +73,7 @@ void addRehearseCommand(CommandLine& commandLine) {
   command
       ->add_option("--install-type", request.installType,
                    _("Edition to install if there is a choice: Lite or Full"))
-      ->check(oneOf({"Lite", "Full"}))
+      ->transform(edition())
       ->type_name("TYPE");
   command
       ->add_option(

@@ -45,7 +45,7 @@ void refuse(const std::function<std::string()>& reason, Frontend frontend, Engin
     return;
   }
   if (frontend != Frontend::json) {
-    throw UsageError(line);
+    throw UsageError(line, ExitStatus::refused);
   }
   showError(UsageError(line));
   const InEnglish english;
@@ -148,7 +148,7 @@ void addRunCommand(CommandLine& commandLine) {
       ->type_name("PATH");
   run->add_option("--install-type", arguments->installType,
                   _("Edition to install if there is a choice: Lite or Full"))
-      ->check(oneOf({"Lite", "Full"}))
+      ->transform(edition())
       ->type_name("TYPE");
   CLI::Option* product =
       run->add_option("--product", arguments->product,

@@ -266,7 +266,7 @@ BOOL isFirstButton(const char* message, const std::string& text, const char* fir
           _("Go On"), _("Stop"))) {
     return NO;
   }
-  endProcess(ExitStatus::failure);
+  endProcess(ExitStatus::stopped);
 }
 
 @end

@@ -149,7 +149,7 @@ void InstallLock::add(const std::string& folder, const std::string& refusal) {
   }
   if (flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
     close();
-    throw UsageError(refusal);
+    throw UsageError(refusal, ExitStatus::alreadyRunning);
   }
 }
 

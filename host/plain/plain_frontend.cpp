@@ -113,11 +113,13 @@ class PlainFrontend {
     passwordPrompt_.reset();
     printer_.flush();
     const std::optional<ExitStatus> status = engine_.wait();
-    if (!status) {
+    const bool wasStopped = isStopped_ && status != ExitStatus::success;
+    if (!status || wasStopped) {
       summary_.reset();  // it is not the engine's last word
     }
-    printResult(status.value_or(ExitStatus::failure));
-    return status.value_or(ExitStatus::failure);
+    const ExitStatus result = wasStopped ? ExitStatus::stopped : status.value_or(ExitStatus::failure);
+    printResult(result);
+    return result;
   }
 
  private:
@@ -268,12 +270,12 @@ class PlainFrontend {
                               {amount}));
           break;
       }
-    } else if (isStopped_) {
+    } else if (status == ExitStatus::stopped) {
       print("! " + join(_("Stopped."), description_.afterStop));
     } else if (status == ExitStatus::failure) {
       print(std::string("! ") + _("The installer's engine ended unexpectedly."));
     }
-    if (const std::string log = description_.writtenLog(); status != ExitStatus::badUsage && !log.empty()) {
+    if (const std::string log = description_.writtenLog(); !log.empty()) {
       print(format(_("The log is {0}."), {log}));
     }
   }

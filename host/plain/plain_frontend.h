@@ -10,7 +10,7 @@ namespace tavenhall {
 // dumb terminals. Blocks until the run has ended. Call it before any thread is started.
 //
 // How it can end before the install does:
-//   Ctrl-C, SIGINT, SIGTERM   stops the engine and says so; ExitStatus::failure
+//   Ctrl-C, SIGINT, SIGTERM   stops the engine and says so; ExitStatus::stopped
 //   SIGHUP                    this process ends; the engine runs on to its end, or to its next alert
 // A reader of standard output that goes away ends nothing: the install runs on, and the exit status reports the
 // result.

@@ -79,7 +79,7 @@ void closeAll(std::initializer_list<int> descriptors) {
     exitProcess(body(ends));
   } catch (const UsageError& error) {
     showError(error);
-    exitProcess(ExitStatus::badUsage);
+    exitProcess(error.status());
   }
 }
 

@@ -67,7 +67,7 @@ struct EngineEnds {
 };
 
 // Runs in the child process. Returns the exit status; a UsageError is printed on standard error and exits with
-// ExitStatus::badUsage.
+// its status.
 using EngineBody = std::function<ExitStatus(const EngineEnds& ends)>;
 
 struct EngineProcessOptions {

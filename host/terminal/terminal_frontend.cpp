@@ -302,7 +302,7 @@ class TerminalFrontend {
     } else if (!result_) {
       std::puts(_("Nothing was installed."));
     }
-    return result_ ? result_->exitStatus() : ExitStatus::failure;
+    return result_ ? result_->exitStatus() : ExitStatus::stopped;
   }
 
   const RunDescription& description_;

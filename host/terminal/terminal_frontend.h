@@ -10,7 +10,7 @@ namespace tavenhall {
 //
 // How it can end before the install does:
 //   Ctrl-C, SIGINT    asks the user; then as SIGTERM
-//   SIGTERM           stops the engine and restores the terminal; ExitStatus::failure
+//   SIGTERM           stops the engine and restores the terminal; ExitStatus::stopped
 //   SIGHUP, or a terminal that can no longer be read or written
 //                     this process ends; the engine runs on without a frontend, and ends with
 //                     ExitStatus::noAnswer when the page shows an alert

@@ -41,7 +41,7 @@ class UnreadableAttributes : public testing::TestWithParam<Unreadable> {
 
 TEST_P(UnreadableAttributes, AreRefused) {
   const GatedRun run = installAnyway({});
-  EXPECT_EQ(run.status, 2) << run.output;
+  EXPECT_EQ(run.status, 6) << run.output;
   EXPECT_EQ(run.error, std::string("tavinstall: cannot read ") + kAttributes + ": " + GetParam().text + "\n");
   EXPECT_FALSE(exists(kLog));
 }

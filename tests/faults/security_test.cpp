@@ -36,7 +36,7 @@ TEST(SharedPackageFolder, IsRefusedInOneLineAndNothingIsBegun) {
   openToAll(kSet);
   for (const char* frontend : {"plain", "quiet"}) {
     const Outcome outcome = runThrough({kTavinstall, "run", "--ui", frontend, "--package", kPackage});
-    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.status, 6);
     EXPECT_EQ(outcome.output, "");
     EXPECT_EQ(outcome.error, kSharedLine);
   }
@@ -49,7 +49,7 @@ TEST(SharedPackageFolder, IsRefusedWhereOthersCanAddAnAttributesFileOrASource) {
   for (const char* folder : {"/Users/tester/Downloads", "/Users/tester/Downloads/Set/TANVO"}) {
     ASSERT_EQ(chmod(folder, 01777), 0);
     const Outcome outcome = runThrough({kTavinstall, "run", "--ui", "plain", "--package", kPackage});
-    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.status, 6);
     EXPECT_EQ(outcome.error, "tavinstall: other users can change " + std::string(folder) +
                                  " and thereby what is installed; use --trusted to install anyway\n");
     ASSERT_EQ(chmod(folder, 0755), 0);
@@ -62,7 +62,7 @@ TEST(SharedPackageFolder, IsRefusedWhereOthersCanWriteInAnApplication) {
                  textFile("Installer.pkg", ""), file("Applications/Tool.app/Contents/program", 100)});
   openToAll(std::string(kSet) + "/Applications/Tool.app/Contents");
   const Outcome outcome = runThrough({kTavinstall, "run", "--ui", "quiet", "--package", kPackage});
-  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.status, 6);
   EXPECT_THAT(outcome.error,
               HasSubstr("other users can change " + std::string(kSet) + "/Applications/Tool.app/Contents"));
 }
@@ -94,7 +94,7 @@ TEST(FilesInTmp, AnotherUsersAreRefusedUnlessTheyAreTrusted) {
   setPackage(kPackage);
   ASSERT_EQ(chown("/tmp/TavInstallLoc", kOtherUser, kOtherUser), 0);
   const Outcome refused = runThrough({kTavinstall, "run", "--ui", "quiet", "--no-preinstall"});
-  EXPECT_EQ(refused.status, 2);
+  EXPECT_EQ(refused.status, 6);
   EXPECT_EQ(refused.error,
             "tavinstall: /tmp/TavInstallLoc was written by another user; use --trusted to install anyway\n");
 
@@ -110,7 +110,7 @@ TEST(FilesInTmp, AnotherUsersChoiceOfEditionIsRefusedUnlessTheUserChooses) {
   writeFile("/tmp/TavInstallType", "Lite\n");
   ASSERT_EQ(chown("/tmp/TavInstallType", kOtherUser, kOtherUser), 0);
   const GatedRun refused = install();
-  EXPECT_EQ(refused.status, 2);
+  EXPECT_EQ(refused.status, 6);
   EXPECT_EQ(refused.error,
             "tavinstall: /tmp/TavInstallType was written by another user; use --trusted to install anyway\n");
 
@@ -124,7 +124,7 @@ TEST(APipe, InThePlaceOfTheAttributesFileIsAFileWithoutKeys) {
   ASSERT_EQ(mkfifo((std::string(kSet) + "/.InstallationAttributes.dat").c_str(), 0644), 0);
   layTree(kDiscA, {file("TANVO/disc.db", 100)});
   const GatedRun refused = install();
-  EXPECT_EQ(refused.status, 2);
+  EXPECT_EQ(refused.status, 6);
   EXPECT_THAT(refused.error, HasSubstr(".InstallationAttributes.dat is a pipe, a socket or a device"));
   const GatedRun run = install({"--without-attributes"});  // as from discs, since nothing says otherwise
   EXPECT_EQ(run.status, 0) << run.output;

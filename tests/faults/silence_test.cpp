@@ -67,7 +67,7 @@ class PlaceThatCannotBeExamined : public testing::TestWithParam<Place> {
 
 TEST_P(PlaceThatCannotBeExamined, IsRefused) {
   const GatedRun run = installWith(failing(GetParam().kind, GetParam().path, EACCES));
-  EXPECT_EQ(run.status, 2) << run.output;
+  EXPECT_EQ(run.status, 6) << run.output;
   EXPECT_EQ(run.error, std::string("tavinstall: cannot read ") + GetParam().path + ": Permission denied\n");
 }
 

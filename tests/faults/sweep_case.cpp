@@ -117,6 +117,9 @@ std::string badEnd(const GatedRun& run) {
   return "";
 }
 
+// Refused before anything was begun.
+bool wasRefused(const GatedRun& run) { return run.status == 2 || run.status == 6; }
+
 // The last word, in a line of its own: of success for 0 and of a failure for all else.
 bool lastWordFits(const GatedRun& run) {
   const std::vector<std::string> lines = linesOf(run.output);
@@ -129,13 +132,13 @@ bool lastWordFits(const GatedRun& run) {
   const bool refersToOtherLines =
       count("! Not installed completely: see the lines that begin with \"!\".") == 1 && count("! ") > 1;
   return count("Installed ") == 0 &&
-         (run.status == 2 ? run.error.starts_with("tavinstall: ")
+         (wasRefused(run) ? run.error.starts_with("tavinstall: ")
                           : refersToOtherLines || count("! Stopped: a prompt needs an answer") == 1);
 }
 
 // What the page, or the host, says when nothing is copied any more.
 bool wasGivenUp(const GatedRun& run) {
-  return run.status == 2 || run.status == 3 ||
+  return wasRefused(run) || run.status == 3 ||
          run.output.find("! Files to be installed not found.") != std::string::npos ||
          run.output.find("! The folder for the Tessaphon data was not found.") != std::string::npos;
 }

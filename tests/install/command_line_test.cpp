@@ -39,14 +39,14 @@ class BadUsage : public testing::Test {
 
 TEST_F(BadUsage, WithoutACommand) { expectBadUsage({}, "subcommand"); }
 
-TEST_F(BadUsage, AnUnknownCommand) { expectBadUsage({"instal"}, ": instal\n"); }
+TEST_F(BadUsage, AnUnknownCommand) { expectBadUsage({"instal"}, ": instal; see tavinstall --help\n"); }
 
 TEST_F(BadUsage, AnUnknownOption) { expectBadUsage({"run", "--package", package, "--fast"}, "--fast"); }
 
 TEST_F(BadUsage, AnUnknownFrontend) { expectBadUsage({"run", "--package", package, "--ui", "loud"}, "loud"); }
 
 TEST_F(BadUsage, AnUnknownEdition) {
-  expectBadUsage({"run", "--package", package, "--install-type", "lite"}, "lite");
+  expectBadUsage({"run", "--package", package, "--install-type", "Light"}, "Light");
 }
 
 TEST_F(BadUsage, AnUnknownProduct) {
@@ -107,7 +107,7 @@ TEST(CommandLine, ASecondInstallIsRefusedWhileAFirstOneRuns) {
 
   const Outcome second = tavinstall({"run", "--ui", "quiet", "--package", kPackage, "--install-type", "Lite"});
 
-  EXPECT_EQ(second.status, 2);
+  EXPECT_EQ(second.status, 5);
   EXPECT_THAT(second.error, MatchesRegex("tavinstall: [^\n]+\n"));
   EXPECT_TRUE(std::filesystem::is_symlink("/tmp/TavInstallType"));  // the first one's, and no choice
   EXPECT_EQ(first.finish(), 0);

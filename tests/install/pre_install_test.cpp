@@ -19,7 +19,7 @@ using testing::MatchesRegex;
 TEST(PreInstall, ThePackageAndTheEditionAreWrittenAndTheHomeGetsItsFoldersButNoDataFolder) {
   layTree(kSet, {textFile("Installer.pkg", "")});
 
-  JsonInstaller installer({"--package", kPackage, "--install-type", "Lite"});
+  JsonInstaller installer({"--package", kPackage, "--install-type", "lITE"});
 
   EXPECT_EQ(installer.finish(), 0);
   EXPECT_EQ(readFile("/tmp/TavInstallLoc"), "/Users/tester/Downloads/Set/Installer.pkg\n");

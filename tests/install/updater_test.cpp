@@ -121,7 +121,7 @@ TEST(Updater, IsRefusedWhereItsOwnFoldersAreTheSystems) {
       "into its own folder\n";
 
   const Outcome outcome = runThrough({kTavinstall, "run", "--ui", "quiet", "--package", kPackage});
-  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.status, 6);
   EXPECT_EQ(outcome.error, complaint);
   EXPECT_TRUE(exists("/Library/Audio/Plug-Ins/VST/Tessaphon.vst/Contents/plugin"));
   EXPECT_FALSE(exists(kLog));

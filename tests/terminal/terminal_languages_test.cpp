@@ -84,7 +84,7 @@ TEST_P(TerminalInLanguage, ItsLanguageWhileItCopiesAndWhenItIsLeft) {
   terminal.resize(120, 40);
   expectScreen(terminal, screenOf("leave-120x40"));
   terminal.press({"Tab", "Enter"});
-  EXPECT_THAT(terminal.waitFor("[ended with"), AllOf(HasSubstr(GetParam().stopped), HasSubstr("with 1]")));
+  EXPECT_THAT(terminal.waitFor("[ended with"), AllOf(HasSubstr(GetParam().stopped), HasSubstr("with 4]")));
 }
 
 TEST_P(TerminalInLanguage, ItsLanguageWhenAllIsInstalled) {

@@ -80,7 +80,7 @@ TEST_F(TerminalLeaving, LeavingEndsTheEngineAndGivesTheTerminalBack) {
   install.terminal.press({"l"});
   const std::string shown = install.terminal.waitFor("[ended with");
   EXPECT_THAT(shown, HasSubstr("Stopped. The files copied so far are kept. Run the installer again to"));
-  EXPECT_THAT(shown, HasSubstr("[ended with 1]"));
+  EXPECT_THAT(shown, HasSubstr("[ended with 4]"));
   waitForEndOf(install.engine);
   EXPECT_FALSE(exists("/tmp/finished"));
   expectTerminalAsBefore(install.terminal);
@@ -104,7 +104,7 @@ TEST_F(TerminalLeaving, AnInterruptFromOutsideAsksToo) {
 TEST_F(TerminalLeaving, BeingTerminatedEndsTheEngineAndGivesTheTerminalBack) {
   RunningInstall install;
   kill(install.program, SIGTERM);
-  EXPECT_THAT(install.terminal.waitFor("[ended with"), HasSubstr("[ended with 1]"));
+  EXPECT_THAT(install.terminal.waitFor("[ended with"), HasSubstr("[ended with 4]"));
   waitForEndOf(install.engine);
   expectTerminalAsBefore(install.terminal);
 }
@@ -114,7 +114,7 @@ TEST_F(TerminalLeaving, ATerminalThatGoesAwayDoesNotStopTheInstall) {
   install.terminal.close();
   waitForEndOf(install.program);
   EXPECT_EQ(kill(install.engine, 0), 0) << "the engine went with its terminal";
-  EXPECT_EQ(runThrough(runCommand({"--ui", "quiet"})).status, 2) << "it does not keep a second one out";
+  EXPECT_EQ(runThrough(runCommand({"--ui", "quiet"})).status, 5) << "it does not keep a second one out";
   let("go");
   waitForEndOf(install.engine);
   EXPECT_TRUE(exists("/tmp/finished"));

@@ -298,7 +298,7 @@ TEST_F(TerminalPassword, StoppingPlainLinesAtAQuestionGivesTheTerminalBack) {
   let("go");
   terminal.waitFor("? A command prompts:");
   terminal.press({"C-c"});
-  EXPECT_THAT(terminal.waitFor("[ended with 1]"), HasSubstr("! Stopped."));
+  EXPECT_THAT(terminal.waitFor("[ended with 4]"), HasSubstr("! Stopped."));
   terminal.press({"h", "i"});
   terminal.waitFor("hi");
   EXPECT_FALSE(exists("/tmp/asked"));

@@ -63,7 +63,7 @@ TEST_F(TerminalStart, ASecondInstallOfTheSameUserIsRefused) {
   terminal.waitFor("Press Continue to begin.");
   for (const char* frontend : {"quiet", "json"}) {
     const Outcome second = runThrough(with(command, {"--ui", frontend}));
-    EXPECT_EQ(second.status, 2) << frontend;
+    EXPECT_EQ(second.status, 5) << frontend;
     EXPECT_EQ(second.error,
               "tavinstall: another installation of yours is running; start this one after it has ended\n");
   }
@@ -76,7 +76,7 @@ TEST_F(TerminalStart, ASecondInstallIsRefusedBeforeItShowsAPage) {
   }
   TmuxTerminal second(100, 24, command);
   EXPECT_THAT(second.waitFor("[ended with"), HasSubstr("tavinstall: another installation of yours is running; "
-                                                       "start this one after it has ended\n[ended with 2]"));
+                                                       "start this one after it has ended\n[ended with 5]"));
 }
 
 TEST_F(TerminalStart, AnotherUsersInstallIsNotRefused) {
