@@ -15,7 +15,9 @@ foreach(language IN ITEMS C CXX OBJCXX)
   set(CMAKE_${language}_COMPILER_TARGET ${CMAKE_OSX_ARCHITECTURES}-apple-macos${CMAKE_OSX_DEPLOYMENT_TARGET})
   set(CMAKE_${language}_FLAGS_INIT "-Werror=unguarded-availability-new")
   if(NOT language STREQUAL "C")
-    string(APPEND CMAKE_${language}_FLAGS_INIT " -stdlib=libc++")
+    # Before those beside the compiler, which do not say in which releases a part exists.
+    string(APPEND CMAKE_${language}_FLAGS_INIT
+      " -stdlib=libc++ -stdlib++-isystem ${TAVINSTALL_MACOS_SDK}/usr/include/c++/v1")
   endif()
 endforeach()
 set(CMAKE_OSX_SYSROOT ${TAVINSTALL_MACOS_SDK})

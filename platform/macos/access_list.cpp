@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <membership.h>
 #include <memory>
 #include <sys/acl.h>
@@ -48,7 +49,8 @@ GroupWriters groupWritersOf(const char* path, mode_t mode, uid_t owner) noexcept
   GroupWriters writers{.owningGroup = (mode & S_IWGRP) != 0};
   const AccessList list(acl_get_file(path, ACL_TYPE_EXTENDED), acl_free);
   if (!list) {
-    return writers;  // it has none
+    const bool hasNone = errno == ENOENT || errno == ENOTSUP;
+    return hasNone ? writers : GroupWriters{.owningGroup = true, .others = true};  // unknown, so the worst
   }
   acl_entry_t entry = nullptr;
   for (int result = acl_get_entry(list.get(), ACL_FIRST_ENTRY, &entry); result == 0;
