@@ -62,7 +62,7 @@ std::string unexpectedText(const CLI::App& program) {
              static_cast<std::int64_t>(left.size()), {CLI::detail::join(left, " ")});
   const std::string written = left.empty() ? "" : left.front().substr(0, left.front().find('='));
   const std::string meant = meantBy(written, program);
-  return meant.empty() ? text : format(_("{0}; did you mean {1}?"), {text, meant});
+  return meant.empty() ? text : format(_("{0} (did you mean {1}?)"), {text, meant});
 }
 
 std::string requiredText(const CLI::App& program) {

@@ -248,7 +248,8 @@ class PlainFrontend {
     const bool isWhole = std::string_view(end, digits.data() + digits.size()).find_first_not_of(" \t\r") ==
                          std::string_view::npos;
     if (error != std::errc{} || !isWhole || number < 1 || number > buttons_) {
-      print("  " + format(_("Type a number from 1 to {0}."), {std::to_string(buttons_)}));
+      print("  " + (buttons_ == 1 ? _("Press Return.")
+                                  : format(_("Type a number from 1 to {0}."), {std::to_string(buttons_)})));
       return;
     }
     buttons_ = 0;

@@ -122,7 +122,7 @@ TEST(CheckCommand, SaysInOneLineWhatCannotBeUsed) {
   const std::vector<std::pair<std::string, std::string>> cases{
       {"/Users/tester/none",
        "tavinstall: no installer set at /Users/tester/none; a set is a folder with an installer package\n"},
-      {"", "tavinstall: SET is required\n"},
+      {"", "tavinstall: SET is required; see tavinstall check --help\n"},
       {kSetFolder + " --installed /none",
        "tavinstall: no folder at /none; --installed needs a folder that holds the user's data folders\n"},
   };
@@ -132,7 +132,7 @@ TEST(CheckCommand, SaysInOneLineWhatCannotBeUsed) {
     EXPECT_EQ(outcome.status, 2) << arguments;
     EXPECT_EQ(outcome.output, message) << arguments;
   }
-  for (const char* option : {" --product Obonia", " --format xml", " --install-type lite", " --depth 2"}) {
+  for (const char* option : {" --product Obonia", " --format xml", " --install-type light", " --depth 2"}) {
     const Outcome outcome = runCheck(kSetFolder + option);
     EXPECT_EQ(outcome.status, 2) << option;
     EXPECT_EQ(std::count(outcome.output.begin(), outcome.output.end(), '\n'), 1) << outcome.output;

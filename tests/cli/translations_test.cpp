@@ -255,12 +255,12 @@ TEST(Hints, FollowAnArgumentThatIsRefused) {
             "tavinstall: --package requires a value; see tavinstall run --help\n");
   EXPECT_EQ(refusalOf("de", {"check"}), "tavinstall: SET fehlt; siehe tavinstall check --help\n");
   EXPECT_EQ(refusalOf("en", {"run", "--packge=a"}),
-            "tavinstall: The following argument was not expected: --packge=a; did you mean --package?; see "
+            "tavinstall: The following argument was not expected: --packge=a (did you mean --package?); see "
             "tavinstall "
             "run --help\n");
   EXPECT_EQ(
       refusalOf("en", {"rehearsal"}),
-      "tavinstall: The following argument was not expected: rehearsal; did you mean rehearse?; see tavinstall "
+      "tavinstall: The following argument was not expected: rehearsal (did you mean rehearse?); see tavinstall "
       "--help\n");
   EXPECT_EQ(refusalOf("en", {"foo"}),
             "tavinstall: The following argument was not expected: foo; see tavinstall --help\n");

@@ -99,12 +99,15 @@ bool isNamed(const InstalledFile& file, const std::vector<std::string>& output) 
   });
 }
 
+// Refused before anything was begun.
+bool wasRefused(const GatedRun& run) { return run.status == 2 || run.status == 6; }
+
 // What went wrong in how the program ended; empty if nothing.
 std::string badEnd(const GatedRun& run) {
   if (run.isHung) {
     return "it did not end";
   }
-  if (run.status > 3) {
+  if (run.status > 3 && !wasRefused(run)) {
     return "it ended with " + std::to_string(run.status);
   }
   if (run.output.find("engine ended before its time") != std::string::npos) {
@@ -116,9 +119,6 @@ std::string badEnd(const GatedRun& run) {
   }
   return "";
 }
-
-// Refused before anything was begun.
-bool wasRefused(const GatedRun& run) { return run.status == 2 || run.status == 6; }
 
 // The last word, in a line of its own: of success for 0 and of a failure for all else.
 bool lastWordFits(const GatedRun& run) {

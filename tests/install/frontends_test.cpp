@@ -74,8 +74,8 @@ TEST(PlainFrontend, AGoodInstallIsReportedInLinesAndAnAlertIsAnsweredByNumber) {
   EXPECT_EQ(
       steadyLines(output),
       "Tessaphon\n  Installing into:\n  /Users/tester/Library/Application Support/Tavenhall/TANVO\n? Ready for "
-      "next volume\n  Please insert Tessaphon B\n  1) OK\n  Type a number from 1 to 1.\n  Type a number from 1 "
-      "to 1.\n  All is in:\n  /Users/tester/Library/Application Support/Tavenhall/TANVO\nInstalled 22.5 kB in "
+      "next volume\n  Please insert Tessaphon B\n  1) OK\n  Press Return.\n  Press Return.\n"
+      "  All is in:\n  /Users/tester/Library/Application Support/Tavenhall/TANVO\nInstalled 22.5 kB in "
       "<time>.\nThe log is /Users/tester/Library/Caches/Tavenhall/installationLog.txt.\n");
   EXPECT_EQ(program.standardError(), "");
   EXPECT_EQ(progressLines(output).front(), "  0 %");

@@ -129,7 +129,7 @@ TEST_F(DesktopWindow, ClosedAtTheIntroductionItHasTouchedNothing) {
     return windowNumber().empty();
   });
 
-  EXPECT_EQ(program_->waitForEnd(), 1) << program_->standardError();
+  EXPECT_EQ(program_->waitForEnd(), 4) << program_->standardError();
   EXPECT_FALSE(exists("/tmp/TavInstallLoc"));
   EXPECT_FALSE(exists(kLog));
 }
