@@ -123,14 +123,15 @@ CLI::Validator oneOf(const std::vector<std::string>& names) {
 }
 
 CLI::Validator edition() {
-  const auto check = [](std::string& value) {
-    for (const char* name : {"Lite", "Full"}) {
-      if (equalsIgnoringCase(value, name)) {
-        value = name;
-        return std::string();
-      }
+  const std::vector<std::string> names{"Lite", "Full"};
+  const auto check = [names](std::string& value) {
+    const auto meant = std::find_if(names.begin(), names.end(), [&value](const std::string& name) {
+      return equalsIgnoringCase(value, name);
+    });
+    if (meant != names.end()) {
+      value = *meant;
     }
-    return format(_("{0} not in {1}"), {value, "{Lite,Full}"});
+    return oneOf(names)(value);
   };
   return CLI::Validator(check, "");
 }

@@ -190,18 +190,15 @@ void Engine::reportFailure(const event::AuditFailure& failure) {
 
 void Engine::requireCopies(const std::vector<ExpectedCopy>& expected,
                            const std::vector<event::AuditFailure>& failures) {
+  bool needsFiles = false;
   {
     const Lock lock(state_);
     if (!isEntered_) {
       return;
     }
-  }
-  audit_->requireCopies(expected, failures);
-  bool needsFiles = false;
-  {
-    const Lock lock(state_);
     needsFiles = pageIsContent();
   }
+  audit_->requireCopies(expected, failures);
   if (needsFiles) {
     audit_->requireFiles();
   }

@@ -84,26 +84,28 @@ event::Audit InstallAudit::compare(const event::CopyBegin& copy) {
 
 void InstallAudit::requireCopies(const std::vector<ExpectedCopy>& expected,
                                  const std::vector<event::AuditFailure>& failures) {
-  const auto add = [this](const event::AuditFailure& failure) {
-    ++sums_.failures;
-    report_(failure);
-  };
   for (const ExpectedCopy& copy : expected) {
     const bool isMade = std::any_of(copies_.begin(), copies_.end(),
                                     [&copy](const event::CopyBegin& made) { return isCopyOf(made, copy); });
     if (!isMade) {
-      add({"not-copied", copy.source, copy.destination, copy.volume, ""});
+      fail({"not-copied", copy.source, copy.destination, copy.volume, ""});
     }
   }
-  std::for_each(failures.begin(), failures.end(), add);
+  for (const event::AuditFailure& failure : failures) {
+    fail(failure);
+  }
 }
 
 void InstallAudit::requireFiles() {
   if (sums_.files == 0 && sums_.failures == 0) {
     const event::CopyBegin last = copies_.empty() ? event::CopyBegin{} : copies_.back();
-    ++sums_.failures;
-    report_({"no-files", last.source, last.destination, last.volume, ""});
+    fail({"no-files", last.source, last.destination, last.volume, ""});
   }
+}
+
+void InstallAudit::fail(const event::AuditFailure& failure) {
+  ++sums_.failures;
+  report_(failure);
 }
 
 }  // namespace tavenhall

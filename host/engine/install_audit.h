@@ -47,6 +47,8 @@ class InstallAudit {
   [[nodiscard]] const event::Audit& sums() const { return sums_; }
 
  private:
+  void fail(const event::AuditFailure& failure);
+
   Report report_;
   std::vector<event::CopyBegin> copies_;
   event::Audit sums_;

@@ -59,7 +59,9 @@ bool resolveAlias(const char* path, std::string& target) noexcept {
   for (int followed = 0; followed <= kLongestChain; ++followed) {
     std::string next = followAlias(at.c_str());
     if (next.empty()) {
-      target = followed > 0 ? at : target;
+      if (followed > 0) {
+        target = at;
+      }
       return followed > 0;
     }
     at = std::move(next);
