@@ -39,8 +39,11 @@ void InstallDataPane::installAllVolumesForOneOf_TANVOorDOVA() noexcept {
     gAltSrcFolder.format("%s/Mac OSX/%s", root.c_str(), gTANVOorDOVAnameOnly.c_str());
     status->setTitleWithMnemonic(" ");
 
-    if (gInstallMode == kModeVolumes && !waitForVolume(optionalDisc)) {
-      continue;
+    if (gInstallMode == kModeVolumes) {
+      host().discBegun(root.c_str());
+      if (!waitForVolume(optionalDisc)) {
+        continue;
+      }
     }
     if (gCurrentVolumeNumber == 0) {
       prepareFirstVolume();
@@ -95,6 +98,7 @@ bool InstallDataPane::waitForVolume(const OptionalDisc* optionalDisc) noexcept {
     } else {
       askForMandatoryVolume();
     }
+    host().discAwaited(kSecondsBetweenDiscChecks);
     sleepSeconds(kSecondsBetweenDiscChecks);
   }
 }
@@ -194,6 +198,7 @@ void InstallDataPane::copyVolumeOnItsThread(const char* folder) noexcept {
     sleepSeconds(1);
   }
   if (gInstallMode == kModeVolumes) {
+    host().ejectBegun();
     runShellCommand("drutil -drive 1 eject");
   }
 }

@@ -10,7 +10,7 @@
 namespace tavenhall {
 
 // Raised whenever this header or installer_pane.h changes. The page refuses a host of another version.
-inline constexpr std::uint32_t kInstallerInterfaceVersion = 2;
+inline constexpr std::uint32_t kInstallerInterfaceVersion = 3;
 
 // A text field of the page. Any thread.
 class TextField {
@@ -102,6 +102,16 @@ class InstallerHost {
   // InstallerPane::snapshot() may be called on that thread.
   virtual void copyBegun(const TreeCopy& copy) noexcept = 0;
   virtual void copyFinished(const TreeCopy& copy, bool isCopied) noexcept = 0;
+
+  // The page turns to a disc, or to an optional one that the user may skip. `root` is where the disc is
+  // mounted; InstallerPane::snapshot() may be called, and has the disc's number.
+  virtual void discBegun(const char* root) noexcept = 0;
+
+  // The page waits `seconds` before it looks for the disc of the latest discBegun() again.
+  virtual void discAwaited(unsigned seconds) noexcept = 0;
+
+  // The page runs the command that ejects the disc; its next notification or dispatch comes afterwards.
+  virtual void ejectBegun() noexcept = 0;
 
   // A power assertion is taken or released, whether or not the system grants it.
   virtual void assertionTaken(const char* type, std::uint32_t level, const char* name) noexcept = 0;

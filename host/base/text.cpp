@@ -139,6 +139,22 @@ std::string printableLine(std::string_view text) {
   return line;
 }
 
+namespace {
+
+// The number, written as in C, with the decimal mark of the current language.
+std::string localized(std::string_view number) {
+  const std::string example = _("1.5");  // translated as the language writes it: "1,5"
+  const std::string_view mark = std::string_view(example).substr(1, example.size() - 2);
+  const std::size_t point = std::min(number.find('.'), number.size());
+  std::string text(number.substr(0, point));
+  if (point < number.size()) {
+    text.append(mark).append(number.substr(point + 1));
+  }
+  return text;
+}
+
+}  // namespace
+
 std::string sizeText(double bytes) {
   constexpr std::array<const char*, 5> kUnits{"bytes", "kB", "MB", "GB", "TB"};
   constexpr double kRoundsUpToNextUnit = 999.95;
@@ -149,13 +165,13 @@ std::string sizeText(double bytes) {
   }
   std::array<char, 64> text{};
   std::snprintf(text.data(), text.size(), unit == 0 ? "%.0f %s" : "%.1f %s", bytes, kUnits[unit]);
-  return text.data();
+  return localized(text.data());
 }
 
 std::string megabytesText(std::int64_t bytes) {
   std::array<char, 48> text{};
   std::snprintf(text.data(), text.size(), "%.1f MB", static_cast<double>(bytes) / 1e6);
-  return text.data();
+  return localized(text.data());
 }
 
 std::string durationText(double seconds) {

@@ -125,6 +125,7 @@ void Engine::perform(Command command) {
       {
         const Lock lock(state_);
         isEntered_ = true;
+        phase_ = {};
       }
       {
         const InstallTypePlace place;  // the page reads the choice here, and only here
@@ -211,6 +212,9 @@ event::Summary Engine::summary() const {
   summary.isInstalled = isInstalled();
   if (!summary.copySeconds.empty() && summary.copySeconds.back() == kStillRunning) {
     summary.copySeconds.back() = secondsSince(copyThreadStart_);
+  }
+  if (phaseStart_) {
+    addPhase(summary);
   }
   summary.ready = snapshot.readyToProceed;
   summary.mode = snapshot.installMode;

@@ -115,6 +115,9 @@ class Engine final : private InstallerHost {
   void pageThreadEnded(const char* name) noexcept override;
   void copyBegun(const TreeCopy& copy) noexcept override;
   void copyFinished(const TreeCopy& copy, bool isCopied) noexcept override;
+  void discBegun(const char* root) noexcept override;
+  void discAwaited(unsigned seconds) noexcept override;
+  void ejectBegun() noexcept override;
   void assertionTaken(const char* type, std::uint32_t level, const char* name) noexcept override;
   void assertionReleased(const char* type) noexcept override;
 
@@ -126,6 +129,10 @@ class Engine final : private InstallerHost {
   void report(const Event& event) REQUIRES(state_);
   [[nodiscard]] event::CopyState copyState() const REQUIRES(state_);
   void takeSnapshot() EXCLUDES(state_);
+  // Ends the phase before, reports this one and measures its time.
+  void beginPhase(event::Phase::Kind kind, std::int64_t seconds = 0) REQUIRES(state_);
+  void endPhase() REQUIRES(state_);
+  void addPhase(event::Summary& summary) const REQUIRES(state_);  // the time of the phase that lasts
   void beginAudits() EXCLUDES(state_);
   void reportFailure(const event::AuditFailure& failure) EXCLUDES(state_);
   // The page was left forwards and has reported no failure.
@@ -161,8 +168,10 @@ class Engine final : private InstallerHost {
   double barValue_ GUARDED_BY(state_) = 0.0;
   bool isNextEnabled_ GUARDED_BY(state_) = false;
   int pageThreads_ GUARDED_BY(state_) = 0;
-  PaneSnapshot snapshot_ GUARDED_BY(state_);  // the latest
-  event::CopyBegin copy_ GUARDED_BY(state_);  // that began last
+  PaneSnapshot snapshot_ GUARDED_BY(state_);                        // the latest
+  event::CopyBegin copy_ GUARDED_BY(state_);                        // that began last
+  event::Phase phase_ GUARDED_BY(state_);                           // the latest; its disc is the page's
+  std::optional<Clock::time_point> phaseStart_ GUARDED_BY(state_);  // none when it has ended
   bool isEntered_ GUARDED_BY(state_) = false;
   std::int64_t bytesAtCopyBegin_ GUARDED_BY(state_) = 0;
   std::int64_t filesAtCopyBegin_ GUARDED_BY(state_) = 0;

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <stdexcept>
 #include <utility>
 
@@ -76,6 +77,8 @@ int Engine::runModal(const Alert& alert) noexcept {
   main_.assertHeld();
   {
     const Lock lock(state_);
+    const bool wasLooking = phaseStart_ && phase_.kind == event::Phase::Kind::looking;
+    beginPhase(wasLooking ? event::Phase::Kind::notFound : event::Phase::Kind::waiting);
     event::Alert shown{
         alert.messageText, alert.informativeText, {alert.buttons.begin(), alert.buttons.end()}, alert.style};
     report(shown);
@@ -92,6 +95,7 @@ int Engine::runModal(const Alert& alert) noexcept {
   isAlertUp_ = false;
   changed_.notifyAll();
   const Lock lock(state_);
+  endPhase();
   summary_.alerts.back().answer = *answer;
   return *answer;
 }
@@ -101,7 +105,7 @@ void Engine::beginInformationalSheet(const Sheet& sheet) noexcept {
   if (isCopying_) {
     audit_->addRefusal(snapshot_.currentFile);  // on the copy's own thread, which waits for this block
   }
-  event::Sheet shown{sheet.defaultButton, sheet.message};
+  event::Sheet shown{sheet.defaultButton, sheet.message, isCopying_ ? snapshot_.currentFile : ""};
   report(shown);
   summary_.sheets.push_back(std::move(shown));
 }
@@ -134,6 +138,9 @@ void Engine::pageThreadEnded(const char* name) noexcept {
   {
     const Lock lock(state_);
     --pageThreads_;
+    if (pageThreads_ == 0) {
+      endPhase();
+    }
     if (std::strcmp(name, kCopyThread) == 0) {
       summary_.copySeconds.back() = secondsSince(copyThreadStart_);
     }
@@ -151,6 +158,12 @@ void Engine::copyBegun(const TreeCopy& copy) noexcept {
   filesAtCopyBegin_ = snapshot_.filesDone;
   const std::int32_t volume = volumeOf(copy.source, snapshot_);
   isCopying_ = true;
+  if (volume != phase_.volume) {
+    phase_.disc.clear();
+  }
+  phase_.volume = volume;
+  phase_.volumeCount = volume > 0 ? snapshot_.volumeCount : 0;
+  beginPhase(event::Phase::Kind::copying);
   copy_ = {copy.source, textOrEmpty(copy.destination), volume, volume > 0 ? snapshot_.volumeCount : 0};
   report(copy_);
 }
@@ -165,11 +178,61 @@ void Engine::copyFinished(const TreeCopy& copy, bool isCopied) noexcept {
     hasFailedCopy_ = hasFailedCopy_ || !isCopied;
     report(event::CopyEnd{copy.source, textOrEmpty(copy.destination), isCopied,
                           snapshot_.bytesWritten - bytesAtCopyBegin_, snapshot_.filesDone - filesAtCopyBegin_});
+    beginPhase(event::Phase::Kind::checking);
   }
   const event::Audit audit = audit_->compare(ended);
   const Lock lock(state_);
   summary_.audit = audit_->sums();
   report(audit);
+  endPhase();
+}
+
+void Engine::discBegun(const char* root) noexcept {
+  takeSnapshot();
+  const Lock lock(state_);
+  endPhase();
+  phase_ = {};
+  phase_.volume = snapshot_.currentVolumeNumber + 1;
+  // Before it has read the first disc, the page may not know how many there are.
+  phase_.volumeCount = snapshot_.currentVolumeNumber > 0 ? snapshot_.volumeCount : 0;
+  phase_.disc = std::filesystem::path(root).filename().string();
+}
+
+void Engine::discAwaited(unsigned seconds) noexcept {
+  const Lock lock(state_);
+  beginPhase(event::Phase::Kind::looking, seconds);
+}
+
+void Engine::ejectBegun() noexcept {
+  const Lock lock(state_);
+  beginPhase(event::Phase::Kind::ejecting);
+}
+
+void Engine::beginPhase(event::Phase::Kind kind, std::int64_t seconds) {
+  endPhase();
+  phase_.kind = kind;
+  phase_.seconds = seconds;
+  phaseStart_ = Clock::now();
+  report(phase_);
+}
+
+void Engine::endPhase() {
+  if (phaseStart_) {
+    addPhase(summary_);
+    phaseStart_.reset();
+  }
+}
+
+void Engine::addPhase(event::Summary& summary) const {
+  const double seconds = secondsSince(*phaseStart_);
+  switch (phase_.kind) {
+    case event::Phase::Kind::waiting:
+    case event::Phase::Kind::looking:
+    case event::Phase::Kind::notFound: summary.waitingSeconds += seconds; break;
+    case event::Phase::Kind::copying: summary.copyingSeconds += seconds; break;
+    case event::Phase::Kind::checking: summary.checkingSeconds += seconds; break;
+    case event::Phase::Kind::ejecting: break;
+  }
 }
 
 void Engine::beginAudits() {

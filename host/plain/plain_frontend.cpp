@@ -3,6 +3,7 @@
 #include "host/base/child_process.h"
 #include "host/base/text.h"
 #include "host/plain/plain_printer.h"
+#include "host/ui/run_result.h"
 #include "platform/host_system.h"
 #include "platform/installer_host.h"
 
@@ -275,6 +276,13 @@ class PlainFrontend {
       print("! " + join(_("Stopped."), description_.afterStop));
     } else if (status == ExitStatus::failure) {
       print(std::string("! ") + _("The installer's engine ended unexpectedly."));
+    }
+    if (summary_) {
+      const std::string split =
+          timeSplitText(summary_->copyingSeconds, summary_->waitingSeconds, summary_->seconds);
+      if (!split.empty()) {
+        print("  " + split);
+      }
     }
     if (const std::string log = description_.writtenLog(); !log.empty()) {
       print(format(_("The log is {0}."), {log}));

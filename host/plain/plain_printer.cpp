@@ -1,6 +1,7 @@
 #include "host/plain/plain_printer.h"
 
 #include "host/base/text.h"
+#include "host/ui/phase_line.h"
 #include "host/ui/run_result.h"
 
 #include <algorithm>
@@ -33,10 +34,12 @@ void PlainPrinter::show(const Event& event, Clock::time_point now) {
                    percent_ = static_cast<int>(std::floor(std::clamp(part, 0.0, 1.0) * 100.0));
                    showProgress(now);
                  },
+                 [&](const event::Phase& phase) { showPhase(phase, now); },
                  [&](const event::Alert& alert) { showAlert(alert); },
                  [&](const event::Sheet& sheet) {
                    flush();
-                   print_("! " + printableText(sheet.message));
+                   const std::string message = printableText(sheet.message);
+                   print_("! " + (sheet.file.empty() ? message : printableLine(sheet.file) + ": " + message));
                  },
                  [&](const event::AuditFailure& failure) {
                    flush();
@@ -52,6 +55,16 @@ void PlainPrinter::showInstructions(const std::string& text) {
     flush();
     instructions_ = text;
     showText(text);
+  }
+}
+
+// Only of discs: elsewhere there is nothing to wait for.
+void PlainPrinter::showPhase(const event::Phase& phase, Clock::time_point now) {
+  if (!phase.disc.empty()) {
+    flush();
+    PhaseLine line;
+    line.set(phase, now);
+    print_("- " + line.texts(now).front());
   }
 }
 

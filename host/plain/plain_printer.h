@@ -26,6 +26,7 @@ class PlainPrinter {
 
  private:
   void showInstructions(const std::string& text);
+  void showPhase(const event::Phase& phase, Clock::time_point now);
   void showAlert(const event::Alert& alert);
   void showText(std::string_view text);
   void showProgress(Clock::time_point now);

@@ -58,7 +58,7 @@ event::Alert alertIn(const ordered_json& object) {
 }
 
 event::Sheet sheetIn(const ordered_json& object) {
-  return {textIn(object, "button"), textIn(object, "message")};
+  return {textIn(object, "button"), textIn(object, "message"), textIn(object, "file")};
 }
 
 // The counts alone.
@@ -94,12 +94,15 @@ event::Summary summaryIn(const ordered_json& object) {
   if (const auto audit = object.find("audit"); audit != object.end() && audit->is_object()) {
     summary.audit = auditIn(*audit);
   }
+  summary.copyingSeconds = numberIn<double>(object, "copyingSeconds");
+  summary.waitingSeconds = numberIn<double>(object, "waitingSeconds");
+  summary.checkingSeconds = numberIn<double>(object, "checkingSeconds");
   return summary;
 }
 
 using Decode = Event (*)(const ordered_json& object);
 
-constexpr std::array<std::pair<std::string_view, Decode>, 22> kDecoders{{
+constexpr std::array<std::pair<std::string_view, Decode>, 23> kDecoders{{
     {"progress.value",
      [](const ordered_json& o) -> Event {
        return event::ProgressValue{numberIn<double>(o, "value"), copyStateIn(o)};
@@ -141,6 +144,15 @@ constexpr std::array<std::pair<std::string_view, Decode>, 22> kDecoders{{
      [](const ordered_json& o) -> Event {
        return event::AuditFailure{textIn(o, "problem"), textIn(o, "source"), textIn(o, "destination"),
                                   numberIn<std::int32_t>(o, "volume"), textIn(o, "detail")};
+     }},
+    {"phase",
+     [](const ordered_json& o) -> Event {
+       const std::string name = textIn(o, "phase");
+       const auto* kind = std::find_if(kPhaseNames.begin(), kPhaseNames.end(),
+                                       [&name](const auto& row) { return row.first == name; });
+       return event::Phase{kind != kPhaseNames.end() ? kind->second : event::Phase::Kind::waiting,
+                           numberIn<std::int32_t>(o, "volume"), numberIn<std::int32_t>(o, "volumes"),
+                           textIn(o, "disc"), numberIn<std::int64_t>(o, "seconds")};
      }},
     {"alert", [](const ordered_json& o) -> Event { return alertIn(o); }},
     {"sheet", [](const ordered_json& o) -> Event { return sheetIn(o); }},

@@ -146,6 +146,17 @@ std::string line(const event::AuditFailure& failure) {
                            {"detail", failure.detail}});
 }
 
+std::string line(const event::Phase& phase) {
+  const auto* name = std::find_if(kPhaseNames.begin(), kPhaseNames.end(),
+                                  [&phase](const auto& row) { return row.second == phase.kind; });
+  return line(ordered_json{{"event", "phase"},
+                           {"phase", name->first},
+                           {"volume", phase.volume},
+                           {"volumes", phase.volumeCount},
+                           {"disc", phase.disc},
+                           {"seconds", phase.seconds}});
+}
+
 std::string line(const event::Alert& alert) {
   return line(ordered_json{{"event", "alert"},
                            {"message", alert.message},
@@ -155,7 +166,8 @@ std::string line(const event::Alert& alert) {
 }
 
 std::string line(const event::Sheet& sheet) {
-  return line(ordered_json{{"event", "sheet"}, {"button", sheet.button}, {"message", sheet.message}});
+  return line(ordered_json{
+      {"event", "sheet"}, {"button", sheet.button}, {"message", sheet.message}, {"file", sheet.file}});
 }
 
 std::string line(const event::Assertion& assertion) {
@@ -194,7 +206,7 @@ ordered_json summaryFields(const event::Summary& summary) {
   }
   ordered_json sheets = ordered_json::array();
   for (const event::Sheet& sheet : summary.sheets) {
-    sheets.push_back({{"button", sheet.button}, {"message", sheet.message}});
+    sheets.push_back({{"button", sheet.button}, {"message", sheet.message}, {"file", sheet.file}});
   }
   return {{"left", summary.hasLeft},
           {"ready", summary.ready},
@@ -207,7 +219,10 @@ ordered_json summaryFields(const event::Summary& summary) {
           {"bytes", summary.bytesWritten},
           {"files", summary.filesDone},
           {"installed", summary.isInstalled},
-          {"audit", auditFields(summary.audit)}};
+          {"audit", auditFields(summary.audit)},
+          {"copyingSeconds", rounded(summary.copyingSeconds)},
+          {"waitingSeconds", rounded(summary.waitingSeconds)},
+          {"checkingSeconds", rounded(summary.checkingSeconds)}};
 }
 
 std::string line(const event::Summary& summary) {

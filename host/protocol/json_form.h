@@ -23,6 +23,16 @@ inline constexpr std::array<std::pair<std::string_view, Command>, 6> kCommandNam
     {"wait", Command::wait},
 }};
 
+// The names of the phases in their public form.
+inline constexpr std::array<std::pair<std::string_view, event::Phase::Kind>, 6> kPhaseNames{{
+    {"waiting", event::Phase::Kind::waiting},
+    {"looking", event::Phase::Kind::looking},
+    {"not-found", event::Phase::Kind::notFound},
+    {"copying", event::Phase::Kind::copying},
+    {"checking", event::Phase::Kind::checking},
+    {"ejecting", event::Phase::Kind::ejecting},
+}};
+
 // The line for an event or a request, newline included. Bytes that are not UTF-8 become U+FFFD.
 [[nodiscard]] std::string encode(const Event& event);
 [[nodiscard]] std::string encode(const Request& request);

@@ -10,8 +10,7 @@
 //   Warning                     before all others
 //   Title                       any time, in reply to Command::title
 //   PreviousEnabled ... Sheet   while the page is entered and while its threads run; each CopyEnd is followed
-//   by
-//                               the failures of its audit and by the Audit
+//                               by the failures of its audit and by the Audit
 //   Entered                     in reply to Command::enter, when the page's entry has returned
 //   Idle                        in reply to Command::wait, when every page thread has ended
 //   Exit                        in reply to Command::forward and Command::back
@@ -110,6 +109,24 @@ struct AuditFailure {
   std::string detail;  // the reason, in English; may be empty
 };
 
+// What the install does from now on. Before the Alert, CopyBegin or audit that it stands for.
+struct Phase {
+  enum class Kind {
+    waiting,   // for the user's answer to an alert
+    looking,   // for the disc: the page waits `seconds` before it looks
+    notFound,  // waiting again, since the disc was not there
+    copying,
+    checking,  // the copy is compared with its source
+    ejecting,  // the disc
+  };
+
+  Kind kind = Kind::waiting;
+  std::int32_t volume = 0;       // from 1; 0 for a folder beside the package
+  std::int32_t volumeCount = 0;  // 0 until the page has read the first disc
+  std::string disc;              // the name of the volume's disc; empty where it comes from no disc
+  std::int64_t seconds = 0;
+};
+
 // The page waits for an Answer: kAlertFirstButtonReturn for the first button, and on from there.
 struct Alert {
   std::string message;
@@ -122,6 +139,7 @@ struct Alert {
 struct Sheet {
   std::string button;
   std::string message;
+  std::string file;  // that was being copied, at its source; empty where none was
 };
 
 // The page takes and releases a power assertion.
@@ -158,7 +176,10 @@ struct Summary {
   std::int64_t kBytesCopied = 0;  // the page's own count, in units of 1024 bytes with each chunk rounded down
   std::int64_t bytesWritten = 0;
   std::int64_t filesDone = 0;
-  std::vector<double> copySeconds;  // of each copy thread
+  std::vector<double> copySeconds;  // of each copy thread, with its audit
+  double copyingSeconds = 0.0;      // of the whole run: time in which files were copied,
+  double waitingSeconds = 0.0;      // in which the page waited for the user and for discs,
+  double checkingSeconds = 0.0;     // and in which copies were compared with their sources
   std::vector<ShownAlert> alerts;
   std::vector<Sheet> sheets;
 
@@ -170,11 +191,12 @@ struct Summary {
 
 namespace tavenhall {
 
-using Event = std::variant<event::Title, event::Entered, event::Idle, event::Exit, event::PreviousEnabled,
-                           event::NextEnabled, event::Instructions, event::Status, event::ProgressMinimum,
-                           event::ProgressMaximum, event::ProgressValue, event::CopyBegin, event::CopyEnd,
-                           event::Audit, event::AuditFailure, event::Alert, event::Sheet, event::Assertion,
-                           event::AssertionRelease, event::Warning, event::Error, event::Summary>;
+using Event =
+    std::variant<event::Title, event::Entered, event::Idle, event::Exit, event::PreviousEnabled,
+                 event::NextEnabled, event::Instructions, event::Status, event::ProgressMinimum,
+                 event::ProgressMaximum, event::ProgressValue, event::CopyBegin, event::CopyEnd, event::Audit,
+                 event::AuditFailure, event::Phase, event::Alert, event::Sheet, event::Assertion,
+                 event::AssertionRelease, event::Warning, event::Error, event::Summary>;
 
 // Builds a visitor from lambdas, one for each kind of event that matters and a generic one for the rest.
 template <typename... Handlers>

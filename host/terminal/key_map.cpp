@@ -23,12 +23,14 @@ std::optional<Action> actionForCharacter(std::int32_t character) {
     case ' ': return Action::press;
     case kEscape: return Action::cancel;
     case kControlC: return Action::leave;
+    case '?': return Action::help;
     default: return std::nullopt;
   }
 }
 
 std::optional<Action> actionForKey(std::int32_t key) {
   switch (key) {
+    case KEY_F(1): return Action::help;
     case KEY_BTAB:
     case KEY_LEFT: return Action::focusPrevious;
     case KEY_RIGHT: return Action::focusNext;

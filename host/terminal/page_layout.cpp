@@ -13,7 +13,7 @@ namespace {
 constexpr int kMargin = 2;
 constexpr int kTop = 3;            // the page's name, a rule, a blank line
 constexpr int kBottom = 3;         // a rule, the buttons, the keys
-constexpr int kProgressRows = 6;   // a blank line, the bar, the status, a blank line, two lines of numbers
+constexpr int kProgressRows = 6;   // a blank line, the phase, the bar, the status, two lines of numbers
 constexpr int kWidestText = 100;   // longer lines are hard to read
 constexpr int kButtonColumns = 6;  // of a button beside its label, with the gap to the next
 
@@ -91,24 +91,28 @@ void putBar(LayerWriter& page, const Frame& frame, int row, const ProgressMeter&
   }
 }
 
+// The first of a text's forms that fits into the room; empty if none does.
+std::string firstThatFits(const std::vector<std::string>& forms, int room) {
+  const auto found = std::find_if(forms.begin(), forms.end(),
+                                  [room](const std::string& form) { return displayWidth(form) <= room; });
+  return found != forms.end() ? *found : std::string();
+}
+
 // A text at each end of a row; for the left one, the first of its forms that leaves enough room.
 void putBothEnds(LayerWriter& page, const Frame& frame, int row, const std::vector<std::string>& leftForms,
                  const std::string& right) {
   const int room = frame.textColumns - (right.empty() ? 0 : displayWidth(right) + 1);
-  const auto left = std::find_if(leftForms.begin(), leftForms.end(),
-                                 [room](const std::string& form) { return displayWidth(form) <= room; });
-  if (left != leftForms.end()) {
-    page.put(row, frame.textColumn, *left, Style::dim);
-  }
+  page.put(row, frame.textColumn, firstThatFits(leftForms, room), Style::dim);
   page.put(row, frame.textColumn + frame.textColumns - displayWidth(right), right, Style::dim);
 }
 
 void putProgress(LayerWriter& page, const Frame& frame, PageModel& model, PageModel::Time now) {
   ProgressMeter& meter = model.meter();
   const int row = frame.bottomRow() - kProgressRows + 1;
-  putBar(page, frame, row, meter);
+  page.put(row, frame.textColumn, firstThatFits(model.phaseTexts(now), frame.textColumns), Style::strong);
+  putBar(page, frame, row + 1, meter);
   const Span status = model.statusLine();
-  page.put(row + 1, frame.textColumn, truncateEnd(status.text, frame.textColumns), status.style);
+  page.put(row + 2, frame.textColumn, truncateEnd(status.text, frame.textColumns), status.style);
 
   std::vector<std::string> copied;
   if (meter.copied().value_or(0.0) > 0.0) {
@@ -118,6 +122,9 @@ void putProgress(LayerWriter& page, const Frame& frame, PageModel& model, PageMo
   const auto rate = meter.rate(now);
   putBothEnds(page, frame, row + 3, copied, rate ? sizeText(*rate) + "/s" : "");
 
+  if (model.isWaitingForUser()) {
+    return;  // the clock would have to be drawn every second
+  }
   const std::string passed = durationText(std::floor(meter.passed(now).count()));
   const auto minutes = meter.minutesLeft(now);
   putBothEnds(page, frame, row + 4, {format(_("{0} passed"), {passed}), passed},
@@ -125,8 +132,14 @@ void putProgress(LayerWriter& page, const Frame& frame, PageModel& model, PageMo
 }
 
 // The keys that have an effect now: as many as fit, counted from the last.
-std::string keysText(const Layer& front, bool isLastPage, int columns, const Signs& signs) {
-  std::vector<std::string> keys{isLastPage ? _("Escape close") : _("Ctrl-C leave")};
+std::string keysText(const Layer& front, const PageModel& model, int columns, const Signs& signs) {
+  const bool isLastPage = model.stage() == PageModel::Stage::summary;
+  std::vector<std::string> keys{model.takesTyping() ? _("Ctrl-C leave")
+                                : isLastPage        ? _("q close")
+                                                    : _("q leave")};
+  if (!model.takesTyping()) {
+    keys.emplace_back(_("? help"));
+  }
   if (front.extent.maximum > 0) {
     keys.push_back(format(_("{0} scroll"), {signs.arrows}));
   }
@@ -209,10 +222,6 @@ Layer layOutTooSmall(const PageModel& model, Size size, const Signs& signs) {
   return page.take();
 }
 
-}  // namespace
-
-namespace {
-
 // The width of a window's text: no wider than its content, so that the page behind it stays visible.
 int windowTextColumns(const PageWindow& window, int most) {
   constexpr int kLeast = 40;
@@ -225,9 +234,8 @@ int windowTextColumns(const PageWindow& window, int most) {
   return std::clamp(std::max(columns, columnsOfButtons(window.buttons)), std::min(kLeast, most), most);
 }
 
-}  // namespace
-
-Layer layOutWindow(const PageWindow& window, Size size, int depth, const Signs& signs) {
+// Between the page's top and `bottom`, or, if it is too high for that, in the middle of the screen.
+Layer layOutWindow(const PageWindow& window, Size size, int bottom, int depth, const Signs& signs) {
   constexpr int kFrameColumns = 6;  // the frame, and two cells of room beside it
   constexpr int kFixedRows = 6;     // the frame, the buttons, and three blank lines
   constexpr int kWidest = 60;
@@ -245,7 +253,8 @@ Layer layOutWindow(const PageWindow& window, Size size, int depth, const Signs& 
   const int rows = textRows + headingRows + kFixedRows;
 
   // Moves a window above another a little, so that both are visible.
-  const int row = std::clamp((size.rows - rows) / 2 + depth, 0, std::max(size.rows - rows, 0));
+  const int end = rows <= bottom ? bottom : size.rows;
+  const int row = std::clamp((end - rows) / 2 + depth, 0, std::max(end - rows, 0));
   const int column = std::clamp((size.columns - columns) / 2 + 2 * depth, 0, size.columns - columns);
   LayerWriter writer({row, column, rows, columns}, signs);
   writer.putFrame();
@@ -258,19 +267,33 @@ Layer layOutWindow(const PageWindow& window, Size size, int depth, const Signs& 
   return writer.take();
 }
 
+// A number of which a window hides some digits would be read as another one.
+void removeCutNumbers(Layer& page, int firstRow, const Rect& window) {
+  std::erase_if(page.runs, [&](const Run& run) {
+    const int end = run.column + displayWidth(run.text);
+    const bool isReached = run.row >= std::max(firstRow, window.row) && run.row < window.row + window.rows &&
+                           run.column < window.column + window.columns && end > window.column;
+    const bool isHidden = run.column >= window.column && end <= window.column + window.columns;
+    return isReached && !isHidden && run.text.find_first_of("0123456789") != std::string::npos;
+  });
+}
+
+}  // namespace
+
 std::vector<Layer> layOut(PageModel& model, PageModel::Time now, Size size, const Signs& signs) {
   if (size.rows < kSmallestPage.rows || size.columns < kSmallestPage.columns) {
     return {layOutTooSmall(model, size, signs)};
   }
   std::vector<Layer> layers{layOutPage(model, now, size, signs)};
+  const bool hasProgress = model.stage() == PageModel::Stage::page;
+  const int bottom = size.rows - kBottom - (hasProgress ? kProgressRows - 1 : 0);
   int depth = 0;
   for (const PageWindow& window : model.windows()) {
-    layers.push_back(layOutWindow(window, size, depth++, signs));
+    layers.push_back(layOutWindow(window, size, bottom, depth++, signs));
+    removeCutNumbers(layers.front(), bottom, layers.back().place);
   }
-  const bool isLastPage = model.stage() == PageModel::Stage::summary;
-  layers.front().runs.push_back({size.rows - 1, kMargin,
-                                 keysText(layers.back(), isLastPage, size.columns - 2 * kMargin, signs),
-                                 Style::dim});
+  layers.front().runs.push_back(
+      {size.rows - 1, kMargin, keysText(layers.back(), model, size.columns - 2 * kMargin, signs), Style::dim});
   return layers;
 }
 

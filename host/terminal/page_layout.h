@@ -115,6 +115,4 @@ class LayerWriter {
   Layer layer_;
 };
 
-[[nodiscard]] Layer layOutWindow(const PageWindow& window, Size size, int depth, const Signs& signs);
-
 }  // namespace tavenhall

@@ -41,13 +41,16 @@ void PageModel::handle(const Event& event, Time now) {
                      meter_.setValue(progress.value);
                      meter_.setBytes(progress.copy.bytesWritten, now);
                    },
-                   [this, now](const event::Alert& alert) {
+                   [this](const event::Alert& alert) {
                      PageWindow window;
                      window.heading = alert.message;
                      window.paragraphs = {{alert.informative, Style::text}};
                      window.buttons = buttonsWithKeys(alert.buttons);
                      alert_ = std::move(window);
-                     meter_.pause(now);
+                   },
+                   [this, now](const event::Phase& phase) {
+                     phase_.set(phase, now);
+                     meter_.setCopying(phase.kind == event::Phase::Kind::copying, now);
                    },
                    [this](const event::Sheet& sheet) {
                      sheets_.add(sheet.message, sheet.button);
@@ -55,6 +58,7 @@ void PageModel::handle(const Event& event, Time now) {
                    },
                    [this, now](const event::Idle& /*idle*/) {
                      isIdle_ = true;
+                     phase_.clear();
                      meter_.finish(now);
                    },
                    [this](const event::Exit& exit) { handleExit(exit); },
@@ -135,20 +139,28 @@ void PageModel::act(Action action, ScrollExtent extent, Time now) {
         ask(Question::leave);
       }
       break;
+    case Action::help:
+      if (question_ && question_->question == Question::help) {
+        question_.reset();
+      } else if (!question_) {
+        ask(Question::help);
+      }
+      break;
     default: scroll(action, extent); break;
   }
   endIfStuck();
 }
 
-void PageModel::pressKey(char hotKey, Time now) {
+bool PageModel::pressKey(char hotKey, Time now) {
   const auto windowsUp = windows();
   const std::vector<PageButton> shown = windowsUp.empty() ? buttons() : windowsUp.back().buttons;
   for (std::size_t i = 0; i < shown.size(); ++i) {
     if (shown[i].hotKey == hotKey) {
       pressButton(i, now);
-      return;
+      return true;
     }
   }
+  return false;
 }
 
 void PageModel::pressButton(std::size_t index, Time now) {
@@ -175,7 +187,6 @@ void PageModel::pressWindowButton(std::size_t index, Time now) {
     answerPasswordQuestion(index, now);
   } else if (alert_) {
     alert_.reset();
-    resumeMeter(now);
     requests_.push_back({PageRequest::Kind::answer, kAlertFirstButtonReturn + static_cast<int>(index)});
   } else {
     sheets_.clear();
@@ -273,7 +284,9 @@ void PageModel::scroll(Action action, ScrollExtent extent) {
 
 void PageModel::ask(Question question) {
   PageWindow window;
-  if (question == Question::leave) {
+  if (question == Question::help) {
+    window = helpWindow();
+  } else if (question == Question::leave) {
     window.heading = _("Leave the installer?");
     window.headingStyle = Style::warning;
     window.paragraphs = {{leaveText(), Style::text}};
@@ -294,7 +307,7 @@ void PageModel::ask(Question question) {
 void PageModel::answerQuestion(std::size_t index, Time now) {
   const Question question = question_->question;
   question_.reset();
-  if (index == 0) {
+  if (index == 0 || question == Question::help) {
     return;
   }
   if (question == Question::leave) {

@@ -4,6 +4,7 @@
 #include "host/protocol/password_terminal.h"
 #include "host/terminal/page_window.h"
 #include "host/ui/introduction.h"
+#include "host/ui/phase_line.h"
 #include "host/ui/progress_meter.h"
 #include "host/ui/run_result.h"
 #include "host/ui/styled_text.h"
@@ -25,6 +26,7 @@ enum class Action {
   press,   // the button with the focus
   cancel,  // close a window of the program's own, or leave the program
   leave,   // leave the program
+  help,    // show the keys, and what is happening
   lineUp,
   lineDown,
   pageUp,
@@ -76,7 +78,7 @@ class PageModel {
   void setPasswordPrompt(const std::optional<std::string>& prompt, Time now);
 
   void act(Action action, ScrollExtent extent, Time now);
-  void pressKey(char hotKey, Time now);
+  bool pressKey(char hotKey, Time now);           // false: no button has this key
   void pressButton(std::size_t index, Time now);  // of the window in front, or of the page
 
   // While a command asks for a password, characters are typed into it and press no button.
@@ -100,6 +102,7 @@ class PageModel {
   [[nodiscard]] Span heading() const;
   [[nodiscard]] std::vector<Line> textLines(int width) const;
   [[nodiscard]] int textScroll() const { return textScroll_; }
+  [[nodiscard]] std::vector<std::string> phaseTexts(Time now) const { return phase_.texts(now); }
   [[nodiscard]] Span statusLine() const;
   [[nodiscard]] std::string notice() const;  // the latest message; empty before the first
 
@@ -115,7 +118,7 @@ class PageModel {
   [[nodiscard]] std::string leaveText() const;
 
  private:
-  enum class Question { leave, shortRoom };
+  enum class Question { leave, shortRoom, help };
 
   struct Asked {
     Question question;
@@ -126,10 +129,10 @@ class PageModel {
   void pressWindowButton(std::size_t index, Time now);
   void answerPasswordQuestion(std::size_t index, Time now);
   void showTyped();
-  void resumeMeter(Time now);
   void pressPageButton(std::size_t index, Time now);
   void answerQuestion(std::size_t index, Time now);
   void ask(Question question);
+  [[nodiscard]] PageWindow helpWindow() const;
   void enter(Time now);
   void cancel(Time now);
   void moveFocus(int step);
@@ -151,6 +154,7 @@ class PageModel {
   bool isClosing_ = false;  // the engine was asked to quit
   bool hasFailed_ = false;  // a sheet has reported a failure
   ProgressMeter meter_;
+  PhaseLine phase_;
   std::deque<std::string> messages_;
   RunResult result_;
 

@@ -23,7 +23,7 @@ void PageModel::setPasswordPrompt(const std::optional<std::string>& prompt, Time
   typed_.clear();
   password_.reset();
   if (!prompt) {
-    resumeMeter(now);
+    meter_.resume(now);
     return;
   }
   PageWindow window;
@@ -63,7 +63,7 @@ void PageModel::showTyped() {
 
 void PageModel::answerPasswordQuestion(std::size_t index, Time now) {
   password_.reset();
-  resumeMeter(now);
+  meter_.resume(now);
   passwordSentAt_ = now;
   hasMessageSince_ = false;
   if (index == 0) {
@@ -71,12 +71,6 @@ void PageModel::answerPasswordQuestion(std::size_t index, Time now) {
   } else {
     typed_.clear();
     requests_.push_back({PageRequest::Kind::refusePassword});
-  }
-}
-
-void PageModel::resumeMeter(Time now) {
-  if (!isWaitingForUser()) {
-    meter_.resume(now);
   }
 }
 

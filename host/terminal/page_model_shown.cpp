@@ -72,6 +72,32 @@ std::optional<std::size_t> PageModel::focus() const {
   return std::nullopt;
 }
 
+PageWindow PageModel::helpWindow() const {
+  PageWindow window;
+  window.heading = _("Help");
+  std::string now;
+  switch (stage_) {
+    case Stage::introduction:
+      now = _("Nothing has been installed yet. Continue starts the installation.");
+      break;
+    case Stage::page:
+      now = isIdle_ ? _("The installation has ended. Continue shows its result.") : phase_.explanation();
+      break;
+    case Stage::summary: now = _("The installation has ended."); break;
+  }
+  if (!now.empty()) {
+    window.paragraphs = {{now, Style::text}, {}};
+  }
+  for (const char* key :
+       {N_("Tab and arrow keys: choose a button"), N_("Enter or the underlined letter: press a button"),
+        N_("Up, Down, Page Up, Page Down: scroll"), N_("Escape: close a box"),
+        N_("q or Ctrl-C: leave; asks first"), N_("? or F1: this help"), N_("Ctrl-L: draw the screen again")}) {
+    window.paragraphs.push_back({_(key), Style::text});
+  }
+  window.buttons = ownButtons({N_("Close")});
+  return window;
+}
+
 std::vector<PageWindow> PageModel::windows() const {
   std::vector<PageWindow> shown;
   if (!sheets_.isEmpty()) {

@@ -108,7 +108,7 @@ class TerminalFrontend {
                                    {engine_.passwords().descriptor(), POLLIN, 0},
                                    {screen_->isBacklogged() ? screen_->outputDescriptor() : -1, POLLOUT, 0}}};
     if (::poll(sources.data(), sources.size(), timeout()) <= 0) {
-      isChanged_ = isChanged_ || model_.meter().isRunning();  // a second has passed
+      isChanged_ = isChanged_ || clockIsShown();  // a second has passed
       takeAllSignals();
       return;
     }
@@ -182,12 +182,14 @@ class TerminalFrontend {
     if (isChanged_ && !screen_->isBacklogged()) {
       return static_cast<int>(std::chrono::ceil<milliseconds>(lastDrawn_ + kShortestFrame - now).count());
     }
-    if (!model_.meter().isRunning()) {
+    if (!clockIsShown()) {
       return -1;
     }
     const double passed = model_.meter().passed(now).count();
     return static_cast<int>((std::floor(passed) + 1.0 - passed) * 1000.0) + 1;
   }
+
+  [[nodiscard]] bool clockIsShown() { return model_.meter().isRunning() && !model_.isWaitingForUser(); }
 
   void takeAllSignals() {
     if (take(kWindowChanged)) {
@@ -231,7 +233,10 @@ class TerminalFrontend {
           model_.act(*action, extent, now);
         }
       } else if (const char key = hotKeyFor(input); key != '\0') {
-        model_.pressKey(key, now);
+        const bool isPressed = model_.pressKey(key, now);
+        if (!isPressed && key == 'q') {
+          model_.act(Action::leave, extent, now);
+        }
       }
       // Lay out first: the next key may be for a window that this one has opened.
       layers_ = layOut(model_, now, screen_->size(), screen_->signs());
@@ -271,6 +276,8 @@ class TerminalFrontend {
     result.log = description_.writtenLog();
     result.destination = model_.introduction().destination;
     result.time = model_.meter().passed(Clock::now());
+    result.copyingSeconds = summary_ ? summary_->copyingSeconds : 0.0;
+    result.waitingSeconds = summary_ ? summary_->waitingSeconds : 0.0;
     result.messages.assign(model_.messages().begin(), model_.messages().end());
     result.failures = failures_;
     model_.end(result, Clock::now());

@@ -22,23 +22,28 @@ void ProgressMeter::start(Time now) {
   startTime_ = now;
 }
 
-void ProgressMeter::pause(Time now) {
-  if (isRunning()) {
-    pausedAt_ = now;
-  }
+void ProgressMeter::change(bool& condition, bool value, Time now) {
+  copyingTime_ = copyingTime(now);
+  copyingSince_ = now;
+  condition = value;
 }
 
-void ProgressMeter::resume(Time now) {
-  if (pausedAt_) {
-    pausedTime_ += now - *pausedAt_;
-    pausedAt_.reset();
+void ProgressMeter::setCopying(bool isCopying, Time now) {
+  if (isCopying && !isCopying_) {
+    estimator_.beginCopy(copyingTime(now), bytes_);
+    timeLeft_ = {};
+    shownRate_.reset();
   }
+  change(isCopying_, isCopying, now);
 }
+
+void ProgressMeter::pause(Time now) { change(isPaused_, true, now); }
+
+void ProgressMeter::resume(Time now) { change(isPaused_, false, now); }
 
 void ProgressMeter::finish(Time now) {
-  resume(now);
-  if (isStarted_ && !isFinished_) {
-    isFinished_ = true;
+  setCopying(false, now);
+  if (isRunning()) {
     finishedAt_ = now;
   }
 }
@@ -59,7 +64,7 @@ void ProgressMeter::setValue(double value) {
 void ProgressMeter::setBytes(std::int64_t bytes, Time now) {
   bytes_ = static_cast<double>(bytes);
   if (isStarted_) {
-    estimator_.add(passed(now), bytes_);
+    estimator_.add(copyingTime(now), bytes_);
   }
 }
 
@@ -79,7 +84,7 @@ std::optional<int> ProgressMeter::percent() const {
     return std::nullopt;
   }
   const int percent = static_cast<int>(std::floor(part() * 100.0));
-  return isFinished_ ? percent : std::min(percent, 99);
+  return finishedAt_ ? percent : std::min(percent, 99);
 }
 
 std::optional<double> ProgressMeter::copied() const {
@@ -92,31 +97,31 @@ std::optional<double> ProgressMeter::total() const {
 }
 
 std::optional<double> ProgressMeter::rate(Time now) {
-  if (!isStarted_ || isFinished_) {
+  if (!copiesNow()) {
     return std::nullopt;
   }
   constexpr Seconds kReadable{1.0};
-  if (!shownRate_ || passed(now) - shownRateTime_ >= kReadable) {
-    shownRate_ = estimator_.rate(passed(now));
-    shownRateTime_ = passed(now);
+  if (!shownRate_ || copyingTime(now) - shownRateTime_ >= kReadable) {
+    shownRate_ = estimator_.rate(copyingTime(now));
+    shownRateTime_ = copyingTime(now);
   }
   return shownRate_;
 }
 
 ProgressMeter::Seconds ProgressMeter::passed(Time now) const {
-  if (!isStarted_) {
-    return Seconds(0.0);
-  }
-  const Time until = finishedAt_.value_or(pausedAt_.value_or(now));
-  return Seconds(until - startTime_) - pausedTime_;
+  return isStarted_ ? Seconds(finishedAt_.value_or(now) - startTime_) : Seconds(0.0);
+}
+
+ProgressMeter::Seconds ProgressMeter::copyingTime(Time now) const {
+  return copyingTime_ + (copiesNow() ? Seconds(now - copyingSince_) : Seconds(0.0));
 }
 
 std::optional<int> ProgressMeter::minutesLeft(Time now) {
   const auto whole = total();
-  if (!whole || isFinished_ || isFullForGood_) {
+  if (!whole || !copiesNow() || isFullForGood_) {
     return std::nullopt;
   }
-  timeLeft_.set(passed(now), estimator_.remaining(passed(now), *whole));
+  timeLeft_.set(copyingTime(now), estimator_.remaining(copyingTime(now), *whole));
   return timeLeft_.minutes();
 }
 

@@ -9,8 +9,9 @@
 
 namespace tavenhall {
 
-// What a frontend shows of a running copy: the page's bar, the bytes written, throughput, and time remaining.
-// The caller passes the time to every call that needs it. One thread.
+// What a frontend shows of an install: the page's bar, the bytes written, and, while files are copied,
+// throughput and time remaining. Only time in which files can be copied counts for these two. The caller passes
+// the time to every call that needs it. One thread.
 class ProgressMeter {
  public:
   using Clock = std::chrono::steady_clock;
@@ -20,8 +21,9 @@ class ProgressMeter {
   // `barWraps`: the page starts its bar again from the left each time it is full, as a product updater does.
   explicit ProgressMeter(bool barWraps = false) : barWraps_(barWraps) {}
 
-  void start(Time now);  // the page is entered: a new install begins
-  void pause(Time now);  // an alert waits; that time is not counted
+  void start(Time now);                       // the page is entered: a new install begins
+  void setCopying(bool isCopying, Time now);  // files are copied from now on, or not; not at first
+  void pause(Time now);                       // nothing can be copied while a command asks for a password
   void resume(Time now);
   void finish(Time now);  // the page's threads have ended
 
@@ -33,8 +35,8 @@ class ProgressMeter {
   // Bytes written since start(), as the engine counts them.
   void setBytes(std::int64_t bytes, Time now);
 
-  // Whether time is being counted.
-  [[nodiscard]] bool isRunning() const { return isStarted_ && !isFinished_ && !pausedAt_; }
+  // Whether time passes: from start() to finish().
+  [[nodiscard]] bool isRunning() const { return isStarted_ && !finishedAt_; }
   [[nodiscard]] bool isStarted() const { return isStarted_; }
   [[nodiscard]] bool barWraps() const { return barWraps_; }
 
@@ -51,21 +53,28 @@ class ProgressMeter {
   // wraps, since several passes then share the announced size.
   [[nodiscard]] std::optional<double> total() const;
 
-  // Time counted since start().
+  // Time from start() to finish().
   [[nodiscard]] Seconds passed(Time now) const;
 
-  // Bytes a second; changes at most once a second, so that it can be read.
+  // Bytes a second; changes at most once a second, so that it can be read. None while nothing is copied.
   [[nodiscard]] std::optional<double> rate(Time now);
 
-  // Whole minutes remaining, steadied for reading; 1 stands for less than a minute.
+  // Whole minutes that the copying of the rest takes, steadied for reading; 1 stands for less than a minute.
+  // None while nothing is copied.
   [[nodiscard]] std::optional<int> minutesLeft(Time now);
 
  private:
   [[nodiscard]] bool isRangeKnown() const;
+  [[nodiscard]] bool copiesNow() const { return isRunning() && isCopying_ && !isPaused_; }
+  [[nodiscard]] Seconds copyingTime(Time now) const;
+
+  // Changes one of the conditions of copiesNow().
+  void change(bool& condition, bool value, Time now);
 
   bool barWraps_;
   bool isStarted_ = false;
-  bool isFinished_ = false;
+  bool isCopying_ = false;
+  bool isPaused_ = false;
   bool isFullForGood_ = false;
   bool hasOwnRange_ = false;  // the page has set a range
   double minimum_ = 0.0;
@@ -74,9 +83,9 @@ class ProgressMeter {
   double announcedUnits_ = 0.0;
   double bytes_ = 0.0;
   Time startTime_;
-  Seconds pausedTime_{0.0};
-  std::optional<Time> pausedAt_;
   std::optional<Time> finishedAt_;
+  Seconds copyingTime_{0.0};  // without the part that lasts
+  Time copyingSince_;         // of copiesNow()
   RateEstimator estimator_;
   SteadyTimeLeft timeLeft_;
   std::optional<double> shownRate_;

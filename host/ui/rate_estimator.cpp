@@ -17,6 +17,8 @@ constexpr double kPartUntilTimeLeft = 0.005;  // of the whole
 constexpr Seconds kSilence{15.0};             // after so long without a byte nothing can be estimated
 constexpr double kMostMinutes = 100 * 60;
 constexpr Seconds kPatience{10.0};  // before the number goes up
+constexpr double kMostRise = 4.0 / 3.0;
+constexpr Seconds kUntilNewNumber{30.0};
 
 // Large numbers of minutes are rounded: 145 rather than 143.
 int stepFor(double minutes) { return minutes <= 20 ? 1 : minutes <= 60 ? 5 : 10; }
@@ -41,6 +43,14 @@ double RateEstimator::Average::rate(Seconds sinceThen) const {
   return now.seconds_ > 0.0 ? now.bytes_ / now.seconds_ : 0.0;
 }
 
+void RateEstimator::beginCopy(Seconds now, double bytes) {
+  bytes_ = std::max(bytes, bytes_);
+  latest_ = Average(kLatest);
+  lastTime_ = now;
+  lastProgress_ = now;
+  copyStart_ = now;
+}
+
 void RateEstimator::add(Seconds now, double bytes) {
   if (bytes > bytes_) {
     lastProgress_ = now;
@@ -56,7 +66,7 @@ void RateEstimator::add(Seconds now, double bytes) {
 }
 
 std::optional<double> RateEstimator::rate(Seconds now) const {
-  if (now < kUntilRate || bytes_ <= 0.0) {
+  if (now - copyStart_ < kUntilRate || bytes_ <= 0.0) {
     return std::nullopt;
   }
   return latest_.rate(now - lastTime_);
@@ -71,23 +81,35 @@ std::optional<RateEstimator::Seconds> RateEstimator::remaining(Seconds now, doub
   return Seconds((total - bytes_) / rate);
 }
 
+void SteadyTimeLeft::hide() {
+  minutes_.reset();
+  tooLowSince_.reset();
+}
+
 void SteadyTimeLeft::set(Seconds now, std::optional<Seconds> estimate) {
   const double estimated = estimate ? estimate->count() / 60.0 : 0.0;
-  if (!estimate || estimated > kMostMinutes) {
-    minutes_.reset();
-    tooLowSince_.reset();
+  if (!estimate || estimated > kMostMinutes || (hiddenUntil_ && now < *hiddenUntil_)) {
+    hide();
     return;
   }
+  hiddenUntil_.reset();
   if (!minutes_) {
     minutes_ = inSteps(estimated);
+    lowest_ = *minutes_;
     return;
   }
   const int step = stepFor(*minutes_);
   const bool isMuchSooner = estimated < *minutes_ - step * 1.15;
   const bool isLater = estimated > *minutes_ + step * 0.5;
   const bool isLaterForLong = isLater && tooLowSince_ && now - *tooLowSince_ >= kPatience;
+  if (isLaterForLong && inSteps(estimated) > lowest_ * kMostRise) {
+    hide();
+    hiddenUntil_ = now + kUntilNewNumber;
+    return;
+  }
   if (isMuchSooner || isLaterForLong) {
     minutes_ = inSteps(estimated);
+    lowest_ = std::min(lowest_, *minutes_);
   }
   if (!isLater || isLaterForLong) {
     tooLowSince_.reset();

@@ -129,8 +129,9 @@ std::vector<Line> resultLines(const RunResult& result, int width) {
   const char* in = _("In");
   const char* copied = _("Copied");
   const char* into = _("Into");
+  const char* time = _("Time");
   const char* log = _("Log");
-  const int indent = labelColumns({installed, in, copied, into, log});
+  const int indent = labelColumns({installed, in, copied, into, time, log});
 
   std::vector<Line> lines;
   if (result.isSuccess()) {
@@ -148,12 +149,24 @@ std::vector<Line> resultLines(const RunResult& result, int width) {
     append(lines, labelledLines(copied, installedAmountText(result), indent, width));
     append(lines, labelledLines(into, result.destination, indent, width));
   }
+  if (const std::string split =
+          timeSplitText(result.copyingSeconds, result.waitingSeconds, result.time.count());
+      !split.empty()) {
+    append(lines, labelledLines(time, split, indent, width));
+  }
   if (!result.log.empty()) {
     append(lines, labelledLines(log, result.log, indent, width));
   }
   appendFailures(lines, result, width);
   appendMessages(lines, result, width);
   return lines;
+}
+
+std::string timeSplitText(double copyingSeconds, double waitingSeconds, double seconds) {
+  return waitingSeconds < 0.5
+             ? std::string()
+             : format(_("{0} copying, {1} waiting for discs, {2} in all"),
+                      {durationText(copyingSeconds), durationText(waitingSeconds), durationText(seconds)});
 }
 
 std::string logLine(const std::string& logPath) {

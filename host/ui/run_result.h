@@ -36,7 +36,9 @@ struct RunResult {
   ExitStatus status = ExitStatus::failure;  // the engine's
   bool hasSummary = false;                  // the engine came to its end and sent its summary
   std::optional<double> bytes = 0.0;        // installed, as audited; written, without an audit; none: unknown
-  std::chrono::duration<double> time{0.0};
+  std::chrono::duration<double> time{0.0};  // from the page's entry to the end
+  double copyingSeconds = 0.0;              // parts of it, as the engine has measured them
+  double waitingSeconds = 0.0;
   std::string destination;  // the data folder
   Failures failures;
   std::string log;                    // empty: it is not shown
@@ -52,6 +54,9 @@ struct RunResult {
 // The page's heading, and its text, `width` cells wide.
 [[nodiscard]] Span resultHeading(const RunResult& result);
 [[nodiscard]] std::vector<Line> resultLines(const RunResult& result, int width);
+
+// "3 min 20 s copying, 1 min waiting for discs, 4 min 30 s in all"; empty where nothing was waited for.
+[[nodiscard]] std::string timeSplitText(double copyingSeconds, double waitingSeconds, double seconds);
 
 // "The log is /Users/you/installationLog.txt.", as a line; empty where `log` is.
 [[nodiscard]] std::string logLine(const std::string& log);

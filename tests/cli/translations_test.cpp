@@ -30,9 +30,9 @@ const Printed kPrinted[] = {
      {"Das Set /Users/tester/Installer\n  Installer.pkg für Lumaweave, mit dem Datenordner DOVA\n",
       "  Modus          2, Installation von Discs. Der Mode in Zeile 2 von .InstallationAttributes.dat lautet "
       "\"InstallFromVolumes\".\n",
-      "  Größe          1.0 MB angekündigt durch TotalSizeMillionsBytes; vorhanden sind 0.0 MB\n",
-      "    1            /Volumes/Tavenhall Lumaweave (discs/1 Tavenhall Lumaweave): DOVA, 2 Dateien, 0.0 MB\n",
-      "    2            /Volumes/Tavenhall Lumaweave (discs/2 Tavenhall Lumaweave): DOVA, 1 Datei, 0.0 MB\n",
+      "  Größe          1,0 MB angekündigt durch TotalSizeMillionsBytes; vorhanden sind 0,0 MB\n",
+      "    1            /Volumes/Tavenhall Lumaweave (discs/1 Tavenhall Lumaweave): DOVA, 2 Dateien, 0,0 MB\n",
+      "    2            /Volumes/Tavenhall Lumaweave (discs/2 Tavenhall Lumaweave): DOVA, 1 Datei, 0,0 MB\n",
       "  .InstallationAttributes.dat:1: Warnung: Kein Teil des Installers kennt den Schlüssel \"Publisher\", "
       "daher sieht niemand diese Zeile. [key-unknown]\n",
       "\n1 Fehler, 1 Warnung, 0 Hinweise\n"}},
@@ -118,7 +118,7 @@ const Printed kPrinted[] = {
      },
      rehearsal(),
      2,
-     {"tavinstall: die Installation braucht 8.0 TB, und in /tmp/rehearsal-",
+     {"tavinstall: die Installation braucht 8,0 TB, und in /tmp/rehearsal-",
       " frei; --keep DIR nimmt einen anderen Ort\n"}},
     {"AFolderThatCannotBeKept",
      "ja",

@@ -235,6 +235,78 @@ TEST_F(EngineAtPipes, ProgressHasTheStateOfTheCopy) {
           "\"bytes\":0,\"files\":0}\n"));
 }
 
+TEST_F(EngineAtPipes, ReportsEachPhaseOfADisc) {
+  script.install = [this](InstallerHost& host) {
+    state.currentVolumeNumber = 1;
+    state.volumeCount = 3;
+    host.discBegun("/Volumes/Tessaphon B");
+    for (int look = 0; look < 2; ++look) {
+      dispatch(host, [&] { EXPECT_EQ(host.runModal({"Ready", "Insert", kButtons, 1}), 1000); });
+      host.discAwaited(10);
+    }
+    state.sourceFolder = "/Volumes/Tessaphon B/TANVO";
+    host.copyBegun({"/Volumes/Tessaphon B/TANVO", "/T"});
+    host.copyFinished({"/Volumes/Tessaphon B/TANVO", "/T"}, true);
+    host.ejectBegun();
+    host.copyBegun({"/Set/Library", "/Library/"});
+    host.copyFinished({"/Set/Library", "/Library/"}, true);
+  };
+  std::thread frontend([this] {
+    send(Answer{kAlertFirstButtonReturn});
+    send(Answer{kAlertFirstButtonReturn});
+    send(Command::enter);
+    send(Command::wait);
+    send(Command::quit);
+    await<event::Idle>();
+  });
+  engine->run();
+  frontend.join();
+  std::string phases;
+  for (const Event& event : all) {
+    if (std::holds_alternative<event::Phase>(event)) {
+      phases += encode(event);
+    }
+  }
+  EXPECT_EQ(phases,
+            R"({"event":"phase","phase":"waiting","volume":2,"volumes":3,"disc":"Tessaphon B","seconds":0}
+{"event":"phase","phase":"looking","volume":2,"volumes":3,"disc":"Tessaphon B","seconds":10}
+{"event":"phase","phase":"not-found","volume":2,"volumes":3,"disc":"Tessaphon B","seconds":0}
+{"event":"phase","phase":"looking","volume":2,"volumes":3,"disc":"Tessaphon B","seconds":10}
+{"event":"phase","phase":"copying","volume":2,"volumes":3,"disc":"Tessaphon B","seconds":0}
+{"event":"phase","phase":"checking","volume":2,"volumes":3,"disc":"Tessaphon B","seconds":0}
+{"event":"phase","phase":"ejecting","volume":2,"volumes":3,"disc":"Tessaphon B","seconds":0}
+{"event":"phase","phase":"copying","volume":0,"volumes":0,"disc":"","seconds":0}
+{"event":"phase","phase":"checking","volume":0,"volumes":0,"disc":"","seconds":0}
+)");
+}
+
+TEST_F(EngineAtPipes, TheTimeOfARunIsSplit) {
+  static constexpr std::chrono::milliseconds kPause{60};
+  script.install = [this](InstallerHost& host) {
+    host.discBegun("/Volumes/Tessaphon B");
+    std::this_thread::sleep_for(kPause);  // counted as none
+    host.discAwaited(10);
+    std::this_thread::sleep_for(2 * kPause);
+    state.sourceFolder = "/Volumes/Tessaphon B/TANVO";
+    host.copyBegun({"/Volumes/Tessaphon B/TANVO", "/T"});
+    std::this_thread::sleep_for(4 * kPause);
+    host.copyFinished({"/Volumes/Tessaphon B/TANVO", "/T"}, true);
+    host.ejectBegun();
+    std::this_thread::sleep_for(kPause);
+  };
+  send(Command::enter);
+  send(Command::wait);
+  send(Command::quit);
+  engine->run();
+  summary = engine->summary();
+  const double pause = std::chrono::duration<double>(kPause).count();
+  EXPECT_GE(summary.waitingSeconds, 2 * pause);
+  EXPECT_GE(summary.copyingSeconds, 4 * pause);
+  EXPECT_GE(summary.checkingSeconds, 0.0);
+  EXPECT_LE(summary.waitingSeconds + summary.copyingSeconds + summary.checkingSeconds,
+            summary.seconds - 2 * pause);
+}
+
 TEST_F(EngineAtPipes, ReportsLinesThatAreNoRequestAndSkipsThem) {
   std::thread frontend([this] {
     writeAll(requests.writeEnd, "nonsense\n{\"do\":\"ti");

@@ -316,7 +316,7 @@ TEST_F(FailingDisc, AScratchAtAByteCostsThatFileAloneAndItIsNamed) {
     const GatedRun run = install();
     EXPECT_EQ(run.status, 1) << byte << run.output;
     EXPECT_THAT(lastWord(run), StartsWith(kNotWholly));
-    EXPECT_EQ(countIn(run.output, "! Failed to copy file.  Perhaps out of disk space"), 1);
+    EXPECT_EQ(countIn(run.output, ": Failed to copy file.  Perhaps out of disk space"), 1);
     expectInstalled(entries_, "TANVO", kTanvo, {"b-big.db"});
     umount2(kDiscA, MNT_DETACH);
     disc_.reset();

@@ -129,8 +129,8 @@ TEST(Names, LinksInACircleAndToFoldersAboveEndNowhereAndAreNamed) {
   const GatedRun run = install();
 
   EXPECT_EQ(run.status, 1) << run.output;
-  EXPECT_EQ(countIn(run.output, "! Failed to open input file."), 3);
-  EXPECT_EQ(countIn(run.output, "! Failed to copy file.  Perhaps out of disk space"), 1);
+  EXPECT_EQ(countIn(run.output, ": Failed to open input file."), 3);
+  EXPECT_EQ(countIn(run.output, ": Failed to copy file.  Perhaps out of disk space"), 1);
   for (const char* name : {"a-circle", "b-circle", "c-itself", "d-above"}) {
     EXPECT_TRUE(isNamedInLog(std::string(kTanvo) + "/" + name)) << name;
   }

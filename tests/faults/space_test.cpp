@@ -51,7 +51,7 @@ class Space : public testing::Test {
     EXPECT_THAT(lastWord(run), StartsWith("! Not installed completely"));
     const std::vector<std::string> missing = missingFiles(data_, "TANVO", kTanvo);
     EXPECT_GE(missing.size(), atLeast);
-    EXPECT_EQ(countIn(run.output, "! Failed to "), static_cast<int>(missing.size()));
+    EXPECT_EQ(countIn(run.output, ": Failed to "), static_cast<int>(missing.size()));
     for (const std::string& tail : missing) {
       EXPECT_TRUE(isNamedInLog(std::string(kTanvo) + "/" + tail)) << tail;
     }
@@ -102,7 +102,7 @@ TEST_F(Space, WithoutARoomForNamesEachMissingFileIsNamed) {
   lay();
   giveRoom("nr_inodes=11");  // the folder itself and ten files
   const GatedRun run = install();
-  EXPECT_EQ(countIn(run.output, "! Failed to open output file."), 10);
+  EXPECT_EQ(countIn(run.output, ": Failed to open output file."), 10);
   expectThatEachMissingFileIsNamed(run, 10);
 }
 

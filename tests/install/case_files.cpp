@@ -62,8 +62,12 @@ std::string withoutCopyState(const std::string& events) {
   std::string text;
   std::istringstream lines(events);
   for (std::string line; std::getline(lines, line);) {
-    if (line.starts_with(R"({"event":"copy.)") || line.starts_with(R"({"event":"audit)")) {
+    if (line.starts_with(R"({"event":"copy.)") || line.starts_with(R"({"event":"audit)") ||
+        line.starts_with(R"({"event":"phase")")) {
       continue;
+    }
+    if (line.starts_with(R"({"event":"sheet")")) {
+      line = line.substr(0, line.rfind(R"(,"file":)")) + "}";
     }
     if (line.starts_with(R"({"event":"progress.value")")) {
       line = line.substr(0, line.find(R"(,"volume":)")) + "}";

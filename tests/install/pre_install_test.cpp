@@ -112,6 +112,10 @@ std::string withoutSeconds(const std::string& path) {
     EXPECT_GE(copy["seconds"], 0.0);
     copy["seconds"] = 0;
   }
+  for (const char* part : {"copyingSeconds", "waitingSeconds", "checkingSeconds"}) {
+    EXPECT_GE(summary[part], 0.0);
+    summary[part] = 0;
+  }
   return summary.dump();
 }
 
@@ -133,7 +137,8 @@ TEST(Summary, ListsTheCopiesAndTheAlerts) {
             R"("alerts":[{"message":"Detected Installation Type","informative":)"
             R"("Lite installation detected for Tessaphon. Performing a Lite data update.",)"
             R"("buttons":["Continue"],"answer":1000}],"sheets":[],"bytes":6144,"files":2,)"
-            R"("installed":true,"audit":{"files":2,"folders":2,"bytes":6144,"skipped":0,"failures":0}})");
+            R"("installed":true,"audit":{"files":2,"folders":2,"bytes":6144,"skipped":0,"failures":0},)"
+            R"("copyingSeconds":0,"waitingSeconds":0,"checkingSeconds":0})");
 }
 
 TEST(Summary, ListsTheSheets) {
@@ -149,9 +154,10 @@ TEST(Summary, ListsTheSheets) {
   EXPECT_EQ(
       summary.dump(),
       R"({"left":false,"ready":0,"mode":0,"seconds":0,"kBytesCopied":0,"copies":[],"alerts":[],)"
-      R"("sheets":[{"button":"OK","message":"Files to be installed not found."},)"
-      R"({"button":"OK","message":"The installation of the Tessaphon data has not finished."}],"bytes":0,"files":0,)"
-      R"("installed":false,"audit":{"files":0,"folders":0,"bytes":0,"skipped":0,"failures":0}})");
+      R"("sheets":[{"button":"OK","message":"Files to be installed not found.","file":""},)"
+      R"({"button":"OK","message":"The installation of the Tessaphon data has not finished.","file":""}],"bytes":0,"files":0,)"
+      R"("installed":false,"audit":{"files":0,"folders":0,"bytes":0,"skipped":0,"failures":0},)"
+      R"("copyingSeconds":0.0,"waitingSeconds":0.0,"checkingSeconds":0.0})");
 }
 
 }  // namespace

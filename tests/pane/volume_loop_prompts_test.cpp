@@ -29,6 +29,21 @@ struct Waiting : VolumePass {
   }
 };
 
+TEST_F(VolumeLoop, TheHostIsToldOfEachDiscItsWaitAndItsEjection) {
+  VolumePass page(2, kA);
+  page.pane.gTANVOorDOVAnameOnly.assign("TANVO");
+  page.trace.onSleep = [](unsigned seconds) {
+    if (seconds == 10) {
+      writeFile(std::string(kA) + "/TANVO/one.db", "one");
+    }
+  };
+  page.run();
+  EXPECT_THAT(page.host.notifications(),
+              ElementsAre("disc /Volumes/Tavenhall Tessaphon A", "awaited 10",
+                          testing::StartsWith("begun /Volumes/Tavenhall Tessaphon A/TANVO "),
+                          testing::StartsWith("finished /Volumes/Tavenhall Tessaphon A/TANVO "), "eject"));
+}
+
 // ---- A mandatory volume ----
 
 TEST_F(VolumeLoop, AReadyVolumeIsCheckedOnceAndNobodyIsAsked) {
@@ -67,6 +82,7 @@ TEST_F(VolumeLoop, AMissingDiscIsAskedForEveryTenSecondsUntilItIsReadable) {
                           "log Disc not ready: 1 0 0", kDialogA, kAlertA, "sleep 10", kCheckA,
                           "log Disc not ready: 1 0 0", kDialogA, kAlertA, "sleep 10", kCheckA));
   EXPECT_EQ(platform().now(), 30U);
+  EXPECT_THAT(page.host.notifications(), ElementsAre("awaited 10", "awaited 10", "awaited 10"));
 }
 
 TEST_F(VolumeLoop, ADiscPutInWhileTheAlertIsUpIsSeenTenSecondsLater) {

@@ -50,6 +50,9 @@ class ListeningHost final : public InstallerHost {
   void pageThreadEnded(const char* name) noexcept override { say(std::string("ended ") + name); }
   void copyBegun(const TreeCopy& /*copy*/) noexcept override {}
   void copyFinished(const TreeCopy& /*copy*/, bool /*isCopied*/) noexcept override {}
+  void discBegun(const char* /*root*/) noexcept override {}
+  void discAwaited(unsigned /*seconds*/) noexcept override {}
+  void ejectBegun() noexcept override {}
 
   // The host takes its time to note that a thread has started.
   void hesitate(std::chrono::milliseconds delay) { delay_ = delay; }

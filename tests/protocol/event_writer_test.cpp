@@ -71,7 +71,7 @@ TEST_F(WrittenEvents, ComeOutInTheirOrder) {
   for (int i = 0; i < 1000; ++i) {
     const Event event = i % 3 == 0   ? Event(event::ProgressValue{static_cast<double>(i), {}})
                         : i % 3 == 1 ? Event(event::Status{"file " + std::to_string(i)})
-                                     : Event(event::Sheet{"OK", std::to_string(i)});
+                                     : Event(event::Sheet{"OK", std::to_string(i), ""});
     writer_->write(event);
     expected += encode(event);
   }
@@ -94,7 +94,7 @@ TEST_F(WrittenEvents, AStalledReaderBlocksNothingAndLosesOnlyProgress) {
   const std::string text(1000, 'x');
   for (int i = 0; i < 5000; ++i) {  // 5 MB, far more than a pipe holds
     writer_->write(event::ProgressValue{static_cast<double>(i), {}});
-    writer_->write(event::Sheet{"OK", std::to_string(i) + text});
+    writer_->write(event::Sheet{"OK", std::to_string(i) + text, ""});
     writer_->write(event::Status{"file " + std::to_string(i / 100)});
   }
   writer_->write(event::ProgressValue{123456.0, {}});
@@ -128,7 +128,7 @@ TEST_F(WrittenEvents, AWaitingReaderBoundsTheProgressThatIsKept) {
 TEST_F(WrittenEvents, AReaderThatIsGoneEndsNothing) {
   closeReader();
   for (int i = 0; i < 1000; ++i) {
-    writer_->write(event::Sheet{"OK", std::string(1000, 'x')});
+    writer_->write(event::Sheet{"OK", std::string(1000, 'x'), ""});
   }
   writer_->finish();
 }

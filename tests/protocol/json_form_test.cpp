@@ -17,6 +17,9 @@ struct EventLine {
 
 event::Summary wholeSummary() {
   event::Summary summary;
+  summary.copyingSeconds = 8.5;
+  summary.waitingSeconds = 3.25;
+  summary.checkingSeconds = 0.125;
   summary.hasLeft = true;
   summary.ready = 1;
   summary.mode = 2;
@@ -27,7 +30,7 @@ event::Summary wholeSummary() {
   summary.copySeconds = {6.207, 4.0};
   summary.alerts = {{{"Ready for next volume", "Insert B", {"OK", "Skip"}, 1}, 1001},
                     {{"Ready for next volume", "Insert C", {"OK"}, 1}, 0}};
-  summary.sheets = {{"OK", "Failed to open input file."}};
+  summary.sheets = {{"OK", "Failed to open input file.", ""}};
   summary.isInstalled = true;
   summary.audit.files = 11;
   summary.audit.folders = 2;
@@ -79,14 +82,18 @@ INSTANTIATE_TEST_SUITE_P(
         EventLine{event::Audit{"/Volumes/A/TANVO", "/T", 1, 3, 1, 4096, 2, 4},
                   R"({"event":"audit","source":"/Volumes/A/TANVO","destination":"/T","volume":1,"files":3,)"
                   R"("folders":1,"bytes":4096,"skipped":2,"failures":4})"},
+        EventLine{event::Phase{event::Phase::Kind::looking, 2, 3, "Tessaphon B", 10},
+                  R"({"event":"phase","phase":"looking","volume":2,"volumes":3,"disc":"Tessaphon B",)"
+                  R"("seconds":10})"},
         EventLine{event::AuditFailure{"size", "/Volumes/A/TANVO/a.db", "/T/a.db", 1, "2 of 4 bytes"},
                   R"({"event":"audit.failure","problem":"size","source":"/Volumes/A/TANVO/a.db",)"
                   R"("destination":"/T/a.db","volume":1,"detail":"2 of 4 bytes"})"},
         EventLine{event::Alert{"Ready for next volume", "Please insert Tessaphon B", {"OK", "Skip"}, 1},
                   R"({"event":"alert","message":"Ready for next volume",)"
                   R"("informative":"Please insert Tessaphon B","buttons":["OK","Skip"],"style":1})"},
-        EventLine{event::Sheet{"OK", "100 %s of \"it\""},
-                  R"({"event":"sheet","button":"OK","message":"100 %s of \"it\""})"},
+        EventLine{
+            event::Sheet{"OK", "100 %s of \"it\"", "/Volumes/A/TANVO/2.db"},
+            R"({"event":"sheet","button":"OK","message":"100 %s of \"it\"","file":"/Volumes/A/TANVO/2.db"})"},
         EventLine{event::Assertion{"NoDisplaySleepAssertion", 255, "Tavenhall installation in progress"},
                   R"({"event":"assertion","type":"NoDisplaySleepAssertion","level":255,)"
                   R"("name":"Tavenhall installation in progress"})"},
@@ -99,9 +106,10 @@ INSTANTIATE_TEST_SUITE_P(
                   R"("alerts":[{"message":"Ready for next volume","informative":"Insert B",)"
                   R"("buttons":["OK","Skip"],"answer":1001},)"
                   R"({"message":"Ready for next volume","informative":"Insert C","buttons":["OK"]}],)"
-                  R"("sheets":[{"button":"OK","message":"Failed to open input file."}],)"
+                  R"("sheets":[{"button":"OK","message":"Failed to open input file.","file":""}],)"
                   R"("bytes":209715200,"files":12,"installed":true,)"
-                  R"("audit":{"files":11,"folders":2,"bytes":209715199,"skipped":3,"failures":1}})"}));
+                  R"("audit":{"files":11,"folders":2,"bytes":209715199,"skipped":3,"failures":1},)"
+                  R"("copyingSeconds":8.5,"waitingSeconds":3.25,"checkingSeconds":0.125})"}));
 
 TEST(EventForm, BytesThatAreNotUtf8AreReplaced) {
   EXPECT_EQ(encode(event::Title{"Caf\xE9, \xFF"}),
@@ -128,7 +136,8 @@ TEST(SummaryFile, HasTheFieldsOfTheEvent) {
   EXPECT_EQ(encodeSummaryFile({}),
             R"({"left":false,"ready":0,"mode":0,"seconds":0.0,"kBytesCopied":0,"copies":[],"alerts":[],)"
             R"("sheets":[],"bytes":0,"files":0,)"
-            R"("installed":false,"audit":{"files":0,"folders":0,"bytes":0,"skipped":0,"failures":0}})"
+            R"("installed":false,"audit":{"files":0,"folders":0,"bytes":0,"skipped":0,"failures":0},)"
+            R"("copyingSeconds":0.0,"waitingSeconds":0.0,"checkingSeconds":0.0})"
             "\n");
 }
 

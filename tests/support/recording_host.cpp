@@ -112,7 +112,7 @@ struct RecordingHost::State {
 
   std::mutex mutex;
   std::vector<std::string> lines;
-  std::vector<std::string> copies;
+  std::vector<std::string> notifications;
   int dispatches = 0;
   std::function<void(std::string)> record;
   RecordingText instructions;
@@ -136,22 +136,37 @@ std::vector<std::string> RecordingHost::lines() const {
   return state_->lines;
 }
 
-std::vector<std::string> RecordingHost::copies() const {
+std::vector<std::string> RecordingHost::notifications() const {
   const std::lock_guard lock(state_->mutex);
-  return state_->copies;
+  return state_->notifications;
 }
 
 void RecordingHost::copyBegun(const TreeCopy& copy) noexcept {
   const std::lock_guard lock(state_->mutex);
-  state_->copies.push_back(std::string("begun ") + copy.source + " " +
-                           (copy.destination != nullptr ? copy.destination : "(null)"));
+  state_->notifications.push_back(std::string("begun ") + copy.source + " " +
+                                  (copy.destination != nullptr ? copy.destination : "(null)"));
 }
 
 void RecordingHost::copyFinished(const TreeCopy& copy, bool isCopied) noexcept {
   const std::lock_guard lock(state_->mutex);
-  state_->copies.push_back(std::string("finished ") + copy.source + " " +
-                           (copy.destination != nullptr ? copy.destination : "(null)") +
-                           (isCopied ? " 1" : " 0"));
+  state_->notifications.push_back(std::string("finished ") + copy.source + " " +
+                                  (copy.destination != nullptr ? copy.destination : "(null)") +
+                                  (isCopied ? " 1" : " 0"));
+}
+
+void RecordingHost::discBegun(const char* root) noexcept {
+  const std::lock_guard lock(state_->mutex);
+  state_->notifications.push_back(std::string("disc ") + root);
+}
+
+void RecordingHost::discAwaited(unsigned seconds) noexcept {
+  const std::lock_guard lock(state_->mutex);
+  state_->notifications.push_back("awaited " + std::to_string(seconds));
+}
+
+void RecordingHost::ejectBegun() noexcept {
+  const std::lock_guard lock(state_->mutex);
+  state_->notifications.emplace_back("eject");
 }
 
 std::vector<std::string> RecordingHost::linesThatBegin(const std::string& start) const {

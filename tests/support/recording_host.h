@@ -50,9 +50,9 @@ class RecordingHost final : public InstallerHost {
   [[nodiscard]] std::vector<std::string> linesThatBegin(const std::string& start) const;  // without "main: "
   [[nodiscard]] double barValue() const;
 
-  // The notifications of tree copies, which are not among the lines: "begun SOURCE DESTINATION", "finished
-  // SOURCE DESTINATION RESULT".
-  [[nodiscard]] std::vector<std::string> copies() const;
+  // The notifications of tree copies and discs, which are not among the lines: "begun SOURCE DESTINATION",
+  // "finished SOURCE DESTINATION RESULT", "disc ROOT", "awaited SECONDS", "eject".
+  [[nodiscard]] std::vector<std::string> notifications() const;
   [[nodiscard]] int dispatches() const;
 
   // Serves dispatches on the calling thread until every page thread has ended. Until then a page thread's
@@ -83,6 +83,9 @@ class RecordingHost final : public InstallerHost {
   void pageThreadEnded(const char* name) noexcept override;
   void copyBegun(const TreeCopy& copy) noexcept override;
   void copyFinished(const TreeCopy& copy, bool isCopied) noexcept override;
+  void discBegun(const char* root) noexcept override;
+  void discAwaited(unsigned seconds) noexcept override;
+  void ejectBegun() noexcept override;
   void assertionTaken(const char* type, std::uint32_t level, const char* name) noexcept override;
   void assertionReleased(const char* type) noexcept override;
 

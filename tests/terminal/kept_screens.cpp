@@ -23,13 +23,15 @@ struct Mask {
 // In this order. The rate and the time left come and go with the time that a test takes.
 const std::vector<Mask>& masks() {
   static const std::vector<Mask> kMasks = {
-      {std::regex(R"((Free|Frei|空き容量)( +)[0-9.]+ [a-zA-Z]+)"), "$1$2<free>"},
-      {std::regex(R"( +[0-9.]+ (bytes|[kMGT]B)/s)"), ""},
+      {std::regex(R"((Free|Frei|空き容量)( +)[0-9.,]+ [a-zA-Z]+)"), "$1$2<free>"},
+      {std::regex(R"( +[0-9.,]+ (bytes|[kMGT]B)/s)"), ""},
       {std::regex(R"(([0-9]+ h )?([0-9]+ min )?[0-9]+ (s|min) (passed|vergangen))"), "<time> $4"},
       {std::regex(R"(経過 ([0-9]+ h )?([0-9]+ min )?[0-9]+ (s|min))"), "経過 <time>"},
       {std::regex(R"( +(about [0-9a-z ]+|less than a minute) left)"), ""},
       {std::regex(R"( +(noch etwa|noch unter|残り約|残り) [0-9a-z ]+( 未満)?)"), ""},
       {std::regex(R"(( in |（)([0-9]+ h )?([0-9]+ min )?[0-9]+ (s|min))"), "$1<time>"},
+      {std::regex("[0-9]+ s copying, [0-9]+ s waiting for discs, [0-9]+ s"),
+       "<time> copying, <time> waiting for discs, <time>"},
   };
   return kMasks;
 }

@@ -31,6 +31,7 @@ void copyForAnHour(PageDriver& driver) {
   driver.at(0);
   driver.enter();
   driver.receive("{'event':'progress.max','value':195312500}");
+  driver.receive("{'event':'phase','phase':'copying','volume':1,'volumes':1,'disc':'','seconds':0}");
   for (int second = 1; second <= 3599; ++second) {
     driver.at(second);
     driver.receive("{'event':'progress.value','value':" + std::to_string(second * 22000) + "}");
@@ -192,10 +193,10 @@ TEST(PageLanguage, TheGermanNumbersBelowTheBarGiveWayToEachOther) {
   PageDriver driver;
   copyForAnHour(driver);
   const auto usual = rowsOf(driver, kUsual);
-  EXPECT_EQ(usual[19], "                        81.1 GB von 200.0 GB kopiert               22.5 MB/s");
+  EXPECT_EQ(usual[19], "                        81,1 GB von 200,0 GB kopiert               22,5 MB/s");
   EXPECT_EQ(usual[20], "                        59 min 59 s vergangen           noch etwa 1 h 30 min");
   const auto small = rowsOf(driver, kSmallestPage);
-  EXPECT_EQ(small[15], "                     81.1 GB von 200.0 GB      22.5 MB/s");
+  EXPECT_EQ(small[15], "                     81,1 GB von 200,0 GB      22,5 MB/s");
   EXPECT_EQ(small[16], "                     59 min 59 s    noch etwa 1 h 30 min");
 }
 
@@ -218,7 +219,7 @@ TEST(PageLanguage, TheLastWordIsInGerman) {
   speak("de");
   RunResult result = failedResult();
   EXPECT_EQ(closingText(result),
-            "Die Installation ist unvollständig. Kopiert: 204.8 MB in 59 min 59 s.\n"
+            "Die Installation ist unvollständig. Kopiert: 204,8 MB in 59 min 59 s.\n"
             "Das Protokoll ist /Users/tester/Library/Caches/Tavenhall/installationLog.txt.\n");
   result.status = ExitStatus::success;
   result.failures.count = 0;

@@ -46,6 +46,7 @@ void copyFor(PageDriver& driver, int seconds) {
   driver.at(0);
   driver.enter();
   driver.receive("{'event':'progress.max','value':1953125}");
+  driver.receive("{'event':'phase','phase':'copying','volume':2,'volumes':3,'disc':'Tessaphon B','seconds':0}");
   for (int tenth = 1; tenth <= seconds * 10; ++tenth) {
     driver.at(tenth / 10.0);
     driver.receive("{'event':'progress.value','value':" + std::to_string(tenth * 1953.125) + "}");
@@ -53,14 +54,48 @@ void copyFor(PageDriver& driver, int seconds) {
   driver.receive("{'event':'status','text':'Installing... Keyboards'}");
 }
 
-TEST_F(PageLayout, TheBarHasItsNumbersBelow) {
+TEST_F(PageLayout, TheBarHasThePhaseAboveAndItsNumbersBelow) {
   PageDriver driver;
   copyFor(driver, 43);
   const auto rows = rowsOf(driver);
-  EXPECT_THAT(rows[16], AllOf(HasSubstr("━━━━━━━━━━━━━━━━━━━────────────────────"), HasSubstr("43 %")));
-  EXPECT_EQ(rows[17], "                        Installing... Keyboards");
+  EXPECT_EQ(rows[16], "                        Disc 2 of 3: Tessaphon B - copying");
+  EXPECT_THAT(rows[17], AllOf(HasSubstr("━━━━━━━━━━━━━━━━━━━────────────────────"), HasSubstr("43 %")));
+  EXPECT_EQ(rows[18], "                        Installing... Keyboards");
   EXPECT_EQ(rows[19], "                        860.0 MB of 2.0 GB copied                  20.0 MB/s");
   EXPECT_EQ(rows[20], "                        43 s passed                  less than a minute left");
+}
+
+TEST_F(PageLayout, TheWaitForADiscIsCountedDownWithoutANumberOfACopy) {
+  PageDriver driver;
+  copyFor(driver, 43);
+  driver.receive(
+      "{'event':'phase','phase':'looking','volume':3,'volumes':3,'disc':'Tessaphon C','seconds':10}");
+  EXPECT_EQ(rowsOf(driver)[16], "                        Disc 3 of 3: Tessaphon C - looking for it: 10 s");
+  EXPECT_EQ(rowsOf(driver, kSmallestPage)[12], "                     Disc 3 of 3 - looking for it: 10 s");
+  driver.at(46.5);
+  const auto rows = rowsOf(driver);
+  EXPECT_EQ(rows[16], "                        Disc 3 of 3: Tessaphon C - looking for it: 7 s");
+  EXPECT_EQ(rows[19], "                        860.0 MB of 2.0 GB copied");
+  EXPECT_EQ(rows[20], "                        46 s passed");
+}
+
+TEST_F(PageLayout, ADiscThatWasNotThereIsReported) {
+  PageDriver driver;
+  driver.enter();
+  driver.receive(
+      "{'event':'phase','phase':'not-found','volume':1,'volumes':0,'disc':'Tessaphon A','seconds':0}");
+  EXPECT_EQ(rowsOf(driver)[16], "                        Disc 1: Tessaphon A - not found, waiting for you");
+}
+
+TEST_F(PageLayout, TheHelpTellsWhatHappensAndTheKeys) {
+  PageDriver driver;
+  copyFor(driver, 3);
+  driver.act(Action::help);
+  const auto rows = rowsOf(driver);
+  EXPECT_THAT(rows, Contains(HasSubstr("Files are copied from the disc or from the folder beside")));
+  EXPECT_THAT(rows, Contains(HasSubstr("q or Ctrl-C: leave; asks first")));
+  driver.press('c');
+  EXPECT_FALSE(driver.page.hasWindow());
 }
 
 TEST_F(PageLayout, ShowsNoTimeLeftBeforeItIsKnown) {
@@ -75,7 +110,7 @@ TEST_F(PageLayout, ABarThatWrapsHasNeitherPercentNorTimeRemaining) {
   PageDriver driver(introduction);
   copyFor(driver, 20);
   const auto rows = rowsOf(driver);
-  EXPECT_THAT(rows[16], Not(HasSubstr("%")));
+  EXPECT_THAT(rows[17], Not(HasSubstr("%")));
   EXPECT_EQ(rows[19], "                        400.0 MB copied                            20.0 MB/s");
   EXPECT_EQ(rows[20], "                        20 s passed");
 }
@@ -84,6 +119,7 @@ TEST_F(PageLayout, ALongTimeLeftIsReportedInHoursAndMinutes) {
   PageDriver driver;
   driver.at(0);
   driver.enter();
+  driver.receive("{'event':'phase','phase':'copying','volume':1,'volumes':1,'disc':'','seconds':0}");
   driver.receive("{'event':'progress.max','value':100000}");
   for (int second = 1; second <= 60; ++second) {
     driver.at(second);
@@ -92,18 +128,18 @@ TEST_F(PageLayout, ALongTimeLeftIsReportedInHoursAndMinutes) {
   EXPECT_THAT(rowsOf(driver)[20], HasSubstr("about 1 h 30 min left"));
 }
 
-TEST_F(PageLayout, AWindowStandsInTheMiddleAbovePage) {
+TEST_F(PageLayout, AWindowStandsAboveTheProgress) {
   PageDriver driver;
   driver.enter();
   driver.receive(
       "{'event':'alert','message':'Ready for next volume','informative':'Please insert Tessaphon B',"
       "'buttons':['OK','Skip'],'style':1}");
   const auto rows = rowsOf(driver);
-  EXPECT_THAT(rows[8], HasSubstr("╭────────────────────────────────────────────╮"));
-  EXPECT_THAT(rows[10], HasSubstr("│  Ready for next volume                     │"));
-  EXPECT_THAT(rows[12], HasSubstr("│  Please insert Tessaphon B                 │"));
-  EXPECT_THAT(rows[14], HasSubstr("│                          [ OK ]  [ Skip ]  │"));
-  EXPECT_THAT(rows[15], HasSubstr("╰────────────────────────────────────────────╯"));
+  EXPECT_THAT(rows[4], HasSubstr("╭────────────────────────────────────────────╮"));
+  EXPECT_THAT(rows[6], HasSubstr("│  Ready for next volume                     │"));
+  EXPECT_THAT(rows[8], HasSubstr("│  Please insert Tessaphon B                 │"));
+  EXPECT_THAT(rows[10], HasSubstr("│                          [ OK ]  [ Skip ]  │"));
+  EXPECT_THAT(rows[11], HasSubstr("╰────────────────────────────────────────────╯"));
 }
 
 TEST_F(PageLayout, ALongTextInAWindowScrolls) {

@@ -64,19 +64,6 @@ TEST(PageWindows, EscapeAnswersAnAlertWithOneButton) {
   EXPECT_THAT(driver.requests(), ElementsAre("answer 1000"));
 }
 
-TEST(PageWindows, PausesTheClockDuringAnAlert) {
-  PageDriver driver;
-  driver.at(0);
-  driver.enter();
-  driver.at(10);
-  driver.receive(kDiscAlert);
-  driver.at(600);
-  EXPECT_FALSE(driver.page.meter().isRunning());
-  driver.act(Action::press);
-  driver.at(605);
-  EXPECT_EQ(driver.page.meter().passed(driver.now()).count(), 15);
-}
-
 TEST(PageWindows, ASheetDoesNotStopTheClockAndWantsNothingOfTheEngine) {
   PageDriver driver;
   driver.enter();

@@ -18,10 +18,11 @@ void setValue(ProgressMeter& meter, double value, Time now) {
   meter.setBytes(static_cast<std::int64_t>(value * 1024.0), now);
 }
 
-// A meter that was started at 0 with that range.
+// A meter that was started at 0 with that range, and copies.
 ProgressMeter started(double maximum, bool barWraps = false) {
   ProgressMeter meter(barWraps);
   meter.start(at(0));
+  meter.setCopying(true, at(0));
   setValue(meter, 0.0, at(0));
   meter.setMinimum(0.0);
   meter.setMaximum(maximum);
@@ -83,13 +84,11 @@ TEST(ProgressMeter, ValuesBeyondARangeThatWasNeverSetGiveNoPercent) {
   EXPECT_EQ(meter.copied(), 5000 * 1024.0);
 }
 
-TEST(ProgressMeter, TimeThatAQuestionWaitsIsNotCounted) {
+TEST(ProgressMeter, TimePassesWhileNothingIsCopied) {
   ProgressMeter meter = started(1000);
-  meter.pause(at(10));
-  EXPECT_EQ(meter.passed(at(500)).count(), 10);
-  EXPECT_FALSE(meter.isRunning());
-  meter.resume(at(500));
-  EXPECT_EQ(meter.passed(at(505)).count(), 15);
+  meter.setCopying(false, at(10));
+  meter.pause(at(20));
+  EXPECT_EQ(meter.passed(at(500)).count(), 500);
   EXPECT_TRUE(meter.isRunning());
 }
 
@@ -129,6 +128,31 @@ TEST(ProgressMeter, AtTheEndThereIsNoTimeLeftAndNoRate) {
   meter.finish(at(30));
   EXPECT_FALSE(meter.minutesLeft(at(30)));
   EXPECT_FALSE(meter.rate(at(30)));
+}
+
+TEST(ProgressMeter, WhileNothingIsCopiedThereIsNoRateAndNoTimeLeft) {
+  ProgressMeter meter = started(12000);
+  copySteadily(meter, 100, 30);
+  meter.setCopying(false, at(30));
+  EXPECT_FALSE(meter.rate(at(31)));
+  EXPECT_FALSE(meter.minutesLeft(at(31)));
+  meter.setCopying(true, at(130));
+  meter.pause(at(130));  // a command asks for a password
+  EXPECT_FALSE(meter.rate(at(131)));
+  EXPECT_FALSE(meter.minutesLeft(at(131)));
+}
+
+TEST(ProgressMeter, TheNextDiscBeginsWithTheMeasuredThroughputAndARateOfItsOwn) {
+  ProgressMeter meter = started(12000);
+  copySteadily(meter, 100, 30);
+  meter.setCopying(false, at(30));
+  meter.setCopying(true, at(630));
+  EXPECT_EQ(meter.minutesLeft(at(630)), 2);  // 9000 of 12000 units at 100 a second
+  EXPECT_FALSE(meter.rate(at(631)));
+  for (double now = 630.1; now <= 634.01; now += 0.1) {
+    setValue(meter, 3000 + (now - 630) * 50, at(now));
+  }
+  EXPECT_NEAR(meter.rate(at(634)).value_or(0), 51200, 1000);
 }
 
 // ---- A bar that wraps ----

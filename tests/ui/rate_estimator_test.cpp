@@ -126,12 +126,29 @@ TEST(SteadyTimeLeft, AShortSlownessDoesNotRaiseTheNumber) {
   EXPECT_EQ(left.minutes(), 5);
 }
 
-TEST(SteadyTimeLeft, ALastingSlownessRaisesTheNumber) {
+TEST(SteadyTimeLeft, ALastingSlownessRaisesTheNumberByAThirdAtMost) {
+  SteadyTimeLeft left;
+  left.set(Seconds(0), minutes(9));
+  left.set(Seconds(1), minutes(12));
+  left.set(Seconds(11), minutes(12));
+  EXPECT_EQ(left.minutes(), 12);
+  left.set(Seconds(12), minutes(13));
+  left.set(Seconds(21), minutes(13));
+  EXPECT_EQ(left.minutes(), 12);
+  left.set(Seconds(22), minutes(13));
+  EXPECT_FALSE(left.minutes());
+}
+
+TEST(SteadyTimeLeft, AMuchLowerThroughputHidesTheNumberForHalfAMinute) {
   SteadyTimeLeft left;
   left.set(Seconds(0), minutes(5));
   left.set(Seconds(1), minutes(20));
   left.set(Seconds(11), minutes(20));
-  EXPECT_EQ(left.minutes(), 20);
+  EXPECT_FALSE(left.minutes());
+  left.set(Seconds(40), minutes(23));
+  EXPECT_FALSE(left.minutes());
+  left.set(Seconds(41), minutes(23));
+  EXPECT_EQ(left.minutes(), 25);
 }
 
 TEST(SteadyTimeLeft, AnUnknownEstimateHidesTheNumber) {

@@ -65,6 +65,9 @@ class NotifiedHost final : public InstallerHost {
   }
   void copyBegun(const TreeCopy& /*copy*/) noexcept override {}
   void copyFinished(const TreeCopy& /*copy*/, bool /*isCopied*/) noexcept override {}
+  void discBegun(const char* /*root*/) noexcept override {}
+  void discAwaited(unsigned /*seconds*/) noexcept override {}
+  void ejectBegun() noexcept override {}
   void assertionTaken(const char* /*type*/, std::uint32_t /*level*/, const char* /*name*/) noexcept override {}
   void assertionReleased(const char* /*type*/) noexcept override {}
 
