@@ -13,14 +13,15 @@ _tavinstall() {
     --install-type) COMPREPLY=($(compgen -W "Lite Full" -- "$current")); return ;;
     --format) COMPREPLY=($(compgen -W "text json" -- "$current")); return ;;
     --ui) COMPREPLY=($(compgen -W "json plain quiet terminal" -- "$current")); return ;;
-    --late) return ;;
+    --optional-discs) COMPREPLY=($(compgen -W "skip wait" -- "$current")); return ;;
+    --late | --disc-timeout) return ;;
     --bundle | --installed | --keep) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
     --package | --summary | --report) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
   esac
 
   local options
   case $command in
-    run) options="--package --install-type --product --bundle --ui --summary --no-preinstall --trusted --without-attributes --help" ;;
+    run) options="--package --install-type --product --bundle --ui --summary --unattended --disc-timeout --optional-discs --no-preinstall --trusted --without-attributes --help" ;;
     rehearse) options="--product --install-type --installed --allow-outside --late --keep --report --ui --help" ;;
     check) options="--product --install-type --installed --format --help" ;;
     log) options="--last --format --help" ;;

@@ -98,7 +98,6 @@ bool InstallDataPane::waitForVolume(const OptionalDisc* optionalDisc) noexcept {
     } else {
       askForMandatoryVolume();
     }
-    host().discAwaited(kSecondsBetweenDiscChecks);
     sleepSeconds(kSecondsBetweenDiscChecks);
   }
 }
@@ -112,6 +111,9 @@ int InstallDataPane::askForOptionalDisc(const OptionalDisc& disc) noexcept {
     text.format("Insert %s Outrider disc. Press Skip if you do not have this disc.", disc.title);
     static constexpr std::array<const char*, 2> kButtons{"OK", "Skip"};
     choice = host().runModal({"Ready for next volume", text.c_str(), kButtons, kAlertStyleInformational});
+    if (choice != kAlertSecondButtonReturn) {
+      host().discAwaited(kSecondsBetweenDiscChecks);
+    }
   });
   addEventToInstallationLog("Optional disc button choice %d\n", choice);
   return choice;
@@ -129,6 +131,7 @@ void InstallDataPane::askForMandatoryVolume() noexcept {
     static constexpr std::array<const char*, 1> kButtons{"OK"};
     static_cast<void>(
         host().runModal({"Ready for next volume", text.c_str(), kButtons, kAlertStyleInformational}));
+    host().discAwaited(kSecondsBetweenDiscChecks);
   });
 }
 

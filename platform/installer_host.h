@@ -107,7 +107,8 @@ class InstallerHost {
   // mounted; InstallerPane::snapshot() may be called, and has the disc's number.
   virtual void discBegun(const char* root) noexcept = 0;
 
-  // The page waits `seconds` before it looks for the disc of the latest discBegun() again.
+  // The page waits `seconds` from now on, then looks for the disc of the latest discBegun() again. In the
+  // dispatch that has asked for it.
   virtual void discAwaited(unsigned seconds) noexcept = 0;
 
   // The page runs the command that ejects the disc; its next notification or dispatch comes afterwards.

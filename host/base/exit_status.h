@@ -22,6 +22,9 @@ enum class ExitStatus : int {
   stopped = 4,         // by the user or a signal
   alreadyRunning = 5,  // another installation of this user's has the lock; nothing was done
   refused = 6,         // the installation would not be safe; nothing was done
+  discMissing = 7,     // nobody is there to insert it
+  noSpace = 8,         // on the disk to install to; nothing was done
+  noDestination = 9,   // the folder to install into is missing or not writable; nothing was done
 };
 
 struct ExitMeaning {
@@ -39,6 +42,9 @@ inline constexpr ExitMeaning kExitMeanings[] = {
     {"run", ExitStatus::stopped, N_("the installation was stopped")},
     {"run", ExitStatus::alreadyRunning, N_("another installation is running; nothing was installed")},
     {"run", ExitStatus::refused, N_("refused for safety; nothing was installed")},
+    {"run", ExitStatus::discMissing, N_("unattended: a disc was not found")},
+    {"run", ExitStatus::noSpace, N_("unattended: there is not enough space; nothing was installed")},
+    {"run", ExitStatus::noDestination, N_("unattended: the folder to install into is missing or not writable")},
     {"rehearse", ExitStatus::success, N_("everything was installed; no problems found")},
     {"rehearse", ExitStatus::failure,
      N_("the installation failed, or an installed file differs from its source")},

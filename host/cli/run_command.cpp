@@ -3,6 +3,7 @@
 #include "host/base/files.h"
 #include "host/base/text.h"
 #include "host/cli/command_line.h"
+#include "host/cli/preflight.h"
 #include "host/cli/run_description.h"
 #include "host/engine/pre_install.h"
 #include "host/engine/run_engine.h"
@@ -12,6 +13,10 @@
 #include "platform/installer_pane.h"
 
 #include <CLI/CLI.hpp>
+#include <array>
+#include <chrono>
+#include <cstdlib>
+#include <ctime>
 #include <fcntl.h>
 #include <functional>
 #include <iterator>
@@ -19,6 +24,7 @@
 #include <optional>
 #include <string>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace tavenhall {
@@ -32,74 +38,143 @@ struct RunArguments {
   std::string product;
   std::string ui;  // empty: the terminal page where there is a terminal for it, else plain lines
   std::string summary;
+  std::string discTimeout;    // seconds; empty: 0
+  std::string optionalDiscs;  // "skip", "wait" or empty: skip
+  bool isUnattended = false;
   bool noPreInstall = false;
   bool isTrusted = false;
   bool isWithoutAttributes = false;
 };
 
-// Refuses to install for the reason that `reason` gives in the current language. Another program that drives
-// the install decides itself, so it gets a warning.
-void refuse(const std::function<std::string()>& reason, Frontend frontend, EngineOptions& options) {
-  const std::string line = reason();
-  if (line.empty()) {
-    return;
+// Collects the reasons not to install. Without a user the first must not hide the others. Another program that
+// drives the install decides itself, so it gets warnings.
+class Refusals {
+ public:
+  Refusals(Frontend frontend, bool isUnattended, EngineOptions& options)
+      : frontend_(frontend), isUnattended_(isUnattended), options_(options) {}
+
+  // `reason` gives it in the current language; empty: there is none. Throws UsageError where a user reads it.
+  void add(const std::function<std::string()>& reason) {
+    const std::string line = reason();
+    if (line.empty()) {
+      return;
+    }
+    if (isUnattended_) {
+      shortfalls_.push_back({ExitStatus::refused, line});
+      return;
+    }
+    if (frontend_ != Frontend::json) {
+      throw UsageError(line, ExitStatus::refused);
+    }
+    showError(UsageError(line));
+    const InEnglish english;
+    options_.warnings.push_back(reason());
   }
-  if (frontend != Frontend::json) {
-    throw UsageError(line, ExitStatus::refused);
+
+  void add(const std::vector<Shortfall>& shortfalls) {
+    shortfalls_.insert(shortfalls_.end(), shortfalls.begin(), shortfalls.end());
   }
-  showError(UsageError(line));
-  const InEnglish english;
-  options.warnings.push_back(reason());
-}
+
+  // Throws UsageError with every reason, and the first one's status, if there is one.
+  void throwIfAny() const {
+    std::string all;
+    for (const Shortfall& shortfall : shortfalls_) {
+      all += (all.empty() ? "" : "; ") + shortfall.line;
+    }
+    if (!all.empty()) {
+      throw UsageError(all, shortfalls_.front().status);
+    }
+  }
+
+  [[nodiscard]] bool isEmpty() const { return shortfalls_.empty() && options_.warnings.empty(); }
+  [[nodiscard]] Frontend frontend() const { return frontend_; }
+
+ private:
+  Frontend frontend_;
+  bool isUnattended_;
+  EngineOptions& options_;
+  std::vector<Shortfall> shortfalls_;
+};
 
 // The plan, after all reasons to refuse it. None if the attributes file cannot be read: then the page finds
 // none, and copies no folder beside the package.
-std::optional<InstallPlan> checkedPlan(const RunArguments& arguments, Frontend frontend,
+std::optional<InstallPlan> checkedPlan(const RunArguments& arguments, Refusals& refusals,
                                        EngineOptions& options) {
   std::optional<InstallPlan> plan;
   try {
     plan = planFor(options);
   } catch (const UsageError& error) {
-    if (frontend == Frontend::terminal || !arguments.isWithoutAttributes) {
-      refuse([&error] { return error.what(); }, frontend, options);
+    if (refusals.frontend() == Frontend::terminal || !arguments.isWithoutAttributes) {
+      refusals.add([&error] { return error.what(); });
       options.failures.push_back(unreadableAttributes(options));
     }
     return std::nullopt;
   }
-  if (!arguments.isTrusted && options.warnings.empty()) {  // one reason is enough
-    refuse([&plan] { return refusalToTrust(*plan); }, frontend, options);
+  if (!arguments.isTrusted && refusals.isEmpty()) {  // one reason is enough
+    refusals.add([&plan] { return refusalToTrust(*plan); });
   }
-  refuse([&plan] { return refusalToCopyOntoItself(*plan); }, frontend, options);
+  refusals.add([&plan] { return refusalToCopyOntoItself(*plan); });
   if (!arguments.isWithoutAttributes && !plan->attributes.isFilePresent()) {
-    refuse([&plan] { return missingAttributes(*plan); }, frontend, options);
+    refusals.add([&plan] { return missingAttributes(*plan); });
     options.failures.push_back(unreadableAttributes(options));
   }
   for (const UnexaminedPlace& place : unexaminedPlaces(*plan)) {
-    refuse([&place] { return cannotExamine(place); }, frontend, options);
+    refusals.add([&place] { return cannotExamine(place); });
     options.failures.push_back({"not-readable", place.path, "", 0, place.error.message()});
   }
   return plan;
 }
 
-EngineOptions optionsFrom(const RunArguments& arguments, Frontend frontend) {
-  EngineOptions options;
+std::string timeNow() {
+  const std::time_t now = std::time(nullptr);
+  std::tm utc{};
+  gmtime_r(&now, &utc);
+  std::array<char, 32> text{};
+  std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &utc);
+  return text.data();
+}
+
+// Sets `options` as far as the arguments tell. Throws UsageError.
+void readArguments(const RunArguments& arguments, EngineOptions& options) {
+  if (!arguments.summary.empty()) {
+    requireWritable(arguments.summary);
+    options.summary = arguments.summary;
+  }
+  options.facts.started = timeNow();
+  options.facts.version = kVersion;
+  options.facts.log = usersInstallationLog();
+  options.facts.package = arguments.package;
   if (!arguments.noPreInstall) {
     if (arguments.package.empty()) {
       throw UsageError(_("--package or --no-preinstall is required"));
     }
     options.package = packageLocation(arguments.package);
+    options.facts.package = options.package;
     options.installType = arguments.installType;
   }
   options.bundle =
       arguments.bundle.empty() ? findBundle(arguments.product) : std::filesystem::path(arguments.bundle);
-  options.summary = arguments.summary;
-  if (!options.summary.empty()) {
-    requireWritable(options.summary);
+  requireBundle(options.bundle);
+}
+
+// Nobody answers: with --unattended, and with a frontend that shows nothing.
+std::optional<UnattendedAnswers> answersFor(const RunArguments& arguments, Frontend frontend) {
+  if (!arguments.isUnattended && frontend != Frontend::quiet) {
+    for (const auto& [name, value] : {std::pair("--disc-timeout", arguments.discTimeout),
+                                      std::pair("--optional-discs", arguments.optionalDiscs)}) {
+      if (!value.empty()) {
+        throw UsageError(format(_("{0} requires --unattended"), {name}));
+      }
+    }
+    return std::nullopt;
   }
-  if (!arguments.isTrusted) {
-    refuse([&options] { return refusalToTrust(options); }, frontend, options);
+  if (arguments.ui == "terminal") {
+    throw UsageError(format(_("{0} cannot be combined with {1}"), {"--unattended", "--ui terminal"}));
   }
-  return options;
+  UnattendedAnswers answers;
+  answers.discTimeout = std::chrono::seconds(std::atoi(arguments.discTimeout.c_str()));
+  answers.skipsOptionalDiscs = arguments.optionalDiscs != "wait";
+  return answers;
 }
 
 // Input may come from anywhere, but a password prompt needs a terminal.
@@ -111,27 +186,72 @@ bool hasControllingTerminal() {
   return terminal >= 0;
 }
 
+// What the page will do, after every reason not to let it. Throws UsageError.
+std::optional<InstallPlan> prepare(const RunArguments& arguments, Frontend frontend, EngineOptions& options) {
+  options.unattended = answersFor(arguments, frontend);
+  readArguments(arguments, options);
+  if (options.unattended) {
+    static_cast<void>(loadBundle(options.bundle));     // what it cannot load has no name of a disc either
+    const InstallLock lock(!options.package.empty());  // another install changes what is looked at here
+  }
+  Refusals refusals(frontend, options.unattended.has_value(), options);
+  if (!arguments.isTrusted) {
+    refusals.add([&options] { return refusalToTrust(options); });
+  }
+  const std::optional<InstallPlan> plan = checkedPlan(arguments, refusals, options);
+  if (plan) {
+    options.copies = expectedCopies(*plan);
+    addFacts(*plan, options.facts);
+  }
+  if (options.unattended && plan) {
+    refusals.add(shortfallsOf(*plan, *options.unattended));
+  }
+  refusals.throwIfAny();
+  return plan;
+}
+
+// A terminal that cannot show the page, although a user may expect it there.
+bool fallsBack(const RunArguments& arguments, const EngineOptions& options) {
+  return arguments.ui != "plain" && !options.unattended && isatty(STDIN_FILENO) != 0 &&
+         isatty(STDOUT_FILENO) != 0;
+}
+
+ExitStatus runPlain(const RunArguments& arguments, const EngineOptions& options,
+                    const std::optional<InstallPlan>& plan) {
+  RunDescription description = plan ? describeRun(*plan) : RunDescription();
+  description.watchLog(usersInstallationLog());
+  description.isUnattended = options.unattended.has_value();
+  description.asksFirst = plan && fallsBack(arguments, options);
+  const bool hasTerminal = !description.isUnattended && hasControllingTerminal();
+  return runPlainFrontend(startEngine(options, {.hasPasswordTerminal = hasTerminal}), description);
+}
+
 ExitStatus run(const RunArguments& arguments) {
-  const Frontend frontend = frontendFor(arguments.ui);
+  const Frontend frontend =
+      frontendFor(arguments.isUnattended && arguments.ui.empty() ? "plain" : arguments.ui);
   std::optional<InstallTypePlace> installTypePlace;
   if (arguments.installType.empty()) {
     installTypePlace.emplace();  // before anybody's file in its place is looked for
   }
-  EngineOptions options = optionsFrom(arguments, frontend);
-  const std::optional<InstallPlan> plan = checkedPlan(arguments, frontend, options);
-  if (plan) {
-    options.copies = expectedCopies(*plan);
+  EngineOptions options;
+  std::optional<InstallPlan> plan;
+  try {
+    plan = prepare(arguments, frontend, options);
+  } catch (const UsageError& error) {
+    writeRefusal(options, error);
+    throw;
   }
   switch (frontend) {
     case Frontend::json:
+      if (plan) {
+        const InEnglish english;
+        for (const Shortfall& shortfall : spaceShortfalls(*plan)) {
+          options.warnings.push_back(shortfall.line);
+        }
+      }
       runEngine(options, Controller::program, {.requests = STDIN_FILENO, .events = STDOUT_FILENO});
     case Frontend::quiet: runEngine(options, Controller::nobody, {});
-    case Frontend::plain: {
-      RunDescription description;
-      description.watchLog(usersInstallationLog());
-      return runPlainFrontend(startEngine(options, {.hasPasswordTerminal = hasControllingTerminal()}),
-                              description);
-    }
+    case Frontend::plain: return runPlain(arguments, options, plan);
     case Frontend::terminal: break;
   }
   const RunDescription description = describeRun(*plan);
@@ -161,6 +281,14 @@ void addRunCommand(CommandLine& commandLine) {
   addFrontendOption(*run, arguments->ui);
   run->add_option("--summary", arguments->summary, _("Write the run summary to this file, as JSON"))
       ->type_name("FILE");
+  run->add_flag("--unattended", arguments->isUnattended, _("Never ask; fail at once if anything is missing"));
+  run->add_option("--disc-timeout", arguments->discTimeout,
+                  _("Unattended: wait so long for each disc (default: 0)"))
+      ->check(wholeNumber())
+      ->type_name("SECONDS");
+  run->add_option("--optional-discs", arguments->optionalDiscs, _("Unattended: skip (default) or wait"))
+      ->check(oneOf({"skip", "wait"}))
+      ->type_name("ACTION");
   run->add_flag("--no-preinstall", arguments->noPreInstall,
                 _("Use the files that a pre-install step has written to /tmp"));
   run->add_flag("--trusted", arguments->isTrusted, _("Install even if other users can change the package"));

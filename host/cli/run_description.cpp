@@ -243,6 +243,17 @@ std::vector<ExpectedCopy> expectedCopies(const InstallPlan& plan) {
   return copies;
 }
 
+void addFacts(const InstallPlan& plan, event::RunFacts& facts) {
+  facts.product = plan.product.pluginName;
+  facts.edition = !plan.editions.isOffered ? "" : plan.editions.allAreLite ? "Lite" : "Full";
+  for (const PlannedPass& pass : plan.passes) {
+    facts.volumes = std::max(facts.volumes, pass.volumeCount);
+    if (pass.folderName == plan.product.folderName || facts.destination.empty()) {
+      facts.destination = tidyPath(pass.destination);
+    }
+  }
+}
+
 RunDescription describeRun(const InstallPlan& plan) {
   RunDescription description;
   description.introduction = introduce(plan, freeBytesAt);

@@ -47,6 +47,9 @@ using FreeBytes = std::function<std::optional<std::int64_t>(const std::string& p
 // and libraries in the Lite edition.
 [[nodiscard]] std::vector<ExpectedCopy> expectedCopies(const InstallPlan& plan);
 
+// Adds to the facts of a run what the plan tells.
+void addFacts(const InstallPlan& plan, event::RunFacts& facts);
+
 // The description of an installation on this machine. Call it before the engine is started.
 [[nodiscard]] RunDescription describeRun(const InstallPlan& plan);
 

@@ -16,7 +16,7 @@ namespace tavenhall {
 
 // ---- The run ----
 
-Engine::Engine(EventWriter* events, EjectNote& ejectNote, std::function<void()> onNoAnswer)
+Engine::Engine(EventWriter* events, EjectNote& ejectNote, OnNoAnswer onNoAnswer)
     : events_(events), ejectNote_(ejectNote), onNoAnswer_(std::move(onNoAnswer)) {
   beginAudits();
 }
@@ -62,11 +62,15 @@ void Engine::readRequests(int descriptor) {
   });
 }
 
-void Engine::setRequests(std::deque<Command> commands, Answer answer) {
+void Engine::setCommands(std::deque<Command> commands) {
   const Lock lock(main_);
   commands_ = std::move(commands);
-  everyAnswer_ = answer.button;
   isInputClosed_ = true;
+}
+
+void Engine::answerUnattended(const UnattendedAnswers& answers) {
+  const Lock lock(main_);
+  unattended_ = answers;
 }
 
 void Engine::accept(std::string_view line) {
@@ -154,12 +158,31 @@ void Engine::leave(std::int64_t direction) {
 }
 
 std::optional<int> Engine::takeAnswer() {
-  if (everyAnswer_ || answers_.empty()) {
-    return everyAnswer_;
+  if (answers_.empty()) {
+    return std::nullopt;
   }
   const int answer = answers_.front();
   answers_.pop_front();
   return answer;
+}
+
+int Engine::unattendedAnswer(const event::Alert& alert, const event::Phase& phase) {
+  const auto buttons = static_cast<int>(alert.buttons.size());
+  if (phase.disc.empty()) {
+    return kAlertFirstButtonReturn;
+  }
+  if (buttons > 1 && unattended_->skipsOptionalDiscs) {
+    return kAlertSecondButtonReturn;
+  }
+  const auto now = Clock::now();
+  if (missingDisc_ != phase.disc) {
+    missingDisc_ = phase.disc;
+    missingSince_ = now;
+  }
+  if (now - missingSince_ >= unattended_->discTimeout) {
+    onNoAnswer_(ExitStatus::discMissing, "disc " + phase.disc + " was not found");
+  }
+  return kAlertFirstButtonReturn;  // the page waits, and looks again
 }
 
 void Engine::report(const Event& event) {

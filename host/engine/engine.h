@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/base/child_process.h"
+#include "host/base/exit_status.h"
 #include "host/base/mutex.h"
 #include "host/engine/install_audit.h"
 #include "host/engine/stand_ins.h"
@@ -21,6 +22,12 @@
 
 namespace tavenhall {
 
+// How alerts are answered while nobody is there.
+struct UnattendedAnswers {
+  std::chrono::seconds discTimeout{0};  // how long a disc that is not there is waited for
+  bool skipsOptionalDiscs = true;       // false: they are waited for like the others
+};
+
 // Plays the installer around one page: performs requests, runs what the page dispatches, and reports events.
 //
 // The engine is a monitor. `main_` represents the main thread: the thread that holds it is the main thread for
@@ -30,9 +37,12 @@ namespace tavenhall {
 // or report; it is taken after `main_` and never held while the page runs.
 class Engine final : private InstallerHost {
  public:
-  // `events` may be null: nothing is reported. `onNoAnswer` is called when an alert waits and no answer can
-  // come any more; it must not return. It is called with `main_` held, on whichever thread shows the alert.
-  Engine(EventWriter* events, EjectNote& ejectNote, std::function<void()> onNoAnswer);
+  // Called when an alert waits and no answer can come any more, with the exit status and its reason; it must
+  // not return. It is called with `main_` held, on whichever thread shows the alert.
+  using OnNoAnswer = std::function<void(ExitStatus status, const std::string& reason)>;
+
+  // `events` may be null: nothing is reported.
+  Engine(EventWriter* events, EjectNote& ejectNote, OnNoAnswer onNoAnswer);
 
   // Calls stopReading(). A page that is destroyed while its threads run must wait for them itself.
   ~Engine();
@@ -45,10 +55,12 @@ class Engine final : private InstallerHost {
   void makePage(PageFactory factory);
 
   // Sets the source of requests; call one of the two once, before run(). readRequests() reads JSON lines on a
-  // thread of its own; the descriptor must stay open. setRequests() performs these commands and answers every
-  // alert with `answer`.
+  // thread of its own; the descriptor must stay open. setCommands() performs these commands.
   void readRequests(int descriptor);
-  void setRequests(std::deque<Command> commands, Answer answer);
+  void setCommands(std::deque<Command> commands);
+
+  // Answers every alert by itself from now on; answers of a frontend count no more.
+  void answerUnattended(const UnattendedAnswers& answers) EXCLUDES(main_);
 
   // Adds a command behind all others.
   void add(Command command) EXCLUDES(main_);
@@ -126,6 +138,7 @@ class Engine final : private InstallerHost {
   void perform(Command command) REQUIRES(main_);
   void leave(std::int64_t direction) REQUIRES(main_);
   [[nodiscard]] std::optional<int> takeAnswer() REQUIRES(main_);
+  [[nodiscard]] int unattendedAnswer(const event::Alert& alert, const event::Phase& phase) REQUIRES(main_);
   void report(const Event& event) REQUIRES(state_);
   [[nodiscard]] event::CopyState copyState() const REQUIRES(state_);
   void takeSnapshot() EXCLUDES(state_);
@@ -145,7 +158,7 @@ class Engine final : private InstallerHost {
 
   EventWriter* const events_;
   EjectNote& ejectNote_;
-  const std::function<void()> onNoAnswer_;
+  const OnNoAnswer onNoAnswer_;
   const Clock::time_point start_ = Clock::now();
   const std::thread::id mainLoopThread_ = std::this_thread::get_id();
   Text instructions_{*this, Text::Place::instructions};
@@ -157,7 +170,9 @@ class Engine final : private InstallerHost {
   Condition changed_;  // of what main_ guards, and of the page threads
   std::deque<Command> commands_ GUARDED_BY(main_);
   std::deque<int> answers_ GUARDED_BY(main_);
-  std::optional<int> everyAnswer_ GUARDED_BY(main_);
+  std::optional<UnattendedAnswers> unattended_ GUARDED_BY(main_);
+  std::string missingDisc_ GUARDED_BY(main_);  // the latest that was not there
+  Clock::time_point missingSince_ GUARDED_BY(main_);
   bool isInputClosed_ GUARDED_BY(main_) = false;
   bool isAlertUp_ GUARDED_BY(main_) = false;
   bool isQuitting_ GUARDED_BY(main_) = false;

@@ -75,20 +75,25 @@ void Engine::setPreviousEnabled(bool enabled) noexcept {
 
 int Engine::runModal(const Alert& alert) noexcept {
   main_.assertHeld();
+  const event::Alert shown{
+      alert.messageText, alert.informativeText, {alert.buttons.begin(), alert.buttons.end()}, alert.style};
+  event::Phase phase;
   {
     const Lock lock(state_);
     const bool wasLooking = phaseStart_ && phase_.kind == event::Phase::Kind::looking;
     beginPhase(wasLooking ? event::Phase::Kind::notFound : event::Phase::Kind::waiting);
-    event::Alert shown{
-        alert.messageText, alert.informativeText, {alert.buttons.begin(), alert.buttons.end()}, alert.style};
     report(shown);
-    summary_.alerts.push_back({std::move(shown), 0});
+    summary_.alerts.push_back({shown, 0});
+    phase = phase_;
+  }
+  std::optional<int> answer;
+  if (unattended_) {
+    answer = unattendedAnswer(shown, phase);
   }
   isAlertUp_ = true;
-  std::optional<int> answer;
-  while (!(answer = takeAnswer())) {
+  while (!answer && !(answer = takeAnswer())) {
     if (isInputClosed_) {
-      onNoAnswer_();
+      onNoAnswer_(ExitStatus::noAnswer, "a prompt needed an answer: " + shown.informative);
     }
     changed_.wait(main_);
   }
@@ -239,10 +244,14 @@ void Engine::beginAudits() {
   audit_.emplace([this](const event::AuditFailure& failure) { reportFailure(failure); });
   const Lock lock(state_);
   summary_.audit = {};
+  summary_.failedFiles.clear();
 }
 
 void Engine::reportFailure(const event::AuditFailure& failure) {
   const Lock lock(state_);
+  if (summary_.failedFiles.size() < event::Summary::kMostFailedFiles) {
+    summary_.failedFiles.push_back(failure);
+  }
   report(failure);
   if (events_ == nullptr) {
     const std::string reason =

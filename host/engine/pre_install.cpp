@@ -161,13 +161,17 @@ void InstallLock::close() noexcept {
   }
 }
 
-PageFactory loadBundle(const fs::path& bundle) {
-  const fs::path program = fs::absolute(bundle) / kBundleProgram;
+void requireBundle(const fs::path& bundle) {
   std::error_code error;
-  if (!fs::exists(program, error)) {
+  if (!fs::exists(fs::absolute(bundle) / kBundleProgram, error)) {
     throw UsageError(format(_("cannot load {0}: it has no {1}; --bundle takes a plug-in's folder"),
                             {bundle.string(), kBundleProgram}));
   }
+}
+
+PageFactory loadBundle(const fs::path& bundle) {
+  requireBundle(bundle);
+  const fs::path program = fs::absolute(bundle) / kBundleProgram;
   requireNoSpecialFile(program);
   void* handle = dlopen(program.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (handle == nullptr) {

@@ -57,6 +57,9 @@ class InstallLock {
   std::vector<int> folders_;
 };
 
+// Throws UsageError unless the folder has a plug-in's program.
+void requireBundle(const std::filesystem::path& bundle);
+
 // Loads the program of a plug-in bundle for the life of the process and returns its page factory. Throws
 // UsageError.
 [[nodiscard]] PageFactory loadBundle(const std::filesystem::path& bundle);

@@ -6,15 +6,22 @@
 #include "host/engine/engine.h"
 #include "host/engine/pre_install.h"
 #include "host/protocol/json_form.h"
+#include "platform/host_system.h"
 
+#include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <functional>
+#include <initializer_list>
 #include <memory>
+#include <poll.h>
 #include <system_error>
+#include <thread>
 #include <unistd.h>
 
 namespace tavenhall {
@@ -63,9 +70,108 @@ void writeSummaryFile(const std::filesystem::path& path, const event::Summary& s
   }
 }
 
-}  // namespace
+// ---- Signals that end a run ----
 
-void runEngine(const EngineOptions& options, Controller controller, const EngineEnds& ends) {
+WakeUp* stopWakeUp = nullptr;
+volatile std::sig_atomic_t stopSignal = 0;
+
+// A second one ends the process at once.
+void noteStop(int signal) {
+  std::signal(signal, SIG_DFL);
+  stopSignal = signal;
+  stopWakeUp->signal();
+}
+
+// Calls `onStop` on a thread of its own when one of the signals has come. One that is ignored, as by nohup,
+// stays so.
+void watchSignals(std::initializer_list<int> signals, const std::function<void(int signal)>& onStop) {
+  stopWakeUp = new WakeUp;  // as long as the process
+  std::thread([onStop] {
+    pollfd input{stopWakeUp->descriptor(), POLLIN, 0};
+    while (poll(&input, 1, -1) <= 0) {
+    }
+    onStop(stopSignal);
+  }).detach();
+  struct sigaction action {};
+  action.sa_handler = noteStop;
+  action.sa_flags = SA_RESTART;
+  for (const int signal : signals) {
+    struct sigaction before {};
+    if (sigaction(signal, nullptr, &before) == 0 && before.sa_handler != SIG_IGN) {
+      sigaction(signal, &action, nullptr);
+    }
+  }
+}
+
+// Why the install failed, in a line.
+std::string failureReason(const event::Summary& summary) {
+  if (!summary.failedFiles.empty()) {
+    const event::AuditFailure& first = summary.failedFiles.front();
+    return "not installed: " + std::to_string(summary.audit.failures) + "; the first: " + first.source + " (" +
+           first.problem + ")";
+  }
+  return summary.sheets.empty() ? "the page refused Continue" : summary.sheets.front().message;
+}
+
+// The end of a run.
+class RunEnd {
+ public:
+  // Call it while texts are in the user's language.
+  RunEnd(const EngineOptions& options, Controller controller) : options_(options), controller_(controller) {}
+
+  void setEngine(Engine& engine, EventWriter* events) {
+    engine_ = &engine;
+    events_ = events;
+  }
+
+  // Reports the summary and ends the process. Any thread. If another thread does so already, waits for the end.
+  [[noreturn]] void finish(ExitStatus status, const std::string& reason) {
+    constexpr std::chrono::seconds kPatience{2};
+    if (isEnding_.test_and_set()) {
+      std::this_thread::sleep_for(kPatience);  // a reader that reads nothing may keep the other from its end
+      exitProcess(status);
+    }
+    event::Summary summary = engine_->summary();
+    const bool isStop = status == ExitStatus::stopped;
+    if (controller_ == Controller::program && status == ExitStatus::success && !summary.isInstalled) {
+      summary.status = static_cast<int>(ExitStatus::failure);
+    } else {
+      summary.status = static_cast<int>(status);
+    }
+    summary.reason = summary.status == static_cast<int>(ExitStatus::failure) ? failureReason(summary) : reason;
+    summary.facts = options_.facts;
+    if (events_ != nullptr) {
+      events_->write(summary);
+    } else if (status != ExitStatus::success) {
+      showError(UsageError(summary.reason));
+    }
+    if (!options_.summary.empty()) {
+      writeSummaryFile(options_.summary, summary, cannotWriteSummary_);
+    }
+    if (isStop) {
+      if (events_ != nullptr) {
+        events_->drain(kPatience);
+      }
+    } else {
+      if (events_ != nullptr) {
+        events_->finish();
+      }
+      engine_->stopReading();
+    }
+    InstallTypePlace::clear();  // of a page that was not entered
+    exitProcess(status);
+  }
+
+ private:
+  const EngineOptions& options_;
+  Controller controller_;
+  EventWriter* events_ = nullptr;
+  Engine* engine_ = nullptr;
+  std::atomic_flag isEnding_;
+  const char* cannotWriteSummary_ = _("cannot write the summary {0}: {1}");
+};
+
+[[noreturn]] void playEngine(const EngineOptions& options, Controller controller, const EngineEnds& ends) {
   const PageFactory factory = loadBundle(options.bundle);
   const InstallLock lock(!options.package.empty());
   if (!options.package.empty()) {
@@ -75,7 +181,7 @@ void runEngine(const EngineOptions& options, Controller controller, const Engine
   const int requests = isControlled ? setAside(ends.requests) : -1;
   const int output = isControlled ? setAside(ends.events) : -1;
   shieldStandardStreams();
-  const char* cannotWriteSummary = _("cannot write the summary {0}: {1}");
+  RunEnd end(options, controller);
   speakEnglish();          // the system's error texts go into the log
   surviveSignal(SIGPIPE);  // a frontend that goes away must not end an install
   addStandInsToPath();
@@ -91,29 +197,26 @@ void runEngine(const EngineOptions& options, Controller controller, const Engine
       events->write(event::Warning{warning});
     }
   }
-  Engine* theEngine = nullptr;
-  const auto finish = [&](ExitStatus status) {
-    const event::Summary summary = theEngine->summary();
-    if (events) {
-      events->write(summary);
-    }
-    if (!options.summary.empty()) {
-      writeSummaryFile(options.summary, summary, cannotWriteSummary);
-    }
-    if (events) {
-      events->finish();
-    }
-    theEngine->stopReading();
-    InstallTypePlace::clear();  // of a page that was not entered
-    exitProcess(status);
-  };
-  Engine engine(events.get(), ejectNote, [&finish] { finish(ExitStatus::noAnswer); });
-  theEngine = &engine;
+  Engine engine(events.get(), ejectNote,
+                [&end](ExitStatus status, const std::string& reason) { end.finish(status, reason); });
+  end.setEngine(engine, events.get());
   engine.makePage(factory);
+  const auto stop = [&end](int signal) {
+    end.finish(ExitStatus::stopped, "stopped by signal " + std::to_string(signal));
+  };
+  if (controller == Controller::frontend) {
+    watchSignals({SIGTERM, SIGINT}, stop);  // the engine outlives its terminal
+  } else {
+    watchSignals({SIGTERM, SIGINT, SIGHUP}, stop);
+  }
+  if (options.unattended) {
+    leaveControllingTerminal();
+    engine.answerUnattended(*options.unattended);
+  }
   if (isControlled) {
     engine.readRequests(requests);
   } else {
-    engine.setRequests({Command::title, Command::enter, Command::wait}, Answer{kAlertFirstButtonReturn});
+    engine.setCommands({Command::title, Command::enter, Command::wait});
   }
   engine.run();
   const bool nobodyLeaves =
@@ -126,8 +229,29 @@ void runEngine(const EngineOptions& options, Controller controller, const Engine
     engine.requireCopies(options.copies, options.failures);
   }
   const bool isDone = controller == Controller::program || engine.isSuccess();
-  finish(isDone ? ExitStatus::success : ExitStatus::failure);
-  std::abort();  // not reached
+  end.finish(isDone ? ExitStatus::success : ExitStatus::failure, "");
+}
+
+}  // namespace
+
+void writeRefusal(const EngineOptions& options, const UsageError& reason) {
+  if (options.summary.empty()) {
+    return;
+  }
+  event::Summary summary;
+  summary.status = static_cast<int>(reason.status());
+  summary.reason = reason.what();
+  summary.facts = options.facts;
+  writeSummaryFile(options.summary, summary, _("cannot write the summary {0}: {1}"));
+}
+
+void runEngine(const EngineOptions& options, Controller controller, const EngineEnds& ends) {
+  try {
+    playEngine(options, controller, ends);
+  } catch (const UsageError& error) {
+    writeRefusal(options, error);
+    throw;
+  }
 }
 
 EngineConnection startEngine(const EngineOptions& options, const EngineProcessOptions& process) {

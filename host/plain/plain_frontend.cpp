@@ -10,6 +10,8 @@
 #include <array>
 #include <charconv>
 #include <csignal>
+#include <cstdio>
+#include <cstdlib>
 #include <deque>
 #include <fcntl.h>
 #include <optional>
@@ -23,6 +25,8 @@
 namespace tavenhall {
 
 namespace {
+
+constexpr int kColumns = 77;  // of an indented text
 
 // Signals of the terminal reach only this process: the engine has no terminal.
 WakeUp* signalWakeUp = nullptr;
@@ -102,8 +106,11 @@ class PlainFrontend {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
       sigaction(signal, &action, nullptr);
     }
-    for (const Command command : {Command::title, Command::enter, Command::wait}) {
-      engine_.send(command);
+    engine_.send(Command::title);
+    if (description_.asksFirst) {
+      askFirst();
+    } else {
+      enter();
     }
     while (!engine_.hasEnded()) {
       step();
@@ -115,15 +122,46 @@ class PlainFrontend {
     printer_.flush();
     const std::optional<ExitStatus> status = engine_.wait();
     const bool wasStopped = isStopped_ && status != ExitStatus::success;
+    const std::string reason = summary_ ? summary_->reason : "";
     if (!status || wasStopped) {
       summary_.reset();  // it is not the engine's last word
     }
     const ExitStatus result = wasStopped ? ExitStatus::stopped : status.value_or(ExitStatus::failure);
     printResult(result);
+    if (description_.isUnattended && result != ExitStatus::success && !reason.empty()) {
+      std::fprintf(stderr, "tavinstall: %s\n", printableLine(reason).c_str());
+    }
     return result;
   }
 
  private:
+  void enter() {
+    hasEntered_ = true;
+    engine_.send(Command::enter);
+    engine_.send(Command::wait);
+  }
+
+  // The introduction, which the terminal page would show, and its button.
+  void askFirst() {
+    const char* term = std::getenv("TERM");
+    print(format(_("This terminal ({0}) cannot show the page. Plain lines follow."),
+                 {term != nullptr && *term != '\0' ? printableLine(term) : _("unknown")}));
+    for (const Line& line : introductionLines(description_.introduction, kColumns)) {
+      std::string text = " ";
+      for (const Span& span : line) {
+        text += " " + span.text;
+      }
+      print(text.substr(0, text.find_last_not_of(' ') + 1));
+    }
+    if (const std::string text = shortRoomText(description_.introduction); !text.empty()) {
+      print("! " + text);
+    }
+    print(std::string("  1) ") + _("Continue"));
+    print(std::string("  2) ") + _("Do Not Install"));
+    isFirstPage_ = true;
+    buttons_ = 2;
+  }
+
   void step() {
     const bool readsAnswer = buttons_ > 0 && answerLines_.isOpen() && !passwordPrompt_;
     std::array<pollfd, 5> sources{{{engine_.eventsDescriptor(), POLLIN, 0},
@@ -214,8 +252,10 @@ class PlainFrontend {
   void handle(const Event& event) {
     printer_.show(event, std::chrono::steady_clock::now());
     std::visit(EventVisitor{[this](const event::Alert& alert) {
-                              buttons_ = static_cast<int>(alert.buttons.size());
-                              answerFromTyped();
+                              if (!description_.isUnattended) {
+                                buttons_ = static_cast<int>(alert.buttons.size());
+                                answerFromTyped();
+                              }
                             },
                             [this](const event::NextEnabled& next) { nextIsEnabled_ = next.isEnabled; },
                             [this](const event::Idle& /*idle*/) {
@@ -254,6 +294,11 @@ class PlainFrontend {
       return;
     }
     buttons_ = 0;
+    if (isFirstPage_) {
+      isFirstPage_ = false;
+      number == 1 ? enter() : stop();
+      return;
+    }
     engine_.send(Answer{kAlertFirstButtonReturn + number - 1});
   }
 
@@ -263,6 +308,9 @@ class PlainFrontend {
           format(_("{0} in {1}"), {sizeText(summary_->audit.bytes), durationText(summary_->seconds)});
       switch (status) {
         case ExitStatus::success: print(format(_("Installed {0}."), {amount})); break;
+        case ExitStatus::discMissing:
+          print("! " + format(_("Stopped: a disc was not found. Copied {0}."), {amount}));
+          break;
         case ExitStatus::noAnswer:
           print("! " + format(_("Stopped: a prompt needs an answer, but standard input is closed. Copied {0}."),
                               {amount}));
@@ -273,7 +321,8 @@ class PlainFrontend {
           break;
       }
     } else if (status == ExitStatus::stopped) {
-      print("! " + join(_("Stopped."), description_.afterStop));
+      print("! " + join(_("Stopped."),
+                        hasEntered_ ? description_.afterStop : std::string(_("Nothing was installed."))));
     } else if (status == ExitStatus::failure) {
       print(std::string("! ") + _("The installer's engine ended unexpectedly."));
     }
@@ -293,13 +342,15 @@ class PlainFrontend {
   EngineClient engine_;
   const RunDescription& description_;
   bool isOutputStuck_ = false;  // nobody has read it since the run was stopped
-  PlainPrinter printer_{[this](std::string_view line) { print(line); }};
+  PlainPrinter printer_{[this](std::string_view line) { print(line); }, !description_.isUnattended};
   LineReader answerLines_{STDIN_FILENO};
   std::optional<PasswordPrompt> passwordPrompt_;  // while a command asks
   std::deque<std::string> typed_;
   std::optional<event::Summary> summary_;
-  int buttons_ = 0;  // of the alert that is up; 0: none is
+  int buttons_ = 0;           // of the alert that is up; 0: none is
+  bool isFirstPage_ = false;  // instead of an alert
   bool nextIsEnabled_ = false;
+  bool hasEntered_ = false;
   bool isStopped_ = false;
 };
 

@@ -72,6 +72,9 @@ void PlainPrinter::showAlert(const event::Alert& alert) {
   flush();
   print_("? " + printableText(alert.message));
   showText(alert.informative);
+  if (!hasAnswers_) {
+    return;
+  }
   int number = 0;
   for (const std::string& button : alert.buttons) {
     print_("  " + std::to_string(++number) + ") " + printableText(button));

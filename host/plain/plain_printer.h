@@ -16,8 +16,10 @@ class PlainPrinter {
  public:
   using Clock = std::chrono::steady_clock;
 
-  // `print` gets each line without its newline.
-  explicit PlainPrinter(std::function<void(std::string_view line)> print) : print_(std::move(print)) {}
+  // `print` gets each line without its newline. `hasAnswers`: the user answers prompts, so their buttons are
+  // shown.
+  explicit PlainPrinter(std::function<void(std::string_view line)> print, bool hasAnswers = true)
+      : print_(std::move(print)), hasAnswers_(hasAnswers) {}
 
   void show(const Event& event, Clock::time_point now);
 
@@ -32,6 +34,7 @@ class PlainPrinter {
   void showProgress(Clock::time_point now);
 
   std::function<void(std::string_view)> print_;
+  bool hasAnswers_;
   std::string instructions_;
   std::string status_;
   double minimum_ = 0.0;

@@ -15,9 +15,10 @@ EventWriter::~EventWriter() { finish(); }
 
 void EventWriter::write(const Event& event) {
   const Lock lock(mutex_);
-  if (isReaderGone_ || isFinishing_) {
+  if (isReaderGone_ || isFinishing_ || isComplete_) {
     return;
   }
+  isComplete_ = std::holds_alternative<event::Summary>(event);
   const bool wasIdle = !hasPending();
   const bool mayBeHeld =
       std::holds_alternative<event::ProgressValue>(event) || std::holds_alternative<event::Status>(event);

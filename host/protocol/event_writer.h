@@ -28,7 +28,7 @@ class EventWriter {
   // Calls finish().
   ~EventWriter();
 
-  // Any thread. Never blocks on the reader.
+  // Any thread. Never blocks on the reader. Drops what comes after the summary, which is the last event.
   void write(const Event& event) EXCLUDES(mutex_);
 
   // Blocks until everything is written or the reader is gone, and ends the thread. Later events are dropped.
@@ -59,7 +59,8 @@ class EventWriter {
   bool isWriting_ GUARDED_BY(mutex_) = false;
   bool isReaderGone_ GUARDED_BY(mutex_) = false;
   bool isFinishing_ GUARDED_BY(mutex_) = false;
-  std::thread thread_;  // last: it uses all the others
+  bool isComplete_ GUARDED_BY(mutex_) = false;  // the summary is written
+  std::thread thread_;                          // last: it uses all the others
 };
 
 }  // namespace tavenhall

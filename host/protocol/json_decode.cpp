@@ -57,6 +57,11 @@ event::Alert alertIn(const ordered_json& object) {
           numberIn<int>(object, "style")};
 }
 
+event::AuditFailure failureIn(const ordered_json& object) {
+  return {textIn(object, "problem"), textIn(object, "source"), textIn(object, "destination"),
+          numberIn<std::int32_t>(object, "volume"), textIn(object, "detail")};
+}
+
 event::Sheet sheetIn(const ordered_json& object) {
   return {textIn(object, "button"), textIn(object, "message"), textIn(object, "file")};
 }
@@ -97,6 +102,19 @@ event::Summary summaryIn(const ordered_json& object) {
   summary.copyingSeconds = numberIn<double>(object, "copyingSeconds");
   summary.waitingSeconds = numberIn<double>(object, "waitingSeconds");
   summary.checkingSeconds = numberIn<double>(object, "checkingSeconds");
+  summary.status = numberIn<int>(object, "status");
+  summary.reason = textIn(object, "reason");
+  for (const ordered_json& failure : listIn(object, "failedFiles")) {
+    summary.failedFiles.push_back(failureIn(failure));
+  }
+  summary.facts = {textIn(object, "package"),
+                   textIn(object, "product"),
+                   textIn(object, "edition"),
+                   textIn(object, "destination"),
+                   numberIn<std::int32_t>(object, "volumes"),
+                   textIn(object, "log"),
+                   textIn(object, "started"),
+                   textIn(object, "version")};
   return summary;
 }
 
@@ -140,11 +158,7 @@ constexpr std::array<std::pair<std::string_view, Decode>, 23> kDecoders{{
        audit.volume = numberIn<std::int32_t>(o, "volume");
        return audit;
      }},
-    {"audit.failure",
-     [](const ordered_json& o) -> Event {
-       return event::AuditFailure{textIn(o, "problem"), textIn(o, "source"), textIn(o, "destination"),
-                                  numberIn<std::int32_t>(o, "volume"), textIn(o, "detail")};
-     }},
+    {"audit.failure", [](const ordered_json& o) -> Event { return failureIn(o); }},
     {"phase",
      [](const ordered_json& o) -> Event {
        const std::string name = textIn(o, "phase");

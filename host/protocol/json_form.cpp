@@ -137,13 +137,18 @@ std::string line(const event::Audit& audit) {
   return line(object);
 }
 
+ordered_json failureFields(const event::AuditFailure& failure) {
+  return {{"problem", failure.problem},
+          {"source", failure.source},
+          {"destination", failure.destination},
+          {"volume", failure.volume},
+          {"detail", failure.detail}};
+}
+
 std::string line(const event::AuditFailure& failure) {
-  return line(ordered_json{{"event", "audit.failure"},
-                           {"problem", failure.problem},
-                           {"source", failure.source},
-                           {"destination", failure.destination},
-                           {"volume", failure.volume},
-                           {"detail", failure.detail}});
+  ordered_json object = {{"event", "audit.failure"}};
+  object.update(failureFields(failure));
+  return line(object);
 }
 
 std::string line(const event::Phase& phase) {
@@ -208,6 +213,11 @@ ordered_json summaryFields(const event::Summary& summary) {
   for (const event::Sheet& sheet : summary.sheets) {
     sheets.push_back({{"button", sheet.button}, {"message", sheet.message}, {"file", sheet.file}});
   }
+  ordered_json failedFiles = ordered_json::array();
+  for (const event::AuditFailure& failure : summary.failedFiles) {
+    failedFiles.push_back(failureFields(failure));
+  }
+  const event::RunFacts& facts = summary.facts;
   return {{"left", summary.hasLeft},
           {"ready", summary.ready},
           {"mode", summary.mode},
@@ -222,7 +232,18 @@ ordered_json summaryFields(const event::Summary& summary) {
           {"audit", auditFields(summary.audit)},
           {"copyingSeconds", rounded(summary.copyingSeconds)},
           {"waitingSeconds", rounded(summary.waitingSeconds)},
-          {"checkingSeconds", rounded(summary.checkingSeconds)}};
+          {"checkingSeconds", rounded(summary.checkingSeconds)},
+          {"status", summary.status},
+          {"reason", summary.reason},
+          {"failedFiles", failedFiles},
+          {"package", facts.package},
+          {"product", facts.product},
+          {"edition", facts.edition},
+          {"destination", facts.destination},
+          {"volumes", facts.volumes},
+          {"log", facts.log},
+          {"started", facts.started},
+          {"version", facts.version}};
 }
 
 std::string line(const event::Summary& summary) {

@@ -162,6 +162,18 @@ struct Error {
   std::string message;
 };
 
+// What is known of a run before it begins. Empty or 0 where it is not known.
+struct RunFacts {
+  std::string package;      // its path
+  std::string product;      // its name
+  std::string edition;      // "Lite" or "Full", where there is a choice
+  std::string destination;  // the data folder
+  std::int32_t volumes = 0;
+  std::string log;      // the path of the installation log
+  std::string started;  // ISO 8601, UTC
+  std::string version;  // of this program
+};
+
 // The result of the run.
 struct Summary {
   struct ShownAlert {
@@ -185,6 +197,13 @@ struct Summary {
 
   bool isInstalled = false;  // the verdict: every audit is clean, and the page refused nothing and was left
   Audit audit;               // the sums of all audits since the page was entered last; its texts are empty
+
+  int status = 0;                         // the process's exit status
+  std::string reason;                     // why it is not 0, in a line
+  std::vector<AuditFailure> failedFiles;  // the first kMostFailedFiles
+  RunFacts facts;
+
+  static constexpr std::size_t kMostFailedFiles = 1000;
 };
 
 }  // namespace tavenhall::event

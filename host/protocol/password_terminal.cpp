@@ -58,6 +58,14 @@ PseudoTerminal openPseudoTerminal() noexcept {
 
 void setControllingTerminal(int commands) noexcept { ioctl(commands, TIOCSCTTY, 0); }
 
+void leaveControllingTerminal() noexcept {
+  const int terminal = open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC);
+  if (terminal >= 0) {
+    ioctl(terminal, TIOCNOTTY);
+    close(terminal);
+  }
+}
+
 void PasswordTerminal::read(const std::function<void(const std::string& line)>& handle) {
   std::array<char, 4096> piece;
   ssize_t count = 0;

@@ -50,6 +50,9 @@ struct PseudoTerminal {
 // Makes it the controlling terminal of this process and its children. Call it after setsid().
 void setControllingTerminal(int commands) noexcept;
 
+// Leaves this process's controlling terminal, so that no command that it runs can ask there.
+void leaveControllingTerminal() noexcept;
+
 // The frontend's side. It sends the user's answer to the command alone; no event and no request contains it.
 // One thread.
 class PasswordTerminal {

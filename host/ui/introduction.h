@@ -42,6 +42,9 @@ struct RunDescription {
   std::string afterStop =
       _("The files copied so far are kept. Run the installer again to complete the installation.");
 
+  bool isUnattended = false;  // the frontend must not ask
+  bool asksFirst = false;     // plain lines instead of the terminal page: the introduction waits for Continue
+
   // Call it before the engine is started.
   void watchLog(std::string path);
 

@@ -137,8 +137,8 @@ const Printed kPrinted[] = {
        writeFile("/Users/tester/set/.InstallationAttributes.dat",
                  "Mode = DataUpdater\nRelativePath = Nowhere\n");
      },
-     {"run", "--ui", "quiet", "--package", "/Users/tester/set/Installer.pkg", "--summary", "/dev/full"},
-     1,
+     {"run", "--ui", "json", "--package", "/Users/tester/set/Installer.pkg", "--summary", "/dev/full"},
+     0,
      {"tavinstall: die Zusammenfassung /dev/full kann nicht geschrieben werden: No space left on device\n"}},
 };
 

@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <poll.h>
+#include <span>
 #include <thread>
 #include <unistd.h>
 #include <utility>
@@ -27,7 +28,7 @@ class EngineAtPipes : public EngineRun {
       : requests(makePipe()),
         events(makePipe()),
         writer(std::in_place, events.writeEnd),
-        engine(std::in_place, &*writer, ejectNote, [this] {
+        engine(std::in_place, &*writer, ejectNote, [this](ExitStatus, const std::string&) {
           hasNoAnswer = true;
           throw std::logic_error("no answer");
         }) {
@@ -278,6 +279,46 @@ TEST_F(EngineAtPipes, ReportsEachPhaseOfADisc) {
 {"event":"phase","phase":"copying","volume":0,"volumes":0,"disc":"","seconds":0}
 {"event":"phase","phase":"checking","volume":0,"volumes":0,"disc":"","seconds":0}
 )");
+}
+
+// An alert for the disc, as the page shows it until the disc is there; the answers.
+std::vector<int> askForDisc(InstallerHost& host, const char* disc, bool isOptional, int times) {
+  std::vector<int> answers;
+  host.discBegun(disc);
+  for (int i = 0; i < times; ++i) {
+    dispatch(host, [&] {
+      const auto buttons = std::span(kButtons).first(isOptional ? 2 : 1);
+      answers.push_back(host.runModal({"Ready", "Insert", buttons, 1}));
+    });
+    host.discAwaited(10);
+  }
+  return answers;
+}
+
+TEST_F(EngineAtPipes, UnattendedADiscIsWaitedForAndOptionalOnesAreSkipped) {
+  engine->answerUnattended({.discTimeout = std::chrono::minutes(1)});
+  std::vector<std::vector<int>> answers;
+  script.install = [&](InstallerHost& host) {
+    dispatch(host, [&] { answers.push_back({host.runModal({"Detected", "Lite", kButtons, 1})}); });
+    answers.push_back(askForDisc(host, "/Volumes/A", false, 3));
+    answers.push_back(askForDisc(host, "/Volumes/B", true, 1));
+  };
+  send(Command::enter);
+  send(Command::wait);
+  send(Command::quit);
+  engine->run();
+  EXPECT_THAT(answers, ElementsAre(ElementsAre(1000), ElementsAre(1000, 1000, 1000), ElementsAre(1001)));
+}
+
+TEST_F(EngineAtPipes, UnattendedAnOptionalDiscIsWaitedForLikeTheOthersIfAsked) {
+  engine->answerUnattended({.discTimeout = std::chrono::minutes(1), .skipsOptionalDiscs = false});
+  std::vector<int> answers;
+  script.install = [&](InstallerHost& host) { answers = askForDisc(host, "/Volumes/B", true, 2); };
+  send(Command::enter);
+  send(Command::wait);
+  send(Command::quit);
+  engine->run();
+  EXPECT_THAT(answers, ElementsAre(1000, 1000));
 }
 
 TEST_F(EngineAtPipes, TheTimeOfARunIsSplit) {

@@ -91,9 +91,11 @@ class EngineRun : public testing::Test {
 
   // Runs an engine without input over these commands; alerts get their first button.
   void run(std::deque<Command> commands) {
-    Engine engine(nullptr, ejectNote, [] { throw std::logic_error("no alert is shown"); });
+    Engine engine(nullptr, ejectNote,
+                  [](ExitStatus, const std::string&) { throw std::logic_error("no alert is shown"); });
     engine.makePage(makeTestPage);
-    engine.setRequests(std::move(commands), Answer{kAlertFirstButtonReturn});
+    engine.setCommands(std::move(commands));
+    engine.answerUnattended({});
     engine.run();
     isSuccess = engine.isSuccess();
     nextIsEnabled = engine.nextIsEnabled();

@@ -30,7 +30,7 @@ TEST_F(EngineRun, NextIsOffUntilThePageEnablesIt) {
 }
 
 TEST_F(EngineRun, RefusesAPluginOfAnotherInterfaceVersion) {
-  Engine engine(nullptr, ejectNote, [] {});
+  Engine engine(nullptr, ejectNote, [](ExitStatus, const std::string&) {});
   EXPECT_THROW(engine.makePage([](InstallerHost*, std::uint32_t) -> InstallerPane* { return nullptr; }),
                UsageError);
 }

@@ -194,7 +194,7 @@ TEST(Silence, WithoutACachesFolderTheLogIsAddedToWhatIsInTmp) {
   std::filesystem::create_symlink("/Users/tester/notes", "/tmp/installationLog.txt");
   writeFile("/tmp/TavInstallLoc", std::string(kPackage) + "\n");
   const Outcome outcome = runThrough(
-      {"/usr/bin/env", "HOME=/nowhere", kTavinstall, "run", "--ui", "quiet", "--no-preinstall", "--trusted"});
+      {"/usr/bin/env", "HOME=/nowhere", kTavinstall, "run", "--ui", "plain", "--no-preinstall", "--trusted"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_THAT(readFile("/Users/tester/notes"), testing::StartsWith("mine\n"));
 }

@@ -262,7 +262,9 @@ TEST(QuietFrontend, ReportsASummaryThatCannotBeWrittenOnStandardError) {
   const Outcome outcome = run("quiet", "", "/dev/full");
 
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(outcome.error, "tavinstall: cannot write the summary /dev/full: No space left on device\n");
+  EXPECT_EQ(outcome.error,
+            "tavinstall: Files to be installed not found.\ntavinstall: cannot write the summary /dev/full: No "
+            "space left on device\n");
 }
 
 TEST(QuietFrontend, NothingIsInstalledWhereTheSummaryCouldNotBeWritten) {

@@ -66,6 +66,13 @@ class WrittenEvents : public testing::Test {
   std::string received_;
 };
 
+TEST_F(WrittenEvents, EndWithTheSummaryWhateverAPageThreadStillReports) {
+  writer_->write(event::Summary{});
+  writer_->write(event::Idle{});
+  writer_->finish();
+  EXPECT_EQ(readUntil("summary"), encode(event::Summary{}));
+}
+
 TEST_F(WrittenEvents, ComeOutInTheirOrder) {
   std::string expected;
   for (int i = 0; i < 1000; ++i) {

@@ -37,6 +37,10 @@ event::Summary wholeSummary() {
   summary.audit.bytes = 209715199;
   summary.audit.skipped = 3;
   summary.audit.failures = 1;
+  summary.status = 1;
+  summary.reason = "not installed: 1";
+  summary.failedFiles = {{"size", "/Volumes/A/TANVO/a.db", "/T/a.db", 1, "2 of 4 bytes"}};
+  summary.facts = {"/Set/A.pkg", "Tessaphon", "Lite", "/T", 2, "/log.txt", "2026-11-23T03:18:56Z", "0.1.0"};
   return summary;
 }
 
@@ -109,7 +113,12 @@ INSTANTIATE_TEST_SUITE_P(
                   R"("sheets":[{"button":"OK","message":"Failed to open input file.","file":""}],)"
                   R"("bytes":209715200,"files":12,"installed":true,)"
                   R"("audit":{"files":11,"folders":2,"bytes":209715199,"skipped":3,"failures":1},)"
-                  R"("copyingSeconds":8.5,"waitingSeconds":3.25,"checkingSeconds":0.125})"}));
+                  R"("copyingSeconds":8.5,"waitingSeconds":3.25,"checkingSeconds":0.125,)"
+                  R"("status":1,"reason":"not installed: 1","failedFiles":[{"problem":"size",)"
+                  R"("source":"/Volumes/A/TANVO/a.db","destination":"/T/a.db","volume":1,)"
+                  R"("detail":"2 of 4 bytes"}],"package":"/Set/A.pkg","product":"Tessaphon","edition":"Lite",)"
+                  R"("destination":"/T","volumes":2,"log":"/log.txt","started":"2026-11-23T03:18:56Z",)"
+                  R"("version":"0.1.0"})"}));
 
 TEST(EventForm, BytesThatAreNotUtf8AreReplaced) {
   EXPECT_EQ(encode(event::Title{"Caf\xE9, \xFF"}),
@@ -137,7 +146,9 @@ TEST(SummaryFile, HasTheFieldsOfTheEvent) {
             R"({"left":false,"ready":0,"mode":0,"seconds":0.0,"kBytesCopied":0,"copies":[],"alerts":[],)"
             R"("sheets":[],"bytes":0,"files":0,)"
             R"("installed":false,"audit":{"files":0,"folders":0,"bytes":0,"skipped":0,"failures":0},)"
-            R"("copyingSeconds":0.0,"waitingSeconds":0.0,"checkingSeconds":0.0})"
+            R"("copyingSeconds":0.0,"waitingSeconds":0.0,"checkingSeconds":0.0,"status":0,"reason":"",)"
+            R"("failedFiles":[],"package":"","product":"","edition":"","destination":"","volumes":0,"log":"",)"
+            R"("started":"","version":""})"
             "\n");
 }
 

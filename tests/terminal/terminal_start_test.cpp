@@ -29,16 +29,23 @@ TEST_F(TerminalStart, OnATerminalThePageIsTheDefault) {
   terminal.waitFor("Welcome to the Tessaphon installer");
 }
 
-TEST_F(TerminalStart, ADumbTerminalGetsPlainLines) {
+TEST_F(TerminalStart, ADumbTerminalGetsPlainLinesOnceTheUserContinues) {
   TmuxTerminal terminal(80, 24, with(runScript(kShortPage), {"--ui", "terminal"}), {{"TERM", "dumb"}});
+  EXPECT_THAT(terminal.waitFor("2) Do Not Install"),
+              AllOf(HasSubstr("This terminal (dumb) cannot show the page. Plain lines follow."),
+                    HasSubstr("  1) Continue"), Not(HasSubstr("Now installing."))));
+  terminal.press({"Enter"});
   EXPECT_THAT(terminal.waitFor("[ended with"),
               AllOf(HasSubstr("  Now installing."), HasSubstr("[ended with 0]")));
 }
 
-TEST_F(TerminalStart, AnUnknownTerminalGetsPlainLines) {
+TEST_F(TerminalStart, OnAnUnknownTerminalTheUserNeedNotContinue) {
   TmuxTerminal terminal(80, 24, runScript(kShortPage), {{"TERM", "no-such-terminal"}});
+  terminal.waitFor("2) Do Not Install");
+  terminal.press({"2", "Enter"});
   EXPECT_THAT(terminal.waitFor("[ended with"),
-              AllOf(HasSubstr("  Now installing."), HasSubstr("[ended with 0]")));
+              AllOf(HasSubstr("! Stopped. Nothing was installed."), HasSubstr("[ended with 4]"),
+                    Not(HasSubstr("Now installing."))));
 }
 
 TEST_F(TerminalStart, WithoutATerminalThereArePlainLines) {
