@@ -57,7 +57,7 @@ __attribute__((visibility("default"))) void NSBeginInformationalAlertSheet(
   va_start(values, message);
   NSString* shown = [[[NSString alloc] initWithFormat:message arguments:values] autorelease];
   va_end(values);
-  theReport(tavenhall::event::Sheet{[defaultButton UTF8String], [shown UTF8String]});
+  theReport(tavenhall::event::Sheet{[defaultButton UTF8String], [shown UTF8String], ""});
   begin(title, defaultButton, alternateButton, otherButton, docWindow, modalDelegate, willEndSelector,
         didEndSelector, contextInfo, @"%@", shown);
 }

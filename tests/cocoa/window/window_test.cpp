@@ -150,7 +150,8 @@ TEST_F(Window, ASheetDoesNotStopTheCopy) {
   layTree(kTanvo, {});
   setPackage(kPackage);
   makeFolder("/Users/tester/Library/Caches");
-  const std::string sheet = R"({"event":"sheet","button":"OK","message":"Failed to open input file."})";
+  const std::string sheet =
+      R"({"event":"sheet","button":"OK","message":"Failed to open input file.","file":""})";
 
   const auto installer = startInstaller();
   installer->send({kEnter, kWait});
