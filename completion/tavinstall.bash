@@ -24,7 +24,7 @@ _tavinstall() {
     run) options="--package --install-type --product --bundle --ui --summary --unattended --disc-timeout --optional-discs --no-preinstall --trusted --without-attributes --help" ;;
     rehearse) options="--product --install-type --installed --allow-outside --late --keep --report --ui --help" ;;
     check) options="--product --install-type --installed --format --help" ;;
-    log) options="--last --format --help" ;;
+    log) options="--last --check --format --help" ;;
     help) options="--help" ;;
     *) options="--help --version" ;;
   esac

@@ -35,4 +35,5 @@ complete -c tavinstall -n '__fish_seen_subcommand_from rehearse' -l report -r -F
 complete -c tavinstall -n '__fish_seen_subcommand_from rehearse check' -a '(__fish_complete_directories)'
 
 complete -c tavinstall -n '__fish_seen_subcommand_from log' -l last -d 'Show only the last run'
+complete -c tavinstall -n '__fish_seen_subcommand_from log' -l check -d 'Tell by the exit status how the last run ended'
 complete -c tavinstall -n '__fish_seen_subcommand_from log' -F

@@ -43,6 +43,9 @@ struct GroupWriters {
 // `mode` and `owner` are those of the file. Systems without POSIX ACLs have only the mode. Any thread.
 [[nodiscard]] GroupWriters groupWritersOf(const char* path, mode_t mode, uid_t owner) noexcept;
 
+// Whether the system has an installer of its own that shows the page. It takes no lock of this program's.
+[[nodiscard]] bool hasInstaller() noexcept;
+
 // Asks the system to send this process SIGTERM when its parent process ends. Call it in the child after fork.
 // Does nothing on systems without such a request.
 void endWithParentProcess() noexcept;

@@ -54,8 +54,10 @@ inline constexpr ExitMeaning kExitMeanings[] = {
     {"check", ExitStatus::failure, N_("errors")},
     {"check", ExitStatus::badUsage, N_("invalid argument")},
     {"check", ExitStatus::warnings, N_("warnings, but no errors")},
-    {"log", ExitStatus::success, N_("the log was read")},
+    {"log", ExitStatus::success, N_("the log was read; with --check: it records no failure of the last run")},
+    {"log", ExitStatus::failure, N_("--check: the last run failed or did not end, or there is none")},
     {"log", ExitStatus::badUsage, N_("invalid argument")},
+    {"log", ExitStatus::warnings, N_("--check: the last run has not ended, and runs or may run")},
 };
 
 // An argument, or a file that it names, cannot be used. what() names it, states the problem and the remedy; the

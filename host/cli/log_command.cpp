@@ -1,8 +1,12 @@
+#include "host/base/display_text.h"
 #include "host/base/exit_status.h"
 #include "host/base/text.h"
 #include "host/cli/command_line.h"
+#include "host/engine/pre_install.h"
+#include "host/log/log_headline.h"
 #include "host/log/log_records.h"
 #include "host/log/log_report.h"
+#include "platform/host_system.h"
 
 #include <CLI/CLI.hpp>
 #include <array>
@@ -13,6 +17,7 @@
 #include <fcntl.h>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <sys/stat.h>
 
 namespace tavenhall {
@@ -23,10 +28,13 @@ struct LogArguments {
   std::string file;
   std::string format = "text";
   bool lastOnly = false;
+  bool checks = false;
 };
 
 // The page writes a record every 10 s while it waits for a disc, and every 100 MB while it copies.
 constexpr double kLongestPause = 900;  // seconds
+
+constexpr int kHeadlineColumns = 79;
 
 void print(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }
 
@@ -35,16 +43,18 @@ bool isRecent(const std::string& time) {
   return age >= 0 && age < kLongestPause;
 }
 
-// Prints each run as soon as it has been read, so that a long log needs no more memory than a short one.
+// Prints the runs. As JSON each as soon as it has been read, so that a long log needs no more memory than a
+// short one; as text after the headline, which is of the last one.
 class RunPrinter {
  public:
-  explicit RunPrinter(const LogArguments& arguments)
-      : asJson_(arguments.format == "json"), lastOnly_(arguments.lastOnly) {}
+  // `isRunning`: an install of the user whose log it is runs; none where that is not known.
+  RunPrinter(const LogArguments& arguments, std::optional<bool> isRunning)
+      : asJson_(arguments.format == "json"), lastOnly_(arguments.lastOnly), isRunning_(isRunning) {}
 
   // Then the previous run is not the last.
   void add(const LoggedRun& run) {
     if (!lastOnly_) {
-      print(latest_);
+      show(latest_);
     }
     ++runs_;
     const bool isEndless = run.outcome == RunEnd::never;
@@ -52,21 +62,32 @@ class RunPrinter {
        : run.outcome == RunEnd::noDataFolder ? notBegun_
        : run.failureCount > 0                ? failed_
                                              : good_);
+    const bool mayStillRun = isEndless && isRunning_.value_or(isRecent(run.end));
     latest_ = formed(run, false);
-    latestIfRunning_ = isEndless && isRecent(run.end) ? formed(run, true) : std::string();
+    latestIfLast_ = mayStillRun ? formed(run, true) : latest_;
+    state_ = stateOf(run, mayStillRun);
+    headline_ = asJson_ ? "" : headlineText(run, state_);
   }
 
-  void finish(const std::string& file) const {
+  // Returns the state of the last run; none if there is no run.
+  std::optional<RunState> finish(const std::string& file) {
     if (runs_ == 0) {
       print(asJson_ ? "[]\n" : format(_("{0} contains no run of the page."), {printableText(file)}) + "\n");
-      return;
+      return std::nullopt;
     }
-    print(latestIfRunning_.empty() ? latest_ : latestIfRunning_);
+    show(latestIfLast_);
     if (asJson_) {
       print("\n]\n");
-    } else if (runs_ > 1) {
+      return state_;
+    }
+    for (const std::string& line : wrapText(printableText(headline_), kHeadlineColumns)) {
+      print(line + "\n");
+    }
+    print("\n" + runsText_);
+    if (runs_ > 1) {
       print("\n" + summary() + "\n");
     }
+    return state_;
   }
 
  private:
@@ -78,6 +99,14 @@ class RunPrinter {
     std::string object = reportJson(run, runs_, mayStillRun)
                              .dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
     return (isFirst ? "[\n" : ",\n") + object;
+  }
+
+  void show(const std::string& run) {
+    if (asJson_) {
+      print(run);
+    } else {
+      runsText_ += run;
+    }
   }
 
   [[nodiscard]] std::string summary() const {
@@ -99,9 +128,29 @@ class RunPrinter {
   int failed_ = 0;
   int notBegun_ = 0;
   int endless_ = 0;
+  const std::optional<bool> isRunning_;
   std::string latest_;
-  std::string latestIfRunning_;  // the same, should the log end with it; empty: it makes no difference
+  std::string latestIfLast_;
+  std::string headline_;
+  std::string runsText_;
+  RunState state_ = RunState::good;
 };
+
+// Only the user's own log tells of installs whose lock can be looked at.
+std::optional<bool> isRunning(const LogArguments& arguments) {
+  if (!arguments.file.empty()) {
+    return std::nullopt;
+  }
+  const bool isLocked = installRuns();
+  return isLocked || !hasInstaller() ? std::optional(isLocked) : std::nullopt;
+}
+
+ExitStatus statusOf(std::optional<RunState> lastRun) {
+  if (lastRun == RunState::good) {
+    return ExitStatus::success;
+  }
+  return lastRun == RunState::stillRunning ? ExitStatus::warnings : ExitStatus::failure;
+}
 
 ExitStatus printLog(const LogArguments& arguments) {
   if (arguments.format == "json") {
@@ -122,7 +171,7 @@ ExitStatus printLog(const LogArguments& arguments) {
   }
   fcntl(descriptor, F_SETFL, O_RDONLY);
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(fdopen(descriptor, "rb"), std::fclose);
-  RunPrinter printer(arguments);
+  RunPrinter printer(arguments, isRunning(arguments));
   LoggedRuns runs([&printer](const LoggedRun& run) { printer.add(run); });
   std::int64_t recordCount = 0;
   LogRecords records([&](const LogRecord& record) {
@@ -141,8 +190,8 @@ ExitStatus printLog(const LogArguments& arguments) {
   if (recordCount == 0 && records.foreignBytes() > 0) {
     throw UsageError(format(_("{0} is not an installation log: no line in it is the page's"), {path}));
   }
-  printer.finish(path);
-  return ExitStatus::success;
+  const std::optional<RunState> lastRun = printer.finish(path);
+  return arguments.checks ? statusOf(lastRun) : ExitStatus::success;
 }
 
 }  // namespace
@@ -153,6 +202,7 @@ void addLogCommand(CommandLine& commandLine) {
       commandLine.program.add_subcommand("log", _("Show what an installation log records, run by run"));
   log->add_option("FILE", arguments->file, _("Log file; by default the user's own"));
   log->add_flag("--last", arguments->lastOnly, _("Show only the last run"));
+  log->add_flag("--check", arguments->checks, _("Tell by the exit status how the last run ended"));
   log->add_option("--format", arguments->format, _("Output format"))
       ->check(oneOf({"text", "json"}))
       ->type_name("text|json")

@@ -198,7 +198,7 @@ std::optional<InstallPlan> prepare(const RunArguments& arguments, Frontend front
   if (!arguments.isTrusted) {
     refusals.add([&options] { return refusalToTrust(options); });
   }
-  const std::optional<InstallPlan> plan = checkedPlan(arguments, refusals, options);
+  std::optional<InstallPlan> plan = checkedPlan(arguments, refusals, options);
   if (plan) {
     options.copies = expectedCopies(*plan);
     addFacts(*plan, options.facts);

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -17,6 +18,7 @@
 #include <string_view>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace tavenhall {
@@ -147,10 +149,28 @@ void InstallLock::add(const std::string& folder, const std::string& refusal) {
   if (isLocked) {
     return;  // one folder by two links; a second lock of this process would wait for the first
   }
-  if (flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
-    close();
-    throw UsageError(refusal, ExitStatus::alreadyRunning);
+  // installRuns() holds such a lock for a moment.
+  constexpr int kMostTries = 10;
+  for (int tries = 0; flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK; ++tries) {
+    if (tries == kMostTries) {
+      close();
+      throw UsageError(refusal, ExitStatus::alreadyRunning);
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
   }
+}
+
+bool installRuns() {
+  std::string path;
+  if (!firstUserSearchPath(SearchPath::applicationSupport, path)) {
+    return false;
+  }
+  const int descriptor = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  const bool isLocked = descriptor >= 0 && flock(descriptor, LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+  if (descriptor >= 0) {
+    ::close(descriptor);
+  }
+  return isLocked;
 }
 
 InstallLock::~InstallLock() { close(); }

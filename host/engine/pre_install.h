@@ -57,6 +57,10 @@ class InstallLock {
   std::vector<int> folders_;
 };
 
+// Whether an install of this user runs. Reads only; an InstallLock that is taken in the same moment waits for
+// it.
+[[nodiscard]] bool installRuns();
+
 // Throws UsageError unless the folder has a plug-in's program.
 void requireBundle(const std::filesystem::path& bundle);
 

@@ -73,7 +73,7 @@ void writeSummaryFile(const std::filesystem::path& path, const event::Summary& s
 // ---- Signals that end a run ----
 
 WakeUp* stopWakeUp = nullptr;
-volatile std::sig_atomic_t stopSignal = 0;
+std::atomic<int> stopSignal = 0;
 
 // A second one ends the process at once.
 void noteStop(int signal) {

@@ -3,6 +3,7 @@
 #include "context/install_rules.h"
 #include "host/base/display_text.h"
 #include "host/base/text.h"
+#include "host/log/log_headline.h"
 
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -139,8 +140,8 @@ std::string reportText(const LoggedRun& run, int number, bool mayStillRun) {
   for (const std::string& path : run.placed) {
     text += row(_("replaced"), path);
   }
-  for (const RunFailure& failure : run.failures) {
-    text += row(_("FAILED"), timeOfDay(failure.time) + "  " + failureText(failure));
+  for (const FailureGroup& group : groupsOf(run)) {
+    text += row(_("FAILED"), timeOfDay(group.example.time) + "  " + groupText(group));
   }
   const auto untold = run.failureCount - static_cast<std::int64_t>(run.failures.size());
   if (untold > 0) {

@@ -40,6 +40,8 @@ bool listsDots(int folder) noexcept {
   }
 }
 
+bool hasInstaller() noexcept { return false; }
+
 void forbidTracing() noexcept { prctl(PR_SET_DUMPABLE, 0); }
 
 void closeDescriptorsOnExec() noexcept { close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC); }

@@ -38,6 +38,8 @@ bool listsDots(int folder) noexcept {
 // There are no seccomp filters.
 int openSandboxFilter() noexcept { return -1; }
 
+bool hasInstaller() noexcept { return true; }
+
 // Another program of the user cannot read this one's memory: the system demands a debugger's entitlement and an
 // administrator for that.
 void forbidTracing() noexcept {}

@@ -89,7 +89,7 @@ TEST(Help, ShowsTheExitStatusesOfEveryCommand) {
     EXPECT_THAT(outcome.output,
                 HasSubstr("\n  " + std::to_string(static_cast<int>(row.status)) + "   " + row.meaning + "\n"));
   }
-  EXPECT_EQ(rows, 20U);
+  EXPECT_EQ(rows, 22U);
 }
 
 TEST(Help, WithATopicIsTheHelpOfThatCommand) {

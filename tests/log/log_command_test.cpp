@@ -44,7 +44,10 @@ TEST(LogCommand, PrintsTheUsersLog) {
   EXPECT_EQ(outcome.status, 0) << outcome.error;
   EXPECT_EQ(
       outcome.output,
-      "Run 1, May 01 2026 10:00:00, on studio: ended, nothing failed\n    lasted         5 s\n    settings     "
+      "The last run did not end: it was stopped or killed, the computer was switched\noff, or the log could "
+      "not be "
+      "written any more. Run the installer again.\n\nRun 1, May 01 2026 10:00:00, on studio: ended, nothing "
+      "failed\n    lasted         5 s\n    settings     "
       "  no attributes file\n\nRun 2, May 01 2026 11:00:00, on studio: ended, with 1 failure\n    lasted       "
       "  5 s\n    settings       no attributes file\n    FAILED         11:00:01  cannot read /V/a\n\nRun 3, "
       "May 01 2026 12:00:00, on studio: not started: the data folder did not exist\n    lasted         1 s\n   "
@@ -57,7 +60,7 @@ TEST(LogCommand, PrintsOnlyTheLastRun) {
   writeFile("/tmp/a.log", fourEnds());
   const Outcome outcome = tellLog({"--last", "/tmp/a.log"});
   EXPECT_EQ(outcome.status, 0) << outcome.error;
-  EXPECT_THAT(outcome.output, StartsWith("Run 4, May 01 2026 13:00:00, on studio: it did not end"));
+  EXPECT_THAT(outcome.output, HasSubstr("again.\n\nRun 4, May 01 2026 13:00:00, on studio: it did not end"));
   EXPECT_THAT(outcome.output, EndsWith("\n\n4 runs in the log; 1 ended, nothing failed; 1 ended with failures; "
                                        "1 not started; 1 did not end.\n"));
 }
