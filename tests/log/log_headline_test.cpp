@@ -72,7 +72,8 @@ INSTANTIATE_TEST_SUITE_P(
                  "there: the summary of the run does.",
                  0},
         Headline{"OneDisc", runWith(unreadable("/Volumes/Tessaphon A/TANVO/Keyboards", 80)),
-                 "The last run has ended with 80 failures. 80 files could not be read, all on disc Tessaphon "
+                 "The last run has ended with 80 failures. 80 files could not be read. What failed is on disc "
+                 "Tessaphon "
                  "A: clean "
                  "the disc or replace it.",
                  1},
