@@ -245,8 +245,9 @@ ExitStatus run(const RunArguments& arguments) {
     case Frontend::json:
       if (plan) {
         const InEnglish english;
-        for (const Shortfall& shortfall : spaceShortfalls(*plan)) {
-          options.warnings.push_back(shortfall.line);
+        const Introduction introduction = introduce(*plan, freeBytesAt);
+        if (introduction.isRoomShort()) {
+          options.warnings.push_back(shortRoomText(introduction));
         }
       }
       runEngine(options, Controller::program, {.requests = STDIN_FILENO, .events = STDOUT_FILENO});

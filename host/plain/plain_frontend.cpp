@@ -110,6 +110,9 @@ class PlainFrontend {
     if (description_.asksFirst) {
       askFirst();
     } else {
+      if (description_.introduction.isRoomShort() && !description_.isUnattended) {
+        print("! " + shortRoomText(description_.introduction));
+      }
       enter();
     }
     while (!engine_.hasEnded()) {
@@ -152,9 +155,6 @@ class PlainFrontend {
         text += " " + span.text;
       }
       print(text.substr(0, text.find_last_not_of(' ') + 1));
-    }
-    if (const std::string text = shortRoomText(description_.introduction); !text.empty()) {
-      print("! " + text);
     }
     print(std::string("  1) ") + _("Continue"));
     print(std::string("  2) ") + _("Do Not Install"));
