@@ -34,37 +34,39 @@ std::string sourceOf(const PlannedVolume& volume) {
                                                : std::string();
 }
 
-std::int64_t sizeAt(const fs::path& path) {
+std::int64_t sizeAt(const std::string& path) {
   struct stat found {};
   return stat(path.c_str(), &found) == 0 && S_ISREG(found.st_mode) ? static_cast<std::int64_t>(found.st_size)
                                                                    : 0;
 }
 
-// Calls `visit` with each file below a folder, by its path there. What cannot be read is left out.
+// Calls `visit` with the path of each file below a folder. What cannot be read is left out.
 template <typename Visit>
-void eachFile(const fs::path& folder, const Visit& visit) {
+void eachFile(const std::string& folder, const Visit& visit) {
   std::error_code error;
   constexpr auto kOptions = fs::directory_options::skip_permission_denied;
   for (fs::recursive_directory_iterator it(folder, kOptions, error), end; !error && it != end;
        it.increment(error)) {
     if (it->is_regular_file(error)) {
-      visit(it->path().lexically_relative(folder));
+      visit(it->path().native());
     }
   }
 }
 
 // The bytes by which the files of `source` are larger than those that they replace.
-std::int64_t growthBy(const fs::path& source, const fs::path& destination) {
+std::int64_t growthBy(const std::string& source, const std::string& destination) {
   std::int64_t growth = 0;
-  eachFile(source, [&](const fs::path& file) {
-    growth += std::max<std::int64_t>(sizeAt(source / file) - sizeAt(destination / file), 0);
+  std::string target;
+  eachFile(source, [&](const std::string& file) {
+    target.assign(destination).append("/").append(file, source.size(), std::string::npos);
+    growth += std::max<std::int64_t>(sizeAt(file) - sizeAt(target), 0);
   });
   return growth;
 }
 
-std::int64_t sizeOfTree(const fs::path& folder) {
+std::int64_t sizeOfTree(const std::string& folder) {
   std::int64_t size = 0;
-  eachFile(folder, [&](const fs::path& file) { size += sizeAt(folder / file); });
+  eachFile(folder, [&](const std::string& file) { size += sizeAt(file); });
   return size;
 }
 
@@ -126,8 +128,8 @@ std::vector<NeededSpace> spaceFor(const InstallPlan& plan) {
       }
       for (const PlannedLibrary& library : plan.editions.libraries) {
         if (!library.isLite) {
-          growth +=
-              growthBy(fs::path(source) / library.folderName, fs::path(pass.destination) / library.folderName);
+          const std::string below = "/" + library.folderName;
+          growth += growthBy(source + below, pass.destination + below);
         }
       }
     }
