@@ -218,8 +218,12 @@ bool fallsBack(const RunArguments& arguments, const EngineOptions& options) {
 
 ExitStatus runPlain(const RunArguments& arguments, const EngineOptions& options,
                     const std::optional<InstallPlan>& plan) {
-  RunDescription description = plan ? describeRun(*plan) : RunDescription();
-  description.watchLog(usersInstallationLog());
+  RunDescription description;
+  if (plan) {
+    description = describeRun(*plan);
+  } else {
+    description.watchLog(usersInstallationLog());
+  }
   description.isUnattended = options.unattended.has_value();
   description.asksFirst = plan && fallsBack(arguments, options);
   const bool hasTerminal = !description.isUnattended && hasControllingTerminal();

@@ -166,21 +166,20 @@ std::optional<int> Engine::takeAnswer() {
   return answer;
 }
 
-int Engine::unattendedAnswer(const event::Alert& alert, const event::Phase& phase) {
-  const auto buttons = static_cast<int>(alert.buttons.size());
-  if (phase.disc.empty()) {
+int Engine::unattendedAnswer(std::size_t buttons, const std::string& disc) {
+  if (disc.empty()) {
     return kAlertFirstButtonReturn;
   }
   if (buttons > 1 && unattended_->skipsOptionalDiscs) {
     return kAlertSecondButtonReturn;
   }
   const auto now = Clock::now();
-  if (missingDisc_ != phase.disc) {
-    missingDisc_ = phase.disc;
+  if (missingDisc_ != disc) {
+    missingDisc_ = disc;
     missingSince_ = now;
   }
   if (now - missingSince_ >= unattended_->discTimeout) {
-    onNoAnswer_(ExitStatus::discMissing, "disc " + phase.disc + " was not found");
+    onNoAnswer_(ExitStatus::discMissing, "disc " + disc + " was not found");
   }
   return kAlertFirstButtonReturn;  // the page waits, and looks again
 }

@@ -138,7 +138,7 @@ class Engine final : private InstallerHost {
   void perform(Command command) REQUIRES(main_);
   void leave(std::int64_t direction) REQUIRES(main_);
   [[nodiscard]] std::optional<int> takeAnswer() REQUIRES(main_);
-  [[nodiscard]] int unattendedAnswer(const event::Alert& alert, const event::Phase& phase) REQUIRES(main_);
+  [[nodiscard]] int unattendedAnswer(std::size_t buttons, const std::string& disc) REQUIRES(main_);
   void report(const Event& event) REQUIRES(state_);
   [[nodiscard]] event::CopyState copyState() const REQUIRES(state_);
   void takeSnapshot() EXCLUDES(state_);

@@ -77,18 +77,18 @@ int Engine::runModal(const Alert& alert) noexcept {
   main_.assertHeld();
   const event::Alert shown{
       alert.messageText, alert.informativeText, {alert.buttons.begin(), alert.buttons.end()}, alert.style};
-  event::Phase phase;
+  std::string disc;
   {
     const Lock lock(state_);
     const bool wasLooking = phaseStart_ && phase_.kind == event::Phase::Kind::looking;
     beginPhase(wasLooking ? event::Phase::Kind::notFound : event::Phase::Kind::waiting);
     report(shown);
     summary_.alerts.push_back({shown, 0});
-    phase = phase_;
+    disc = phase_.disc;
   }
   std::optional<int> answer;
   if (unattended_) {
-    answer = unattendedAnswer(shown, phase);
+    answer = unattendedAnswer(shown.buttons.size(), disc);
   }
   isAlertUp_ = true;
   while (!answer && !(answer = takeAnswer())) {

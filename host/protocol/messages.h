@@ -198,8 +198,8 @@ struct Summary {
   bool isInstalled = false;  // the verdict: every audit is clean, and the page refused nothing and was left
   Audit audit;               // the sums of all audits since the page was entered last; its texts are empty
 
-  int status = 0;                         // the process's exit status
-  std::string reason;                     // why it is not 0, in a line
+  int status = 0;      // ExitStatus; of the install, also where the process's is the protocol's
+  std::string reason;  // why it is not 0, in a line
   std::vector<AuditFailure> failedFiles;  // the first kMostFailedFiles
   RunFacts facts;
 

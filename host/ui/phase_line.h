@@ -18,9 +18,6 @@ class PhaseLine {
   void set(const event::Phase& phase, Time now);
   void clear() { phase_.reset(); }
 
-  // The page has asked for a disc, and looks for it now.
-  [[nodiscard]] bool isLooking() const { return phase_ && phase_->kind == event::Phase::Kind::looking; }
-
   // The line, and then shorter ones for less room. None before the first phase and after the last.
   [[nodiscard]] std::vector<std::string> texts(Time now) const;
 
