@@ -26,7 +26,7 @@ using testing::HasSubstr;
 // Far more than a pipe holds.
 constexpr const char* kManyFailures =
     "thread\ninstructions Now installing.\nmax 1953125\nvalue 840000\nlog The copy runs.\nwait /tmp/go\n"
-    "sheets 50000 Failed to open input file.\nready 1\nnext 1\nrun touch /tmp/finished\n";
+    "sheets 15000 Failed to open input file.\nready 1\nnext 1\nrun touch /tmp/finished\n";
 
 std::vector<std::string> installWith(const char* frontend) {
   std::vector<std::string> command = runScript(kManyFailures);
@@ -51,7 +51,7 @@ TEST(StalledFrontend, PlainLinesShowEveryFailureToTheEnd) {
   for (std::size_t at = 0; (at = shown.find("! Failed to open input file.\n", at)) != std::string::npos; ++at) {
     ++failures;
   }
-  EXPECT_EQ(failures, 50000U);
+  EXPECT_EQ(failures, 15000U);
   EXPECT_THAT(shown, HasSubstr("! Not installed completely"));
 }
 
@@ -60,7 +60,7 @@ TEST(StalledFrontend, TheTerminalPageComesToItsLastPage) {
   TmuxTerminal terminal(80, 24, runScript(kManyFailures));
   terminal.waitFor("Press Continue to begin.");
   terminal.press({"Enter"});
-  terminal.waitFor("(50 000 times)");
+  terminal.waitFor("(15 000 times)");
   terminal.press({"Enter"});
   terminal.waitFor("[ Continue ]");
   terminal.press({"Enter"});
@@ -113,7 +113,7 @@ TEST(StalledFrontend, AProgramThatReadsNothingStopsNoInstallAndGetsEverySheet) {
   const std::vector<std::string> lines = program.readLines();
   EXPECT_EQ(std::ranges::count_if(
                 lines, [](const std::string& line) { return line.starts_with(R"({"event":"sheet")"); }),
-            50000);
+            15000);
   EXPECT_THAT(lines.back(), HasSubstr(R"("event":"summary")"));
   EXPECT_EQ(program.waitForEnd(), 0);
 }
@@ -153,7 +153,7 @@ TEST(StalledFrontend, AnOutputThatDoesNotBlockGetsEverySheet) {
   for (std::size_t at = 0; (at = text.find("{\"event\":\"sheet\"", at)) != std::string::npos; ++at) {
     ++sheets;
   }
-  EXPECT_EQ(sheets, 50000U);
+  EXPECT_EQ(sheets, 15000U);
   EXPECT_NE(text.find("{\"event\":\"summary\""), std::string::npos);
   EXPECT_TRUE(text.ends_with("}\n"));
 }
