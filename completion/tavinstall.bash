@@ -4,7 +4,7 @@ _tavinstall() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} command= word
   COMPREPLY=()
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
-    case $word in run | rehearse | check | log | help) command=$word; break ;; esac
+    case $word in run | status | attach | stop | rehearse | check | log | help) command=$word; break ;; esac
   done
 
   local products="Tessaphon Lumaweave Bassoria TemporaQX"
@@ -12,7 +12,11 @@ _tavinstall() {
     --product) COMPREPLY=($(compgen -W "$products" -- "$current")); return ;;
     --install-type) COMPREPLY=($(compgen -W "Lite Full" -- "$current")); return ;;
     --format) COMPREPLY=($(compgen -W "text json" -- "$current")); return ;;
-    --ui) COMPREPLY=($(compgen -W "json plain quiet terminal" -- "$current")); return ;;
+    --ui)
+      local frontends="json plain quiet terminal"
+      [ "$command" != attach ] || frontends="plain terminal"
+      COMPREPLY=($(compgen -W "$frontends" -- "$current"))
+      return ;;
     --optional-discs) COMPREPLY=($(compgen -W "skip wait" -- "$current")); return ;;
     --late | --disc-timeout) return ;;
     --bundle | --installed | --keep) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
@@ -22,6 +26,9 @@ _tavinstall() {
   local options
   case $command in
     run) options="--package --install-type --product --bundle --ui --summary --unattended --disc-timeout --optional-discs --no-preinstall --trusted --without-attributes --help" ;;
+    status) options="--json --help" ;;
+    attach) options="--ui --help" ;;
+    stop) options="--help" ;;
     rehearse) options="--product --install-type --installed --allow-outside --late --keep --report --ui --help" ;;
     check) options="--product --install-type --installed --format --help" ;;
     log) options="--last --check --format --help" ;;
@@ -33,8 +40,8 @@ _tavinstall() {
     return
   fi
   case $command in
-    '') COMPREPLY=($(compgen -W "run rehearse check log help" -- "$current")) ;;
-    help) COMPREPLY=($(compgen -W "run rehearse check log exit-status" -- "$current")) ;;
+    '') COMPREPLY=($(compgen -W "run status attach stop rehearse check log help" -- "$current")) ;;
+    help) COMPREPLY=($(compgen -W "run status attach stop rehearse check log exit-status" -- "$current")) ;;
     rehearse | check) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -d -- "$current") ;;
     log) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$current") ;;
   esac

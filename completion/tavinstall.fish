@@ -1,20 +1,25 @@
 # Completion of tavinstall for fish.
 
-set -l commands run rehearse check log help
+set -l commands run status attach stop rehearse check log help
 complete -c tavinstall -f
 complete -c tavinstall -s h -l help -d 'Show this help'
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -l version -d 'Show the version'
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a run -d 'Install the data of an installer package'
+complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a status -d 'Tell what a running installation does'
+complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a attach -d 'Show a running installation and answer its prompts'
+complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a stop -d 'Stop a running installation after the current file'
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a rehearse -d 'Install a set in a sandbox and verify the result'
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a check -d 'Check an installer set and show what the page would do with it'
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a log -d 'Show what an installation log records, run by run'
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a help -d 'Show the help of a command, or all exit statuses'
-complete -c tavinstall -n '__fish_seen_subcommand_from help' -x -a 'run rehearse check log exit-status' -d 'A topic'
+complete -c tavinstall -n '__fish_seen_subcommand_from help' -x -a 'run status attach stop rehearse check log exit-status' -d 'A topic'
 
 set -l products 'Tessaphon Lumaweave Bassoria TemporaQX'
 complete -c tavinstall -n '__fish_seen_subcommand_from run rehearse check' -l product -x -a "$products" -d 'The product'
 complete -c tavinstall -n '__fish_seen_subcommand_from run rehearse check' -l install-type -x -a 'Lite Full' -d 'The edition, if there is a choice'
 complete -c tavinstall -n '__fish_seen_subcommand_from run rehearse' -l ui -x -a 'json plain quiet terminal' -d 'Frontend'
+complete -c tavinstall -n '__fish_seen_subcommand_from status' -l json -d 'Print it as JSON'
+complete -c tavinstall -n '__fish_seen_subcommand_from attach' -l ui -x -a 'plain terminal' -d 'Frontend'
 complete -c tavinstall -n '__fish_seen_subcommand_from rehearse check' -l installed -x -a '(__fish_complete_directories)' -d 'What the user has installed'
 complete -c tavinstall -n '__fish_seen_subcommand_from check log' -l format -x -a 'text json' -d 'Output format'
 

@@ -121,6 +121,7 @@ std::int32_t InstallDataPane::copyDirectory(const char* source, const char* dest
 std::int32_t InstallDataPane::copyFile(const FilePlace& source, const FilePlace& dest) noexcept {
   ReadAhead::cameToFile();
   currentFile = source.path;
+  ++filesBegun;
   if (isAttributesFile(source.path)) {
     ++filesDone;
     addEventToInstallationLog("copyDirectoryOrFile: skipping copy of Inst. Attrib file");

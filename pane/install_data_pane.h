@@ -60,6 +60,7 @@ class InstallDataPane final : public InstallerPane {
   // For snapshot(): bytes that write(2) has taken, files that the copy engine is done with, and the file that
   // it copies now or copied last. Written on entry, then by the thread that runs the copy engine.
   std::int64_t bytesWritten = 0;
+  std::int64_t filesBegun = 0;
   std::int64_t filesDone = 0;
   std::string currentFile;
 

@@ -35,6 +35,7 @@ void InstallDataPane::didEnterPane(std::int64_t /*direction*/) noexcept {
   totalNumBytesExpectedAcrossAllVolumes = kExpectedBytesUntilKnown;
   kBytesCopied = 0;
   bytesWritten = 0;
+  filesBegun = 0;
   filesDone = 0;
   currentFile.clear();
   readyToProceed = 0;
@@ -102,6 +103,7 @@ PaneSnapshot InstallDataPane::snapshot() const noexcept {
   copy.installMode = gInstallMode;
   copy.kBytesCopied = kBytesCopied;
   copy.bytesWritten = bytesWritten;
+  copy.filesBegun = filesBegun;
   copy.filesDone = filesDone;
   copy.currentFile = currentFile;
   copy.currentVolumeNumber = gCurrentVolumeNumber;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <sys/types.h>
 
@@ -49,6 +50,14 @@ struct GroupWriters {
 // Asks the system to send this process SIGTERM when its parent process ends. Call it in the child after fork.
 // Does nothing on systems without such a request.
 void endWithParentProcess() noexcept;
+
+// A private folder of this user's for sockets and the like, which the system makes at log-in and empties; empty
+// if there is none. Any thread.
+[[nodiscard]] std::string runtimeFolder();
+
+// The user at the other end of a connected Unix socket, as the system has recorded it; none if the system
+// cannot tell. Any thread.
+[[nodiscard]] std::optional<uid_t> userAtOtherEnd(int socket) noexcept;
 
 // Wakes a thread that waits in poll. Not copyable; closes its descriptors when destroyed.
 class WakeUp {

@@ -10,7 +10,7 @@
 namespace tavenhall {
 
 // Raised whenever this header or installer_pane.h changes. The page refuses a host of another version.
-inline constexpr std::uint32_t kInstallerInterfaceVersion = 3;
+inline constexpr std::uint32_t kInstallerInterfaceVersion = 4;
 
 // A text field of the page. Any thread.
 class TextField {

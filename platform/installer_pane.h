@@ -24,6 +24,7 @@ struct PaneSnapshot {
   std::int64_t kBytesCopied =
       0;  // the page's own count: units of 1024 bytes, each chunk of a file rounded down
   std::int64_t bytesWritten = 0;         // since the page was entered; what write(2) has taken
+  std::int64_t filesBegun = 0;           // since the page was entered; one more than filesDone within a file
   std::int64_t filesDone = 0;            // since the page was entered; copied, failed and skipped ones
   std::string currentFile;               // the file copied now or last, at the source; empty before the first
   std::int32_t currentVolumeNumber = 0;  // from 0

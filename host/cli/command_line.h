@@ -49,6 +49,7 @@ void addFrontendOption(CLI::App& command, std::string& name);
 [[nodiscard]] std::string exitStatusText();
 
 void addRunCommand(CommandLine& commandLine);
+void addAttachCommands(CommandLine& commandLine);  // status, attach, stop
 void addRehearseCommand(CommandLine& commandLine);
 void addCheckCommand(CommandLine& commandLine);
 void addLogCommand(CommandLine& commandLine);

@@ -50,6 +50,7 @@ ExitStatus runProgram(int argc, char** argv) {
   program.set_version_flag("--version", std::string("tavinstall ") + kVersion, _("Show the version"));
   program.require_subcommand(1);
   addRunCommand(commandLine);
+  addAttachCommands(commandLine);
   addRehearseCommand(commandLine);
   addCheckCommand(commandLine);
   addLogCommand(commandLine);

@@ -2,6 +2,7 @@
 #include "host/base/exit_status.h"
 #include "host/base/files.h"
 #include "host/base/text.h"
+#include "host/cli/attach_command.h"
 #include "host/cli/command_line.h"
 #include "host/cli/preflight.h"
 #include "host/cli/run_description.h"
@@ -202,6 +203,7 @@ std::optional<InstallPlan> prepare(const RunArguments& arguments, Frontend front
   if (plan) {
     options.copies = expectedCopies(*plan);
     addFacts(*plan, options.facts);
+    options.barWraps = plan->mode == kModeProductUpdater;
   }
   if (options.unattended && plan) {
     refusals.add(shortfallsOf(*plan, *options.unattended));
@@ -233,6 +235,12 @@ ExitStatus runPlain(const RunArguments& arguments, const EngineOptions& options,
 ExitStatus run(const RunArguments& arguments) {
   const Frontend frontend =
       frontendFor(arguments.isUnattended && arguments.ui.empty() ? "plain" : arguments.ui);
+  const bool isInteractive = !arguments.isUnattended && isatty(STDIN_FILENO) != 0 && isatty(STDOUT_FILENO) != 0;
+  if (isInteractive && (frontend == Frontend::terminal || frontend == Frontend::plain)) {
+    if (const auto status = offerRunningInstall(frontend)) {
+      return *status;
+    }
+  }
   std::optional<InstallTypePlace> installTypePlace;
   if (arguments.installType.empty()) {
     installTypePlace.emplace();  // before anybody's file in its place is looked for

@@ -16,8 +16,8 @@ namespace tavenhall {
 
 // ---- The run ----
 
-Engine::Engine(EventWriter* events, EjectNote& ejectNote, OnNoAnswer onNoAnswer)
-    : events_(events), ejectNote_(ejectNote), onNoAnswer_(std::move(onNoAnswer)) {
+Engine::Engine(EventHub& events, EjectNote& ejectNote, OnEnd onEnd)
+    : events_(events), ejectNote_(ejectNote), onEnd_(std::move(onEnd)) {
   beginAudits();
 }
 
@@ -58,6 +58,7 @@ void Engine::readRequests(int descriptor) {
     }
     const Lock lock(main_);
     isInputClosed_ = true;
+    leftAloneAt_ = Clock::now();
     changed_.notifyAll();
   });
 }
@@ -66,28 +67,6 @@ void Engine::setCommands(std::deque<Command> commands) {
   const Lock lock(main_);
   commands_ = std::move(commands);
   isInputClosed_ = true;
-}
-
-void Engine::answerUnattended(const UnattendedAnswers& answers) {
-  const Lock lock(main_);
-  unattended_ = answers;
-}
-
-void Engine::accept(std::string_view line) {
-  const auto request = decodeRequest(line);
-  if (const auto* bad = std::get_if<BadRequest>(&request)) {
-    const Lock lock(state_);
-    report(event::Error{bad->message});
-    return;
-  }
-  const Lock lock(main_);
-  const auto& good = std::get<Request>(request);
-  if (const auto* command = std::get_if<Command>(&good)) {
-    commands_.push_back(*command);
-  } else {
-    answers_.push_back(std::get<Answer>(good).button);
-  }
-  changed_.notifyAll();
 }
 
 void Engine::add(Command command) {
@@ -99,6 +78,9 @@ void Engine::add(Command command) {
 void Engine::run() {
   const Lock lock(main_);
   while (!isQuitting_) {
+    if (!isAlertUp_ && isIdle()) {
+      stopIfRequested();
+    }
     if (!commands_.empty() && canPerform(commands_.front())) {
       const Command command = commands_.front();
       commands_.pop_front();
@@ -128,7 +110,8 @@ void Engine::perform(Command command) {
       beginAudits();
       {
         const Lock lock(state_);
-        isEntered_ = true;
+        enteredAt_ = Clock::now();
+        finishedCopies_.clear();
         phase_ = {};
       }
       {
@@ -147,6 +130,8 @@ void Engine::perform(Command command) {
     case Command::forward: leave(kDirectionForward); break;
     case Command::back: leave(kDirectionBackward); break;
     case Command::quit: isQuitting_ = true; break;
+    case Command::stop:
+    case Command::noAnswers: break;  // not in the queue
   }
 }
 
@@ -157,38 +142,7 @@ void Engine::leave(std::int64_t direction) {
   summary_.hasLeft = summary_.hasLeft || (isAllowed && direction == kDirectionForward);
 }
 
-std::optional<int> Engine::takeAnswer() {
-  if (answers_.empty()) {
-    return std::nullopt;
-  }
-  const int answer = answers_.front();
-  answers_.pop_front();
-  return answer;
-}
-
-int Engine::unattendedAnswer(std::size_t buttons, const std::string& disc) {
-  if (disc.empty()) {
-    return kAlertFirstButtonReturn;
-  }
-  if (buttons > 1 && unattended_->skipsOptionalDiscs) {
-    return kAlertSecondButtonReturn;
-  }
-  const auto now = Clock::now();
-  if (missingDisc_ != disc) {
-    missingDisc_ = disc;
-    missingSince_ = now;
-  }
-  if (now - missingSince_ >= unattended_->discTimeout) {
-    onNoAnswer_(ExitStatus::discMissing, "disc " + disc + " was not found");
-  }
-  return kAlertFirstButtonReturn;  // the page waits, and looks again
-}
-
-void Engine::report(const Event& event) {
-  if (events_ != nullptr) {
-    events_->write(event);
-  }
-}
+void Engine::report(const Event& event) { events_.write(event); }
 
 event::CopyState Engine::copyState() const {
   return {copy_.volume, copy_.volumeCount, snapshot_.bytesWritten, snapshot_.filesDone, snapshot_.currentFile};
@@ -199,6 +153,16 @@ void Engine::takeSnapshot() {
   PaneSnapshot snapshot = page_->snapshot();
   const Lock lock(state_);
   snapshot_ = std::move(snapshot);
+}
+
+bool Engine::isBetweenFiles() const {
+  const Lock lock(state_);
+  return snapshot_.filesBegun == snapshot_.filesDone;
+}
+
+std::optional<double> Engine::secondsSinceEntry() const {
+  const Lock lock(state_);
+  return enteredAt_ ? std::optional(secondsSince(*enteredAt_)) : std::nullopt;
 }
 
 bool Engine::isIdle() const {

@@ -5,7 +5,7 @@
 #include "host/base/mutex.h"
 #include "host/engine/install_audit.h"
 #include "host/engine/stand_ins.h"
-#include "host/protocol/event_writer.h"
+#include "host/protocol/event_hub.h"
 #include "host/protocol/messages.h"
 #include "platform/installer_host.h"
 #include "platform/installer_pane.h"
@@ -37,12 +37,12 @@ struct UnattendedAnswers {
 // or report; it is taken after `main_` and never held while the page runs.
 class Engine final : private InstallerHost {
  public:
-  // Called when an alert waits and no answer can come any more, with the exit status and its reason; it must
-  // not return. It is called with `main_` held, on whichever thread shows the alert.
-  using OnNoAnswer = std::function<void(ExitStatus status, const std::string& reason)>;
+  // Called when the run must end before the page has ended, with the exit status and its reason: an alert waits
+  // and no answer can come any more, or a stop was requested. It must not return. It is called with `main_`
+  // held, on whichever thread shows the alert or dispatches.
+  using OnEnd = std::function<void(ExitStatus status, const std::string& reason)>;
 
-  // `events` may be null: nothing is reported.
-  Engine(EventWriter* events, EjectNote& ejectNote, OnNoAnswer onNoAnswer);
+  Engine(EventHub& events, EjectNote& ejectNote, OnEnd onEnd);
 
   // Calls stopReading(). A page that is destroyed while its threads run must wait for them itself.
   ~Engine();
@@ -62,6 +62,23 @@ class Engine final : private InstallerHost {
   // Answers every alert by itself from now on; answers of a frontend count no more.
   void answerUnattended(const UnattendedAnswers& answers) EXCLUDES(main_);
 
+  // From now on an alert waits so long for a frontend to attach once the requests have ended. Otherwise it ends
+  // the run then.
+  void waitForFrontends(std::chrono::seconds patience) EXCLUDES(main_);
+
+  // ---- Frontends that have attached to the run; each call on any thread ----
+
+  // `takesAnswers`: it may answer alerts, and leave the page when the install has ended.
+  void addFrontend(bool takesAnswers) EXCLUDES(main_);
+  void removeFrontend(bool takesAnswers) EXCLUDES(main_);
+
+  // A line of its requests. Heeded are answers with the number of their alert, Command::forward,
+  // Command::quit once the page was left, and from every frontend Command::stop.
+  void acceptFromFrontend(std::string_view line, bool takesAnswers) EXCLUDES(main_);
+
+  // The time since the page was entered; none before.
+  [[nodiscard]] std::optional<double> secondsSinceEntry() const EXCLUDES(state_);
+
   // Adds a command behind all others.
   void add(Command command) EXCLUDES(main_);
 
@@ -73,6 +90,10 @@ class Engine final : private InstallerHost {
   // if it was not entered. Call it once page threads have ended.
   void requireCopies(const std::vector<ExpectedCopy>& expected,
                      const std::vector<event::AuditFailure>& failures) EXCLUDES(state_);
+
+  // Those of these copies that have not come to their end since the page was entered.
+  [[nodiscard]] std::vector<event::Remaining> remainingOf(const std::vector<ExpectedCopy>& expected) const
+      EXCLUDES(state_);
 
   // Any thread.
   [[nodiscard]] bool nextIsEnabled() const EXCLUDES(state_);
@@ -134,14 +155,22 @@ class Engine final : private InstallerHost {
   void assertionReleased(const char* type) noexcept override;
 
   void accept(std::string_view line) EXCLUDES(main_);
+  // The request on the line; none, with an event, where there is none.
+  [[nodiscard]] std::optional<Request> decoded(std::string_view line) EXCLUDES(state_);
+  [[nodiscard]] bool isHeededFromFrontend(Command command) const REQUIRES(main_);
+  // Whether an alert may still get an answer.
+  [[nodiscard]] bool canBeAnswered() const REQUIRES(main_);
+  // Ends the run if that was requested. Call it where no file is half copied.
+  void stopIfRequested() REQUIRES(main_);
   [[nodiscard]] bool canPerform(Command command) const REQUIRES(main_);
   void perform(Command command) REQUIRES(main_);
   void leave(std::int64_t direction) REQUIRES(main_);
-  [[nodiscard]] std::optional<int> takeAnswer() REQUIRES(main_);
+  [[nodiscard]] std::optional<int> takeAnswer(std::int64_t alert) REQUIRES(main_);
   [[nodiscard]] int unattendedAnswer(std::size_t buttons, const std::string& disc) REQUIRES(main_);
   void report(const Event& event) REQUIRES(state_);
   [[nodiscard]] event::CopyState copyState() const REQUIRES(state_);
   void takeSnapshot() EXCLUDES(state_);
+  [[nodiscard]] bool isBetweenFiles() const EXCLUDES(state_);  // no file is half copied
   // Ends the phase before, reports this one and measures its time.
   void beginPhase(event::Phase::Kind kind, std::int64_t seconds = 0) REQUIRES(state_);
   void endPhase() REQUIRES(state_);
@@ -156,9 +185,9 @@ class Engine final : private InstallerHost {
   static double secondsSince(Clock::time_point start);
   static constexpr double kStillRunning = -1.0;  // in place of a copy thread's seconds
 
-  EventWriter* const events_;
+  EventHub& events_;
   EjectNote& ejectNote_;
-  const OnNoAnswer onNoAnswer_;
+  const OnEnd onEnd_;
   const Clock::time_point start_ = Clock::now();
   const std::thread::id mainLoopThread_ = std::this_thread::get_id();
   Text instructions_{*this, Text::Place::instructions};
@@ -169,11 +198,16 @@ class Engine final : private InstallerHost {
   mutable Mutex main_;
   Condition changed_;  // of what main_ guards, and of the page threads
   std::deque<Command> commands_ GUARDED_BY(main_);
-  std::deque<int> answers_ GUARDED_BY(main_);
+  std::deque<Answer> answers_ GUARDED_BY(main_);
   std::optional<UnattendedAnswers> unattended_ GUARDED_BY(main_);
   std::string missingDisc_ GUARDED_BY(main_);  // the latest that was not there
   Clock::time_point missingSince_ GUARDED_BY(main_);
+  std::chrono::seconds patience_ GUARDED_BY(main_){0};  // for a frontend that attaches
+  Clock::time_point leftAloneAt_ GUARDED_BY(main_);     // the last frontend's end
+  int answeringFrontends_ GUARDED_BY(main_) = 0;        // attached
   bool isInputClosed_ GUARDED_BY(main_) = false;
+  bool hasNoAnswers_ GUARDED_BY(main_) = false;  // none comes with the requests
+  bool isStopRequested_ GUARDED_BY(main_) = false;
   bool isAlertUp_ GUARDED_BY(main_) = false;
   bool isQuitting_ GUARDED_BY(main_) = false;
 
@@ -187,7 +221,8 @@ class Engine final : private InstallerHost {
   event::CopyBegin copy_ GUARDED_BY(state_);                        // that began last
   event::Phase phase_ GUARDED_BY(state_);                           // the latest; its disc is the page's
   std::optional<Clock::time_point> phaseStart_ GUARDED_BY(state_);  // none when it has ended
-  bool isEntered_ GUARDED_BY(state_) = false;
+  std::optional<Clock::time_point> enteredAt_ GUARDED_BY(state_);
+  std::vector<event::CopyBegin> finishedCopies_ GUARDED_BY(state_);
   std::int64_t bytesAtCopyBegin_ GUARDED_BY(state_) = 0;
   std::int64_t filesAtCopyBegin_ GUARDED_BY(state_) = 0;
   Clock::time_point copyThreadStart_ GUARDED_BY(state_);

@@ -1,6 +1,7 @@
 #include "host/base/exit_status.h"
 #include "host/engine/engine.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -45,9 +46,7 @@ void Engine::Bar::setMaxValue(double value) noexcept {
 void Engine::Bar::setDoubleValue(double value) noexcept {
   const Lock lock(engine_.state_);
   engine_.barValue_ = value;
-  if (engine_.events_ != nullptr) {
-    engine_.report(event::ProgressValue{value, engine_.copyState()});
-  }
+  engine_.report(event::ProgressValue{value, engine_.copyState()});
 }
 
 double Engine::Bar::maxValue() const noexcept {
@@ -73,38 +72,6 @@ void Engine::setPreviousEnabled(bool enabled) noexcept {
 
 // ---- Dialogs and dispatch ----
 
-int Engine::runModal(const Alert& alert) noexcept {
-  main_.assertHeld();
-  const event::Alert shown{
-      alert.messageText, alert.informativeText, {alert.buttons.begin(), alert.buttons.end()}, alert.style};
-  std::string disc;
-  {
-    const Lock lock(state_);
-    const bool wasLooking = phaseStart_ && phase_.kind == event::Phase::Kind::looking;
-    beginPhase(wasLooking ? event::Phase::Kind::notFound : event::Phase::Kind::waiting);
-    report(shown);
-    summary_.alerts.push_back({shown, 0});
-    disc = phase_.disc;
-  }
-  std::optional<int> answer;
-  if (unattended_) {
-    answer = unattendedAnswer(shown.buttons.size(), disc);
-  }
-  isAlertUp_ = true;
-  while (!answer && !(answer = takeAnswer())) {
-    if (isInputClosed_) {
-      onNoAnswer_(ExitStatus::noAnswer, "a prompt needed an answer: " + shown.informative);
-    }
-    changed_.wait(main_);
-  }
-  isAlertUp_ = false;
-  changed_.notifyAll();
-  const Lock lock(state_);
-  endPhase();
-  summary_.alerts.back().answer = *answer;
-  return *answer;
-}
-
 void Engine::beginInformationalSheet(const Sheet& sheet) noexcept {
   const Lock lock(state_);
   if (isCopying_) {
@@ -125,6 +92,9 @@ void Engine::dispatchSync(void (*block)(void*), void* context) noexcept {
     changed_.wait(main_);
   }
   takeSnapshot();
+  if (isBetweenFiles()) {
+    stopIfRequested();
+  }
   block(context);
 }
 
@@ -188,6 +158,7 @@ void Engine::copyFinished(const TreeCopy& copy, bool isCopied) noexcept {
   const event::Audit audit = audit_->compare(ended);
   const Lock lock(state_);
   summary_.audit = audit_->sums();
+  finishedCopies_.push_back(ended);
   report(audit);
   endPhase();
 }
@@ -253,7 +224,7 @@ void Engine::reportFailure(const event::AuditFailure& failure) {
     summary_.failedFiles.push_back(failure);
   }
   report(failure);
-  if (events_ == nullptr) {
+  if (!events_.hasFirst()) {
     const std::string reason =
         failure.detail.empty() ? failure.problem : failure.problem + ", " + failure.detail;
     showError(std::runtime_error("not installed: " + failure.source + " (" + reason + ")"));
@@ -265,7 +236,7 @@ void Engine::requireCopies(const std::vector<ExpectedCopy>& expected,
   bool needsFiles = false;
   {
     const Lock lock(state_);
-    if (!isEntered_) {
+    if (!enteredAt_) {
       return;
     }
     needsFiles = pageIsContent();
@@ -276,6 +247,20 @@ void Engine::requireCopies(const std::vector<ExpectedCopy>& expected,
   }
   const Lock lock(state_);
   summary_.audit = audit_->sums();
+}
+
+std::vector<event::Remaining> Engine::remainingOf(const std::vector<ExpectedCopy>& expected) const {
+  const Lock lock(state_);
+  std::vector<event::Remaining> remaining;
+  for (const ExpectedCopy& copy : expected) {
+    const bool isFinished =
+        std::any_of(finishedCopies_.begin(), finishedCopies_.end(),
+                    [&copy](const event::CopyBegin& finished) { return isCopyOf(finished, copy); });
+    if (!isFinished) {
+      remaining.push_back({copy.source, copy.volume});
+    }
+  }
+  return remaining;
 }
 
 void Engine::assertionTaken(const char* type, std::uint32_t level, const char* name) noexcept {

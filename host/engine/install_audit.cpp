@@ -48,7 +48,8 @@ std::string detailOf(const AuditFailure& failure) {
   return failure.error != 0 ? std::strerror(failure.error) : "";
 }
 
-// A copy that had no destination is a failure of its own.
+}  // namespace
+
 bool isCopyOf(const event::CopyBegin& made, const ExpectedCopy& expected) {
   const auto isFromSource =
       [source = std::filesystem::path(made.source).lexically_normal()](const std::string& path) {
@@ -57,11 +58,10 @@ bool isCopyOf(const event::CopyBegin& made, const ExpectedCopy& expected) {
   std::error_code error;
   return made.volume == expected.volume &&
          (isFromSource(expected.source) || isFromSource(expected.alternative)) &&
-         (made.destination.empty() || made.destination == expected.destination ||
+         (made.destination.empty() ||  // a failure of its own
+          made.destination == expected.destination ||
           std::filesystem::equivalent(made.destination, expected.destination, error));
 }
-
-}  // namespace
 
 InstallAudit::InstallAudit(Report report)
     : report_(std::move(report)), audit_([this](const AuditFailure& failure) {

@@ -18,6 +18,9 @@ struct ExpectedCopy {
   std::int32_t volume = 0;  // from 1; 0 for a system folder
 };
 
+// Whether a copy that the page has made is this one.
+[[nodiscard]] bool isCopyOf(const event::CopyBegin& made, const ExpectedCopy& expected);
+
 // The audit of one install: of each copy when it has ended, and at the end of whether every copy was made. One
 // thread at a time.
 class InstallAudit {

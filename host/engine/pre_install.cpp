@@ -128,7 +128,7 @@ InstallLock::InstallLock(bool mayMakeFolder) {
     std::error_code ignored;  // the pre-install step says what is wrong
     std::filesystem::create_directories(path, ignored);
   }
-  add(path, _("another installation of yours is running; start this one after it has ended"));
+  add(path, _("another installation of yours is running; \"tavinstall attach\" shows it"));
   for (const char* name : {"/Tavenhall/TANVO", "/Tavenhall/DOVA"}) {
     add(path + name,
         format(_("another installation to {0} is running; start this one after it has ended"), {path + name}));

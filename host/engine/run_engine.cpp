@@ -4,6 +4,7 @@
 #include "host/base/exit_status.h"
 #include "host/base/text.h"
 #include "host/engine/engine.h"
+#include "host/engine/frontend_server.h"
 #include "host/engine/pre_install.h"
 #include "host/protocol/json_form.h"
 #include "platform/host_system.h"
@@ -70,6 +71,9 @@ void writeSummaryFile(const std::filesystem::path& path, const event::Summary& s
   }
 }
 
+// How long an alert waits for a frontend to attach when the one that the run was started with has gone.
+constexpr std::chrono::hours kLongestAlone{24};
+
 // ---- Signals that end a run ----
 
 WakeUp* stopWakeUp = nullptr;
@@ -119,10 +123,14 @@ class RunEnd {
   // Call it while texts are in the user's language.
   RunEnd(const EngineOptions& options, Controller controller) : options_(options), controller_(controller) {}
 
-  void setEngine(Engine& engine, EventWriter* events) {
+  // `first` is the events' writer of the frontend that the run was started with; null: there is none.
+  void setEngine(Engine& engine, EventHub& hub, EventWriter* first) {
     engine_ = &engine;
-    events_ = events;
+    hub_ = &hub;
+    first_ = first;
   }
+
+  void setServer(FrontendServer& server) { server_ = &server; }
 
   // Reports the summary and ends the process. Any thread. If another thread does so already, waits for the end.
   [[noreturn]] void finish(ExitStatus status, const std::string& reason) {
@@ -132,7 +140,6 @@ class RunEnd {
       exitProcess(status);
     }
     event::Summary summary = engine_->summary();
-    const bool isStop = status == ExitStatus::stopped;
     if (controller_ == Controller::program && status == ExitStatus::success && !summary.isInstalled) {
       summary.status = static_cast<int>(ExitStatus::failure);
     } else {
@@ -140,22 +147,24 @@ class RunEnd {
     }
     summary.reason = summary.status == static_cast<int>(ExitStatus::failure) ? failureReason(summary) : reason;
     summary.facts = options_.facts;
-    if (events_ != nullptr) {
-      events_->write(summary);
-    } else if (status != ExitStatus::success) {
+    if (status == ExitStatus::stopped) {
+      summary.remaining = engine_->remainingOf(options_.copies);
+    }
+    hub_->write(summary);
+    if (first_ == nullptr && status != ExitStatus::success) {
       showError(UsageError(summary.reason));
     }
     if (!options_.summary.empty()) {
       writeSummaryFile(options_.summary, summary, cannotWriteSummary_);
     }
-    if (isStop) {
-      if (events_ != nullptr) {
-        events_->drain(kPatience);
-      }
-    } else {
-      if (events_ != nullptr) {
-        events_->finish();
-      }
+    if (server_ != nullptr) {
+      server_->finish(kPatience);
+    }
+    const bool isEnd = status == ExitStatus::success || status == ExitStatus::failure;
+    if (first_ != nullptr) {
+      status == ExitStatus::stopped ? first_->drain(kPatience) : first_->finish();
+    }
+    if (isEnd) {
       engine_->stopReading();
     }
     InstallTypePlace::clear();  // of a page that was not entered
@@ -165,8 +174,10 @@ class RunEnd {
  private:
   const EngineOptions& options_;
   Controller controller_;
-  EventWriter* events_ = nullptr;
+  EventWriter* first_ = nullptr;
+  EventHub* hub_ = nullptr;
   Engine* engine_ = nullptr;
+  FrontendServer* server_ = nullptr;
   std::atomic_flag isEnding_;
   const char* cannotWriteSummary_ = _("cannot write the summary {0}: {1}");
 };
@@ -188,18 +199,19 @@ class RunEnd {
   EjectNote ejectNote;
   // Threads may run from here on: do not change the environment any more.
 
-  std::unique_ptr<EventWriter> events;
+  std::unique_ptr<EventWriter> first;
   if (isControlled) {
-    events = std::make_unique<EventWriter>(output);
-    theEvents = events.get();
+    first = std::make_unique<EventWriter>(output);
+    theEvents = first.get();
     std::signal(SIGABRT, drainAndAbort);
-    for (const std::string& warning : options.warnings) {
-      events->write(event::Warning{warning});
-    }
   }
-  Engine engine(events.get(), ejectNote,
+  EventHub hub(first.get());
+  for (const std::string& warning : options.warnings) {
+    hub.write(event::Warning{warning});
+  }
+  Engine engine(hub, ejectNote,
                 [&end](ExitStatus status, const std::string& reason) { end.finish(status, reason); });
-  end.setEngine(engine, events.get());
+  end.setEngine(engine, hub, first.get());
   engine.makePage(factory);
   const auto stop = [&end](int signal) {
     end.finish(ExitStatus::stopped, "stopped by signal " + std::to_string(signal));
@@ -212,6 +224,12 @@ class RunEnd {
   if (options.unattended) {
     leaveControllingTerminal();
     engine.answerUnattended(*options.unattended);
+  }
+  const bool takesAnswers = controller == Controller::frontend && !options.unattended;
+  FrontendServer server(hub, engine, {options.facts, options.barWraps, takesAnswers, std::nullopt});
+  end.setServer(server);
+  if (takesAnswers && server.isListening()) {
+    engine.waitForFrontends(kLongestAlone);
   }
   if (isControlled) {
     engine.readRequests(requests);

@@ -20,6 +20,7 @@ struct EngineOptions {
   std::vector<event::AuditFailure> failures;    // known beforehand; reported at its end, so that it fails
   std::vector<std::string> warnings;            // reported before everything else, in English
   std::optional<UnattendedAnswers> unattended;  // none: a frontend answers
+  bool barWraps = false;                        // for frontends that attach: as Introduction has it
   event::RunFacts facts;                        // for the summary
 };
 

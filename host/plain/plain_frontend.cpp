@@ -2,6 +2,7 @@
 
 #include "host/base/child_process.h"
 #include "host/base/text.h"
+#include "host/plain/password_prompt.h"
 #include "host/plain/plain_printer.h"
 #include "host/ui/run_result.h"
 #include "platform/host_system.h"
@@ -13,12 +14,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
-#include <fcntl.h>
 #include <optional>
 #include <poll.h>
 #include <string>
 #include <string_view>
-#include <termios.h>
 #include <unistd.h>
 #include <variant>
 
@@ -39,60 +38,6 @@ void noteSignal(int signal) {
   signalWakeUp->signal();
 }
 
-// A prompt on this process's terminal that reads one line without echo. The destructor restores the terminal's
-// modes. One thread.
-class PasswordPrompt {
- public:
-  // Prints the prompt on the terminal, wherever standard output goes, and discards what was typed before it.
-  explicit PasswordPrompt(const std::string& prompt);
-  PasswordPrompt(const PasswordPrompt&) = delete;
-  PasswordPrompt& operator=(const PasswordPrompt&) = delete;
-  ~PasswordPrompt();
-
-  // Poll it for input; -1 when there is no terminal.
-  [[nodiscard]] int descriptor() const { return terminal_; }
-
-  // Reads the line; call it when the descriptor is readable. Returns false for an end of input (Ctrl-D), and
-  // when the terminal is gone.
-  [[nodiscard]] bool read(Secret& line);
-
- private:
-  int terminal_;
-  termios modesBefore_{};
-};
-
-PasswordPrompt::PasswordPrompt(const std::string& prompt)
-    : terminal_(open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC)) {
-  if (terminal_ < 0) {
-    return;
-  }
-  tcgetattr(terminal_, &modesBefore_);
-  termios modes = modesBefore_;
-  modes.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-  modes.c_lflag |= ECHONL;  // echo the newline, so that the next output starts on a line of its own
-  tcsetattr(terminal_, TCSAFLUSH, &modes);
-  writeAll(terminal_, prompt);
-}
-
-PasswordPrompt::~PasswordPrompt() {
-  if (terminal_ >= 0) {
-    tcsetattr(terminal_, TCSADRAIN, &modesBefore_);
-    close(terminal_);
-  }
-}
-
-bool PasswordPrompt::read(Secret& line) {
-  std::array<char, Secret::kLongest + 1> typed;
-  const ssize_t count = ::read(terminal_, typed.data(), typed.size());
-  if (count > 0) {
-    std::string_view text(typed.data(), static_cast<std::size_t>(count));
-    text.remove_suffix(text.ends_with('\n') ? 1 : 0);
-    line.append(text);
-    wipe(typed.data(), typed.size());
-  }
-  return count > 0;
-}
-
 class PlainFrontend {
  public:
   PlainFrontend(const EngineConnection& engine, const RunDescription& description)
@@ -106,6 +51,26 @@ class PlainFrontend {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
       sigaction(signal, &action, nullptr);
     }
+    if (!description_.attached) {
+      begin();
+    }
+    while (!engine_.hasEnded()) {
+      step();
+      if (isHungUp != 0) {
+        return ExitStatus::failure;  // the reader has gone; the engine continues
+      }
+      if (isDetached_) {
+        print(_("The installation continues. \"tavinstall attach\" shows it again."));
+        return ExitStatus::warnings;
+      }
+    }
+    passwordPrompt_.reset();
+    printer_.flush();
+    return finish();
+  }
+
+ private:
+  void begin() {
     engine_.send(Command::title);
     if (description_.asksFirst) {
       askFirst();
@@ -115,14 +80,9 @@ class PlainFrontend {
       }
       enter();
     }
-    while (!engine_.hasEnded()) {
-      step();
-      if (isHungUp != 0) {
-        return ExitStatus::failure;  // the reader has gone; the engine continues
-      }
-    }
-    passwordPrompt_.reset();
-    printer_.flush();
+  }
+
+  ExitStatus finish() {
     const std::optional<ExitStatus> status = engine_.wait();
     const bool wasStopped = isStopped_ && status != ExitStatus::success;
     const std::string reason = summary_ ? summary_->reason : "";
@@ -137,7 +97,6 @@ class PlainFrontend {
     return result;
   }
 
- private:
   void enter() {
     hasEntered_ = true;
     engine_.send(Command::enter);
@@ -163,7 +122,7 @@ class PlainFrontend {
   }
 
   void step() {
-    const bool readsAnswer = buttons_ > 0 && answerLines_.isOpen() && !passwordPrompt_;
+    const bool readsAnswer = buttons_ > 0 && isPresent_ && answerLines_.isOpen() && !passwordPrompt_;
     std::array<pollfd, 5> sources{{{engine_.eventsDescriptor(), POLLIN, 0},
                                    {wakeUp_.descriptor(), POLLIN, 0},
                                    {readsAnswer ? STDIN_FILENO : -1, POLLIN, 0},
@@ -211,7 +170,12 @@ class PlainFrontend {
   }
 
   void stop() {
-    if (isHungUp == 0) {
+    if (isHungUp != 0) {
+      return;
+    }
+    if (engine_.isAttached()) {
+      isDetached_ = true;
+    } else {
       isStopped_ = true;
       engine_.stop();
     }
@@ -250,15 +214,29 @@ class PlainFrontend {
   // ---- Alerts ----
 
   void handle(const Event& event) {
-    printer_.show(event, std::chrono::steady_clock::now());
+    printer_.show(event, engine_.eventTime());
     std::visit(EventVisitor{[this](const event::Alert& alert) {
                               if (!description_.isUnattended) {
+                                alert_ = alert;
                                 buttons_ = static_cast<int>(alert.buttons.size());
                                 answerFromTyped();
                               }
                             },
+                            [this](const event::Answered& answered) {
+                              if (buttons_ > 0 && answered.number == alert_.number) {
+                                buttons_ = 0;
+                                printAnswer(answered);
+                              }
+                            },
+                            [this](const event::Present& /*present*/) {
+                              isPresent_ = true;
+                              answerFromTyped();
+                            },
                             [this](const event::NextEnabled& next) { nextIsEnabled_ = next.isEnabled; },
                             [this](const event::Idle& /*idle*/) {
+                              if (engine_.isAttached()) {
+                                return;  // the frontend that it was started with leaves the page, or the engine
+                              }
                               if (nextIsEnabled_) {
                                 engine_.send(Command::forward);
                               }
@@ -269,14 +247,21 @@ class PlainFrontend {
                event);
   }
 
+  // Another frontend was quicker, or it is the past.
+  void printAnswer(const event::Answered& answered) {
+    const auto index = static_cast<std::size_t>(answered.button - kAlertFirstButtonReturn);
+    const std::string button = index < alert_.buttons.size() ? alert_.buttons[index] : "";
+    print("  " + format(_("Answered: {0}"), {printableText(button)}));
+  }
+
   // Lines may arrive before their alert.
   void answerFromTyped() {
-    while (buttons_ > 0 && !typed_.empty()) {
+    while (buttons_ > 0 && isPresent_ && !typed_.empty()) {
       answer(typed_.front());
       typed_.pop_front();
     }
-    if (buttons_ > 0 && !answerLines_.isOpen()) {
-      engine_.closeRequests();  // no answer can come: the engine ends the run
+    if (buttons_ > 0 && !answerLines_.isOpen() && !engine_.isAttached()) {
+      engine_.send(Command::noAnswers);
     }
   }
 
@@ -299,7 +284,7 @@ class PlainFrontend {
       number == 1 ? enter() : stop();
       return;
     }
-    engine_.send(Answer{kAlertFirstButtonReturn + number - 1});
+    engine_.send(Answer{kAlertFirstButtonReturn + number - 1, alert_.number});
   }
 
   void printResult(ExitStatus status) {
@@ -308,6 +293,12 @@ class PlainFrontend {
           format(_("{0} in {1}"), {sizeText(summary_->audit.bytes), durationText(summary_->seconds)});
       switch (status) {
         case ExitStatus::success: print(format(_("Installed {0}."), {amount})); break;
+        case ExitStatus::stopped:
+          print("! " + join(_("Stopped."), description_.afterStop));
+          for (const std::string& line : remainingTexts(summary_->remaining)) {
+            print("  " + printableLine(line));
+          }
+          break;
         case ExitStatus::discMissing:
           print("! " + format(_("Stopped: a disc was not found. Copied {0}."), {amount}));
           break;
@@ -347,7 +338,10 @@ class PlainFrontend {
   std::optional<PasswordPrompt> passwordPrompt_;  // while a command asks
   std::deque<std::string> typed_;
   std::optional<event::Summary> summary_;
-  int buttons_ = 0;           // of the alert that is up; 0: none is
+  event::Alert alert_;                       // the latest
+  int buttons_ = 0;                          // of the alert that is up; 0: none is
+  bool isPresent_ = !description_.attached;  // the past is shown
+  bool isDetached_ = false;
   bool isFirstPage_ = false;  // instead of an alert
   bool nextIsEnabled_ = false;
   bool hasEntered_ = false;

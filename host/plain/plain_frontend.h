@@ -11,7 +11,10 @@ namespace tavenhall {
 //
 // How it can end before the install does:
 //   Ctrl-C, SIGINT, SIGTERM   stops the engine and says so; ExitStatus::stopped
-//   SIGHUP                    this process ends; the engine runs on to its end, or to its next alert
+//   SIGHUP                    this process ends; the engine runs on to its end, and waits at an alert for a
+//                             frontend that attaches
+// A frontend that has attached to the engine ends at each of these signals, and the engine runs on.
+//
 // A reader of standard output that goes away ends nothing: the install runs on, and the exit status reports the
 // result.
 [[nodiscard]] ExitStatus runPlainFrontend(const EngineConnection& engine, const RunDescription& description);

@@ -4,9 +4,11 @@
 #include "host/base/exit_status.h"
 #include "host/base/text.h"
 #include "host/protocol/json_form.h"
+#include "host/protocol/run_socket.h"
 #include "platform/host_system.h"
 
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <fcntl.h>
@@ -17,6 +19,8 @@
 #include <utility>
 
 namespace tavenhall {
+
+using Clock = std::chrono::steady_clock;
 
 EngineClient::EngineClient(const EngineConnection& connection) : connection_(connection) {
   std::signal(SIGPIPE, SIG_IGN);
@@ -35,14 +39,31 @@ void EngineClient::closeRequests() {
 }
 
 void EngineClient::readEvents(const std::function<void(const Event& event)>& handle) {
-  events_.read([&handle](const std::string& line) {
-    if (const auto event = decodeEvent(line)) {
-      handle(*event);
+  events_.read([this, &handle](const std::string& line) {
+    const auto event = decodeEvent(line);
+    if (!event) {
+      return;
     }
+    if (const auto* past = std::get_if<event::Past>(&*event)) {
+      eventTime_ = Clock::now() -
+                   std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(past->seconds));
+      isPast_ = true;
+      return;
+    }
+    if (!std::exchange(isPast_, false)) {
+      eventTime_ = Clock::now();
+    }
+    if (const auto* summary = std::get_if<event::Summary>(&*event)) {
+      summaryStatus_ = static_cast<ExitStatus>(summary->status);
+    }
+    handle(*event);
   });
 }
 
 std::optional<ExitStatus> EngineClient::wait(const std::function<void(const std::string& line)>& handleError) {
+  if (isAttached()) {
+    return summaryStatus_;
+  }
   int status = 0;
   while (waitpid(connection_.process, &status, 0) < 0) {
     if (errno != EINTR) {
@@ -66,6 +87,28 @@ void EngineClient::stop() {
 
 namespace {
 
+// How long an engine that runs takes to answer, on a machine that is busy.
+constexpr std::chrono::seconds kPatience{5};
+
+// Byte by byte, so that nothing behind the line is taken. Empty if none comes in time.
+std::string readLine(int descriptor) {
+  const auto end = Clock::now() + kPatience;
+  std::string line;
+  while (!line.ends_with('\n')) {
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now());
+    pollfd input{descriptor, POLLIN, 0};
+    char byte = 0;
+    if (left.count() <= 0 || poll(&input, 1, static_cast<int>(left.count())) == 0 ||
+        (input.revents != 0 && read(descriptor, &byte, 1) <= 0)) {
+      return {};
+    }
+    if (input.revents != 0) {
+      line += byte;
+    }
+  }
+  return line;
+}
+
 void closeAll(std::initializer_list<int> descriptors) {
   for (const int descriptor : descriptors) {
     if (descriptor >= 0) {
@@ -84,6 +127,24 @@ void closeAll(std::initializer_list<int> descriptors) {
 }
 
 }  // namespace
+
+std::optional<AttachedEngine> attachToEngine() {
+  const int descriptor = connectToEngine();
+  if (descriptor < 0) {
+    return std::nullopt;
+  }
+  const auto event = decodeEvent(readLine(descriptor));
+  const auto* run = event ? std::get_if<event::Attached>(&*event) : nullptr;
+  if (run == nullptr) {
+    close(descriptor);
+    throw UsageError(_("the installation does not answer"), ExitStatus::failure);
+  }
+  const int events = fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
+  if (events < 0) {
+    throw std::system_error(errno, std::generic_category(), "fcntl");
+  }
+  return AttachedEngine{{.process = -1, .requests = descriptor, .events = events}, *run};
+}
 
 EngineConnection startEngineProcess(const EngineBody& body, const EngineProcessOptions& options) {
   const Pipe requests = makePipe();

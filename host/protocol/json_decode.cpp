@@ -54,7 +54,7 @@ event::CopyState copyStateIn(const ordered_json& object) {
 
 event::Alert alertIn(const ordered_json& object) {
   return {textIn(object, "message"), textIn(object, "informative"), textsIn(object, "buttons"),
-          numberIn<int>(object, "style")};
+          numberIn<int>(object, "style"), numberIn<std::int64_t>(object, "number")};
 }
 
 event::AuditFailure failureIn(const ordered_json& object) {
@@ -75,6 +75,17 @@ event::Audit auditIn(const ordered_json& object) {
   audit.skipped = numberIn<std::int64_t>(object, "skipped");
   audit.failures = numberIn<std::int64_t>(object, "failures");
   return audit;
+}
+
+event::RunFacts factsIn(const ordered_json& object) {
+  return {textIn(object, "package"),
+          textIn(object, "product"),
+          textIn(object, "edition"),
+          textIn(object, "destination"),
+          numberIn<std::int32_t>(object, "volumes"),
+          textIn(object, "log"),
+          textIn(object, "started"),
+          textIn(object, "version")};
 }
 
 event::Summary summaryIn(const ordered_json& object) {
@@ -107,20 +118,27 @@ event::Summary summaryIn(const ordered_json& object) {
   for (const ordered_json& failure : listIn(object, "failedFiles")) {
     summary.failedFiles.push_back(failureIn(failure));
   }
-  summary.facts = {textIn(object, "package"),
-                   textIn(object, "product"),
-                   textIn(object, "edition"),
-                   textIn(object, "destination"),
-                   numberIn<std::int32_t>(object, "volumes"),
-                   textIn(object, "log"),
-                   textIn(object, "started"),
-                   textIn(object, "version")};
+  summary.facts = factsIn(object);
+  for (const ordered_json& copy : listIn(object, "remaining")) {
+    summary.remaining.push_back({textIn(copy, "source"), numberIn<std::int32_t>(copy, "volume")});
+  }
   return summary;
+}
+
+event::Attached attachedIn(const ordered_json& object) {
+  event::Attached attached;
+  attached.facts = factsIn(object);
+  attached.barWraps = flagIn(object, "barWraps");
+  attached.takesAnswers = flagIn(object, "answers");
+  if (object.contains("seconds")) {
+    attached.seconds = numberIn<double>(object, "seconds");
+  }
+  return attached;
 }
 
 using Decode = Event (*)(const ordered_json& object);
 
-constexpr std::array<std::pair<std::string_view, Decode>, 23> kDecoders{{
+constexpr std::array<std::pair<std::string_view, Decode>, 27> kDecoders{{
     {"progress.value",
      [](const ordered_json& o) -> Event {
        return event::ProgressValue{numberIn<double>(o, "value"), copyStateIn(o)};
@@ -169,6 +187,13 @@ constexpr std::array<std::pair<std::string_view, Decode>, 23> kDecoders{{
                            textIn(o, "disc"), numberIn<std::int64_t>(o, "seconds")};
      }},
     {"alert", [](const ordered_json& o) -> Event { return alertIn(o); }},
+    {"answered",
+     [](const ordered_json& o) -> Event {
+       return event::Answered{numberIn<std::int64_t>(o, "number"), numberIn<int>(o, "button")};
+     }},
+    {"attached", [](const ordered_json& o) -> Event { return attachedIn(o); }},
+    {"past", [](const ordered_json& o) -> Event { return event::Past{numberIn<double>(o, "seconds")}; }},
+    {"present", [](const ordered_json& /*o*/) -> Event { return event::Present{}; }},
     {"sheet", [](const ordered_json& o) -> Event { return sheetIn(o); }},
     {"assertion",
      [](const ordered_json& o) -> Event {
@@ -182,7 +207,29 @@ constexpr std::array<std::pair<std::string_view, Decode>, 23> kDecoders{{
 }};
 
 constexpr const char* kForms =
-    R"(a line is {"do":"title"}, {"do":"enter"}, {"do":"forward"}, {"do":"back"}, {"do":"quit"}, {"do":"wait"} or {"answer":1000})";
+    R"(a line is {"do":"title"}, {"do":"enter"}, {"do":"forward"}, {"do":"back"}, {"do":"quit"}, {"do":"wait"}, {"do":"stop"}, {"do":"no-answers"}, {"answer":1000} or {"answer":1000,"alert":1})";
+
+// An integer field that is not below `lowest`. A double holds every answer and alert number exactly, and no
+// number wraps in it.
+std::optional<int> integerIn(const ordered_json& object, const char* key, int lowest) {
+  const auto field = object.find(key);
+  if (field == object.end() || !field->is_number_integer()) {
+    return std::nullopt;
+  }
+  const auto value = field->get<double>();
+  const bool fits = value >= lowest && value <= std::numeric_limits<int>::max();
+  return fits ? std::optional(static_cast<int>(value)) : std::nullopt;
+}
+
+// {"answer":1000}, also with "alert".
+std::optional<Answer> answerIn(const ordered_json& object) {
+  if (!object.is_object() || object.size() != (object.contains("alert") ? 2U : 1U)) {
+    return std::nullopt;
+  }
+  const auto button = integerIn(object, "answer", std::numeric_limits<int>::min());
+  const auto alert = object.contains("alert") ? integerIn(object, "alert", 1) : std::optional(0);
+  return button && alert ? std::optional(Answer{*button, *alert}) : std::nullopt;
+}
 
 }  // namespace
 
@@ -214,12 +261,9 @@ std::variant<Request, BadRequest> decodeRequest(std::string_view line) {
         }
       }
     }
-    if (field.key() == "answer" && field->is_number_integer()) {
-      const auto button = field->get<double>();  // holds every answer exactly, and no number wraps in it
-      if (button >= std::numeric_limits<int>::min() && button <= std::numeric_limits<int>::max()) {
-        return Request(Answer{static_cast<int>(button)});
-      }
-    }
+  }
+  if (const auto answer = answerIn(object)) {
+    return Request(*answer);
   }
   return BadRequest{"not understood: " + std::string(kForms)};
 }

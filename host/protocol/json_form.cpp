@@ -152,10 +152,8 @@ std::string line(const event::AuditFailure& failure) {
 }
 
 std::string line(const event::Phase& phase) {
-  const auto* name = std::find_if(kPhaseNames.begin(), kPhaseNames.end(),
-                                  [&phase](const auto& row) { return row.second == phase.kind; });
   return line(ordered_json{{"event", "phase"},
-                           {"phase", name->first},
+                           {"phase", phaseName(phase.kind)},
                            {"volume", phase.volume},
                            {"volumes", phase.volumeCount},
                            {"disc", phase.disc},
@@ -167,7 +165,12 @@ std::string line(const event::Alert& alert) {
                            {"message", alert.message},
                            {"informative", alert.informative},
                            {"buttons", alert.buttons},
-                           {"style", alert.style}});
+                           {"style", alert.style},
+                           {"number", alert.number}});
+}
+
+std::string line(const event::Answered& answered) {
+  return line(ordered_json{{"event", "answered"}, {"number", answered.number}, {"button", answered.button}});
 }
 
 std::string line(const event::Sheet& sheet) {
@@ -195,6 +198,28 @@ std::string line(const event::Error& error) {
 // To the millisecond: what is finer is noise.
 double rounded(double seconds) { return std::round(seconds * 1000.0) / 1000.0; }
 
+ordered_json factFields(const event::RunFacts& facts) {
+  return {{"package", facts.package},         {"product", facts.product}, {"edition", facts.edition},
+          {"destination", facts.destination}, {"volumes", facts.volumes}, {"log", facts.log},
+          {"started", facts.started},         {"version", facts.version}};
+}
+
+std::string line(const event::Attached& attached) {
+  ordered_json object = {
+      {"event", "attached"}, {"answers", attached.takesAnswers}, {"barWraps", attached.barWraps}};
+  if (attached.seconds) {
+    object["seconds"] = rounded(*attached.seconds);
+  }
+  object.update(factFields(attached.facts));
+  return line(object);
+}
+
+std::string line(const event::Past& past) {
+  return line(ordered_json{{"event", "past"}, {"seconds", rounded(past.seconds)}});
+}
+
+std::string line(const event::Present& /*present*/) { return line(namedObject("present")); }
+
 ordered_json summaryFields(const event::Summary& summary) {
   ordered_json copies = ordered_json::array();
   for (const double seconds : summary.copySeconds) {
@@ -217,33 +242,31 @@ ordered_json summaryFields(const event::Summary& summary) {
   for (const event::AuditFailure& failure : summary.failedFiles) {
     failedFiles.push_back(failureFields(failure));
   }
-  const event::RunFacts& facts = summary.facts;
-  return {{"left", summary.hasLeft},
-          {"ready", summary.ready},
-          {"mode", summary.mode},
-          {"seconds", rounded(summary.seconds)},
-          {"kBytesCopied", summary.kBytesCopied},
-          {"copies", copies},
-          {"alerts", alerts},
-          {"sheets", sheets},
-          {"bytes", summary.bytesWritten},
-          {"files", summary.filesDone},
-          {"installed", summary.isInstalled},
-          {"audit", auditFields(summary.audit)},
-          {"copyingSeconds", rounded(summary.copyingSeconds)},
-          {"waitingSeconds", rounded(summary.waitingSeconds)},
-          {"checkingSeconds", rounded(summary.checkingSeconds)},
-          {"status", summary.status},
-          {"reason", summary.reason},
-          {"failedFiles", failedFiles},
-          {"package", facts.package},
-          {"product", facts.product},
-          {"edition", facts.edition},
-          {"destination", facts.destination},
-          {"volumes", facts.volumes},
-          {"log", facts.log},
-          {"started", facts.started},
-          {"version", facts.version}};
+  ordered_json fields = {{"left", summary.hasLeft},
+                         {"ready", summary.ready},
+                         {"mode", summary.mode},
+                         {"seconds", rounded(summary.seconds)},
+                         {"kBytesCopied", summary.kBytesCopied},
+                         {"copies", copies},
+                         {"alerts", alerts},
+                         {"sheets", sheets},
+                         {"bytes", summary.bytesWritten},
+                         {"files", summary.filesDone},
+                         {"installed", summary.isInstalled},
+                         {"audit", auditFields(summary.audit)},
+                         {"copyingSeconds", rounded(summary.copyingSeconds)},
+                         {"waitingSeconds", rounded(summary.waitingSeconds)},
+                         {"checkingSeconds", rounded(summary.checkingSeconds)},
+                         {"status", summary.status},
+                         {"reason", summary.reason},
+                         {"failedFiles", failedFiles}};
+  fields.update(factFields(summary.facts));
+  ordered_json remaining = ordered_json::array();
+  for (const event::Remaining& copy : summary.remaining) {
+    remaining.push_back({{"source", copy.source}, {"volume", copy.volume}});
+  }
+  fields["remaining"] = remaining;
+  return fields;
 }
 
 std::string line(const event::Summary& summary) {
@@ -262,6 +285,12 @@ std::string_view nameOf(Command command) {
 
 }  // namespace
 
+std::string_view phaseName(event::Phase::Kind kind) {
+  const auto* row = std::find_if(kPhaseNames.begin(), kPhaseNames.end(),
+                                 [kind](const auto& known) { return known.second == kind; });
+  return row->first;
+}
+
 std::string encode(const Event& event) {
   return std::visit([](const auto& kind) { return line(kind); }, event);
 }
@@ -270,7 +299,12 @@ std::string encode(const Request& request) {
   if (const auto* command = std::get_if<Command>(&request)) {
     return line(ordered_json{{"do", nameOf(*command)}});
   }
-  return line(ordered_json{{"answer", std::get<Answer>(request).button}});
+  const auto& answer = std::get<Answer>(request);
+  ordered_json object = {{"answer", answer.button}};
+  if (answer.alert != 0) {
+    object["alert"] = answer.alert;
+  }
+  return line(object);
 }
 
 std::string encodeSummaryFile(const event::Summary& summary) { return line(summaryFields(summary)); }

@@ -14,13 +14,15 @@
 namespace tavenhall {
 
 // The names of the commands in their public form.
-inline constexpr std::array<std::pair<std::string_view, Command>, 6> kCommandNames{{
+inline constexpr std::array<std::pair<std::string_view, Command>, 8> kCommandNames{{
     {"title", Command::title},
     {"enter", Command::enter},
     {"forward", Command::forward},
     {"back", Command::back},
     {"quit", Command::quit},
     {"wait", Command::wait},
+    {"stop", Command::stop},
+    {"no-answers", Command::noAnswers},
 }};
 
 // The names of the phases in their public form.
@@ -32,6 +34,9 @@ inline constexpr std::array<std::pair<std::string_view, event::Phase::Kind>, 6> 
     {"checking", event::Phase::Kind::checking},
     {"ejecting", event::Phase::Kind::ejecting},
 }};
+
+// The name of a phase in its public form.
+[[nodiscard]] std::string_view phaseName(event::Phase::Kind kind);
 
 // The line for an event or a request, newline included. Bytes that are not UTF-8 become U+FFFD.
 [[nodiscard]] std::string encode(const Event& event);

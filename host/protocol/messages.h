@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -15,6 +16,9 @@
 //   Idle                        in reply to Command::wait, when every page thread has ended
 //   Exit                        in reply to Command::forward and Command::back
 //   Summary                     last; nothing follows
+//
+// A frontend that attaches to a running engine gets Attached, then the past events that still matter, each
+// after a Past, then Present, and from there on the same as every other frontend.
 //
 // protocol/json_form.h has their public form. Texts are the page's own, with its blanks and percent signs.
 //
@@ -133,6 +137,13 @@ struct Alert {
   std::string informative;
   std::vector<std::string> buttons;
   int style = 0;
+  std::int64_t number = 0;  // from 1 in each run
+};
+
+// The alert was answered, by whichever frontend came first or by the engine itself.
+struct Answered {
+  std::int64_t number = 0;  // of the alert
+  int button = 0;           // as in Answer
 };
 
 // A failure. The page does not wait.
@@ -174,6 +185,28 @@ struct RunFacts {
   std::string version;  // of this program
 };
 
+// The run that a frontend has attached to.
+struct Attached {
+  RunFacts facts;
+  bool barWraps = false;          // as an updater's does: no percentage for the whole
+  bool takesAnswers = false;      // false: another program, or the engine itself, answers
+  std::optional<double> seconds;  // since the page was entered; none: it was not yet
+};
+
+// The next event is from so many seconds ago.
+struct Past {
+  double seconds = 0.0;
+};
+
+// The past ends here.
+struct Present {};
+
+// A volume or folder that the install consists of and that is not copied to its end.
+struct Remaining {
+  std::string source;       // a path
+  std::int32_t volume = 0;  // from 1; 0 for a folder beside the package
+};
+
 // The result of the run.
 struct Summary {
   struct ShownAlert {
@@ -201,6 +234,7 @@ struct Summary {
   int status = 0;      // ExitStatus; of the install, also where the process's is the protocol's
   std::string reason;  // why it is not 0, in a line
   std::vector<AuditFailure> failedFiles;  // the first kMostFailedFiles
+  std::vector<Remaining> remaining;       // where the run was stopped
   RunFacts facts;
 
   static constexpr std::size_t kMostFailedFiles = 1000;
@@ -210,12 +244,12 @@ struct Summary {
 
 namespace tavenhall {
 
-using Event =
-    std::variant<event::Title, event::Entered, event::Idle, event::Exit, event::PreviousEnabled,
-                 event::NextEnabled, event::Instructions, event::Status, event::ProgressMinimum,
-                 event::ProgressMaximum, event::ProgressValue, event::CopyBegin, event::CopyEnd, event::Audit,
-                 event::AuditFailure, event::Phase, event::Alert, event::Sheet, event::Assertion,
-                 event::AssertionRelease, event::Warning, event::Error, event::Summary>;
+using Event = std::variant<event::Title, event::Entered, event::Idle, event::Exit, event::PreviousEnabled,
+                           event::NextEnabled, event::Instructions, event::Status, event::ProgressMinimum,
+                           event::ProgressMaximum, event::ProgressValue, event::CopyBegin, event::CopyEnd,
+                           event::Audit, event::AuditFailure, event::Phase, event::Alert, event::Answered,
+                           event::Sheet, event::Assertion, event::AssertionRelease, event::Warning,
+                           event::Error, event::Attached, event::Past, event::Present, event::Summary>;
 
 // Builds a visitor from lambdas, one for each kind of event that matters and a generic one for the rest.
 template <typename... Handlers>
@@ -229,17 +263,22 @@ EventVisitor(Handlers...) -> EventVisitor<Handlers...>;
 // ---- own, so an answer may be sent before its alert
 
 enum class Command {
-  title,    // report the page's title
-  enter,    // enter the page, once no page thread runs; this starts an install
-  wait,     // report when no page thread runs
-  forward,  // ask to leave the page forwards
-  back,     // ask to leave the page backwards
-  quit,     // end the engine, also while an install runs
+  title,      // report the page's title
+  enter,      // enter the page, once no page thread runs; this starts an install
+  wait,       // report when no page thread runs
+  forward,    // ask to leave the page forwards
+  back,       // ask to leave the page backwards
+  quit,       // end the engine, also while an install runs
+  stop,       // end the engine once no file is half copied; not in the queue, but at once
+  noAnswers,  // no answer will come from here; an alert that nobody else can answer ends the engine. At once,
+              // too
 };
 
 // The answer to an alert: kAlertFirstButtonReturn for its first button, and on from there.
 struct Answer {
   int button = 0;
+  std::int64_t alert =
+      0;  // its number; any other alert ignores the answer. 0: the alert that is up, or the next
 };
 
 using Request = std::variant<Command, Answer>;

@@ -19,9 +19,22 @@ constexpr std::size_t kLongestMessage = 500;  // bytes
 PageModel::PageModel(Introduction introduction)
     : introduction_(std::move(introduction)), title_(introduction_.pageTitle), meter_(introduction_.barWraps) {}
 
+void PageModel::attach(const event::Attached& run, Time now) {
+  isAttached_ = true;
+  takesAnswers_ = run.takesAnswers;
+  stage_ = Stage::page;
+  if (run.seconds) {
+    meter_.start(
+        now - std::chrono::duration_cast<ProgressMeter::Clock::duration>(ProgressMeter::Seconds(*run.seconds)));
+  }
+}
+
 // ---- Events ----
 
 void PageModel::handle(const Event& event, Time now) {
+  if (isAttached_ && !meter_.isStarted() && std::holds_alternative<event::NextEnabled>(event)) {
+    meter_.start(now);  // the page's first act when it is entered
+  }
   std::visit(
       EventVisitor{[this](const event::Title& title) { title_ = title.text; },
                    [this](const event::Instructions& instructions) {
@@ -41,12 +54,11 @@ void PageModel::handle(const Event& event, Time now) {
                      meter_.setValue(progress.value);
                      meter_.setBytes(progress.copy.bytesWritten, now);
                    },
-                   [this](const event::Alert& alert) {
-                     PageWindow window;
-                     window.heading = alert.message;
-                     window.paragraphs = {{alert.informative, Style::text}};
-                     window.buttons = buttonsWithKeys(alert.buttons);
-                     alert_ = std::move(window);
+                   [this](const event::Alert& alert) { handleAlert(alert); },
+                   [this](const event::Answered& answered) {
+                     if (answered.number == alertShown_.number) {
+                       alert_.reset();
+                     }
                    },
                    [this, now](const event::Phase& phase) {
                      phase_.set(phase, now);
@@ -66,6 +78,20 @@ void PageModel::handle(const Event& event, Time now) {
                    [](const auto& /*other*/) {}},
       event);
   endIfStuck();
+}
+
+void PageModel::handleAlert(const event::Alert& alert) {
+  alertShown_ = alert;
+  PageWindow window;
+  window.heading = alert.message;
+  window.paragraphs = {{alert.informative, Style::text}};
+  if (takesAnswers_) {
+    window.buttons = buttonsWithKeys(alert.buttons);
+  } else {
+    window.paragraphs.push_back({_("The program that runs the installation answers this."), Style::text});
+    window.buttons = ownButtons({N_("Close")});
+  }
+  alert_ = std::move(window);
 }
 
 void PageModel::handleExit(const event::Exit& exit) {
@@ -133,6 +159,8 @@ void PageModel::act(Action action, ScrollExtent extent, Time now) {
     case Action::leave:
       if (stage_ == Stage::summary) {
         requests_.push_back({PageRequest::Kind::close});
+      } else if (isAttached_) {
+        requests_.push_back({PageRequest::Kind::leave});
       } else if (question_ && question_->question == Question::leave) {
         question_->window.focus = 1;  // the second Ctrl-C confirms the first
       } else {
@@ -187,7 +215,10 @@ void PageModel::pressWindowButton(std::size_t index, Time now) {
     answerPasswordQuestion(index, now);
   } else if (alert_) {
     alert_.reset();
-    requests_.push_back({PageRequest::Kind::answer, kAlertFirstButtonReturn + static_cast<int>(index)});
+    if (takesAnswers_) {
+      requests_.push_back(
+          {PageRequest::Kind::answer, kAlertFirstButtonReturn + static_cast<int>(index), alertShown_.number});
+    }
   } else {
     sheets_.clear();
     sheetsState_ = {};

@@ -10,6 +10,7 @@
 #include "host/ui/styled_text.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <optional>
 #include <string>
@@ -47,6 +48,7 @@ struct PageRequest {
   enum class Kind { enter, forward, back, quit, answer, sendPassword, refusePassword, leave, close };
   Kind kind;
   int answer = 0;
+  std::int64_t alert = 0;  // that it answers
 
   bool operator==(const PageRequest&) const = default;
 };
@@ -67,6 +69,9 @@ class PageModel {
   enum class Stage { introduction, page, summary };
 
   explicit PageModel(Introduction introduction);
+
+  // The frontend has attached to a run: there is no introduction, and leaving does not end the run.
+  void attach(const event::Attached& run, Time now);
 
   // ---- Input ----
 
@@ -125,6 +130,7 @@ class PageModel {
     PageWindow window;
   };
 
+  void handleAlert(const event::Alert& alert);
   void handleExit(const event::Exit& exit);
   void pressWindowButton(std::size_t index, Time now);
   void answerPasswordQuestion(std::size_t index, Time now);
@@ -143,6 +149,8 @@ class PageModel {
   [[nodiscard]] PageWindow* frontState();
 
   Introduction introduction_;
+  bool isAttached_ = false;
+  bool takesAnswers_ = true;
   Stage stage_ = Stage::introduction;
   std::string title_;
   std::string instructions_;
@@ -164,6 +172,7 @@ class PageModel {
   std::optional<Time> passwordSentAt_;
   bool hasMessageSince_ = false;  // a message has come since a password was sent
   std::optional<PageWindow> alert_;
+  event::Alert alertShown_;  // the latest
   SheetList sheets_;
   PageWindow sheetsState_;  // focus and scroll position alone
   std::size_t pageFocus_ = 1;

@@ -63,11 +63,17 @@ bool take(SignalFlag flag) { return std::exchange(hasCome[flag], 0) != 0; }
 class TerminalFrontend {
  public:
   TerminalFrontend(const EngineConnection& engine, const RunDescription& description)
-      : description_(description), engine_(engine), model_(description.introduction) {}
+      : description_(description), engine_(engine), model_(description.introduction) {
+    if (description.attached) {
+      model_.attach(*description.attached, Clock::now());
+    }
+  }
 
   ExitStatus run() {
-    if (const auto status = failedStart()) {
-      return *status;
+    if (!engine_.isAttached()) {
+      if (const auto status = failedStart()) {
+        return *status;
+      }
     }
     takeSignals(wakeUp_);
     screen_ = std::make_unique<Screen>();
@@ -151,7 +157,7 @@ class TerminalFrontend {
     } else if (const auto* failure = std::get_if<event::AuditFailure>(&event)) {
       failures_.add({failure->problem, failure->source, failure->detail});
     }
-    model_.handle(event, Clock::now());
+    model_.handle(event, engine_.eventTime());
   }
 
   void readPasswordTerminal() {
@@ -254,7 +260,7 @@ class TerminalFrontend {
         case PageRequest::Kind::forward: engine_.send(Command::forward); break;
         case PageRequest::Kind::back: engine_.send(Command::back); break;
         case PageRequest::Kind::quit: engine_.send(Command::quit); break;
-        case PageRequest::Kind::answer: engine_.send(Answer{request.answer}); break;
+        case PageRequest::Kind::answer: engine_.send(Answer{request.answer, request.alert}); break;
         case PageRequest::Kind::sendPassword:
           engine_.passwords().answer(model_.typedPassword());
           model_.clearPassword();
@@ -275,6 +281,9 @@ class TerminalFrontend {
         summary_ ? static_cast<double>(summary_->audit.bytes) : model_.meter().copied().value_or(0.0);
     result.log = description_.writtenLog();
     result.destination = model_.introduction().destination;
+    if (summary_) {
+      result.remaining = remainingTexts(summary_->remaining);
+    }
     result.time = model_.meter().passed(Clock::now());
     result.copyingSeconds = summary_ ? summary_->copyingSeconds : 0.0;
     result.waitingSeconds = summary_ ? summary_->waitingSeconds : 0.0;
@@ -291,7 +300,12 @@ class TerminalFrontend {
       case End::terminalGone: return ExitStatus::failure;
       case End::closed: break;
       case End::left:
-      case End::terminated: return stop();
+      case End::terminated:
+        if (engine_.isAttached() && !result_) {
+          std::puts(_("The installation continues. \"tavinstall attach\" shows it again."));
+          return ExitStatus::warnings;
+        }
+        return stop();
     }
     std::fputs(closingText(*result_).c_str(), stdout);
     return result_->exitStatus();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/base/text.h"
+#include "host/protocol/messages.h"
 #include "host/ui/styled_text.h"
 
 #include <cstdint>
@@ -42,8 +43,9 @@ struct RunDescription {
   std::string afterStop =
       _("The files copied so far are kept. Run the installer again to complete the installation.");
 
-  bool isUnattended = false;  // the frontend must not ask
-  bool asksFirst = false;     // plain lines instead of the terminal page: the introduction waits for Continue
+  bool isUnattended = false;                // the frontend must not ask
+  std::optional<event::Attached> attached;  // the run that the frontend has attached to
+  bool asksFirst = false;  // plain lines instead of the terminal page: the introduction waits for Continue
 
   // Call it before the engine is started.
   void watchLog(std::string path);

@@ -120,6 +120,9 @@ Span resultHeading(const RunResult& result) {
   if (!result.hasSummary) {
     return {_("The installation ended unexpectedly."), Style::bad};
   }
+  if (result.status == ExitStatus::stopped) {
+    return {_("The installation was stopped."), Style::bad};
+  }
   return {result.bytes != 0.0 ? _("The installation is not complete.") : _("The installation failed."),
           Style::bad};
 }
@@ -139,7 +142,9 @@ std::vector<Line> resultLines(const RunResult& result, int width) {
     append(lines, labelledLines(in, result.destination, indent, width));
   } else {
     const std::string whatToDo =
-        result.failures.count > 0
+        result.status == ExitStatus::stopped
+            ? _("The files copied so far are kept. Run the installer again to complete the installation.")
+        : result.failures.count > 0
             ? plural("{0} failure. Fix the problem below, then run the installer again.",
                      "{0} failures. Fix the problems below, then run the installer again.",
                      result.failures.count)
@@ -154,6 +159,9 @@ std::vector<Line> resultLines(const RunResult& result, int width) {
       !split.empty()) {
     append(lines, labelledLines(time, split, indent, width));
   }
+  for (const std::string& text : result.remaining) {
+    append(lines, wrappedLines(text, width));
+  }
   if (!result.log.empty()) {
     append(lines, labelledLines(log, result.log, indent, width));
   }
@@ -167,6 +175,14 @@ std::string timeSplitText(double copyingSeconds, double waitingSeconds, double s
              ? std::string()
              : format(_("{0} copying, {1} waiting for discs, {2} in all"),
                       {durationText(copyingSeconds), durationText(waitingSeconds), durationText(seconds)});
+}
+
+std::vector<std::string> remainingTexts(const std::vector<event::Remaining>& remaining) {
+  std::vector<std::string> texts;
+  for (const event::Remaining& copy : remaining) {
+    texts.push_back(format(_("Still to install: {0}"), {copy.source}));
+  }
+  return texts;
 }
 
 std::string logLine(const std::string& logPath) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/base/exit_status.h"
+#include "host/protocol/messages.h"
 #include "host/ui/introduction.h"
 #include "host/ui/styled_text.h"
 
@@ -41,8 +42,9 @@ struct RunResult {
   double waitingSeconds = 0.0;
   std::string destination;  // the data folder
   Failures failures;
-  std::string log;                    // empty: it is not shown
-  std::vector<std::string> messages;  // what commands printed on standard error
+  std::vector<std::string> remaining;  // where the run was stopped: a line for each folder
+  std::string log;                     // empty: it is not shown
+  std::vector<std::string> messages;   // what commands printed on standard error
 
   // The engine reports success, and there is no failure.
   [[nodiscard]] bool isSuccess() const { return status == ExitStatus::success && failures.count == 0; }
@@ -57,6 +59,9 @@ struct RunResult {
 
 // "3 min 20 s copying, 1 min waiting for discs, 4 min 30 s in all"; empty where nothing was waited for.
 [[nodiscard]] std::string timeSplitText(double copyingSeconds, double waitingSeconds, double seconds);
+
+// "Still to install: /Volumes/Tessaphon B/TANV1", a line for each.
+[[nodiscard]] std::vector<std::string> remainingTexts(const std::vector<event::Remaining>& remaining);
 
 // "The log is /Users/you/installationLog.txt.", as a line; empty where `log` is.
 [[nodiscard]] std::string logLine(const std::string& log);

@@ -10,6 +10,7 @@
 #include <sys/eventfd.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
+#include <sys/socket.h>
 #include <sys/vfs.h>
 #include <unistd.h>
 
@@ -47,6 +48,18 @@ void forbidTracing() noexcept { prctl(PR_SET_DUMPABLE, 0); }
 void closeDescriptorsOnExec() noexcept { close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC); }
 
 void endWithParentProcess() noexcept { prctl(PR_SET_PDEATHSIG, SIGTERM); }
+
+std::string runtimeFolder() {
+  const char* folder = std::getenv("XDG_RUNTIME_DIR");
+  return folder != nullptr && *folder != '\0' ? folder : "/run/user/" + std::to_string(geteuid());
+}
+
+std::optional<uid_t> userAtOtherEnd(int socket) noexcept {
+  ucred found{};
+  socklen_t size = sizeof found;
+  const bool isKnown = getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &found, &size) == 0 && size == sizeof found;
+  return isKnown ? std::optional(found.uid) : std::nullopt;
+}
 
 WakeUp::WakeUp() noexcept : readEnd_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)), writeEnd_(readEnd_) {
   if (readEnd_ < 0) {

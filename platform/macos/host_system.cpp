@@ -1,6 +1,7 @@
 #include "platform/host_system.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <fcntl.h>
 #include <iterator>
@@ -59,5 +60,17 @@ void closeDescriptorsOnExec() noexcept {
 
 // There is no such request. A process whose parent has ended notices its closed pipe.
 void endWithParentProcess() noexcept {}
+
+std::string runtimeFolder() {
+  std::array<char, 1024> folder{};
+  const std::size_t size = confstr(_CS_DARWIN_USER_TEMP_DIR, folder.data(), folder.size());
+  return size > 0 && size <= folder.size() ? folder.data() : "";
+}
+
+std::optional<uid_t> userAtOtherEnd(int socket) noexcept {
+  uid_t user = 0;
+  gid_t group = 0;
+  return getpeereid(socket, &user, &group) == 0 ? std::optional(user) : std::nullopt;
+}
 
 }  // namespace tavenhall

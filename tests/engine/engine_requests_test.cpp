@@ -28,7 +28,8 @@ class EngineAtPipes : public EngineRun {
       : requests(makePipe()),
         events(makePipe()),
         writer(std::in_place, events.writeEnd),
-        engine(std::in_place, &*writer, ejectNote, [this](ExitStatus, const std::string&) {
+        hub(&*writer),
+        engine(std::in_place, hub, ejectNote, [this](ExitStatus, const std::string&) {
           hasNoAnswer = true;
           throw std::logic_error("no answer");
         }) {
@@ -77,6 +78,7 @@ class EngineAtPipes : public EngineRun {
   Pipe requests;
   Pipe events;
   std::optional<EventWriter> writer;
+  EventHub hub;
   std::optional<Engine> engine;
   LineReader lines{events.readEnd};
   std::deque<Event> received;

@@ -91,7 +91,8 @@ class EngineRun : public testing::Test {
 
   // Runs an engine without input over these commands; alerts get their first button.
   void run(std::deque<Command> commands) {
-    Engine engine(nullptr, ejectNote,
+    EventHub events;
+    Engine engine(events, ejectNote,
                   [](ExitStatus, const std::string&) { throw std::logic_error("no alert is shown"); });
     engine.makePage(makeTestPage);
     engine.setCommands(std::move(commands));

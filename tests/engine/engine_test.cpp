@@ -30,7 +30,8 @@ TEST_F(EngineRun, NextIsOffUntilThePageEnablesIt) {
 }
 
 TEST_F(EngineRun, RefusesAPluginOfAnotherInterfaceVersion) {
-  Engine engine(nullptr, ejectNote, [](ExitStatus, const std::string&) {});
+  EventHub events;
+  Engine engine(events, ejectNote, [](ExitStatus, const std::string&) {});
   EXPECT_THROW(engine.makePage([](InstallerHost*, std::uint32_t) -> InstallerPane* { return nullptr; }),
                UsageError);
 }

@@ -58,14 +58,18 @@ bool isRenewing() {
   return variable != nullptr && std::string_view(variable) == "1";
 }
 
-// The events as an installer reports them that does not know how far the copy is, and audits nothing.
+// The events as an installer reports them that knows neither how far the copy is nor what else happens, and
+// audits nothing.
 std::string withoutCopyState(const std::string& events) {
   std::string text;
   std::istringstream lines(events);
   for (std::string line; std::getline(lines, line);) {
     if (line.starts_with(R"({"event":"copy.)") || line.starts_with(R"({"event":"audit)") ||
-        line.starts_with(R"({"event":"phase")")) {
+        line.starts_with(R"({"event":"phase")") || line.starts_with(R"({"event":"answered")")) {
       continue;
+    }
+    if (line.starts_with(R"({"event":"alert")")) {
+      line = line.substr(0, line.rfind(R"(,"number":)")) + "}";
     }
     if (line.starts_with(R"({"event":"sheet")")) {
       line = line.substr(0, line.rfind(R"(,"file":)")) + "}";

@@ -148,7 +148,7 @@ TEST(Summary, ListsTheCopiesAndTheAlerts) {
       R"("Lite installation detected for Tessaphon. Performing a Lite data update.",)"
       R"("buttons":["Continue"],"answer":1000}],"sheets":[],"bytes":6144,"files":2,)"
       R"("installed":true,"audit":{"files":2,"folders":2,"bytes":6144,"skipped":0,"failures":0},)"
-      R"("copyingSeconds":0,"waitingSeconds":0,"checkingSeconds":0,"status":0,"reason":"","failedFiles":[]})");
+      R"("copyingSeconds":0,"waitingSeconds":0,"checkingSeconds":0,"status":0,"reason":"","failedFiles":[],"remaining":[]})");
 }
 
 TEST(Summary, ListsTheSheets) {
@@ -169,7 +169,7 @@ TEST(Summary, ListsTheSheets) {
       R"({"button":"OK","message":"The installation of the Tessaphon data has not finished.","file":""}],"bytes":0,"files":0,)"
       R"("installed":false,"audit":{"files":0,"folders":0,"bytes":0,"skipped":0,"failures":0},)"
       R"("copyingSeconds":0.0,"waitingSeconds":0.0,"checkingSeconds":0.0,"status":1,)"
-      R"("reason":"Files to be installed not found.","failedFiles":[]})");
+      R"("reason":"Files to be installed not found.","failedFiles":[],"remaining":[]})");
 }
 
 }  // namespace

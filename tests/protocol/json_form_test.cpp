@@ -40,6 +40,7 @@ event::Summary wholeSummary() {
   summary.status = 1;
   summary.reason = "not installed: 1";
   summary.failedFiles = {{"size", "/Volumes/A/TANVO/a.db", "/T/a.db", 1, "2 of 4 bytes"}};
+  summary.remaining = {{"/Volumes/B/TANVO", 2}};
   summary.facts = {"/Set/A.pkg", "Tessaphon", "Lite", "/T", 2, "/log.txt", "2026-11-23T03:18:56Z", "0.1.0"};
   return summary;
 }
@@ -92,9 +93,16 @@ INSTANTIATE_TEST_SUITE_P(
         EventLine{event::AuditFailure{"size", "/Volumes/A/TANVO/a.db", "/T/a.db", 1, "2 of 4 bytes"},
                   R"({"event":"audit.failure","problem":"size","source":"/Volumes/A/TANVO/a.db",)"
                   R"("destination":"/T/a.db","volume":1,"detail":"2 of 4 bytes"})"},
-        EventLine{event::Alert{"Ready for next volume", "Please insert Tessaphon B", {"OK", "Skip"}, 1},
+        EventLine{event::Alert{"Ready for next volume", "Please insert Tessaphon B", {"OK", "Skip"}, 1, 3},
                   R"({"event":"alert","message":"Ready for next volume",)"
-                  R"("informative":"Please insert Tessaphon B","buttons":["OK","Skip"],"style":1})"},
+                  R"("informative":"Please insert Tessaphon B","buttons":["OK","Skip"],"style":1,"number":3})"},
+        EventLine{event::Answered{3, 1001}, R"({"event":"answered","number":3,"button":1001})"},
+        EventLine{event::Attached{{"", "Tessaphon", "", "", 2, "", "", ""}, true, true, 12.5},
+                  R"({"event":"attached","answers":true,"barWraps":true,"seconds":12.5,"package":"",)"
+                  R"("product":"Tessaphon","edition":"","destination":"","volumes":2,"log":"","started":"",)"
+                  R"("version":""})"},
+        EventLine{event::Past{0.25}, R"({"event":"past","seconds":0.25})"},
+        EventLine{event::Present{}, R"({"event":"present"})"},
         EventLine{
             event::Sheet{"OK", "100 %s of \"it\"", "/Volumes/A/TANVO/2.db"},
             R"({"event":"sheet","button":"OK","message":"100 %s of \"it\"","file":"/Volumes/A/TANVO/2.db"})"},
@@ -118,7 +126,7 @@ INSTANTIATE_TEST_SUITE_P(
                   R"("source":"/Volumes/A/TANVO/a.db","destination":"/T/a.db","volume":1,)"
                   R"("detail":"2 of 4 bytes"}],"package":"/Set/A.pkg","product":"Tessaphon","edition":"Lite",)"
                   R"("destination":"/T","volumes":2,"log":"/log.txt","started":"2026-11-23T03:18:56Z",)"
-                  R"("version":"0.1.0"})"}));
+                  R"("version":"0.1.0","remaining":[{"source":"/Volumes/B/TANVO","volume":2}]})"}));
 
 TEST(EventForm, BytesThatAreNotUtf8AreReplaced) {
   EXPECT_EQ(encode(event::Title{"Caf\xE9, \xFF"}),
@@ -148,7 +156,7 @@ TEST(SummaryFile, HasTheFieldsOfTheEvent) {
             R"("installed":false,"audit":{"files":0,"folders":0,"bytes":0,"skipped":0,"failures":0},)"
             R"("copyingSeconds":0.0,"waitingSeconds":0.0,"checkingSeconds":0.0,"status":0,"reason":"",)"
             R"("failedFiles":[],"package":"","product":"","edition":"","destination":"","volumes":0,"log":"",)"
-            R"("started":"","version":""})"
+            R"("started":"","version":"","remaining":[]})"
             "\n");
 }
 
@@ -160,9 +168,11 @@ int buttonOf(std::string_view line) { return std::get<Answer>(requestOf(line)).b
 bool isBad(std::string_view line) { return std::holds_alternative<BadRequest>(decodeRequest(line)); }
 
 TEST(RequestForm, EveryCommandHasItsName) {
-  for (const auto& [name, command] : {std::pair("title", Command::title), std::pair("enter", Command::enter),
-                                      std::pair("forward", Command::forward), std::pair("back", Command::back),
-                                      std::pair("quit", Command::quit), std::pair("wait", Command::wait)}) {
+  for (const auto& [name, command] :
+       {std::pair("title", Command::title), std::pair("enter", Command::enter),
+        std::pair("forward", Command::forward), std::pair("back", Command::back),
+        std::pair("quit", Command::quit), std::pair("wait", Command::wait), std::pair("stop", Command::stop),
+        std::pair("no-answers", Command::noAnswers)}) {
     const std::string line = R"({"do":")" + std::string(name) + R"("})";
     EXPECT_EQ(commandOf(line), command);
     EXPECT_EQ(encode(Request(command)), line + "\n");
@@ -177,6 +187,16 @@ TEST(RequestForm, AnAnswerIsAWholeNumberOf32Bits) {
   for (const char* line :
        {R"({"answer":2147483648})", R"({"answer":18446744073709551615})", R"({"answer":99999999999999999999})",
         R"({"answer":1000.0})", R"({"answer":"1000"})", R"({"answer":true})"}) {
+    EXPECT_TRUE(isBad(line)) << line;
+  }
+}
+
+TEST(RequestForm, AnAnswerMayNameItsAlert) {
+  EXPECT_EQ(encode(Request(Answer{1001, 2})), "{\"answer\":1001,\"alert\":2}\n");
+  EXPECT_EQ(std::get<Answer>(requestOf(R"({"alert":2,"answer":1001})")).alert, 2);
+  for (const char* line :
+       {R"({"answer":1000,"alert":0})", R"({"answer":1000,"alert":-1})", R"({"answer":1000,"alert":"1"})",
+        R"({"answer":1000,"alert":2147483648})", R"({"answer":1000,"alert":1,"more":1})", R"({"alert":1})"}) {
     EXPECT_TRUE(isBad(line)) << line;
   }
 }

@@ -147,6 +147,7 @@ void enterPrivateRoot() {
   require(umount2(kOldRoot.c_str(), MNT_DETACH) == 0, "detaching the old root");
   require(rmdir(kOldRoot.c_str()) == 0, "removing the old root's folder");
   require(setenv("HOME", kHome, 1) == 0, "HOME");
+  require(setenv("XDG_RUNTIME_DIR", "/nowhere", 1) == 0, "XDG_RUNTIME_DIR");
   unsetLocale();
 }
 

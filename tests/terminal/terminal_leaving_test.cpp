@@ -159,14 +159,18 @@ TEST_F(TerminalLeaving, WithoutATerminalCommandsCanStillPrint) {
   EXPECT_TRUE(exists("/tmp/spoken"));
 }
 
-TEST_F(TerminalLeaving, AnAlertThatCannotBeAnsweredEndsTheInstall) {
+TEST_F(TerminalLeaving, AnInstallWithoutItsTerminalWaitsAtAnAlertForAnother) {
   RunningInstall install(std::string(kLongCopy) +
                          "alert Next disc|Please insert B|OK\nrun touch /tmp/answered\n");
   install.terminal.close();
   waitForEndOf(install.program);
   let("go");
-  waitForEndOf(install.engine);
+  TmuxTerminal another(80, 24, {kTavinstall, "attach"});
+  another.waitFor("Please insert B");
   EXPECT_FALSE(exists("/tmp/answered"));
+  another.press({"Enter"});
+  waitForEndOf(install.engine);
+  EXPECT_TRUE(exists("/tmp/answered"));
 }
 
 TEST_F(TerminalLeaving, ACrashOfThePageGivesTheTerminalBackAndHarmsNothing) {

@@ -72,18 +72,28 @@ TEST_F(TerminalStart, ASecondInstallOfTheSameUserIsRefused) {
     const Outcome second = runThrough(with(command, {"--ui", frontend}));
     EXPECT_EQ(second.status, 5) << frontend;
     EXPECT_EQ(second.error,
-              "tavinstall: another installation of yours is running; start this one after it has ended\n");
+              "tavinstall: another installation of yours is running; \"tavinstall attach\" shows it\n");
   }
 }
 
-TEST_F(TerminalStart, ASecondInstallIsRefusedBeforeItShowsAPage) {
+TEST_F(TerminalStart, ASecondInstallOffersToShowTheFirst) {
   const auto command = runScript("instructions Now installing.\nalert Next disc|Please insert B|OK\n");
   ChildProgram first(with(command, {"--ui", "plain"}));
   for (auto line = first.readLine(); line && line != "  1) OK"; line = first.readLine()) {
   }
+  TmuxTerminal refusing(100, 24, command);
+  refusing.waitFor("Another installation of yours is running. Show it? [Y/n]");
+  refusing.press({"n", "Enter"});
+  EXPECT_THAT(refusing.waitFor("[ended with"),
+              HasSubstr("tavinstall: another installation of yours is running; "
+                        "\"tavinstall attach\" shows it\n[ended with 5]"));
   TmuxTerminal second(100, 24, command);
-  EXPECT_THAT(second.waitFor("[ended with"), HasSubstr("tavinstall: another installation of yours is running; "
-                                                       "start this one after it has ended\n[ended with 5]"));
+  second.waitFor("Show it? [Y/n]");
+  second.press({"Enter"});
+  second.waitFor("Please insert B");
+  second.press({"Enter"});
+  second.waitFor("The installation failed.");  // it has copied nothing
+  EXPECT_EQ(first.waitForEnd(), 1);
 }
 
 TEST_F(TerminalStart, AnotherUsersInstallIsNotRefused) {
