@@ -25,9 +25,9 @@ _tavinstall() {
 
   local options
   case $command in
-    run) options="--package --install-type --product --bundle --ui --summary --unattended --disc-timeout --optional-discs --no-preinstall --trusted --without-attributes --help" ;;
+    run) options="--package --install-type --product --bundle --ui --no-notify --summary --unattended --disc-timeout --optional-discs --no-preinstall --trusted --without-attributes --help" ;;
     status) options="--json --help" ;;
-    attach) options="--ui --help" ;;
+    attach) options="--ui --no-notify --help" ;;
     stop) options="--help" ;;
     rehearse) options="--product --install-type --installed --allow-outside --late --keep --report --ui --help" ;;
     check) options="--product --install-type --installed --format --help" ;;

@@ -25,6 +25,7 @@ complete -c tavinstall -n '__fish_seen_subcommand_from check log' -l format -x -
 
 complete -c tavinstall -n '__fish_seen_subcommand_from run' -l package -r -F -d 'The installer package'
 complete -c tavinstall -n '__fish_seen_subcommand_from run' -l bundle -x -a '(__fish_complete_directories)' -d 'The plug-in bundle'
+complete -c tavinstall -n '__fish_seen_subcommand_from run attach' -l no-notify -d 'No bell, window title or notification'
 complete -c tavinstall -n '__fish_seen_subcommand_from run' -l summary -r -F -d 'Write the run summary to this file'
 complete -c tavinstall -n '__fish_seen_subcommand_from run' -l unattended -d 'Never ask; fail at once if anything is missing'
 complete -c tavinstall -n '__fish_seen_subcommand_from run' -l disc-timeout -x -d 'Unattended: wait so many seconds for each disc'

@@ -85,8 +85,9 @@ ExitStatus showStatus(bool asJson) {
   return status.prompt() != nullptr ? ExitStatus::warnings : ExitStatus::success;
 }
 
-ExitStatus attachTo(const AttachedEngine& attached, Frontend frontend) {
+ExitStatus attachTo(const AttachedEngine& attached, Frontend frontend, const NoticeAbilities& notices) {
   RunDescription description;
+  description.notices = notices;
   description.attached = attached.run;
   description.isUnattended = !attached.run.takesAnswers;
   const event::RunFacts& facts = attached.run.facts;
@@ -99,12 +100,12 @@ ExitStatus attachTo(const AttachedEngine& attached, Frontend frontend) {
                                         : runPlainFrontend(attached.connection, description);
 }
 
-ExitStatus attach(Frontend frontend) {
+ExitStatus attach(Frontend frontend, const NoticeAbilities& notices) {
   const auto attached = attachToEngine();
   if (!attached) {
     throw unreachable();
   }
-  return attachTo(*attached, frontend);
+  return attachTo(*attached, frontend, notices);
 }
 
 ExitStatus stop() {
@@ -155,7 +156,7 @@ ExitStatus stop() {
 
 }  // namespace
 
-std::optional<ExitStatus> offerRunningInstall(Frontend frontend) {
+std::optional<ExitStatus> offerRunningInstall(Frontend frontend, const NoticeAbilities& notices) {
   if (!installRuns()) {
     return std::nullopt;
   }
@@ -171,7 +172,7 @@ std::optional<ExitStatus> offerRunningInstall(Frontend frontend) {
   if (!isRead || line[0] == 'n' || line[0] == 'N') {
     return std::nullopt;
   }
-  return attach(frontend);
+  return attach(frontend, notices);
 }
 
 void addAttachCommands(CommandLine& commandLine) {
@@ -180,14 +181,22 @@ void addAttachCommands(CommandLine& commandLine) {
   status->add_flag("--json", *asJson, _("Print it as JSON"));
   status->callback([&commandLine, asJson] { commandLine.chosen = [asJson] { return showStatus(*asJson); }; });
 
-  const auto ui = std::make_shared<std::string>();
+  struct AttachArguments {
+    std::string ui;
+    bool isWithoutNotices = false;
+  };
+  const auto arguments = std::make_shared<AttachArguments>();
   CLI::App* attachCommand =
       commandLine.program.add_subcommand("attach", _("Show a running installation and answer its prompts"));
-  attachCommand->add_option("--ui", *ui, _("Frontend: plain or terminal"))
+  attachCommand->add_option("--ui", arguments->ui, _("Frontend: plain or terminal"))
       ->check(oneOf({"plain", "terminal"}))
       ->type_name("FRONTEND");
-  attachCommand->callback(
-      [&commandLine, ui] { commandLine.chosen = [ui] { return attach(frontendFor(*ui)); }; });
+  addNotifyOption(*attachCommand, arguments->isWithoutNotices);
+  attachCommand->callback([&commandLine, arguments] {
+    commandLine.chosen = [arguments] {
+      return attach(frontendFor(arguments->ui), noticesFor(arguments->isWithoutNotices));
+    };
+  });
 
   CLI::App* stopCommand =
       commandLine.program.add_subcommand("stop", _("Stop a running installation after the current file"));

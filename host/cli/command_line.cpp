@@ -10,9 +10,11 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
+#include <cstdlib>
 #include <iterator>
 #include <string_view>
 #include <system_error>
+#include <unistd.h>
 #include <vector>
 
 namespace tavenhall {
@@ -179,6 +181,14 @@ void addFrontendOption(CLI::App& command, std::string& name) {
       ->type_name("FRONTEND");
 }
 
+void addNotifyOption(CLI::App& command, bool& isOff) {
+  command.add_flag("--no-notify", isOff, _("No bell, window title or notification"));
+}
+
+NoticeAbilities noticesFor(bool isOff) {
+  return isOff || isatty(STDOUT_FILENO) == 0 ? NoticeAbilities() : noticeAbilities(std::getenv);
+}
+
 Frontend frontendFor(const std::string& name) {
   if (name == "json") {
     return Frontend::json;
@@ -263,7 +273,7 @@ std::string exitStatusText() {
 }
 
 std::string helpText(const CLI::App& command) {
-  constexpr int kNameColumns = 23;
+  constexpr int kNameColumns = 24;
   std::string text = command.get_description() + "\n" + usageOf(command) + "\n\n";
   for (const CLI::App* subcommand : command.get_subcommands([](const CLI::App*) { return true; })) {
     text += entry(subcommand->get_name(), subcommand->get_description(), kNameColumns);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/base/exit_status.h"
+#include "host/ui/terminal_notices.h"
 
 #include <CLI/CLI.hpp>
 #include <functional>
@@ -37,6 +38,12 @@ enum class Frontend { json, plain, quiet, terminal };
 
 // Adds the option --ui, which sets `name`.
 void addFrontendOption(CLI::App& command, std::string& name);
+
+// Adds the option --no-notify.
+void addNotifyOption(CLI::App& command, bool& isOff);
+
+// What a frontend may do besides showing lines, on the terminal that standard output is.
+[[nodiscard]] NoticeAbilities noticesFor(bool isOff);
 
 // Returns the frontend of that name; for an empty name the terminal frontend if the terminal is usable, else
 // the plain one.

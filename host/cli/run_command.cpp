@@ -42,6 +42,7 @@ struct RunArguments {
   std::string discTimeout;    // seconds; empty: 0
   std::string optionalDiscs;  // "skip", "wait" or empty: skip
   bool isUnattended = false;
+  bool isWithoutNotices = false;
   bool noPreInstall = false;
   bool isTrusted = false;
   bool isWithoutAttributes = false;
@@ -227,6 +228,7 @@ ExitStatus runPlain(const RunArguments& arguments, const EngineOptions& options,
     description.watchLog(usersInstallationLog());
   }
   description.isUnattended = options.unattended.has_value();
+  description.notices = noticesFor(arguments.isWithoutNotices);
   description.asksFirst = plan && fallsBack(arguments, options);
   const bool hasTerminal = !description.isUnattended && hasControllingTerminal();
   return runPlainFrontend(startEngine(options, {.hasPasswordTerminal = hasTerminal}), description);
@@ -237,7 +239,7 @@ ExitStatus run(const RunArguments& arguments) {
       frontendFor(arguments.isUnattended && arguments.ui.empty() ? "plain" : arguments.ui);
   const bool isInteractive = !arguments.isUnattended && isatty(STDIN_FILENO) != 0 && isatty(STDOUT_FILENO) != 0;
   if (isInteractive && (frontend == Frontend::terminal || frontend == Frontend::plain)) {
-    if (const auto status = offerRunningInstall(frontend)) {
+    if (const auto status = offerRunningInstall(frontend, noticesFor(arguments.isWithoutNotices))) {
       return *status;
     }
   }
@@ -267,7 +269,8 @@ ExitStatus run(const RunArguments& arguments) {
     case Frontend::plain: return runPlain(arguments, options, plan);
     case Frontend::terminal: break;
   }
-  const RunDescription description = describeRun(*plan);
+  RunDescription description = describeRun(*plan);
+  description.notices = noticesFor(arguments.isWithoutNotices);
   return runTerminalFrontend(startEngine(options, {.capturesErrors = true, .hasPasswordTerminal = true}),
                              description);
 }
@@ -292,13 +295,14 @@ void addRunCommand(CommandLine& commandLine) {
       ->type_name("DIR")
       ->excludes(product);
   addFrontendOption(*run, arguments->ui);
+  addNotifyOption(*run, arguments->isWithoutNotices);
   run->add_option("--summary", arguments->summary, _("Write the run summary to this file, as JSON"))
       ->type_name("FILE");
   run->add_flag("--unattended", arguments->isUnattended, _("Never ask; fail at once if anything is missing"));
   run->add_option("--disc-timeout", arguments->discTimeout,
                   _("Unattended: wait so long for each disc (default: 0)"))
       ->check(wholeNumber())
-      ->type_name("SECONDS");
+      ->type_name("SEC");
   run->add_option("--optional-discs", arguments->optionalDiscs, _("Unattended: skip (default) or wait"))
       ->check(oneOf({"skip", "wait"}))
       ->type_name("ACTION");

@@ -3,6 +3,7 @@
 #include "host/base/child_process.h"
 #include "host/base/text.h"
 #include "host/plain/password_prompt.h"
+#include "host/plain/plain_notices.h"
 #include "host/plain/plain_printer.h"
 #include "host/ui/run_result.h"
 #include "platform/host_system.h"
@@ -44,6 +45,14 @@ class PlainFrontend {
       : engine_(engine), description_(description) {}
 
   ExitStatus run() {
+    send(notices_.begin());
+    const ExitStatus status = play();
+    send(notices_.leave());
+    return status;
+  }
+
+ private:
+  ExitStatus play() {
     signalWakeUp = &wakeUp_;
     struct sigaction action {};
     action.sa_handler = noteSignal;
@@ -69,7 +78,6 @@ class PlainFrontend {
     return finish();
   }
 
- private:
   void begin() {
     engine_.send(Command::title);
     if (description_.asksFirst) {
@@ -89,6 +97,7 @@ class PlainFrontend {
     if (!status || wasStopped) {
       summary_.reset();  // it is not the engine's last word
     }
+    send(notices_.end(status == ExitStatus::success));
     const ExitStatus result = wasStopped ? ExitStatus::stopped : status.value_or(ExitStatus::failure);
     printResult(result);
     if (description_.isUnattended && result != ExitStatus::success && !reason.empty()) {
@@ -191,6 +200,7 @@ class PlainFrontend {
       return;
     }
     passwordPrompt_.reset();
+    send(notices_.setPasswordIsNeeded(passwords.prompt().has_value()));
     if (passwords.prompt()) {
       printer_.flush();
       passwordPrompt_.emplace("? " + format(_("A command prompts: {0}"), {printableText(*passwords.prompt())}) +
@@ -215,6 +225,7 @@ class PlainFrontend {
 
   void handle(const Event& event) {
     printer_.show(event, engine_.eventTime());
+    send(notices_.handle(event));
     std::visit(EventVisitor{[this](const event::Alert& alert) {
                               if (!description_.isUnattended) {
                                 alert_ = alert;
@@ -245,6 +256,13 @@ class PlainFrontend {
                             [this](const event::Summary& summary) { summary_ = summary; },
                             [](const auto& /*other*/) {}},
                event);
+  }
+
+  // To the terminal; empty where standard output is none.
+  void send(const std::string& sequences) {
+    if (!sequences.empty() && !isStopped_) {
+      static_cast<void>(writeUnless(STDOUT_FILENO, sequences, wakeUp_.descriptor()));
+    }
   }
 
   // Another frontend was quicker, or it is the past.
@@ -334,6 +352,7 @@ class PlainFrontend {
   const RunDescription& description_;
   bool isOutputStuck_ = false;  // nobody has read it since the run was stopped
   PlainPrinter printer_{[this](std::string_view line) { print(line); }, !description_.isUnattended};
+  PlainNotices notices_{description_};
   LineReader answerLines_{STDIN_FILENO};
   std::optional<PasswordPrompt> passwordPrompt_;  // while a command asks
   std::deque<std::string> typed_;

@@ -8,6 +8,7 @@
 #include "host/ui/progress_meter.h"
 #include "host/ui/run_result.h"
 #include "host/ui/styled_text.h"
+#include "host/ui/terminal_notices.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -117,6 +118,8 @@ class PageModel {
   [[nodiscard]] std::vector<PageWindow> windows() const;  // the front one last
   [[nodiscard]] bool hasWindow() const { return question_ || password_ || alert_ || !sheets_.isEmpty(); }
   [[nodiscard]] bool isWaitingForUser() const { return password_ || alert_; }
+
+  [[nodiscard]] TerminalNotice terminalNotice() const;
 
   [[nodiscard]] ProgressMeter& meter() { return meter_; }
   [[nodiscard]] const std::deque<std::string>& messages() const { return messages_; }

@@ -98,6 +98,22 @@ PageWindow PageModel::helpWindow() const {
   return window;
 }
 
+TerminalNotice PageModel::terminalNotice() const {
+  TerminalNotice notice;
+  notice.product = introduction_.productName;
+  if (stage_ == Stage::summary) {
+    notice.end = result_.isSuccess() ? TerminalNotice::End::success : TerminalNotice::End::failure;
+  } else if (meter_.isStarted()) {
+    notice.percent = meter_.percent();
+  }
+  if (password_) {
+    notice.need = _("A password is needed");
+  } else if (alert_ && takesAnswers_) {
+    notice.need = alertShown_.informative;
+  }
+  return notice;
+}
+
 std::vector<PageWindow> PageModel::windows() const {
   std::vector<PageWindow> shown;
   if (!sheets_.isEmpty()) {

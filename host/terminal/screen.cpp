@@ -164,7 +164,7 @@ struct Screen::State {
   }
 };
 
-Screen::Screen() : state_(std::make_unique<State>()) {
+Screen::Screen(const std::string& atEnd) : state_(std::make_unique<State>()) {
   State& state = *state_;
   const int memory = openMemoryFile();
   state.input.reset(fdopen(openTerminal(STDIN_FILENO), "r"));
@@ -176,7 +176,7 @@ Screen::Screen() : state_(std::make_unique<State>()) {
   if (state.screen == nullptr) {
     throw std::runtime_error(_("cannot use the terminal"));
   }
-  state.restorer = std::make_unique<ScreenRestorer>(state.output.get(), leaveScreenSequence());
+  state.restorer = std::make_unique<ScreenRestorer>(state.output.get(), leaveScreenSequence() + atEnd);
   state.palette = std::make_unique<Palette>();
   noecho();
   curs_set(0);
@@ -227,6 +227,13 @@ void Screen::draw(const std::vector<Layer>& layers) {
   doupdate();
   state_->takeSpool();
   writeBacklog();
+}
+
+void Screen::send(const std::string& sequences) {
+  if (!sequences.empty()) {
+    state_->backlog += sequences;
+    writeBacklog();
+  }
 }
 
 void Screen::takeNewSize() {

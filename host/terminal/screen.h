@@ -25,8 +25,9 @@ struct Input {
 // read, such as a hanging connection, must not delay the reading of events.
 class Screen {
  public:
-  // Throws std::runtime_error if curses cannot use this terminal.
-  Screen();
+  // `atEnd` is written to the terminal at the end, also at a crash. Throws std::runtime_error if curses cannot
+  // use this terminal.
+  explicit Screen(const std::string& atEnd = "");
   Screen(const Screen&) = delete;
   Screen& operator=(const Screen&) = delete;
   ~Screen();
@@ -36,6 +37,9 @@ class Screen {
 
   // Draws the layers, the last one in front. Call it only while nothing is backlogged.
   void draw(const std::vector<Layer>& layers);
+
+  // Writes escape sequences that change nothing of what is drawn.
+  void send(const std::string& sequences);
 
   // Call it after the terminal's size has changed.
   void takeNewSize();

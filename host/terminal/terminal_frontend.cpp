@@ -76,7 +76,8 @@ class TerminalFrontend {
       }
     }
     takeSignals(wakeUp_);
-    screen_ = std::make_unique<Screen>();
+    screen_ = std::make_unique<Screen>(notices_.end());
+    screen_->send(notices_.begin());
     while (!end_) {
       step();
     }
@@ -177,6 +178,7 @@ class TerminalFrontend {
     }
     layers_ = layOut(model_, now, screen_->size(), screen_->signs());
     screen_->draw(layers_);
+    screen_->send(notices_.update(model_.terminalNotice()));
     lastDrawn_ = now;
     isChanged_ = false;
   }
@@ -330,6 +332,7 @@ class TerminalFrontend {
   WakeUp wakeUp_;
   EngineClient engine_;
   PageModel model_;
+  TerminalNotices notices_{description_.notices};
   std::unique_ptr<Screen> screen_;
   std::vector<Layer> layers_;
   bool isChanged_ = true;  // since it was drawn

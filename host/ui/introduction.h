@@ -3,6 +3,7 @@
 #include "host/base/text.h"
 #include "host/protocol/messages.h"
 #include "host/ui/styled_text.h"
+#include "host/ui/terminal_notices.h"
 
 #include <cstdint>
 #include <functional>
@@ -44,6 +45,7 @@ struct RunDescription {
       _("The files copied so far are kept. Run the installer again to complete the installation.");
 
   bool isUnattended = false;                // the frontend must not ask
+  NoticeAbilities notices;                  // of the terminal, as far as the user wants them
   std::optional<event::Attached> attached;  // the run that the frontend has attached to
   bool asksFirst = false;  // plain lines instead of the terminal page: the introduction waits for Continue
 

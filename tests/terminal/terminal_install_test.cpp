@@ -60,6 +60,26 @@ void layOneDiscSet() {
       "Mode = InstallFromVolumes\nInstallDataTitle = Installing Tessaphon Data\nTotalSizeMillionsBytes = 2\n");
 }
 
+TEST_F(TerminalInstall, TheWindowsTitleTellsWhatAPersonIsNeededFor) {
+  const auto command = runScript("instructions Now installing.\nalert Next disc|Please insert B|OK\n");
+  for (const bool isQuiet : {false, true}) {
+    auto arguments = command;
+    if (isQuiet) {
+      arguments.emplace_back("--no-notify");
+    }
+    TmuxTerminal terminal(80, 24, arguments);
+    const std::string before = terminal.ask("#{pane_title}");
+    terminal.waitFor("Press Continue to begin.");
+    terminal.press({"Enter"});
+    terminal.waitFor("Please insert B");
+    EXPECT_EQ(terminal.ask("#{pane_title}"), isQuiet ? before : "Please insert B - Tessaphon");
+    terminal.press({"Enter"});
+    terminal.waitFor("The installation failed.");  // it has copied nothing
+    EXPECT_EQ(terminal.ask("#{pane_title}"),
+              isQuiet ? before : "The installation is not complete. - Tessaphon");
+  }
+}
+
 TEST_F(TerminalInstall, AFailureIsASheetAndIsNamedOnTheLastPage) {
   layOneDiscSet();
   makeFolder(std::string(kTanvo) + "/Tessaphon/Keyboards/002.db");
