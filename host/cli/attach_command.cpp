@@ -69,7 +69,7 @@ RunStatus statusOfRun(const AttachedEngine& attached) {
 }
 
 ExitStatus showStatus(bool asJson) {
-  const auto attached = attachToEngine();
+  const auto attached = attachToEngine(installLockFolder());
   if (!attached) {
     const bool isRunning = installRuns();
     if (asJson) {
@@ -101,7 +101,7 @@ ExitStatus attachTo(const AttachedEngine& attached, Frontend frontend, const Not
 }
 
 ExitStatus attach(Frontend frontend, const NoticeAbilities& notices) {
-  const auto attached = attachToEngine();
+  const auto attached = attachToEngine(installLockFolder());
   if (!attached) {
     throw unreachable();
   }
@@ -109,7 +109,7 @@ ExitStatus attach(Frontend frontend, const NoticeAbilities& notices) {
 }
 
 ExitStatus stop() {
-  const auto attached = attachToEngine();
+  const auto attached = attachToEngine(installLockFolder());
   if (!attached) {
     throw unreachable();
   }
@@ -160,7 +160,7 @@ std::optional<ExitStatus> offerRunningInstall(Frontend frontend, const NoticeAbi
   if (!installRuns()) {
     return std::nullopt;
   }
-  const auto attached = attachToEngine();
+  const auto attached = attachToEngine(installLockFolder());
   if (!attached) {
     return std::nullopt;
   }

@@ -164,6 +164,9 @@ void DesktopProgram::begin() noexcept {
   {
     const Lock lock(meterMutex_);
     meter_.start(Clock::now());
+    phases_ = {};
+    phase_.clear();
+    isAsking_ = false;
   }
   const Lock lock(auditMutex_);
   failures_ = {};
@@ -176,6 +179,10 @@ void DesktopProgram::begin() noexcept {
 
 void DesktopProgram::auditCopy(const event::CopyBegin& copy, bool isCopied) noexcept {
   orElse(false, [&] {
+    {
+      const Lock lock(meterMutex_);
+      show(phases_.beginChecking(Clock::now()));
+    }
     const Lock lock(auditMutex_);
     hasFailed_ = hasFailed_ || !isCopied;
     audit_->compare(copy);
@@ -202,13 +209,38 @@ void DesktopProgram::setProgress(const DesktopProgress& progress) noexcept {
   meter_.setBytes(progress.bytesWritten, Clock::now());
 }
 
-void DesktopProgram::setPaused(bool isPaused) noexcept {
+void DesktopProgram::show(const event::Phase& phase) {
+  phase_.set(phase, Clock::now());
+  meter_.setCopying(phase.kind == event::Phase::Kind::copying, Clock::now());
+}
+
+void DesktopProgram::beginDisc(const std::string& root, int number, int count) noexcept {
   const Lock lock(meterMutex_);
-  if (isPaused) {
-    meter_.pause(Clock::now());
-  } else {
-    meter_.resume(Clock::now());
+  phases_.beginDisc(root, number, count, Clock::now());
+}
+
+void DesktopProgram::awaitDisc(unsigned seconds) noexcept {
+  const Lock lock(meterMutex_);
+  isAsking_ = false;
+  show(phases_.beginLooking(seconds, Clock::now()));
+}
+
+void DesktopProgram::beginCopy(int volume, int count) noexcept {
+  const Lock lock(meterMutex_);
+  show(phases_.beginCopy(volume, count, Clock::now()));
+}
+
+void DesktopProgram::beginEject() noexcept {
+  const Lock lock(meterMutex_);
+  show(phases_.beginEjecting(Clock::now()));
+}
+
+void DesktopProgram::setAsking(bool isAsking) noexcept {
+  const Lock lock(meterMutex_);
+  if (isAsking && !isAsking_) {
+    show(phases_.beginWaiting(Clock::now()));
   }
+  isAsking_ = isAsking;
 }
 
 void DesktopProgram::end() noexcept {
@@ -216,6 +248,8 @@ void DesktopProgram::end() noexcept {
     installTypePlace_.reset();
     const Lock lock(meterMutex_);
     meter_.finish(Clock::now());
+    phases_.end(Clock::now());
+    phase_.clear();
     const Lock auditLock(auditMutex_);
     audit_->requireCopies(options_.copies, options_.failures);
     Failures inLog = failuresInLog(description_.log, description_.logStart);
@@ -228,6 +262,10 @@ void DesktopProgram::end() noexcept {
     result_.hasSummary = true;
     result_.bytes = static_cast<double>(sums.bytes);
     result_.time = meter_.passed(Clock::now());
+    event::Summary times;
+    phases_.addTimes(times, Clock::now());
+    result_.copyingSeconds = times.copyingSeconds;
+    result_.waitingSeconds = times.waitingSeconds;
     result_.destination = description_.introduction.destination;
     result_.log = description_.writtenLog();
     result_.failures = failures_.count > 0 ? failures_ : std::move(inLog);
@@ -235,17 +273,32 @@ void DesktopProgram::end() noexcept {
   });
 }
 
-std::string DesktopProgram::paceText() noexcept {
+std::string DesktopProgram::phaseText() noexcept {
+  return orElse(std::string(), [this] {
+    const Lock lock(meterMutex_);
+    const auto texts = phase_.texts(Clock::now());
+    return texts.empty() ? std::string() : texts.front();
+  });
+}
+
+std::string DesktopProgram::progressText() noexcept {
   return orElse(std::string(), [this] {
     const Lock lock(meterMutex_);
     const auto now = Clock::now();
-    const auto rate = meter_.rate(now);
-    const auto minutes = meter_.minutesLeft(now);
-    std::string text = rate ? sizeText(*rate) + "/s" : "";
-    if (minutes) {
-      text += (text.empty() ? "" : ", ") + timeLeftText(*minutes);
+    std::vector<std::string> parts;
+    if (const auto percent = meter_.percent()) {
+      parts.push_back(std::to_string(*percent) + " %");
     }
-    return text;
+    if (const std::string amount = amountText(meter_); !amount.empty()) {
+      parts.push_back(amount);
+    }
+    if (const auto rate = meter_.rate(now)) {
+      parts.push_back(sizeText(*rate) + "/s");
+    }
+    if (const auto minutes = meter_.minutesLeft(now)) {
+      parts.push_back(timeLeftText(*minutes));
+    }
+    return CLI::detail::join(parts, ", ");
   });
 }
 

@@ -5,6 +5,8 @@
 #include "host/desktop/desktop_run.h"
 #include "host/engine/pre_install.h"
 #include "host/engine/run_engine.h"
+#include "host/engine/run_phases.h"
+#include "host/ui/phase_line.h"
 #include "host/ui/progress_meter.h"
 #include "host/ui/run_result.h"
 
@@ -33,13 +35,20 @@ class DesktopProgram final : public DesktopRun {
   void setProgress(const DesktopProgress& progress) noexcept override;
   void auditCopy(const event::CopyBegin& copy, bool isCopied) noexcept override;
   void addFailure(const std::string& source) noexcept override;
-  void setPaused(bool isPaused) noexcept override;
+  void beginDisc(const std::string& root, int number, int count) noexcept override;
+  void awaitDisc(unsigned seconds) noexcept override;
+  void beginCopy(int volume, int count) noexcept override;
+  void beginEject() noexcept override;
+  void setAsking(bool isAsking) noexcept override;
   void end() noexcept override;
-  [[nodiscard]] std::string paceText() noexcept override;
+  [[nodiscard]] std::string phaseText() noexcept override;
+  [[nodiscard]] std::string progressText() noexcept override;
   [[nodiscard]] DesktopText summary() const noexcept override;
   [[nodiscard]] ExitStatus exitStatus() const noexcept override;
 
  private:
+  void show(const event::Phase& phase) REQUIRES(meterMutex_);
+
   EngineOptions options_;
   bool isTrusted_ = false;
   bool isWithoutAttributes_ = false;
@@ -49,6 +58,9 @@ class DesktopProgram final : public DesktopRun {
   std::optional<InstallTypePlace> installTypePlace_;  // from prepare() until the page has been left
   Mutex meterMutex_;
   ProgressMeter meter_ GUARDED_BY(meterMutex_);
+  RunPhases phases_ GUARDED_BY(meterMutex_);
+  PhaseLine phase_ GUARDED_BY(meterMutex_);
+  bool isAsking_ GUARDED_BY(meterMutex_) = false;
   Mutex auditMutex_;
   std::optional<InstallAudit> audit_ GUARDED_BY(auditMutex_);  // since the page was entered
   Failures failures_ GUARDED_BY(auditMutex_);                  // that it has found

@@ -51,14 +51,23 @@ class DesktopRun {
   // the page.
   virtual void addFailure(const std::string& source) noexcept = 0;
 
-  // An alert is up; its time is not counted.
-  virtual void setPaused(bool isPaused) noexcept = 0;
+  // What the page does: turns to the disc of a volume (`number` from 0, of `count`), looks for it after so many
+  // seconds, copies (`volume` from 1; 0 for a folder beside the package), and ejects it. A thread of the page.
+  virtual void beginDisc(const std::string& root, int number, int count) noexcept = 0;
+  virtual void awaitDisc(unsigned seconds) noexcept = 0;
+  virtual void beginCopy(int volume, int count) noexcept = 0;
+  virtual void beginEject() noexcept = 0;
+
+  // An alert is up, or none any more.
+  virtual void setAsking(bool isAsking) noexcept = 0;
 
   // The page was left forwards.
   virtual void end() noexcept = 0;
 
-  // "54.2 MB/s, about 3 min left"; empty while nothing is known.
-  [[nodiscard]] virtual std::string paceText() noexcept = 0;
+  // What the install does now: "Disc 2 of 3: Tessaphon B - copying", and "34 %, 812.4 MB of 1.9 GB, 54.2 MB/s,
+  // about 3 min left"; empty while nothing is known.
+  [[nodiscard]] virtual std::string phaseText() noexcept = 0;
+  [[nodiscard]] virtual std::string progressText() noexcept = 0;
 
   // The result. Call it after end().
   [[nodiscard]] virtual DesktopText summary() const noexcept = 0;

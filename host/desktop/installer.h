@@ -17,7 +17,7 @@ typedef NS_ENUM(NSInteger, InstallerStage) { StageIntroduction, StageSection, St
   InstallerWindow* window_;
   InstallerSection* section_;
   NSProgressIndicator* bar_;
-  NSTimer* paceTimer_;
+  NSTimer* progressTimer_;
   InstallerStage stage_;
 }
 // The run lives as long as the process.

@@ -89,7 +89,7 @@ BOOL isFirstButton(const char* message, const std::string& text, const char* fir
                          : text.heading.style == tavenhall::Style::bad ? palette::kBad
                                                                        : palette::kText;
   [window_ setHeading:nsString(text.heading.text) color:paletteColor(color)];
-  [window_ setPage:textPage(attributedText(text.lines), [window_ pageFrame])];
+  [window_ setPage:textPage(text.lines, [window_ pageFrame])];
 }
 
 - (void)showIntroduction {
@@ -105,7 +105,8 @@ BOOL isFirstButton(const char* message, const std::string& text, const char* fir
   run_->end();
   [self showStep:3];
   [self showText:run_->summary()];
-  [window_ setPace:@""];
+  [window_ setPhase:@""];
+  [window_ setProgress:@""];
   [[window_ backButton] setEnabled:NO];
   [window_ setContinueTitle:nsString(_("Close"))];
   [[window_ continueButton] setEnabled:YES];
@@ -145,12 +146,12 @@ BOOL isFirstButton(const char* message, const std::string& text, const char* fir
     for (NSString *key in [NSArray arrayWithObjects:@"minValue", @"maxValue", @"doubleValue", nil]) {
       [bar_ addObserver:self forKeyPath:key options:0 context:NULL];
     }
-    paceTimer_ = [NSTimer scheduledTimerWithTimeInterval:1.0
-                                                  target:self
-                                                selector:@selector(showPace:)
-                                                userInfo:nil
-                                                 repeats:YES];
-    [[NSRunLoop currentRunLoop] addTimer:paceTimer_ forMode:NSModalPanelRunLoopMode];
+    progressTimer_ = [NSTimer scheduledTimerWithTimeInterval:0.25
+                                                      target:self
+                                                    selector:@selector(showProgress:)
+                                                    userInfo:nil
+                                                     repeats:YES];
+    [[NSRunLoop currentRunLoop] addTimer:progressTimer_ forMode:NSModalPanelRunLoopMode];
   }
 }
 
@@ -164,16 +165,33 @@ BOOL isFirstButton(const char* message, const std::string& text, const char* fir
   run_->setProgress({[bar minValue], [bar maxValue], [bar doubleValue], countsBytes ? [pane bytesWritten] : 0});
 }
 
-- (void)showPace:(NSTimer*)timer {
+- (void)showProgress:(NSTimer*)timer {
   if (stage_ == StageSection) {
-    const BOOL isAsking = [NSApp modalWindow] != nil;
-    run_->setPaused(isAsking);
-    const BOOL isCopying = !isAsking && ![[section_ activePane] nextEnabled];
-    [window_ setPace:isCopying ? nsString(run_->paceText()) : @""];
+    run_->setAsking([NSApp modalWindow] != nil);
+    const BOOL isRunning = ![[section_ activePane] nextEnabled];
+    [window_ setPhase:isRunning ? nsString(run_->phaseText()) : @""];
+    [window_ setProgress:nsString(run_->progressText())];
+    [window_ displayIfNeeded];  // while an alert is up, nothing else draws this window
   }
 }
 
 // ---- What the pane reports, on its own threads ----
+
+- (void)pane:(id)pane didBeginDisc:(const char*)root number:(int)number of:(int)count {
+  run_->beginDisc(root, number, count);
+}
+
+- (void)pane:(id)pane willLookForDiscAfter:(unsigned)seconds {
+  run_->awaitDisc(seconds);
+}
+
+- (void)paneWillEjectDisc:(id)pane {
+  run_->beginEject();
+}
+
+- (void)pane:(id)pane willCopyVolume:(int)volume of:(int)count {
+  run_->beginCopy(volume, count);
+}
 
 - (void)pane:(id)pane
      didCopy:(const char*)source

@@ -11,7 +11,8 @@
   StepList* steps_;
   NSTextField* heading_;
   NSView* page_;
-  NSTextField* pace_;
+  NSTextField* phase_;
+  NSTextField* progress_;
   NSButton* backButton_;
   NSButton* continueButton_;
 }
@@ -28,8 +29,9 @@
 // Sizes the button to fit its title.
 - (void)setContinueTitle:(NSString*)title;
 
-// The line at the lower left.
-- (void)setPace:(NSString*)text;
+// The two lines below the page: what the installation does, and how far it is.
+- (void)setPhase:(NSString*)text;
+- (void)setProgress:(NSString*)text;
 
 - (NSButton*)backButton;
 - (NSButton*)continueButton;

@@ -17,12 +17,15 @@ constexpr CGFloat kSideWidth = 178.0;
 constexpr CGFloat kSmallestButtonWidth = 96.0;
 constexpr CGFloat kButtonHeight = 28.0;
 constexpr CGFloat kButtonGap = 10.0;
+constexpr CGFloat kTextHeight = 17.0;  // of a line between the page and the buttons
 constexpr CGFloat kHeadingHeight = 20.0;
 constexpr CGFloat kHeadingGap = 12.0;
 
 constexpr CGFloat kLeft = kSideWidth + kMargin;
 constexpr CGFloat kWidth = kLeft + kPageWidth + 2.0 + kMargin;
-constexpr CGFloat kPageBottom = kMargin + kButtonHeight + kMargin;
+constexpr CGFloat kProgressBottom = kMargin + kButtonHeight + kButtonGap;
+constexpr CGFloat kPhaseBottom = kProgressBottom + kTextHeight;
+constexpr CGFloat kPageBottom = kPhaseBottom + kTextHeight + kButtonGap;
 constexpr CGFloat kHeadingBottom = kPageBottom + kPageHeight + 2.0 + kHeadingGap;
 constexpr CGFloat kHeight = kHeadingBottom + kHeadingHeight + kMargin;
 
@@ -82,11 +85,15 @@ NSButton* button(const char* title, id target, SEL action) {
   continueButton_ = [button(tavenhall::_("Continue"), target, @selector(goOn:)) retain];
   [continueButton_ setKeyEquivalent:@"\r"];
   backButton_ = [button(tavenhall::_("Go Back"), target, @selector(goBack:)) retain];
-  pace_ = [label(NSZeroRect, [NSFont systemFontOfSize:12.0]) retain];
-  [pace_ setTextColor:paletteColor(palette::kQuietText)];
+  phase_ = [label(NSMakeRect(kLeft, kPhaseBottom, kPageWidth + 2.0, kTextHeight),
+                  [NSFont systemFontOfSize:12.0]) retain];
+  [phase_ setTextColor:paletteColor(palette::kText)];
+  progress_ = [label(NSMakeRect(kLeft, kProgressBottom, kPageWidth + 2.0, kTextHeight),
+                     [NSFont systemFontOfSize:12.0]) retain];
+  [progress_ setTextColor:paletteColor(palette::kQuietText)];
   [self layOutLowestRow];
-  for (NSView *view in
-       [NSArray arrayWithObjects:steps_, heading_, page_, pace_, backButton_, continueButton_, nil]) {
+  for (NSView *view in [NSArray
+           arrayWithObjects:steps_, heading_, page_, phase_, progress_, backButton_, continueButton_, nil]) {
     [content addSubview:view];
   }
   [self center];
@@ -97,13 +104,14 @@ NSButton* button(const char* title, id target, SEL action) {
   [steps_ release];
   [heading_ release];
   [page_ release];
-  [pace_ release];
+  [phase_ release];
+  [progress_ release];
   [backButton_ release];
   [continueButton_ release];
   [super dealloc];
 }
 
-// The buttons from the right, each as wide as its title needs; what they leave is the pace's.
+// The buttons from the right, each as wide as its title needs.
 - (void)layOutLowestRow {
   CGFloat right = kWidth - kMargin;
   for (NSButton *button in [NSArray arrayWithObjects:continueButton_, backButton_, nil]) {
@@ -111,7 +119,6 @@ NSButton* button(const char* title, id target, SEL action) {
     [button setFrame:NSMakeRect(right - width, kMargin, width, kButtonHeight)];
     right -= width + kButtonGap;
   }
-  [pace_ setFrame:NSMakeRect(kLeft, kMargin + 5.0, right - kLeft, 17.0)];
 }
 
 - (void)setSteps:(NSArray*)titles current:(NSUInteger)current {
@@ -142,8 +149,12 @@ NSButton* button(const char* title, id target, SEL action) {
   [self layOutLowestRow];
 }
 
-- (void)setPace:(NSString*)text {
-  [pace_ setStringValue:text];
+- (void)setPhase:(NSString*)text {
+  [phase_ setStringValue:text];
+}
+
+- (void)setProgress:(NSString*)text {
+  [progress_ setStringValue:text];
 }
 
 - (NSButton*)backButton {

@@ -14,10 +14,6 @@
 - (void)setTitles:(NSArray*)titles current:(NSUInteger)current;
 @end
 
-// A page of text that scrolls if it is too long. Main thread.
-
-// Puts labels into a column at the left.
-NSAttributedString* attributedText(const std::vector<tavenhall::Line>& lines);
-
-// Autoreleased.
-NSView* textPage(NSAttributedString* text, NSRect frame);
+// A page of text that scrolls if it is too long, with labels in a column at the left. Paths are broken at their
+// separators, and copied whole. Main thread. Autoreleased.
+NSView* textPage(const std::vector<tavenhall::Line>& lines, NSRect frame);

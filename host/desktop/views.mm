@@ -84,6 +84,7 @@ namespace {
 using tavenhall::Line;
 using tavenhall::Span;
 
+NSString* const kSoftBreak = @"TavenhallSoftBreak";  // a line break that is not the text's
 constexpr CGFloat kSmallestLabelColumn = 68.0;
 constexpr CGFloat kLabelGap = 12.0;
 constexpr CGFloat kInset = 14.0;
@@ -139,16 +140,86 @@ void append(NSMutableAttributedString* all, NSString* text, NSDictionary* attrib
                                                                attributes:attributes] autorelease]];
 }
 
+CGFloat widthOf(NSString* text, NSDictionary* attributes) { return [text sizeWithAttributes:attributes].width; }
+
+// Where a text may be broken so that its first part fits the width: behind a blank or a separator of a path, or
+// anywhere if there is neither.
+NSUInteger breakIn(NSString* text, NSDictionary* attributes, CGFloat width) {
+  static NSCharacterSet* const places = [[NSCharacterSet characterSetWithCharactersInString:@" /"] retain];
+  NSUInteger best = 0;
+  for (NSUInteger end = 1; end <= [text length]; ++end) {
+    if (widthOf([text substringToIndex:end], attributes) > width) {
+      return best > 0 ? best : std::max<NSUInteger>(end - 1, 1);
+    }
+    if ([places characterIsMember:[text characterAtIndex:end - 1]]) {
+      best = end;
+    }
+  }
+  return [text length];
+}
+
+// AppKit breaks lines at blanks alone, so a text with a path is broken here. The line breaks are marked: they
+// are none of the text's.
+void appendBroken(NSMutableAttributedString* all, NSString* text, NSDictionary* attributes, CGFloat width) {
+  if ([text rangeOfString:@"/"].location == NSNotFound) {
+    append(all, text, attributes);
+    return;
+  }
+  NSMutableDictionary* broken = [[attributes mutableCopy] autorelease];
+  NSMutableParagraphStyle* rest =
+      [[[attributes objectForKey:NSParagraphStyleAttributeName] mutableCopy] autorelease];
+  [rest setFirstLineHeadIndent:[rest headIndent]];
+  NSMutableDictionary* following = [[attributes mutableCopy] autorelease];
+  [following setObject:rest forKey:NSParagraphStyleAttributeName];
+  [broken setObject:[NSNumber numberWithBool:YES] forKey:kSoftBreak];
+  NSDictionary* now = attributes;
+  while (widthOf(text, attributes) > width) {
+    const NSUInteger end = breakIn(text, attributes, width);
+    append(all, [text substringToIndex:end], now);
+    append(all, @"\n", broken);
+    text = [text substringFromIndex:end];
+    now = following;
+    [broken setObject:rest forKey:NSParagraphStyleAttributeName];
+  }
+  append(all, text, now);
+}
+
 }  // namespace
 
-NSAttributedString* attributedText(const std::vector<Line>& lines) {
+// Copies its text without the line breaks that were put in for its width.
+@interface PathTextView : NSTextView
+@end
+
+@implementation PathTextView
+- (BOOL)writeSelectionToPasteboard:(NSPasteboard*)pasteboard type:(NSString*)type {
+  NSAttributedString* selected = [[self textStorage] attributedSubstringFromRange:[self selectedRange]];
+  NSMutableString* text = [NSMutableString string];
+  for (NSUInteger i = 0; i < [selected length]; ++i) {
+    if ([selected attribute:kSoftBreak atIndex:i effectiveRange:NULL] == nil) {
+      [text appendString:[[selected string] substringWithRange:NSMakeRange(i, 1)]];
+    }
+  }
+  return [pasteboard setString:text forType:NSStringPboardType];
+}
+
+- (NSArray*)writablePasteboardTypes {
+  return [NSArray arrayWithObject:NSStringPboardType];
+}
+@end
+
+// Puts labels into a column at the left.
+static NSAttributedString* attributedText(const std::vector<Line>& lines, CGFloat width) {
   NSMutableAttributedString* all = [[[NSMutableAttributedString alloc] init] autorelease];
   const CGFloat labelColumn = labelColumnOf(lines);
   for (const Line& line : lines) {
     for (const Span& span : line) {
-      const BOOL isLabel = isLabelled(line) && &span == &line.front();
-      append(all, isLabel ? [labelOf(line) stringByAppendingString:@"\t"] : nsString(span.text),
-             attributesOf(span.style, isLabelled(line) ? labelColumn : 0.0));
+      const CGFloat column = isLabelled(line) ? labelColumn : 0.0;
+      NSDictionary* attributes = attributesOf(span.style, column);
+      if (isLabelled(line) && &span == &line.front()) {
+        append(all, [labelOf(line) stringByAppendingString:@"\t"], attributes);
+      } else {
+        appendBroken(all, nsString(span.text), attributes, width - column);
+      }
     }
     append(all, @"\n", attributesOf(tavenhall::Style::text, 0.0));
   }
@@ -157,15 +228,16 @@ NSAttributedString* attributedText(const std::vector<Line>& lines) {
 
 // The text's own height is asked for first: a scroll view that hides its scroller by itself lays itself out
 // without end on GNUstep when the scroller's width is what makes the difference.
-NSView* textPage(NSAttributedString* text, NSRect frame) {
-  NSTextView* view = [[[NSTextView alloc] initWithFrame:frame] autorelease];
+NSView* textPage(const std::vector<Line>& lines, NSRect frame) {
+  const CGFloat width = frame.size.width - 2.0 * kInset - [NSScroller scrollerWidth];
+  NSTextView* view = [[[PathTextView alloc] initWithFrame:frame] autorelease];
   [view setEditable:NO];
   [view setDrawsBackground:NO];
   [view setTextContainerInset:NSMakeSize(kInset, kInset)];
   [[view textContainer] setWidthTracksTextView:NO];
-  [[view textContainer]
-      setContainerSize:NSMakeSize(frame.size.width - 2.0 * kInset - [NSScroller scrollerWidth], 1.0e6)];
-  [[view textStorage] setAttributedString:text];
+  [[view textContainer] setContainerSize:NSMakeSize(width, 1.0e6)];
+  const CGFloat padding = 2.0 * [[view textContainer] lineFragmentPadding];
+  [[view textStorage] setAttributedString:attributedText(lines, width - padding)];
   [[view layoutManager] glyphRangeForTextContainer:[view textContainer]];  // lays it out
   const CGFloat height =
       [[view layoutManager] usedRectForTextContainer:[view textContainer]].size.height + 2.0 * kInset;

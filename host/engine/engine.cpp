@@ -112,7 +112,7 @@ void Engine::perform(Command command) {
         const Lock lock(state_);
         enteredAt_ = Clock::now();
         finishedCopies_.clear();
-        phase_ = {};
+        phases_.start();
       }
       {
         const InstallTypePlace place;  // the page reads the choice here, and only here
@@ -199,9 +199,7 @@ event::Summary Engine::summary() const {
   if (!summary.copySeconds.empty() && summary.copySeconds.back() == kStillRunning) {
     summary.copySeconds.back() = secondsSince(copyThreadStart_);
   }
-  if (phaseStart_) {
-    addPhase(summary);
-  }
+  phases_.addTimes(summary, Clock::now());
   summary.ready = snapshot.readyToProceed;
   summary.mode = snapshot.installMode;
   summary.seconds = secondsSince(start_);

@@ -4,6 +4,7 @@
 #include "host/base/exit_status.h"
 #include "host/base/mutex.h"
 #include "host/engine/install_audit.h"
+#include "host/engine/run_phases.h"
 #include "host/engine/stand_ins.h"
 #include "host/protocol/event_hub.h"
 #include "host/protocol/messages.h"
@@ -171,10 +172,6 @@ class Engine final : private InstallerHost {
   [[nodiscard]] event::CopyState copyState() const REQUIRES(state_);
   void takeSnapshot() EXCLUDES(state_);
   [[nodiscard]] bool isBetweenFiles() const EXCLUDES(state_);  // no file is half copied
-  // Ends the phase before, reports this one and measures its time.
-  void beginPhase(event::Phase::Kind kind, std::int64_t seconds = 0) REQUIRES(state_);
-  void endPhase() REQUIRES(state_);
-  void addPhase(event::Summary& summary) const REQUIRES(state_);  // the time of the phase that lasts
   void beginAudits() EXCLUDES(state_);
   void reportFailure(const event::AuditFailure& failure) EXCLUDES(state_);
   // The page was left forwards and has reported no failure.
@@ -217,10 +214,9 @@ class Engine final : private InstallerHost {
   double barValue_ GUARDED_BY(state_) = 0.0;
   bool isNextEnabled_ GUARDED_BY(state_) = false;
   int pageThreads_ GUARDED_BY(state_) = 0;
-  PaneSnapshot snapshot_ GUARDED_BY(state_);                        // the latest
-  event::CopyBegin copy_ GUARDED_BY(state_);                        // that began last
-  event::Phase phase_ GUARDED_BY(state_);                           // the latest; its disc is the page's
-  std::optional<Clock::time_point> phaseStart_ GUARDED_BY(state_);  // none when it has ended
+  PaneSnapshot snapshot_ GUARDED_BY(state_);  // the latest
+  event::CopyBegin copy_ GUARDED_BY(state_);  // that began last
+  RunPhases phases_ GUARDED_BY(state_);
   std::optional<Clock::time_point> enteredAt_ GUARDED_BY(state_);
   std::vector<event::CopyBegin> finishedCopies_ GUARDED_BY(state_);
   std::int64_t bytesAtCopyBegin_ GUARDED_BY(state_) = 0;

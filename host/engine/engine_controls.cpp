@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <stdexcept>
 #include <utility>
 
@@ -114,7 +113,7 @@ void Engine::pageThreadEnded(const char* name) noexcept {
     const Lock lock(state_);
     --pageThreads_;
     if (pageThreads_ == 0) {
-      endPhase();
+      phases_.end(Clock::now());
     }
     if (std::strcmp(name, kCopyThread) == 0) {
       summary_.copySeconds.back() = secondsSince(copyThreadStart_);
@@ -133,12 +132,7 @@ void Engine::copyBegun(const TreeCopy& copy) noexcept {
   filesAtCopyBegin_ = snapshot_.filesDone;
   const std::int32_t volume = volumeOf(copy.source, snapshot_);
   isCopying_ = true;
-  if (volume != phase_.volume) {
-    phase_.disc.clear();
-  }
-  phase_.volume = volume;
-  phase_.volumeCount = volume > 0 ? snapshot_.volumeCount : 0;
-  beginPhase(event::Phase::Kind::copying);
+  report(phases_.beginCopy(volume, snapshot_.volumeCount, Clock::now()));
   copy_ = {copy.source, textOrEmpty(copy.destination), volume, volume > 0 ? snapshot_.volumeCount : 0};
   report(copy_);
 }
@@ -153,62 +147,30 @@ void Engine::copyFinished(const TreeCopy& copy, bool isCopied) noexcept {
     hasFailedCopy_ = hasFailedCopy_ || !isCopied;
     report(event::CopyEnd{copy.source, textOrEmpty(copy.destination), isCopied,
                           snapshot_.bytesWritten - bytesAtCopyBegin_, snapshot_.filesDone - filesAtCopyBegin_});
-    beginPhase(event::Phase::Kind::checking);
+    report(phases_.beginChecking(Clock::now()));
   }
   const event::Audit audit = audit_->compare(ended);
   const Lock lock(state_);
   summary_.audit = audit_->sums();
   finishedCopies_.push_back(ended);
   report(audit);
-  endPhase();
+  phases_.end(Clock::now());
 }
 
 void Engine::discBegun(const char* root) noexcept {
   takeSnapshot();
   const Lock lock(state_);
-  endPhase();
-  phase_ = {};
-  phase_.volume = snapshot_.currentVolumeNumber + 1;
-  // Before it has read the first disc, the page may not know how many there are.
-  phase_.volumeCount = snapshot_.currentVolumeNumber > 0 ? snapshot_.volumeCount : 0;
-  phase_.disc = std::filesystem::path(root).filename().string();
+  phases_.beginDisc(root, snapshot_.currentVolumeNumber, snapshot_.volumeCount, Clock::now());
 }
 
 void Engine::discAwaited(unsigned seconds) noexcept {
   const Lock lock(state_);
-  beginPhase(event::Phase::Kind::looking, seconds);
+  report(phases_.beginLooking(seconds, Clock::now()));
 }
 
 void Engine::ejectBegun() noexcept {
   const Lock lock(state_);
-  beginPhase(event::Phase::Kind::ejecting);
-}
-
-void Engine::beginPhase(event::Phase::Kind kind, std::int64_t seconds) {
-  endPhase();
-  phase_.kind = kind;
-  phase_.seconds = seconds;
-  phaseStart_ = Clock::now();
-  report(phase_);
-}
-
-void Engine::endPhase() {
-  if (phaseStart_) {
-    addPhase(summary_);
-    phaseStart_.reset();
-  }
-}
-
-void Engine::addPhase(event::Summary& summary) const {
-  const double seconds = secondsSince(*phaseStart_);
-  switch (phase_.kind) {
-    case event::Phase::Kind::waiting:
-    case event::Phase::Kind::looking:
-    case event::Phase::Kind::notFound: summary.waitingSeconds += seconds; break;
-    case event::Phase::Kind::copying: summary.copyingSeconds += seconds; break;
-    case event::Phase::Kind::checking: summary.checkingSeconds += seconds; break;
-    case event::Phase::Kind::ejecting: break;
-  }
+  report(phases_.beginEjecting(Clock::now()));
 }
 
 void Engine::beginAudits() {

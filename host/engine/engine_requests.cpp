@@ -132,12 +132,11 @@ int Engine::runModal(const Alert& alert) noexcept {
   std::string disc;
   {
     const Lock lock(state_);
-    const bool wasLooking = phaseStart_ && phase_.kind == event::Phase::Kind::looking;
-    beginPhase(wasLooking ? event::Phase::Kind::notFound : event::Phase::Kind::waiting);
+    report(phases_.beginWaiting(Clock::now()));
     shown.number = static_cast<std::int64_t>(summary_.alerts.size()) + 1;
     report(shown);
     summary_.alerts.push_back({shown, 0});
-    disc = phase_.disc;
+    disc = phases_.disc();
   }
   std::optional<int> answer;
   if (unattended_) {
@@ -158,7 +157,7 @@ int Engine::runModal(const Alert& alert) noexcept {
   isAlertUp_ = false;
   changed_.notifyAll();
   const Lock lock(state_);
-  endPhase();
+  phases_.end(Clock::now());
   summary_.alerts.back().answer = *answer;
   report(event::Answered{shown.number, *answer});
   return *answer;

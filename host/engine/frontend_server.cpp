@@ -1,6 +1,7 @@
 #include "host/engine/frontend_server.h"
 
 #include "host/base/files.h"
+#include "host/engine/pre_install.h"
 
 #include <algorithm>
 #include <poll.h>
@@ -25,7 +26,7 @@ struct FrontendServer::Frontend {
 };
 
 FrontendServer::FrontendServer(EventHub& hub, Engine& engine, const event::Attached& attached)
-    : hub_(hub), engine_(engine), attached_(attached), socket_(listenForFrontends()) {
+    : hub_(hub), engine_(engine), attached_(attached), socket_(listenForFrontends(installLockFolder())) {
   if (isListening()) {
     std::thread([this] { run(); }).detach();
   }

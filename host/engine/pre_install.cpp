@@ -119,16 +119,21 @@ void InstallTypePlace::clear() noexcept {
   }
 }
 
-InstallLock::InstallLock(bool mayMakeFolder) {
+std::string installLockFolder() {
   std::string path;
-  if (!firstUserSearchPath(SearchPath::applicationSupport, path)) {
+  return firstUserSearchPath(SearchPath::applicationSupport, path) ? path : std::string();
+}
+
+InstallLock::InstallLock(bool mayMakeFolder) {
+  const std::string path = installLockFolder();
+  if (path.empty()) {
     return;
   }
   if (mayMakeFolder) {
     std::error_code ignored;  // the pre-install step says what is wrong
     std::filesystem::create_directories(path, ignored);
   }
-  add(path, _("another installation of yours is running; \"tavinstall attach\" shows it"));
+  add(path, _("another installation of yours is running; see \"tavinstall status\""));
   for (const char* name : {"/Tavenhall/TANVO", "/Tavenhall/DOVA"}) {
     add(path + name,
         format(_("another installation to {0} is running; start this one after it has ended"), {path + name}));
@@ -161,11 +166,7 @@ void InstallLock::add(const std::string& folder, const std::string& refusal) {
 }
 
 bool installRuns() {
-  std::string path;
-  if (!firstUserSearchPath(SearchPath::applicationSupport, path)) {
-    return false;
-  }
-  const int descriptor = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  const int descriptor = open(installLockFolder().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   const bool isLocked = descriptor >= 0 && flock(descriptor, LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK;
   if (descriptor >= 0) {
     ::close(descriptor);

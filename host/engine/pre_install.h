@@ -57,6 +57,9 @@ class InstallLock {
   std::vector<int> folders_;
 };
 
+// The folder whose lock every install of this user takes; empty without a home. It may not exist.
+[[nodiscard]] std::string installLockFolder();
+
 // Whether an install of this user runs. Reads only; an InstallLock that is taken in the same moment waits for
 // it.
 [[nodiscard]] bool installRuns();

@@ -128,8 +128,8 @@ void closeAll(std::initializer_list<int> descriptors) {
 
 }  // namespace
 
-std::optional<AttachedEngine> attachToEngine() {
-  const int descriptor = connectToEngine();
+std::optional<AttachedEngine> attachToEngine(const std::string& lockedFolder) {
+  const int descriptor = connectToEngine(lockedFolder);
   if (descriptor < 0) {
     return std::nullopt;
   }

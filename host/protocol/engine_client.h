@@ -70,13 +70,13 @@ class EngineClient {
   PasswordTerminal passwords_{connection_.passwords};
 };
 
-// Connects to the running install of this user; none if there is none, or if it cannot be reached. Throws
-// UsageError if it does not answer.
+// Connects to the running install of this user that has locked the folder; none if there is none, or if it
+// cannot be reached. Throws UsageError if it does not answer.
 struct AttachedEngine {
   EngineConnection connection;
   event::Attached run;
 };
-[[nodiscard]] std::optional<AttachedEngine> attachToEngine();
+[[nodiscard]] std::optional<AttachedEngine> attachToEngine(const std::string& lockedFolder);
 
 // The engine's ends of the pipes to a frontend.
 struct EngineEnds {

@@ -1,7 +1,6 @@
 #include "host/protocol/run_socket.h"
 
 #include "platform/host_system.h"
-#include "platform/system.h"
 
 #include <cerrno>
 #include <cstring>
@@ -39,10 +38,9 @@ std::string socketFolder(bool mayMake) {
 }
 
 // The address for the socket; none where there is no folder for it, or its path is too long.
-std::optional<sockaddr_un> socketAddress(bool mayMakeFolder) {
-  std::string locked;
+std::optional<sockaddr_un> socketAddress(const std::string& lockedFolder, bool mayMakeFolder) {
   struct stat found {};
-  if (!firstUserSearchPath(SearchPath::applicationSupport, locked) || stat(locked.c_str(), &found) != 0) {
+  if (stat(lockedFolder.c_str(), &found) != 0) {
     return std::nullopt;
   }
   const std::string folder = socketFolder(mayMakeFolder);
@@ -84,12 +82,12 @@ int connectTo(const sockaddr_un& address) {
 
 }  // namespace
 
-RunSocket listenForFrontends() noexcept {
+RunSocket listenForFrontends(const std::string& lockedFolder) noexcept {
   const int descriptor = openSocket();  // before the folder is made: a sandbox may refuse it
   if (descriptor < 0) {
     return {};
   }
-  const auto address = socketAddress(true);
+  const auto address = socketAddress(lockedFolder, true);
   const int other = address ? connectTo(*address) : -1;
   const bool isFree = address && other < 0;  // where the file system has no locks, another install may run
   if (isFree) {
@@ -122,8 +120,8 @@ int acceptFrontend(int socket) noexcept {
   return descriptor;
 }
 
-int connectToEngine() noexcept {
-  const auto address = socketAddress(false);
+int connectToEngine(const std::string& lockedFolder) noexcept {
+  const auto address = socketAddress(lockedFolder, false);
   return address ? connectTo(*address) : -1;
 }
 

@@ -6,9 +6,16 @@
 // installer and the layout call on the main thread.
 @class InstallDataPane;
 
-// What an installer may want to know of the page's copies. On the page's threads, which wait for it; the paths
-// are valid only during the call.
+// What an installer may want to know of the page's discs and copies. On the page's threads, which wait for it;
+// the paths are valid only during the call.
 @protocol InstallDataPaneObserver
+// The page turns to a volume: `number` is from 0; `count` may be unknown before the first disc was read.
+- (void)pane:(InstallDataPane*)pane didBeginDisc:(const char*)root number:(int)number of:(int)count;
+// The page looks for the disc after so many seconds; then it ejects it.
+- (void)pane:(InstallDataPane*)pane willLookForDiscAfter:(unsigned)seconds;
+- (void)paneWillEjectDisc:(InstallDataPane*)pane;
+// `volume` as below.
+- (void)pane:(InstallDataPane*)pane willCopyVolume:(int)volume of:(int)count;
 // A copy has ended; its volume is still mounted. `destination` is null where there is none; `volume` is from 1,
 // and 0 for a folder beside the package; `isCopied` is the page's own result.
 - (void)pane:(InstallDataPane*)pane
@@ -50,6 +57,10 @@
 - (void)setObserver:(id<InstallDataPaneObserver>)observer;
 
 // For the page's host.
+- (void)didBeginDisc:(const char*)root;
+- (void)willLookForDiscAfter:(unsigned)seconds;
+- (void)willEjectDisc;
+- (void)willCopy:(const char*)source;
 - (void)didCopy:(const char*)source to:(const char*)destination ok:(BOOL)isCopied;
 - (void)didFailWhileCopying:(BOOL)isCopying;
 

@@ -91,6 +91,24 @@ struct InstallDataPaneParts {
   observer_ = observer;
 }
 
+- (void)didBeginDisc:(const char*)root {
+  const tavenhall::PaneSnapshot state = parts_->page->snapshot();
+  [observer_ pane:self didBeginDisc:root number:state.currentVolumeNumber of:state.volumeCount];
+}
+
+- (void)willLookForDiscAfter:(unsigned)seconds {
+  [observer_ pane:self willLookForDiscAfter:seconds];
+}
+
+- (void)willEjectDisc {
+  [observer_ paneWillEjectDisc:self];
+}
+
+- (void)willCopy:(const char*)source {
+  const tavenhall::PaneSnapshot state = parts_->page->snapshot();
+  [observer_ pane:self willCopyVolume:tavenhall::volumeOf(source, state) of:state.volumeCount];
+}
+
 - (void)didCopy:(const char*)source to:(const char*)destination ok:(BOOL)isCopied {
   const int volume = tavenhall::volumeOf(source, parts_->page->snapshot());
   [observer_ pane:self didCopy:source to:destination volume:volume ok:isCopied];

@@ -70,11 +70,11 @@ class PaneHost final : public InstallerHost {
   void setAnimationDuration(double seconds) noexcept override;
   void endAnimationGrouping() noexcept override;
 
-  void copyBegun(const TreeCopy& /*copy*/) noexcept override { isCopying_ = true; }
+  void copyBegun(const TreeCopy& copy) noexcept override;
   void copyFinished(const TreeCopy& copy, bool isCopied) noexcept override;
-  void discBegun(const char* /*root*/) noexcept override {}
-  void discAwaited(unsigned /*seconds*/) noexcept override {}
-  void ejectBegun() noexcept override {}
+  void discBegun(const char* root) noexcept override;
+  void discAwaited(unsigned seconds) noexcept override;
+  void ejectBegun() noexcept override;
 
   // The installer does not ask for these.
   void pageThreadStarted(const char* /*name*/) noexcept override {}

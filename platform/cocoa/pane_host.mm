@@ -37,6 +37,17 @@ void PaneHost::beginInformationalSheet(const Sheet& sheet) noexcept {
   tavenhall::beginInformationalSheet(sheet, [sheetsField_ window], pane_);
 }
 
+void PaneHost::copyBegun(const TreeCopy& copy) noexcept {
+  isCopying_ = true;
+  [pane_ willCopy:copy.source];
+}
+
+void PaneHost::discBegun(const char* root) noexcept { [pane_ didBeginDisc:root]; }
+
+void PaneHost::discAwaited(unsigned seconds) noexcept { [pane_ willLookForDiscAfter:seconds]; }
+
+void PaneHost::ejectBegun() noexcept { [pane_ willEjectDisc]; }
+
 void PaneHost::copyFinished(const TreeCopy& copy, bool isCopied) noexcept {
   isCopying_ = false;
   [pane_ didCopy:copy.source to:copy.destination ok:isCopied];

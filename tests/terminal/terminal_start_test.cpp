@@ -72,7 +72,7 @@ TEST_F(TerminalStart, ASecondInstallOfTheSameUserIsRefused) {
     const Outcome second = runThrough(with(command, {"--ui", frontend}));
     EXPECT_EQ(second.status, 5) << frontend;
     EXPECT_EQ(second.error,
-              "tavinstall: another installation of yours is running; \"tavinstall attach\" shows it\n");
+              "tavinstall: another installation of yours is running; see \"tavinstall status\"\n");
   }
 }
 
@@ -86,7 +86,7 @@ TEST_F(TerminalStart, ASecondInstallOffersToShowTheFirst) {
   refusing.press({"n", "Enter"});
   EXPECT_THAT(refusing.waitFor("[ended with"),
               HasSubstr("tavinstall: another installation of yours is running; "
-                        "\"tavinstall attach\" shows it\n[ended with 5]"));
+                        "see \"tavinstall status\"\n[ended with 5]"));
   TmuxTerminal second(100, 24, command);
   second.waitFor("Show it? [Y/n]");
   second.press({"Enter"});

@@ -64,6 +64,37 @@ void hideReturnSign() {
 }
 @end
 
+// Alerts have their texts at the left, below each other, as the platform's have; the library centres the
+// second.
+@interface AlertLook : NSObject
+@end
+
+@implementation AlertLook
+- (void)windowDidBecomeKey:(NSNotification*)notification {
+  NSWindow* window = [notification object];
+  if (![NSStringFromClass([window class]) isEqualToString:@"GSAlertPanel"]) {
+    return;
+  }
+  CGFloat left = 0.0;  // of the first text
+  CGFloat top = 0.0;
+  for (NSView* view in [[window contentView] subviews]) {
+    if ([view isKindOfClass:[NSTextField class]] && NSMaxY([view frame]) > top) {
+      top = NSMaxY([view frame]);
+      left = NSMinX([view frame]);
+    }
+  }
+  for (NSView* view in [[window contentView] subviews]) {
+    if ([view isKindOfClass:[NSTextField class]]) {
+      const NSRect frame = [view frame];
+      [(NSTextField*)view setAlignment:NSLeftTextAlignment];
+      [view setFrame:NSMakeRect(left, NSMinY(frame), NSMaxX([[window contentView] bounds]) - left - 10.0,
+                                NSHeight(frame))];
+    }
+  }
+  [[window contentView] setNeedsDisplay:YES];
+}
+@end
+
 void setUpLanguages() {
   NSUserDefaults* defaults = [NSUserDefaults standardUserDefaults];
   // The domain that goes before all others, in which the library keeps what it takes from the environment.
@@ -106,5 +137,9 @@ bool setUpLook() {
   [GSTheme setTheme:[[[PageTheme alloc] initWithBundle:[NSBundle bundleForClass:[GSTheme class]]] autorelease]];
   [NSApp setApplicationIconImage:[DiscIcon image]];
   hideReturnSign();
+  [[NSNotificationCenter defaultCenter] addObserver:[[AlertLook alloc] init]
+                                           selector:@selector(windowDidBecomeKey:)
+                                               name:NSWindowDidBecomeKeyNotification
+                                             object:nil];
   return true;
 }

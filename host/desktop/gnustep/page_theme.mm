@@ -163,7 +163,8 @@ void drawCentredTitle(NSString* title, NSRect rect, NSColor* color) {
   [paletteColor(palette::kHairline) set];
   NSFrameRect(all);
   if ((styleMask & NSTitledWindowMask) != 0) {
-    // An alert says by itself what it is about; its title is the library's word for the kind of alert.
+    // An alert's own title is the library's word for its kind. Its strip has the name of the window that it
+    // belongs to.
     const BOOL isAlert = (styleMask & NSClosableWindowMask) == 0;
     NSRect bar =
         NSMakeRect(1.0, frame.size.height - kTitleBarHeight, frame.size.width - 2.0, kTitleBarHeight - 1.0);
@@ -172,7 +173,7 @@ void drawCentredTitle(NSString* title, NSRect rect, NSColor* color) {
     [paletteColor(palette::kHairline) set];
     NSRectFill(NSMakeRect(0.0, bar.origin.y, frame.size.width, 1.0));
     constexpr CGFloat kBesides = kTitleButtonSize + 2.0 * kTitleButtonMargin;
-    drawCentredTitle(isAlert ? @"" : title, NSInsetRect(bar, kBesides, 0.0),
+    drawCentredTitle(isAlert ? [[NSApp mainWindow] title] : title, NSInsetRect(bar, kBesides, 0.0),
                      paletteColor(inputState == 0 ? palette::kText : palette::kQuietText));
   }
 }

@@ -121,7 +121,7 @@ TEST(DesktopLanguage, TheHelpIsInGermanAndNamesTheVariables) {
   EXPECT_THAT(help.output, StartsWith("Spielt in einem Fenster den Installer um die Datenseite herum.\n"
                                       "Aufruf: tavinstall-desktop [OPTION]...\n"
                                       "\n"
-                                      "  -h, --help           Diese Hilfe zeigen\n"));
+                                      "  -h, --help            Diese Hilfe zeigen\n"));
   for (const char* name : {"PACKAGE", "INSTALL_TYPE", "PRODUCT", "BUNDLE"}) {
     EXPECT_THAT(help.output, HasSubstr("$TAVINSTALL_" + std::string(name) + ")"));
   }
@@ -136,7 +136,7 @@ TEST(DesktopLanguage, ReportsARefusalInJapanese) {
   DesktopProgram program({{"LANGUAGE", "ja"}});
   program.clickOn("続ける");
   program.await("text: インストールを開始できません。");
-  program.await("text: 別のインストールが実行中です。終わってから開始してください");
+  program.await("text: 別のインストールが実行中です。「tavinstall status」を見てください");
   program.clickOn("OK");
   EXPECT_FALSE(exists("/tmp/TavInstallLoc"));
   close(other);

@@ -103,6 +103,27 @@ TEST_F(DesktopRuns, PreparingDoesThePreInstallStepAndKeepsASecondInstallOut) {
   EXPECT_NE(second.prepare(), "");
 }
 
+TEST_F(DesktopRuns, TheWindowTellsWhatTheInstallDoesAndHowFarItIs) {
+  ASSERT_EQ(run_.prepare(), "");
+  run_.begin();
+  EXPECT_EQ(run_.phaseText(), "");
+  run_.beginDisc("/Volumes/Tessaphon B", 1, 2);
+  run_.setAsking(true);
+  EXPECT_EQ(run_.phaseText(), "Disc 2 of 2: Tessaphon B - waiting for you");
+  run_.awaitDisc(10);
+  EXPECT_EQ(run_.phaseText(), "Disc 2 of 2: Tessaphon B - looking for it: 10 s");
+  run_.setAsking(true);
+  EXPECT_EQ(run_.phaseText(), "Disc 2 of 2: Tessaphon B - not found, waiting for you");
+  run_.setAsking(false);
+  run_.beginCopy(2, 2);
+  run_.setProgress({0.0, 97656.25, 24414.0625, 25000000});
+  EXPECT_EQ(run_.phaseText(), "Disc 2 of 2: Tessaphon B - copying");
+  EXPECT_THAT(run_.progressText(), StartsWith("25 %, 25.0 MB of 100.0 MB"));
+  run_.beginEject();
+  EXPECT_EQ(run_.phaseText(), "Disc 2 of 2: Tessaphon B - ejecting");
+  EXPECT_EQ(run_.progressText(), "25 %, 25.0 MB of 100.0 MB") << "nothing is copied, so there is no rate";
+}
+
 // Two discs, each with a file that the page has copied.
 class DesktopAudit : public DesktopRuns {
  protected:
