@@ -19,8 +19,8 @@ _tavinstall() {
       return ;;
     --optional-discs) COMPREPLY=($(compgen -W "skip wait" -- "$current")); return ;;
     --late | --disc-timeout) return ;;
-    --bundle | --installed | --keep) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
-    --package | --summary | --report) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
+    --installed | --keep) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
+    --package | --summary | --report | --bundle) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
   esac
 
   local options
@@ -31,7 +31,7 @@ _tavinstall() {
     stop) options="--help" ;;
     rehearse) options="--product --install-type --installed --allow-outside --late --keep --report --ui --help" ;;
     check) options="--product --install-type --installed --format --help" ;;
-    log) options="--last --check --format --help" ;;
+    log) options="--last --check --bundle --format --help" ;;
     help) options="--help" ;;
     *) options="--help --version" ;;
   esac

@@ -42,4 +42,5 @@ complete -c tavinstall -n '__fish_seen_subcommand_from rehearse check' -a '(__fi
 
 complete -c tavinstall -n '__fish_seen_subcommand_from log' -l last -d 'Show only the last run'
 complete -c tavinstall -n '__fish_seen_subcommand_from log' -l check -d 'Tell by the exit status how the last run ended'
+complete -c tavinstall -n '__fish_seen_subcommand_from log' -l bundle -r -F -d 'Put what support needs into this new ZIP file'
 complete -c tavinstall -n '__fish_seen_subcommand_from log' -F

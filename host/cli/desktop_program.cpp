@@ -7,6 +7,7 @@
 #include "host/cli/command_line.h"
 #include "host/engine/pre_install.h"
 #include "host/engine/stand_ins.h"
+#include "host/log/log_records.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -82,6 +83,9 @@ EngineOptions readOptions(CLI::App& program, int argumentCount, char** arguments
       ->envname("TAVINSTALL_WITHOUT_ATTRIBUTES");
   program.parse(argumentCount, arguments);
   options.package = packageLocation(package);
+  if (product.empty() && bundle.empty()) {
+    requireNamedProduct(options.package);
+  }
   options.bundle =
       std::filesystem::absolute(bundle.empty() ? findBundle(product) : std::filesystem::path(bundle));
   return options;
@@ -152,6 +156,11 @@ std::string DesktopProgram::prepare() noexcept {
     options_.copies = expectedCopies(plan);
     lock_ = std::make_unique<InstallLock>(true);
     runPreInstallStep(options_.package, options_.installType);
+    options_.facts.started = isoTimeNow();
+    options_.facts.version = kVersion;
+    options_.facts.log = usersInstallationLog();
+    options_.facts.package = options_.package;
+    addFacts(plan, options_.facts);
     addStandInsToPath();
     keepSystemTextsEnglish();
     return {};
@@ -161,6 +170,10 @@ std::string DesktopProgram::prepare() noexcept {
 }
 
 void DesktopProgram::begin() noexcept {
+  orElse(false, [this] {
+    recorder_.begin(options_.facts);
+    return true;
+  });
   {
     const Lock lock(meterMutex_);
     meter_.start(Clock::now());
@@ -269,8 +282,26 @@ void DesktopProgram::end() noexcept {
     result_.destination = description_.introduction.destination;
     result_.log = description_.writtenLog();
     result_.failures = failures_.count > 0 ? failures_ : std::move(inLog);
+    record(result_.status, sums, isInstalled);
     return true;
   });
+}
+
+void DesktopProgram::stop() noexcept {
+  orElse(false, [this] {
+    record(ExitStatus::stopped, {}, false);
+    return true;
+  });
+}
+
+void DesktopProgram::record(ExitStatus status, const event::Audit& sums, bool isInstalled) const {
+  event::Summary summary;
+  summary.facts = options_.facts;
+  summary.status = static_cast<int>(status);
+  summary.reason = result_.failures.first.empty() ? "" : failureText(result_.failures.first.front());
+  summary.audit = sums;
+  summary.isInstalled = isInstalled;
+  recorder_.end(summary);
 }
 
 std::string DesktopProgram::phaseText() noexcept {

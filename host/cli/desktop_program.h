@@ -6,6 +6,7 @@
 #include "host/engine/pre_install.h"
 #include "host/engine/run_engine.h"
 #include "host/engine/run_phases.h"
+#include "host/protocol/run_record.h"
 #include "host/ui/phase_line.h"
 #include "host/ui/progress_meter.h"
 #include "host/ui/run_result.h"
@@ -41,6 +42,7 @@ class DesktopProgram final : public DesktopRun {
   void beginEject() noexcept override;
   void setAsking(bool isAsking) noexcept override;
   void end() noexcept override;
+  void stop() noexcept override;
   [[nodiscard]] std::string phaseText() noexcept override;
   [[nodiscard]] std::string progressText() noexcept override;
   [[nodiscard]] DesktopText summary() const noexcept override;
@@ -48,6 +50,7 @@ class DesktopProgram final : public DesktopRun {
 
  private:
   void show(const event::Phase& phase) REQUIRES(meterMutex_);
+  void record(ExitStatus status, const event::Audit& sums, bool isInstalled) const;
 
   EngineOptions options_;
   bool isTrusted_ = false;
@@ -56,6 +59,7 @@ class DesktopProgram final : public DesktopRun {
   RunDescription description_;
   std::unique_ptr<InstallLock> lock_;
   std::optional<InstallTypePlace> installTypePlace_;  // from prepare() until the page has been left
+  RunRecorder recorder_;
   Mutex meterMutex_;
   ProgressMeter meter_ GUARDED_BY(meterMutex_);
   RunPhases phases_ GUARDED_BY(meterMutex_);

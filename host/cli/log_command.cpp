@@ -1,3 +1,4 @@
+#include "host/base/build_facts.h"
 #include "host/base/display_text.h"
 #include "host/base/exit_status.h"
 #include "host/base/text.h"
@@ -6,6 +7,8 @@
 #include "host/log/log_headline.h"
 #include "host/log/log_records.h"
 #include "host/log/log_report.h"
+#include "host/log/support_bundle.h"
+#include "host/protocol/run_record.h"
 #include "platform/host_system.h"
 
 #include <CLI/CLI.hpp>
@@ -15,10 +18,14 @@
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
+#include <filesystem>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <sys/stat.h>
+#include <sys/utsname.h>
+#include <system_error>
+#include <vector>
 
 namespace tavenhall {
 
@@ -27,6 +34,7 @@ namespace {
 struct LogArguments {
   std::string file;
   std::string format = "text";
+  std::string bundle;
   bool lastOnly = false;
   bool checks = false;
 };
@@ -43,13 +51,43 @@ bool isRecent(const std::string& time) {
   return age >= 0 && age < kLongestPause;
 }
 
+// What the host has noted of this run, if its record is of this run.
+RunNote noteOf(const LoggedRun& run, const std::optional<RunRecord>& record, std::optional<bool> isRunning) {
+  constexpr std::time_t kClocksDiffer = 2;  // seconds; the log's are whole
+  RunNote note;
+  const std::time_t begin = timeOfRecord(run.begin);
+  if (!record || begin < secondsOfIsoTime(record->started) - kClocksDiffer) {
+    return note;  // the record is of a later run that has not come to the page's first line
+  }
+  if (!record->end) {
+    note.ending = !isRunning ? RunEnding::unknown : *isRunning ? RunEnding::ended : RunEnding::killed;
+    return note;
+  }
+  if (begin > secondsOfIsoTime(record->end->time) + kClocksDiffer) {
+    return note;  // of an earlier one, and another installer has shown the page since
+  }
+  constexpr std::int64_t kFull =
+      1000000;  // bytes; the log's lines are shorter, but so are the system's reserves
+  const RunRecord::End& end = *record->end;
+  note.ending = end.status == static_cast<int>(ExitStatus::stopped) ? RunEnding::stopped
+                : end.freeBytes && *end.freeBytes < kFull           ? RunEnding::diskFull
+                                                                    : RunEnding::ended;
+  note.isInstalled = end.isInstalled;
+  note.files = end.files;
+  note.reason = end.reason;
+  return note;
+}
+
 // Prints the runs. As JSON each as soon as it has been read, so that a long log needs no more memory than a
 // short one; as text after the headline, which is of the last one.
 class RunPrinter {
  public:
   // `isRunning`: an install of the user whose log it is runs; none where that is not known.
-  RunPrinter(const LogArguments& arguments, std::optional<bool> isRunning)
-      : asJson_(arguments.format == "json"), lastOnly_(arguments.lastOnly), isRunning_(isRunning) {}
+  RunPrinter(const LogArguments& arguments, std::optional<bool> isRunning, std::optional<RunRecord> record)
+      : asJson_(arguments.format == "json"),
+        lastOnly_(arguments.lastOnly),
+        isRunning_(isRunning),
+        record_(std::move(record)) {}
 
   // Then the previous run is not the last.
   void add(const LoggedRun& run) {
@@ -65,9 +103,13 @@ class RunPrinter {
     const bool mayStillRun = isEndless && isRunning_.value_or(isRecent(run.end));
     latest_ = formed(run, false);
     latestIfLast_ = mayStillRun ? formed(run, true) : latest_;
-    state_ = stateOf(run, mayStillRun);
-    headline_ = asJson_ ? "" : headlineText(run, state_);
+    const RunNote note = noteOf(run, record_, isRunning_);
+    state_ = stateOf(run, mayStillRun, note);
+    headline_ = asJson_ ? "" : headlineText(run, state_, note);
   }
+
+  // Of the last run; call it where there is one.
+  [[nodiscard]] RunState state() const { return state_; }
 
   // Returns the state of the last run; none if there is no run.
   std::optional<RunState> finish(const std::string& file) {
@@ -129,6 +171,7 @@ class RunPrinter {
   int notBegun_ = 0;
   int endless_ = 0;
   const std::optional<bool> isRunning_;
+  const std::optional<RunRecord> record_;
   std::string latest_;
   std::string latestIfLast_;
   std::string headline_;
@@ -152,6 +195,53 @@ ExitStatus statusOf(std::optional<RunState> lastRun) {
   return lastRun == RunState::stillRunning ? ExitStatus::warnings : ExitStatus::failure;
 }
 
+// What the log does not tell of the machine, in English.
+std::string systemText(const std::string& log, const LoggedRun& run) {
+  const InEnglish english;
+  utsname system{};
+  uname(&system);
+  std::string text = std::string("tavinstall ") + kVersion + "\n";
+  text += "page: " + run.pageVersion + "\n";
+  text += std::string("system: ") + system.sysname + " " + system.release + " " + system.machine + "\n";
+  std::vector<std::string> places{std::filesystem::path(log).parent_path().string()};
+  places.insert(places.end(), run.destinations.begin(), run.destinations.end());
+  for (const std::string& place : places) {
+    std::error_code error;
+    const auto space = std::filesystem::space(place, error);
+    text += "free at " + place + ": " +
+            (error ? error.message()
+                   : std::to_string(space.available) + " of " + std::to_string(space.capacity) + " bytes") +
+            "\n";
+  }
+  return text;
+}
+
+// Prints what it puts into the bundle before it does. There is nothing personal in it beyond paths and the host
+// name, which the log has in each of its lines.
+void makeBundle(const LogArguments& arguments, const std::string& log, const LoggedRun& run) {
+  std::vector<BundleFile> files{{"installationLog.txt", "", log}, {"system.txt", systemText(log, run), {}}};
+  // A log from elsewhere must not choose which of this machine's files go to support.
+  const bool isAttributes =
+      std::filesystem::path(run.attributesFile).filename() == ".InstallationAttributes.dat";
+  if (arguments.file.empty() && isAttributes) {
+    files.push_back({"InstallationAttributes.dat", "", run.attributesFile});
+  }
+  if (arguments.file.empty()) {
+    files.push_back({"lastRun.json", "", runRecordFile(log)});
+  }
+  print(format(_("{0} gets:"), {printableText(arguments.bundle)}) + "\n");
+  std::vector<BundleFile> readable;
+  for (const BundleFile& file : files) {
+    const std::int64_t size = sizeOf(file);
+    print("  " + file.name + ", " + (size < 0 ? _("cannot be read: left out") : sizeText(size)) + "\n");
+    if (size >= 0) {
+      readable.push_back(file);
+    }
+  }
+  std::fflush(stdout);
+  writeBundle(arguments.bundle, readable);
+}
+
 ExitStatus printLog(const LogArguments& arguments) {
   if (arguments.format == "json") {
     speakEnglish();
@@ -171,8 +261,13 @@ ExitStatus printLog(const LogArguments& arguments) {
   }
   fcntl(descriptor, F_SETFL, O_RDONLY);
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(fdopen(descriptor, "rb"), std::fclose);
-  RunPrinter printer(arguments, isRunning(arguments));
-  LoggedRuns runs([&printer](const LoggedRun& run) { printer.add(run); });
+  RunPrinter printer(arguments, isRunning(arguments),
+                     arguments.file.empty() ? readRunRecord(path) : std::nullopt);
+  std::optional<LoggedRun> last;
+  LoggedRuns runs([&](const LoggedRun& run) {
+    printer.add(run);
+    last = run;
+  });
   std::int64_t recordCount = 0;
   LogRecords records([&](const LogRecord& record) {
     ++recordCount;
@@ -190,6 +285,11 @@ ExitStatus printLog(const LogArguments& arguments) {
   if (recordCount == 0 && records.foreignBytes() > 0) {
     throw UsageError(format(_("{0} is not an installation log: no line in it is the page's"), {path}));
   }
+  if (!arguments.bundle.empty()) {
+    makeBundle(arguments, path, last.value_or(LoggedRun()));
+    return arguments.checks ? statusOf(last ? std::optional(printer.state()) : std::nullopt)
+                            : ExitStatus::success;
+  }
   const std::optional<RunState> lastRun = printer.finish(path);
   return arguments.checks ? statusOf(lastRun) : ExitStatus::success;
 }
@@ -203,9 +303,13 @@ void addLogCommand(CommandLine& commandLine) {
   log->add_option("FILE", arguments->file, _("Log file; by default the user's own"));
   log->add_flag("--last", arguments->lastOnly, _("Show only the last run"));
   log->add_flag("--check", arguments->checks, _("Tell by the exit status how the last run ended"));
+  CLI::Option* bundle =
+      log->add_option("--bundle", arguments->bundle, _("Put what support needs into this new ZIP file"))
+          ->type_name("FILE");
   log->add_option("--format", arguments->format, _("Output format"))
       ->check(oneOf({"text", "json"}))
       ->type_name("text|json")
+      ->excludes(bundle)
       ->capture_default_str();
   log->callback(
       [&commandLine, arguments] { commandLine.chosen = [arguments] { return printLog(*arguments); }; });

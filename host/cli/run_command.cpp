@@ -10,14 +10,13 @@
 #include "host/engine/run_engine.h"
 #include "host/log/log_records.h"
 #include "host/plain/plain_frontend.h"
+#include "host/protocol/run_record.h"
 #include "host/terminal/terminal_frontend.h"
 #include "platform/installer_pane.h"
 
 #include <CLI/CLI.hpp>
-#include <array>
 #include <chrono>
 #include <cstdlib>
-#include <ctime>
 #include <fcntl.h>
 #include <functional>
 #include <iterator>
@@ -127,22 +126,13 @@ std::optional<InstallPlan> checkedPlan(const RunArguments& arguments, Refusals& 
   return plan;
 }
 
-std::string timeNow() {
-  const std::time_t now = std::time(nullptr);
-  std::tm utc{};
-  gmtime_r(&now, &utc);
-  std::array<char, 32> text{};
-  std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &utc);
-  return text.data();
-}
-
 // Sets `options` as far as the arguments tell. Throws UsageError.
 void readArguments(const RunArguments& arguments, EngineOptions& options) {
   if (!arguments.summary.empty()) {
     requireWritable(arguments.summary);
     options.summary = arguments.summary;
   }
-  options.facts.started = timeNow();
+  options.facts.started = isoTimeNow();
   options.facts.version = kVersion;
   options.facts.log = usersInstallationLog();
   options.facts.package = arguments.package;
@@ -152,6 +142,9 @@ void readArguments(const RunArguments& arguments, EngineOptions& options) {
     }
     options.package = packageLocation(arguments.package);
     options.facts.package = options.package;
+    if (arguments.product.empty() && arguments.bundle.empty()) {
+      requireNamedProduct(options.package);
+    }
     options.installType = arguments.installType;
   }
   options.bundle =

@@ -2,11 +2,13 @@
 
 #include "context/first_line.h"
 #include "context/open_file.h"
+#include "host/base/build_facts.h"
 #include "host/base/files.h"
 #include "host/base/text.h"
 #include "host/engine/other_users.h"
 #include "host/log/log_records.h"
 #include "host/log/logged_run.h"
+#include "host/set/installer_set.h"
 #include "platform/installer_pane.h"
 #include "platform/strings_file.h"
 #include "platform/system.h"
@@ -163,6 +165,13 @@ InstallPlan planFor(const EngineOptions& options) {
     request.installType = options.installType;
   }
   return planInstall(request);
+}
+
+void requireNamedProduct(const fs::path& package) {
+  const std::string named = productOfSet(package);
+  if (!named.empty() && named != kDefaultProduct) {
+    throw UsageError(format(_("rehearsal.json says that this set is for {0}; add --product {0}"), {named}));
+  }
 }
 
 std::string missingAttributes(const InstallPlan& plan) {

@@ -7,6 +7,7 @@
 #include "host/ui/run_result.h"
 
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
@@ -25,6 +26,9 @@ using FreeBytes = std::function<std::optional<std::int64_t>(const std::string& p
 // The plan of an installation on this machine. Throws UsageError if the attributes file cannot be read, or is
 // a pipe or the like.
 [[nodiscard]] InstallPlan planFor(const EngineOptions& options);
+
+// Throws UsageError where the default product's plug-in would be shown for a set that names another product.
+void requireNamedProduct(const std::filesystem::path& package);
 
 // The reasons to refuse an installation of which it is not known what it consists of.
 [[nodiscard]] std::string missingAttributes(const InstallPlan& plan);

@@ -64,6 +64,9 @@ class DesktopRun {
   // The page was left forwards.
   virtual void end() noexcept = 0;
 
+  // The user has closed the window before that.
+  virtual void stop() noexcept = 0;
+
   // What the install does now: "Disc 2 of 3: Tessaphon B - copying", and "34 %, 812.4 MB of 1.9 GB, 54.2 MB/s,
   // about 3 min left"; empty while nothing is known.
   [[nodiscard]] virtual std::string phaseText() noexcept = 0;

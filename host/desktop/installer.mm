@@ -171,7 +171,7 @@ BOOL isFirstButton(const char* message, const std::string& text, const char* fir
     const BOOL isRunning = ![[section_ activePane] nextEnabled];
     [window_ setPhase:isRunning ? nsString(run_->phaseText()) : @""];
     [window_ setProgress:nsString(run_->progressText())];
-    [window_ displayIfNeeded];  // while an alert is up, nothing else draws this window
+    [[window_ contentView] displayIfNeeded];  // while an alert is up, nothing else draws this window
   }
 }
 
@@ -284,6 +284,7 @@ BOOL isFirstButton(const char* message, const std::string& text, const char* fir
           _("Go On"), _("Stop"))) {
     return NO;
   }
+  run_->stop();
   endProcess(ExitStatus::stopped);
 }
 

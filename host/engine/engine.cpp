@@ -108,6 +108,9 @@ void Engine::perform(Command command) {
     }
     case Command::enter: {
       beginAudits();
+      if (onEntry_) {
+        onEntry_();
+      }
       {
         const Lock lock(state_);
         enteredAt_ = Clock::now();

@@ -19,6 +19,7 @@
 #include <optional>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace tavenhall {
@@ -59,6 +60,9 @@ class Engine final : private InstallerHost {
   // thread of its own; the descriptor must stay open. setCommands() performs these commands.
   void readRequests(int descriptor);
   void setCommands(std::deque<Command> commands);
+
+  // Called on the main loop each time before the page is entered. Set it before run().
+  void setOnEntry(std::function<void()> onEntry) { onEntry_ = std::move(onEntry); }
 
   // Answers every alert by itself from now on; answers of a frontend count no more.
   void answerUnattended(const UnattendedAnswers& answers) EXCLUDES(main_);
@@ -185,6 +189,7 @@ class Engine final : private InstallerHost {
   EventHub& events_;
   EjectNote& ejectNote_;
   const OnEnd onEnd_;
+  std::function<void()> onEntry_;
   const Clock::time_point start_ = Clock::now();
   const std::thread::id mainLoopThread_ = std::this_thread::get_id();
   Text instructions_{*this, Text::Place::instructions};

@@ -38,7 +38,7 @@ void FrontendServer::run() {
     for (const Frontend& frontend : frontends_) {
       inputs.push_back({frontend.descriptor, POLLIN, 0});
     }
-    if (poll(inputs.data(), inputs.size(), -1) <= 0) {
+    if (poll(inputs.data(), static_cast<nfds_t>(inputs.size()), -1) <= 0) {
       continue;
     }
     std::size_t i = 1;

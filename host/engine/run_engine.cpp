@@ -7,6 +7,7 @@
 #include "host/engine/frontend_server.h"
 #include "host/engine/pre_install.h"
 #include "host/protocol/json_form.h"
+#include "host/protocol/run_record.h"
 #include "platform/host_system.h"
 
 #include <atomic>
@@ -123,6 +124,9 @@ class RunEnd {
   // Call it while texts are in the user's language.
   RunEnd(const EngineOptions& options, Controller controller) : options_(options), controller_(controller) {}
 
+  // The page is about to be entered.
+  void begin() { recorder_.begin(options_.facts); }
+
   // `first` is the events' writer of the frontend that the run was started with; null: there is none.
   void setEngine(Engine& engine, EventHub& hub, EventWriter* first) {
     engine_ = &engine;
@@ -157,6 +161,9 @@ class RunEnd {
     if (!options_.summary.empty()) {
       writeSummaryFile(options_.summary, summary, cannotWriteSummary_);
     }
+    if (engine_->secondsSinceEntry()) {
+      recorder_.end(summary);
+    }
     if (server_ != nullptr) {
       server_->finish(kPatience);
     }
@@ -173,6 +180,7 @@ class RunEnd {
 
  private:
   const EngineOptions& options_;
+  RunRecorder recorder_;
   Controller controller_;
   EventWriter* first_ = nullptr;
   EventHub* hub_ = nullptr;
@@ -212,6 +220,7 @@ class RunEnd {
   Engine engine(hub, ejectNote,
                 [&end](ExitStatus status, const std::string& reason) { end.finish(status, reason); });
   end.setEngine(engine, hub, first.get());
+  engine.setOnEntry([&end] { end.begin(); });
   engine.makePage(factory);
   const auto stop = [&end](int signal) {
     end.finish(ExitStatus::stopped, "stopped by signal " + std::to_string(signal));

@@ -88,11 +88,39 @@ std::string openPrompt(const LoggedRun& run) {
   return isOpen ? run.prompts.back().volume : std::string();
 }
 
+// Why the log has no end of the run. `disc` is the one that it waited for; empty: none.
+std::string unendedText(const std::string& disc, RunEnding ending) {
+  switch (ending) {
+    case RunEnding::ended:
+      return _(
+          "The last run has ended, but its end is missing from the log, which could not be written any more.");
+    case RunEnding::diskFull:
+      return _(
+          "The last run has ended, but its end is missing from the log: the disk was full. Make room first.");
+    case RunEnding::stopped:
+      return disc.empty() ? std::string(_("The last run was stopped before its end."))
+                          : format(_("The last run was stopped while it waited for disc {0}."), {disc});
+    case RunEnding::killed:
+      return disc.empty()
+                 ? std::string(_("The last run was killed, or the computer was switched off."))
+                 : format(_("The last run was killed, or the computer was switched off, while it waited "
+                            "for disc {0}."),
+                          {disc});
+    case RunEnding::unknown: break;
+  }
+  return disc.empty()
+             ? std::string(_("The last run did not end: it was stopped or killed, the computer was "
+                             "switched off, or the log could not be written any more."))
+             : format(_("The last run did not end: it was stopped or killed while it waited for disc {0}."),
+                      {disc});
+}
+
 }  // namespace
 
-RunState stateOf(const LoggedRun& run, bool mayStillRun) {
+RunState stateOf(const LoggedRun& run, bool mayStillRun, const RunNote& note) {
   switch (run.outcome) {
-    case RunEnd::complete: return run.failureCount == 0 ? RunState::good : RunState::failed;
+    case RunEnd::complete:
+      return run.failureCount == 0 && note.isInstalled.value_or(true) ? RunState::good : RunState::failed;
     case RunEnd::noDataFolder: return RunState::failed;
     case RunEnd::never: break;
   }
@@ -145,9 +173,14 @@ std::string groupText(const FailureGroup& group) {
   return plural("{0} file: {1} ({2})", "{0} files: {1} ({2})", group.count, {failureText(folder), names});
 }
 
-std::string headlineText(const LoggedRun& run, RunState state) {
+std::string headlineText(const LoggedRun& run, RunState state, const RunNote& note) {
   switch (state) {
     case RunState::good:
+      if (note.isInstalled) {
+        return plural("The last run has ended: {0} file was found installed, and nothing failed.",
+                      "The last run has ended: {0} files were found installed, and nothing failed.",
+                      note.files);
+      }
       return _(
           "The last run has ended, and the log records no failure. It does not prove that every file is there: "
           "the summary of the run does.");
@@ -157,24 +190,27 @@ std::string headlineText(const LoggedRun& run, RunState state) {
             _("The last run has not begun."),
             _("The data folder was missing: install the product first, then run this installer again."));
       }
+      if (run.failureCount == 0) {
+        return join(format(_("The last run has ended, and the log records no failure, but not everything was "
+                             "installed ({0})."),
+                           {note.reason}),
+                    _("Run the installer again."));
+      }
       return join(plural("The last run has ended with {0} failure.",
                          "The last run has ended with {0} failures.", run.failureCount),
                   remedyText(run));
     case RunState::stillRunning: {
       const std::string disc = openPrompt(run);
-      return disc.empty() ? std::string(_("The last run has not ended. It is running, or may be."))
-                          : format(_("The last run has not ended. It waits for disc {0}."), {disc});
+      if (!disc.empty()) {
+        return format(_("The last run has not ended. It waits for disc {0}."), {disc});
+      }
+      return note.ending == RunEnding::unknown ? _("The last run has not ended. It is running, or may be.")
+                                               : _("The last run has not ended. It is running.");
     }
     case RunState::notEnded: break;
   }
-  const std::string disc = openPrompt(run);
-  const std::string what =
-      disc.empty()
-          ? std::string(_("The last run did not end: it was stopped or killed, the computer was switched off, "
-                          "or the log could not be written any more."))
-          : format(_("The last run did not end: it was stopped or killed while it waited for disc {0}."),
-                   {disc});
-  return join(what, run.failureCount > 0 ? remedyText(run) : std::string(_("Run the installer again.")));
+  return join(unendedText(openPrompt(run), note.ending),
+              run.failureCount > 0 ? remedyText(run) : std::string(_("Run the installer again.")));
 }
 
 }  // namespace tavenhall

@@ -4,11 +4,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
-// What a person at support needs of a run first. It rests on the log alone, which does not record everything
-// that can go wrong: a log without failures is no proof that every file is installed.
+// What a person at support needs of a run first. The log does not record everything that can go wrong: a log
+// without failures is no proof that every file is installed. What the host has noted of the run is one.
 namespace tavenhall {
 
 enum class RunState {
@@ -17,8 +18,6 @@ enum class RunState {
   notEnded,      // the log breaks off
   stillRunning,  // the log breaks off, and the install runs or may run
 };
-
-[[nodiscard]] RunState stateOf(const LoggedRun& run, bool mayStillRun);
 
 // Failures of one kind and reason in one folder.
 struct FailureGroup {
@@ -40,7 +39,25 @@ struct FailureGroup {
 // failureText() has it.
 [[nodiscard]] std::string groupText(const FailureGroup& group);
 
+// How a run ended, as the host has noted it besides the log.
+enum class RunEnding {
+  unknown,
+  ended,     // by itself; the log may be cut
+  diskFull,  // by itself, and the log's disk was full then
+  stopped,   // by the user or a signal
+  killed,    // it did not come to its end
+};
+
+struct RunNote {
+  RunEnding ending = RunEnding::unknown;
+  std::optional<bool> isInstalled;  // by the audits; none where that is not known
+  std::int64_t files = 0;           // that they found installed
+  std::string reason;               // why not everything is installed, in English
+};
+
+[[nodiscard]] RunState stateOf(const LoggedRun& run, bool mayStillRun, const RunNote& note);
+
 // What happened, the likely cause and the remedy: two or three sentences.
-[[nodiscard]] std::string headlineText(const LoggedRun& run, RunState state);
+[[nodiscard]] std::string headlineText(const LoggedRun& run, RunState state, const RunNote& note);
 
 }  // namespace tavenhall

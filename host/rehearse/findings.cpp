@@ -2,6 +2,7 @@
 
 #include "context/install_rules.h"
 #include "host/log/log_records.h"
+#include "host/protocol/run_record.h"
 #include "platform/installer_pane.h"
 
 #include <algorithm>
@@ -222,8 +223,10 @@ void collectGoneFiles(const CheckedSet& checked, RehearsalFindings& findings) {
 
 // What a command of the set has made, for one.
 void collectExtraFiles(const Stage& stage, RehearsalFindings& findings) {
-  std::unordered_set<std::string> explained{findings.insidePath(stage.log().string()), kLocationFile,
-                                            kInstallTypeFile};
+  std::unordered_set<std::string> explained{
+      findings.insidePath(stage.log().string()),
+      findings.insidePath((stage.log().parent_path() / kRunRecordName).string()), kLocationFile,
+      kInstallTypeFile};
   for (const FileFate& file : findings.files) {
     explained.insert(fs::path(file.destination).lexically_normal().string());
   }

@@ -174,6 +174,23 @@ InstallerSet openInstallerSet(const fs::path& folder) {
   return set;
 }
 
+std::string productOfSet(const fs::path& package) {
+  const fs::path beside = package.parent_path();
+  for (const fs::path& folder : {beside, beside.parent_path()}) {
+    InstallerSet set;
+    set.folder = folder;
+    try {
+      readRehearsalFile(set);
+    } catch (const UsageError&) {
+      return {};  // the commands that need the file say what is wrong with it
+    }
+    if (!set.product.empty()) {
+      return set.product;
+    }
+  }
+  return {};
+}
+
 std::string dataRootIn(const fs::path& installed) {
   std::error_code error;
   if (!fs::is_directory(installed, error)) {

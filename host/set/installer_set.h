@@ -33,6 +33,10 @@ struct InstallerSet {
 // Opens the set. Throws UsageError, naming what is missing and what to do.
 [[nodiscard]] InstallerSet openInstallerSet(const std::filesystem::path& folder);
 
+// The product that the set's rehearsal.json names, beside the package or one folder above; empty if it names
+// none or cannot be read.
+[[nodiscard]] std::string productOfSet(const std::filesystem::path& package);
+
 // Finds the user's data folders in `installed`: if it is a home, in its "Library/Application
 // Support/Tavenhall"; if it was kept by a rehearsal, in the home "Users/rehearsal" in it; otherwise in the
 // folder itself. Throws UsageError if there is no such folder.

@@ -221,6 +221,21 @@ TEST(Unattended, ASignalEndsItWithFourAndASummary) {
   }
 }
 
+TEST(RunCommand, ASetOfAnotherProductIsNotInstalledAsTheDefaultOne) {
+  layDiscs();
+  writeFile("/Users/tester/Downloads/Set/rehearsal.json", R"({"product": "Lumaweave"})");
+  const Outcome outcome = runUnattended({"--unattended"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.error,
+            "tavinstall: rehearsal.json says that this set is for Lumaweave; add --product Lumaweave\n");
+  EXPECT_EQ(summary()["status"], 2);
+  EXPECT_EQ(runUnattended({"--unattended", "--product", "Tessaphon"}).status, 0) << "the user has said so";
+  writeFile("/Users/tester/Downloads/Set/rehearsal.json", R"({"product": "Tessaphon"})");
+  EXPECT_EQ(runUnattended({"--unattended"}).status, 0);
+  writeFile("/Users/tester/Downloads/Set/rehearsal.json", "nonsense");
+  EXPECT_EQ(runUnattended({"--unattended"}).status, 0);
+}
+
 TEST(Unattended, ItsOptionsNeedIt) {
   layDiscs();
 

@@ -199,6 +199,7 @@ typedef NS_ENUM(NSUInteger, NSTextTabType) { NSLeftTabStopType = 0 };
 @property CGFloat paragraphSpacing;
 @property(copy) NSArray* tabStops;
 @property CGFloat headIndent;
+@property CGFloat firstLineHeadIndent;
 @property NSLineBreakMode lineBreakMode;
 @end
 extern "C" NSAttributedStringKey const NSFontAttributeName;
@@ -213,6 +214,12 @@ typedef NS_OPTIONS(NSInteger, NSStringDrawingOptions) { NSStringDrawingUsesLineF
                     attributes:(NSDictionary*)attributes API_AVAILABLE(macos(10.4));
 @end
 
+// NSPasteboard.h
+extern "C" NSString* const NSStringPboardType API_DEPRECATED("use NSPasteboardTypeString", macos(10.0, 10.14));
+@interface NSPasteboard : NSObject
+- (BOOL)setString:(NSString*)text forType:(NSString*)type;
+@end
+
 // NSTextView.h, NSText.h, NSTextStorage.h, NSTextContainer.h, NSLayoutManager.h
 @interface NSTextStorage : NSMutableAttributedString
 - (void)setAttributedString:(NSAttributedString*)text;
@@ -220,6 +227,7 @@ typedef NS_OPTIONS(NSInteger, NSStringDrawingOptions) { NSStringDrawingUsesLineF
 @interface NSTextContainer : NSObject
 @property BOOL widthTracksTextView;
 @property NSSize containerSize;
+@property CGFloat lineFragmentPadding;
 @end
 @interface NSLayoutManager : NSObject
 - (NSRange)glyphRangeForTextContainer:(NSTextContainer*)container;
@@ -228,12 +236,15 @@ typedef NS_OPTIONS(NSInteger, NSStringDrawingOptions) { NSStringDrawingUsesLineF
 @interface NSText : NSView
 @property(getter=isEditable) BOOL editable;
 @property BOOL drawsBackground;
+@property NSRange selectedRange;
 @end
 @interface NSTextView : NSText
 @property NSSize textContainerInset;
 @property(assign) NSTextContainer* textContainer;
 @property(readonly, assign) NSLayoutManager* layoutManager;
 @property(readonly, assign) NSTextStorage* textStorage;
+@property(readonly, copy) NSArray* writablePasteboardTypes;
+- (BOOL)writeSelectionToPasteboard:(NSPasteboard*)pasteboard type:(NSString*)type;
 @end
 
 // NSScroller.h, NSScrollView.h

@@ -84,6 +84,7 @@ typedef struct {
 
 // NSString.h
 typedef NSUInteger NSStringEncoding;
+typedef unsigned short unichar;
 enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 @class NSCharacterSet;
 @interface NSString : NSObject <NSCopying, NSMutableCopying, NSSecureCoding>
@@ -98,6 +99,14 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 - (NSString*)stringByReplacingCharactersInRange:(NSRange)range
                                      withString:(NSString*)text API_AVAILABLE(macos(10.5));
 - (NSString*)stringByTrimmingCharactersInSet:(NSCharacterSet*)set;
+- (unichar)characterAtIndex:(NSUInteger)index;
+- (NSString*)substringToIndex:(NSUInteger)index;
+- (NSString*)substringFromIndex:(NSUInteger)index;
+- (NSString*)substringWithRange:(NSRange)range;
+@end
+@interface NSMutableString : NSString
++ (instancetype)string;
+- (void)appendString:(NSString*)text;
 @end
 @interface NSSimpleCString : NSString
 @end
@@ -107,6 +116,8 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 // NSCharacterSet.h
 @interface NSCharacterSet : NSObject <NSCopying>
 + (NSCharacterSet*)whitespaceCharacterSet;
++ (NSCharacterSet*)characterSetWithCharactersInString:(NSString*)text;
+- (BOOL)characterIsMember:(unichar)character;
 @end
 
 // NSValue.h
@@ -114,6 +125,7 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 @end
 @interface NSNumber : NSValue
 + (NSNumber*)numberWithShort:(short)value;
++ (NSNumber*)numberWithBool:(BOOL)value;
 @end
 
 // NSArray.h
@@ -136,11 +148,13 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 @end
 @interface NSMutableDictionary : NSDictionary
 + (instancetype)dictionaryWithDictionary:(NSDictionary*)other;
+- (void)setObject:(id)object forKey:(id)key;
 @end
 
 // NSKeyValueCoding.h
 @interface NSObject (NSKeyValueCoding)
 - (void)setValue:(id)value forKey:(NSString*)key;
+- (id)mutableCopy;
 @end
 
 // NSKeyValueObserving.h
@@ -240,6 +254,10 @@ typedef NSString* NSRunLoopMode;
 typedef NSString* NSAttributedStringKey;
 @interface NSAttributedString : NSObject <NSCopying, NSMutableCopying>
 - (instancetype)initWithString:(NSString*)text attributes:(NSDictionary*)attributes;
+@property(readonly, copy) NSString* string;
+@property(readonly) NSUInteger length;
+- (id)attribute:(NSString*)name atIndex:(NSUInteger)index effectiveRange:(NSRange*)range;
+- (NSAttributedString*)attributedSubstringFromRange:(NSRange)range;
 @end
 @interface NSMutableAttributedString : NSAttributedString
 - (void)appendAttributedString:(NSAttributedString*)text;
