@@ -27,6 +27,7 @@ typedef struct _NSRange {
   NSUInteger location;
   NSUInteger length;
 } NSRange;
+inline NSRange NSMakeRange(NSUInteger location, NSUInteger length) { return {location, length}; }
 
 // NSZone.h
 typedef struct _NSZone NSZone;
