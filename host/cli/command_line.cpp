@@ -49,6 +49,12 @@ std::string meantBy(const std::string& written, const CLI::App& program) {
       known.push_back(command->get_name());
     }
   }
+  constexpr std::size_t kShortestBeginning = 3;
+  for (const std::string& name : known) {
+    if (written.size() >= kShortestBeginning && name.starts_with(written)) {
+      return name;
+    }
+  }
   const auto nearest = std::min_element(known.begin(), known.end(),
                                         [&written](const std::string& one, const std::string& other) {
                                           return editDistance(written, one) < editDistance(written, other);

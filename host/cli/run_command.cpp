@@ -47,6 +47,10 @@ struct RunArguments {
   bool isWithoutAttributes = false;
 };
 
+UsageError badArguments(const std::string& reason) {
+  return UsageError(format(_("{0}; see {1}"), {reason, "tavinstall run --help"}));
+}
+
 // Collects the reasons not to install. Without a user the first must not hide the others. Another program that
 // drives the install decides itself, so it gets warnings.
 class Refusals {
@@ -138,7 +142,7 @@ void readArguments(const RunArguments& arguments, EngineOptions& options) {
   options.facts.package = arguments.package;
   if (!arguments.noPreInstall) {
     if (arguments.package.empty()) {
-      throw UsageError(_("--package or --no-preinstall is required"));
+      throw badArguments(_("--package or --no-preinstall is required"));
     }
     options.package = packageLocation(arguments.package);
     options.facts.package = options.package;
@@ -158,13 +162,13 @@ std::optional<UnattendedAnswers> answersFor(const RunArguments& arguments, Front
     for (const auto& [name, value] : {std::pair("--disc-timeout", arguments.discTimeout),
                                       std::pair("--optional-discs", arguments.optionalDiscs)}) {
       if (!value.empty()) {
-        throw UsageError(format(_("{0} requires --unattended"), {name}));
+        throw badArguments(format(_("{0} requires --unattended"), {name}));
       }
     }
     return std::nullopt;
   }
   if (arguments.ui == "terminal") {
-    throw UsageError(format(_("{0} cannot be combined with {1}"), {"--unattended", "--ui terminal"}));
+    throw badArguments(format(_("{0} cannot be combined with {1}"), {"--unattended", "--ui terminal"}));
   }
   UnattendedAnswers answers;
   answers.discTimeout = std::chrono::seconds(std::atoi(arguments.discTimeout.c_str()));

@@ -199,11 +199,11 @@ void appendBroken(NSMutableAttributedString* all, NSString* text, NSDictionary* 
       [text appendString:[[selected string] substringWithRange:NSMakeRange(i, 1)]];
     }
   }
-  return [pasteboard setString:text forType:NSStringPboardType];
+  return [pasteboard setString:text forType:NSPasteboardTypeString];
 }
 
 - (NSArray*)writablePasteboardTypes {
-  return [NSArray arrayWithObject:NSStringPboardType];
+  return [NSArray arrayWithObject:NSPasteboardTypeString];
 }
 @end
 

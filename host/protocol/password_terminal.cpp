@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <sys/ioctl.h>
@@ -61,7 +62,13 @@ void setControllingTerminal(int commands) noexcept { ioctl(commands, TIOCSCTTY, 
 void leaveControllingTerminal() noexcept {
   const int terminal = open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC);
   if (terminal >= 0) {
+    // A session's first process gets SIGHUP when it gives up its terminal.
+    struct sigaction ignoring {};
+    struct sigaction before {};
+    ignoring.sa_handler = SIG_IGN;
+    sigaction(SIGHUP, &ignoring, &before);
     ioctl(terminal, TIOCNOTTY);
+    sigaction(SIGHUP, &before, nullptr);
     close(terminal);
   }
 }

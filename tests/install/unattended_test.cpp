@@ -236,16 +236,35 @@ TEST(RunCommand, ASetOfAnotherProductIsNotInstalledAsTheDefaultOne) {
   EXPECT_EQ(runUnattended({"--unattended"}).status, 0);
 }
 
+// A terminal of the program's own, which only the user of this one could answer at.
+TEST(Unattended, NoCommandOfTheInstallHasATerminalToAskOn) {
+  layDiscs();
+  writeFile("/tmp/tools/drutil",
+            "#!/bin/sh\n(exec </dev/tty) 2>/dev/null && echo asked >/tmp/asked || echo not >/tmp/asked\n");
+  std::filesystem::permissions("/tmp/tools/drutil", std::filesystem::perms::owner_all);
+  for (const char* frontend : {"plain", "quiet"}) {
+    removeTree("/tmp/asked");
+    const Outcome outcome =
+        runThrough({"script", "-qec",
+                    std::string(kTavinstall) + " run --unattended --ui " + frontend + " --package " + kPackage,
+                    "/dev/null"},
+                   {{"PATH", "/tmp/tools:" + usualPath()}});
+    EXPECT_EQ(outcome.status, 0) << outcome.output;
+    EXPECT_EQ(readFile("/tmp/asked"), "not\n") << frontend;
+  }
+}
+
 TEST(Unattended, ItsOptionsNeedIt) {
   layDiscs();
 
   for (const auto& option : {std::pair("--disc-timeout", "5"), std::pair("--optional-discs", "wait")}) {
     const Outcome outcome = runUnattended({"--ui", "plain", option.first, option.second});
     EXPECT_EQ(outcome.status, 2);
-    EXPECT_EQ(outcome.error, std::string("tavinstall: ") + option.first + " requires --unattended\n");
+    EXPECT_EQ(outcome.error, std::string("tavinstall: ") + option.first +
+                                 " requires --unattended; see tavinstall run --help\n");
   }
   EXPECT_EQ(runUnattended({"--unattended", "--ui", "terminal"}).error,
-            "tavinstall: --unattended cannot be combined with --ui terminal\n");
+            "tavinstall: --unattended cannot be combined with --ui terminal; see tavinstall run --help\n");
 }
 
 }  // namespace
