@@ -53,6 +53,7 @@ ExitStatus runProgram(int argc, char** argv) {
   addAttachCommands(commandLine);
   addRehearseCommand(commandLine);
   addCheckCommand(commandLine);
+  addManifestCommands(commandLine);
   addLogCommand(commandLine);
   addHelpCommand(commandLine);
   try {

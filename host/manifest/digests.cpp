@@ -1,0 +1,142 @@
+#include "host/manifest/digests.h"
+
+#include "host/base/mutex.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <fcntl.h>
+#include <memory>
+#include <openssl/evp.h>
+#include <stdexcept>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
+
+namespace tavenhall {
+
+namespace {
+
+constexpr std::size_t kPiece = 1048576;      // bytes of a read
+constexpr std::int64_t kReported = 8388608;  // bytes between two reports of progress
+constexpr unsigned kMostThreads = 8;
+
+class Hasher {
+ public:
+  Hasher() {
+    if (context_ == nullptr) {
+      throw std::runtime_error("OpenSSL has no digests");
+    }
+  }
+
+  void begin() { require(EVP_DigestInit_ex(context_.get(), EVP_sha256(), nullptr)); }
+  void add(const char* bytes, std::size_t size) { require(EVP_DigestUpdate(context_.get(), bytes, size)); }
+
+  std::string end() {
+    std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
+    unsigned size = 0;
+    require(EVP_DigestFinal_ex(context_.get(), digest.data(), &size));
+    constexpr char kDigits[] = "0123456789abcdef";
+    std::string text;
+    for (unsigned i = 0; i < size; ++i) {
+      text += kDigits[digest[i] >> 4U];
+      text += kDigits[digest[i] & 15U];
+    }
+    return text;
+  }
+
+ private:
+  static void require(int isDone) {
+    if (isDone != 1) {
+      throw std::runtime_error("OpenSSL cannot compute a digest");
+    }
+  }
+
+  const std::unique_ptr<EVP_MD_CTX, void (*)(EVP_MD_CTX*)> context_{EVP_MD_CTX_new(), EVP_MD_CTX_free};
+};
+
+// What the threads share.
+class DigestWork {
+ public:
+  DigestWork(const std::vector<std::filesystem::path>& files,
+             const std::function<void(std::size_t, const FileDigest&)>& done,
+             const std::function<void(std::int64_t)>& progress)
+      : files_(files), done_(done), progress_(progress) {}
+
+  void run() {
+    Hasher hasher;
+    std::vector<char> piece(kPiece);
+    for (std::size_t i = next_++; i < files_.size(); i = next_++) {
+      const FileDigest digest = digestOf(files_[i], hasher, piece);
+      const Lock lock(mutex_);
+      done_(i, digest);
+    }
+  }
+
+ private:
+  FileDigest digestOf(const std::filesystem::path& file, Hasher& hasher, std::vector<char>& piece) {
+    FileDigest result;
+    const int descriptor = open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    struct stat found {};
+    if (descriptor < 0 || fstat(descriptor, &found) != 0 || !S_ISREG(found.st_mode)) {
+      result.error = descriptor < 0 ? errno : EINVAL;
+      if (descriptor >= 0) {
+        close(descriptor);
+      }
+      return result;
+    }
+    hasher.begin();
+    std::int64_t reported = 0;
+    while (true) {
+      const ssize_t count = read(descriptor, piece.data(), piece.size());
+      if (count < 0 && errno == EINTR) {
+        continue;
+      }
+      if (count <= 0) {
+        result.error = count < 0 ? errno : 0;
+        break;
+      }
+      hasher.add(piece.data(), static_cast<std::size_t>(count));
+      result.size += count;
+      if (result.size - reported >= kReported) {
+        report(result.size - reported);
+        reported = result.size;
+      }
+    }
+    close(descriptor);
+    report(result.size - reported);
+    result.digest = result.error == 0 ? hasher.end() : std::string();
+    return result;
+  }
+
+  void report(std::int64_t bytes) {
+    const Lock lock(mutex_);
+    progress_(bytes);
+  }
+
+  const std::vector<std::filesystem::path>& files_;
+  const std::function<void(std::size_t, const FileDigest&)>& done_;
+  const std::function<void(std::int64_t)>& progress_;
+  std::atomic<std::size_t> next_ = 0;
+  Mutex mutex_;  // held for the calls of the two functions
+};
+
+}  // namespace
+
+void digestFiles(const std::vector<std::filesystem::path>& files,
+                 const std::function<void(std::size_t index, const FileDigest& digest)>& done,
+                 const std::function<void(std::int64_t bytes)>& progress) {
+  DigestWork work(files, done, progress);
+  const unsigned count = std::clamp(std::thread::hardware_concurrency(), 1U, kMostThreads);
+  std::vector<std::thread> threads;
+  for (unsigned i = 1; i < count; ++i) {
+    threads.emplace_back([&work] { work.run(); });
+  }
+  work.run();
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+}
+
+}  // namespace tavenhall
