@@ -4,7 +4,7 @@ _tavinstall() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} command= word
   COMPREPLY=()
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
-    case $word in run | status | attach | stop | rehearse | check | log | help) command=$word; break ;; esac
+    case $word in run | status | attach | stop | rehearse | check | manifest | verify | log | help) command=$word; break ;; esac
   done
 
   local products="Tessaphon Lumaweave Bassoria TemporaQX"
@@ -20,17 +20,19 @@ _tavinstall() {
     --optional-discs) COMPREPLY=($(compgen -W "skip wait" -- "$current")); return ;;
     --late | --disc-timeout) return ;;
     --installed | --keep) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
-    --package | --summary | --report | --bundle) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
+    --package | --manifest | --summary | --report | --bundle) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
   esac
 
   local options
   case $command in
-    run) options="--package --install-type --product --bundle --ui --no-notify --summary --unattended --disc-timeout --optional-discs --no-preinstall --trusted --without-attributes --help" ;;
+    run) options="--package --install-type --product --bundle --ui --no-notify --summary --unattended --disc-timeout --optional-discs --complete --no-preinstall --trusted --without-attributes --help" ;;
     status) options="--json --help" ;;
     attach) options="--ui --no-notify --help" ;;
     stop) options="--help" ;;
     rehearse) options="--product --install-type --installed --allow-outside --late --keep --report --ui --help" ;;
     check) options="--product --install-type --installed --format --help" ;;
+    manifest) options="--product --help" ;;
+    verify) options="--package --manifest --install-type --json --help" ;;
     log) options="--last --check --bundle --format --help" ;;
     help) options="--help" ;;
     *) options="--help --version" ;;
@@ -40,9 +42,9 @@ _tavinstall() {
     return
   fi
   case $command in
-    '') COMPREPLY=($(compgen -W "run status attach stop rehearse check log help" -- "$current")) ;;
-    help) COMPREPLY=($(compgen -W "run status attach stop rehearse check log exit-status" -- "$current")) ;;
-    rehearse | check) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -d -- "$current") ;;
+    '') COMPREPLY=($(compgen -W "run status attach stop rehearse check manifest verify log help" -- "$current")) ;;
+    help) COMPREPLY=($(compgen -W "run status attach stop rehearse check manifest verify log exit-status" -- "$current")) ;;
+    rehearse | check | manifest | verify) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -d -- "$current") ;;
     log) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$current") ;;
   esac
 }

@@ -233,8 +233,7 @@ std::string nameOf(const CLI::Option& option) {
     name += "-" + letter + ", ";
   }
   name += "--" + option.get_lnames().front();
-  const bool takesValue = option.get_type_size() > 0;
-  return takesValue ? name + " " + option.get_type_name() : name;
+  return takesValue(option) ? name + " " + option.get_type_name() : name;
 }
 
 std::string textOf(const CLI::Option& option) {

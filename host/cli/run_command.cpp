@@ -4,6 +4,7 @@
 #include "host/base/text.h"
 #include "host/cli/attach_command.h"
 #include "host/cli/command_line.h"
+#include "host/cli/complete_run.h"
 #include "host/cli/preflight.h"
 #include "host/cli/run_description.h"
 #include "host/engine/pre_install.h"
@@ -41,6 +42,7 @@ struct RunArguments {
   std::string discTimeout;    // seconds; empty: 0
   std::string optionalDiscs;  // "skip", "wait" or empty: skip
   bool isUnattended = false;
+  bool isCompletion = false;
   bool isWithoutNotices = false;
   bool noPreInstall = false;
   bool isTrusted = false;
@@ -203,7 +205,7 @@ std::optional<InstallPlan> prepare(const RunArguments& arguments, Frontend front
     addFacts(*plan, options.facts);
     options.barWraps = plan->mode == kModeProductUpdater;
   }
-  if (options.unattended && plan) {
+  if (options.unattended && plan && !arguments.isCompletion) {
     refusals.add(shortfallsOf(*plan, *options.unattended));
   }
   refusals.throwIfAny();
@@ -231,9 +233,26 @@ ExitStatus runPlain(const RunArguments& arguments, const EngineOptions& options,
   return runPlainFrontend(startEngine(options, {.hasPasswordTerminal = hasTerminal}), description);
 }
 
+// Without a plan, it is not known where the files are.
+ExitStatus completed(const EngineOptions& options, const std::optional<InstallPlan>& plan) {
+  try {
+    if (!plan || options.package.empty()) {
+      throw badArguments(_("--complete needs --package, with a manifest and an attributes file beside it"));
+    }
+    return completeInstall(options, *plan);
+  } catch (const UsageError& error) {
+    writeRefusal(options, error);
+    throw;
+  }
+}
+
 ExitStatus run(const RunArguments& arguments) {
-  const Frontend frontend =
-      frontendFor(arguments.isUnattended && arguments.ui.empty() ? "plain" : arguments.ui);
+  if (arguments.isCompletion && arguments.ui != "" && arguments.ui != "plain" && arguments.ui != "quiet") {
+    throw badArguments(format(_("{0} cannot be combined with {1}"), {"--complete", "--ui " + arguments.ui}));
+  }
+  const Frontend frontend = frontendFor(arguments.isCompletion && arguments.ui.empty()   ? "plain"
+                                        : arguments.isUnattended && arguments.ui.empty() ? "plain"
+                                                                                         : arguments.ui);
   const bool isInteractive = !arguments.isUnattended && isatty(STDIN_FILENO) != 0 && isatty(STDOUT_FILENO) != 0;
   if (isInteractive && (frontend == Frontend::terminal || frontend == Frontend::plain)) {
     if (const auto status = offerRunningInstall(frontend, noticesFor(arguments.isWithoutNotices))) {
@@ -251,6 +270,9 @@ ExitStatus run(const RunArguments& arguments) {
   } catch (const UsageError& error) {
     writeRefusal(options, error);
     throw;
+  }
+  if (arguments.isCompletion) {
+    return completed(options, plan);
   }
   switch (frontend) {
     case Frontend::json:
@@ -303,8 +325,9 @@ void addRunCommand(CommandLine& commandLine) {
   run->add_option("--optional-discs", arguments->optionalDiscs, _("Unattended: skip (default) or wait"))
       ->check(oneOf({"skip", "wait"}))
       ->type_name("ACTION");
+  run->add_flag("--complete", arguments->isCompletion, _("Install only what verify finds missing or wrong"));
   run->add_flag("--no-preinstall", arguments->noPreInstall,
-                _("Use the files that a pre-install step has written to /tmp"));
+                _("Use what a pre-install step has written to /tmp"));
   run->add_flag("--trusted", arguments->isTrusted, _("Install even if other users can change the package"));
   run->add_flag("--without-attributes", arguments->isWithoutAttributes,
                 _("Install one disc even if there is no attributes file"));

@@ -261,15 +261,18 @@ class RunEnd {
 
 }  // namespace
 
-void writeRefusal(const EngineOptions& options, const UsageError& reason) {
-  if (options.summary.empty()) {
-    return;
+void writeSummary(const EngineOptions& options, const event::Summary& summary) {
+  if (!options.summary.empty()) {
+    writeSummaryFile(options.summary, summary, _("cannot write the summary {0}: {1}"));
   }
+}
+
+void writeRefusal(const EngineOptions& options, const UsageError& reason) {
   event::Summary summary;
   summary.status = static_cast<int>(reason.status());
   summary.reason = reason.what();
   summary.facts = options.facts;
-  writeSummaryFile(options.summary, summary, _("cannot write the summary {0}: {1}"));
+  writeSummary(options, summary);
 }
 
 void runEngine(const EngineOptions& options, Controller controller, const EngineEnds& ends) {

@@ -38,6 +38,9 @@ enum class Controller {
 // install of this user runs; that is in the summary's file, too. Call it before any thread is started.
 [[noreturn]] void runEngine(const EngineOptions& options, Controller controller, const EngineEnds& ends);
 
+// Writes the summary of a run that used no engine, if `options` name a file for it.
+void writeSummary(const EngineOptions& options, const event::Summary& summary);
+
 // Writes the summary of a run that was refused, if `options` name a file for it.
 void writeRefusal(const EngineOptions& options, const UsageError& reason);
 

@@ -1,15 +1,12 @@
 #include "host/manifest/digests.h"
 
 #include "host/base/mutex.h"
+#include "host/manifest/sha256.h"
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <cerrno>
 #include <fcntl.h>
-#include <memory>
-#include <openssl/evp.h>
-#include <stdexcept>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -22,40 +19,6 @@ constexpr std::size_t kPiece = 1048576;      // bytes of a read
 constexpr std::int64_t kReported = 8388608;  // bytes between two reports of progress
 constexpr unsigned kMostThreads = 8;
 
-class Hasher {
- public:
-  Hasher() {
-    if (context_ == nullptr) {
-      throw std::runtime_error("OpenSSL has no digests");
-    }
-  }
-
-  void begin() { require(EVP_DigestInit_ex(context_.get(), EVP_sha256(), nullptr)); }
-  void add(const char* bytes, std::size_t size) { require(EVP_DigestUpdate(context_.get(), bytes, size)); }
-
-  std::string end() {
-    std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
-    unsigned size = 0;
-    require(EVP_DigestFinal_ex(context_.get(), digest.data(), &size));
-    constexpr char kDigits[] = "0123456789abcdef";
-    std::string text;
-    for (unsigned i = 0; i < size; ++i) {
-      text += kDigits[digest[i] >> 4U];
-      text += kDigits[digest[i] & 15U];
-    }
-    return text;
-  }
-
- private:
-  static void require(int isDone) {
-    if (isDone != 1) {
-      throw std::runtime_error("OpenSSL cannot compute a digest");
-    }
-  }
-
-  const std::unique_ptr<EVP_MD_CTX, void (*)(EVP_MD_CTX*)> context_{EVP_MD_CTX_new(), EVP_MD_CTX_free};
-};
-
 // What the threads share.
 class DigestWork {
  public:
@@ -65,7 +28,7 @@ class DigestWork {
       : files_(files), done_(done), progress_(progress) {}
 
   void run() {
-    Hasher hasher;
+    Sha256 hasher;
     std::vector<char> piece(kPiece);
     for (std::size_t i = next_++; i < files_.size(); i = next_++) {
       const FileDigest digest = digestOf(files_[i], hasher, piece);
@@ -75,7 +38,7 @@ class DigestWork {
   }
 
  private:
-  FileDigest digestOf(const std::filesystem::path& file, Hasher& hasher, std::vector<char>& piece) {
+  FileDigest digestOf(const std::filesystem::path& file, Sha256& hasher, std::vector<char>& piece) {
     FileDigest result;
     const int descriptor = open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     struct stat found {};

@@ -66,6 +66,15 @@ std::vector<std::string> extraFilesIn(const Manifest& manifest, const fs::path& 
 
 }  // namespace
 
+std::map<std::int32_t, std::int64_t> problemsByVolume(const Manifest& manifest,
+                                                      const VerificationResult& result) {
+  std::map<std::int32_t, std::int64_t> counts;
+  for (const VerifiedProblem& problem : result.problems) {
+    ++counts[manifest.files[problem.file].volume];
+  }
+  return counts;
+}
+
 const char* problemName(Kind kind) {
   return std::find_if(kProblemNames.begin(), kProblemNames.end(),
                       [kind](const auto& row) { return row.first == kind; })

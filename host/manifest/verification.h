@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,10 @@ struct VerificationResult {
   std::int64_t files = 0;                 // that are as the manifest says
   std::int64_t bytes = 0;                 // of these
 };
+
+// The number of problems of each volume that has one.
+[[nodiscard]] std::map<std::int32_t, std::int64_t> problemsByVolume(const Manifest& manifest,
+                                                                    const VerificationResult& result);
 
 // The name of a problem in its public form.
 [[nodiscard]] const char* problemName(VerifiedProblem::Kind kind);

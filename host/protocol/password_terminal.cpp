@@ -62,7 +62,7 @@ void setControllingTerminal(int commands) noexcept { ioctl(commands, TIOCSCTTY, 
 void leaveControllingTerminal() noexcept {
   const int terminal = open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC);
   if (terminal >= 0) {
-    // A session's first process gets SIGHUP when it gives up its terminal.
+    // The process that the terminal was opened for gets SIGHUP when it gives it up.
     struct sigaction ignoring {};
     struct sigaction before {};
     ignoring.sa_handler = SIG_IGN;

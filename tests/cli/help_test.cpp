@@ -19,7 +19,8 @@ using testing::StartsWith;
 
 using testing::UnorderedElementsAreArray;
 
-const std::vector<std::string> kCommands{"run", "status", "attach", "stop", "rehearse", "check", "log", "help"};
+const std::vector<std::string> kCommands{"run",   "status",   "attach", "stop", "rehearse",
+                                         "check", "manifest", "verify", "log",  "help"};
 const std::vector<std::string> kProducts{"Tessaphon", "Lumaweave", "Bassoria", "TemporaQX"};
 
 std::string source(const std::string& path) {
@@ -89,7 +90,7 @@ TEST(Help, ShowsTheExitStatusesOfEveryCommand) {
     EXPECT_THAT(outcome.output,
                 HasSubstr("\n  " + std::to_string(static_cast<int>(row.status)) + "   " + row.meaning + "\n"));
   }
-  EXPECT_EQ(rows, 34U);
+  EXPECT_EQ(rows, 41U);
 }
 
 TEST(Help, WithATopicIsTheHelpOfThatCommand) {
@@ -98,7 +99,8 @@ TEST(Help, WithATopicIsTheHelpOfThatCommand) {
   const Outcome outcome = runThrough({kTavinstall, "help", "chek"});
   EXPECT_EQ(outcome.status, 2);
   EXPECT_EQ(outcome.error,
-            "tavinstall: TOPIC: chek not in {run,status,attach,stop,rehearse,check,log,exit-status}; see "
+            "tavinstall: TOPIC: chek not in "
+            "{run,status,attach,stop,rehearse,check,manifest,verify,log,exit-status}; see "
             "tavinstall help --help\n");
 }
 

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <sys/stat.h>
 #include <vector>
 
 // A set's manifest, and an installed library that is compared with it.
@@ -17,8 +18,9 @@ namespace {
 using nlohmann::ordered_json;
 using testing::HasSubstr;
 
-constexpr const char* kSet = "/Users/tester/Downloads/Set";
-const std::string kManifestFile = std::string(kSet) + "/Manifest.sha256";
+constexpr const char* kManifestSummary = "/tmp/summary.json";
+constexpr const char* kManifestSet = "/Users/tester/Downloads/Set";
+const std::string kManifestFile = std::string(kManifestSet) + "/Manifest.sha256";
 const std::string kInstalled = std::string(kMakersFolder) + "/TANVO/Tessaphon";
 
 class VerifiedInstall : public testing::Test {
@@ -29,13 +31,14 @@ class VerifiedInstall : public testing::Test {
         "InstalledData = All is in:\\n%s\nNumberOfVolumes = 2\nTotalSizeMillionsBytes = 1\n");
     for (const auto& [disc, name] :
          {std::pair("1 Tavenhall Tessaphon A", "a.db"), std::pair("2 Tessaphon B", "b.db")}) {
-      const std::string folder = std::string(kSet) + "/discs/" + disc;
+      const std::string folder = std::string(kManifestSet) + "/discs/" + disc;
       layTree(folder, {file("TANVO/Tessaphon/" + std::string(name), 12288),
                        textFile("TANVO/Tessaphon/.hidden", "no"), textFile("TANVO/Tessaphon/both.db", disc)});
     }
     std::filesystem::create_directories("/Volumes");
-    std::filesystem::create_directory_symlink(std::string(kSet) + "/discs/1 Tavenhall Tessaphon A", kDiscA);
-    std::filesystem::create_directory_symlink(std::string(kSet) + "/discs/2 Tessaphon B", kDiscB);
+    std::filesystem::create_directory_symlink(std::string(kManifestSet) + "/discs/1 Tavenhall Tessaphon A",
+                                              kDiscA);
+    std::filesystem::create_directory_symlink(std::string(kManifestSet) + "/discs/2 Tessaphon B", kDiscB);
   }
 
   static Outcome tavinstall(std::vector<std::string> arguments) {
@@ -55,16 +58,16 @@ class VerifiedInstall : public testing::Test {
 };
 
 TEST_F(VerifiedInstall, TheManifestListsWhatIsInstalledAndEachDiscItsPart) {
-  const Outcome outcome = tavinstall({"manifest", kSet});
+  const Outcome outcome = tavinstall({"manifest", kManifestSet});
   EXPECT_EQ(outcome.status, 0) << outcome.error;
-  EXPECT_EQ(outcome.output, "3 files, 24.6 kB.\nWritten: " + kManifestFile + "\nWritten: " + kSet +
-                                "/discs/1 Tavenhall Tessaphon A/Manifest.sha256\nWritten: " + kSet +
+  EXPECT_EQ(outcome.output, "3 files, 24.6 kB.\nWritten: " + kManifestFile + "\nWritten: " + kManifestSet +
+                                "/discs/1 Tavenhall Tessaphon A/Manifest.sha256\nWritten: " + kManifestSet +
                                 "/discs/2 Tessaphon B/Manifest.sha256\n");
   const std::string text = readFile(kManifestFile);
   EXPECT_THAT(text, testing::Not(HasSubstr(".hidden")));
   EXPECT_THAT(text, HasSubstr("# volume 1 Tavenhall Tessaphon A\n# volume 2 Tessaphon B\n"));
   EXPECT_THAT(text, HasSubstr("# file 2 13\n")) << "a file of both discs is the later one's";
-  EXPECT_THAT(readFile(std::string(kSet) + "/discs/1 Tavenhall Tessaphon A/Manifest.sha256"),
+  EXPECT_THAT(readFile(std::string(kManifestSet) + "/discs/1 Tavenhall Tessaphon A/Manifest.sha256"),
               testing::Not(HasSubstr("b.db")));
 
   install();
@@ -80,7 +83,7 @@ TEST_F(VerifiedInstall, TheManifestListsWhatIsInstalledAndEachDiscItsPart) {
 }
 
 TEST_F(VerifiedInstall, EachKindOfDamageIsNamedWithItsDisc) {
-  ASSERT_EQ(tavinstall({"manifest", kSet}).status, 0);
+  ASSERT_EQ(tavinstall({"manifest", kManifestSet}).status, 0);
   install();
   std::string bytes = readFile(kInstalled + "/a.db");
   bytes[5000] ^= 1;
@@ -109,7 +112,7 @@ TEST_F(VerifiedInstall, EachKindOfDamageIsNamedWithItsDisc) {
 }
 
 TEST_F(VerifiedInstall, FilesOfTheUsersOwnAreNoDamage) {
-  ASSERT_EQ(tavinstall({"manifest", kSet}).status, 0);
+  ASSERT_EQ(tavinstall({"manifest", kManifestSet}).status, 0);
   install();
   writeFile(kInstalled + "/own.db", "mine");
   const Outcome outcome = verify();
@@ -117,13 +120,94 @@ TEST_F(VerifiedInstall, FilesOfTheUsersOwnAreNoDamage) {
   EXPECT_THAT(outcome.output, HasSubstr("  Not in the manifest: TANVO/Tessaphon/own.db\nWhole: 3 files"));
 }
 
+// Of a library with one bad file, one disc and one file are needed.
+TEST_F(VerifiedInstall, CompleteInstallsWhatIsWrongFromItsDiscAlone) {
+  ASSERT_EQ(tavinstall({"manifest", kManifestSet}).status, 0);
+  install();
+  std::string bytes = readFile(kInstalled + "/b.db");
+  bytes[5000] ^= 1;
+  writeFile(kInstalled + "/b.db", bytes);
+  writeFile(kInstalled + "/own.db", "mine");
+  std::filesystem::remove(kDiscA);  // it is not asked for
+  struct stat before {};
+  ASSERT_EQ(stat((kInstalled + "/a.db").c_str(), &before), 0);
+
+  const Outcome outcome = tavinstall(
+      {"run", "--complete", "--unattended", "--trusted", "--package", kPackage, "--summary", kManifestSummary});
+
+  EXPECT_EQ(outcome.status, 0) << outcome.error;
+  EXPECT_EQ(outcome.output,
+            "! Different: TANVO/Tessaphon/b.db\n"
+            "  Not in the manifest: TANVO/Tessaphon/own.db\n"
+            "1 file is to be installed again from disc 2, Tessaphon B.\n"
+            "Installed: TANVO/Tessaphon/b.db\n"
+            "Whole: 3 files, 24.6 kB, are as the manifest says.\n");
+  EXPECT_EQ(verify().status, 3) << "whole, with a file of the user's own";
+  struct stat after {};
+  ASSERT_EQ(stat((kInstalled + "/a.db").c_str(), &after), 0);
+  EXPECT_EQ(after.st_ino, before.st_ino);
+  EXPECT_EQ(after.st_mtim.tv_nsec, before.st_mtim.tv_nsec);
+  const ordered_json summary = ordered_json::parse(readFile(kManifestSummary));
+  EXPECT_EQ(summary["status"], 0);
+  EXPECT_EQ(summary["installed"], true);
+  EXPECT_EQ(summary["audit"]["files"], 3);
+}
+
+TEST_F(VerifiedInstall, CompleteAsksForTheDiscAndSaysSoWhereNobodyAnswers) {
+  ASSERT_EQ(tavinstall({"manifest", kManifestSet}).status, 0);
+  install();
+  std::filesystem::remove(kInstalled + "/b.db");
+  std::filesystem::remove(kDiscB);
+  const std::vector<std::string> command{"run", "--complete", "--trusted", "--package", kPackage};
+
+  const Outcome nobody = tavinstall(command);
+  EXPECT_EQ(nobody.status, 3);
+  EXPECT_THAT(nobody.output, HasSubstr("? Please insert disc 2, Tessaphon B.\n  1) Continue\n  2) Stop\n"));
+  EXPECT_EQ(nobody.error, "tavinstall: disc Tessaphon B was not found\n");
+  std::vector<std::string> unattended = command;
+  unattended.emplace_back("--unattended");
+  EXPECT_EQ(tavinstall(unattended).status, 7);
+
+  std::vector<std::string> whole = command;
+  whole.insert(whole.begin(), kTavinstall);
+  ChildProgram program(whole);
+  while (program.readLine().value() != "  2) Stop") {
+  }
+  std::filesystem::create_directory_symlink(std::string(kManifestSet) + "/discs/2 Tessaphon B", kDiscB);
+  program.write("1\n");
+  EXPECT_EQ(program.waitForEnd(), 0);
+  EXPECT_EQ(verify().status, 0);
+}
+
+// A disc of another edition must not be installed under the manifest's name.
+TEST_F(VerifiedInstall, CompleteTakesNoFileThatDiffersFromTheManifest) {
+  ASSERT_EQ(tavinstall({"manifest", kManifestSet}).status, 0);
+  install();
+  const std::string good = readFile(kInstalled + "/b.db");
+  writeFile(kInstalled + "/b.db", "older");
+  std::string bytes = good;
+  bytes[77] ^= 1;
+  writeFile(std::string(kDiscB) + "/TANVO/Tessaphon/b.db", bytes);
+
+  const Outcome outcome = tavinstall({"run", "--complete", "--unattended", "--trusted", "--package", kPackage});
+
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(
+      outcome.output,
+      HasSubstr("! TANVO/Tessaphon/b.db: the source is not the file of the manifest\nNot whole: 1 file"));
+  EXPECT_EQ(readFile(kInstalled + "/b.db"), "older");
+  for (const auto& entry : std::filesystem::directory_iterator(kInstalled)) {
+    EXPECT_FALSE(entry.path().filename().native().starts_with(".tavinstall")) << entry.path();
+  }
+}
+
 // Nothing that is said of a library may come from a manifest that is not there or of a set that is not whole.
 TEST_F(VerifiedInstall, WhatCannotBeKnownIsRefused) {
   EXPECT_EQ(verify().error, "tavinstall: cannot read " + kManifestFile + ": No such file or directory\n");
   EXPECT_EQ(tavinstall({"verify"}).error,
             "tavinstall: --package or --manifest is required; see tavinstall verify --help\n");
-  std::filesystem::remove_all(std::string(kSet) + "/discs/2 Tessaphon B");
-  const Outcome incomplete = tavinstall({"manifest", kSet});
+  std::filesystem::remove_all(std::string(kManifestSet) + "/discs/2 Tessaphon B");
+  const Outcome incomplete = tavinstall({"manifest", kManifestSet});
   EXPECT_EQ(incomplete.status, 2);
   EXPECT_EQ(
       incomplete.error,
