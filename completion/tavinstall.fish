@@ -1,6 +1,6 @@
 # Completion of tavinstall for fish.
 
-set -l commands run status attach stop rehearse check manifest verify log help
+set -l commands run status attach stop new rehearse check manifest verify log help
 complete -c tavinstall -f
 complete -c tavinstall -s h -l help -d 'Show this help'
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -l version -d 'Show the version'
@@ -8,13 +8,14 @@ complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a run -d 
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a status -d 'Tell what a running installation does'
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a attach -d 'Show a running installation and answer its prompts'
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a stop -d 'Stop a running installation after the current file'
+complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a new -d 'Make an installer set with placeholders'
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a rehearse -d 'Install a set in a sandbox and verify the result'
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a check -d 'Check an installer set and show what the page would do with it'
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a manifest -d 'Write the digests of what a set installs'
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a verify -d 'Compare what is installed with the digests of a manifest'
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a log -d 'Show what an installation log records, run by run'
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a help -d 'Show the help of a command, or all exit statuses'
-complete -c tavinstall -n '__fish_seen_subcommand_from help' -x -a 'run status attach stop rehearse check manifest verify log exit-status' -d 'A topic'
+complete -c tavinstall -n '__fish_seen_subcommand_from help' -x -a 'run status attach stop new rehearse check manifest verify log exit-status' -d 'A topic'
 
 set -l products 'Tessaphon Lumaweave Bassoria TemporaQX'
 complete -c tavinstall -n '__fish_seen_subcommand_from run rehearse check' -l product -x -a "$products" -d 'The product'
@@ -37,7 +38,12 @@ complete -c tavinstall -n '__fish_seen_subcommand_from verify' -l package -r -F 
 complete -c tavinstall -n '__fish_seen_subcommand_from verify' -l manifest -r -F -d 'Use this manifest'
 complete -c tavinstall -n '__fish_seen_subcommand_from verify' -l install-type -x -a 'Lite Full' -d 'The edition that is installed'
 complete -c tavinstall -n '__fish_seen_subcommand_from verify' -l json -d 'Print it as JSON'
-complete -c tavinstall -n '__fish_seen_subcommand_from manifest' -l product -x -a "$products" -d 'The product'
+complete -c tavinstall -n '__fish_seen_subcommand_from new' -l mode -x -a 'discs download data-update product-update' -d 'How it is installed'
+complete -c tavinstall -n '__fish_seen_subcommand_from new' -l discs -x -d 'How many discs'
+complete -c tavinstall -n '__fish_seen_subcommand_from new' -l editions -d 'With a Lite and a Full edition'
+complete -c tavinstall -n '__fish_seen_subcommand_from new' -l language -x -a 'en de fr es it ja zh-Hans' -d 'Language of the texts'
+complete -c tavinstall -n '__fish_seen_subcommand_from new' -a '(__fish_complete_directories)'
+complete -c tavinstall -n '__fish_seen_subcommand_from new manifest' -l product -x -a "$products" -d 'The product'
 complete -c tavinstall -n '__fish_seen_subcommand_from manifest verify' -a '(__fish_complete_directories)'
 complete -c tavinstall -n '__fish_seen_subcommand_from run' -l no-preinstall -d 'Use the files that a pre-install step has written to /tmp'
 complete -c tavinstall -n '__fish_seen_subcommand_from run' -l trusted -d 'Install even if other users can change the package'

@@ -57,6 +57,8 @@ inline constexpr ExitMeaning kExitMeanings[] = {
     {"stop", ExitStatus::success, N_("the installation was stopped")},
     {"stop", ExitStatus::failure, N_("none is running, it does not answer, or it had ended before")},
     {"stop", ExitStatus::badUsage, N_("invalid argument")},
+    {"new", ExitStatus::success, N_("the set was made")},
+    {"new", ExitStatus::badUsage, N_("invalid argument, or the set could not be written")},
     {"rehearse", ExitStatus::success, N_("everything was installed; no problems found")},
     {"rehearse", ExitStatus::failure,
      N_("the installation failed, or an installed file differs from its source")},

@@ -59,6 +59,7 @@ void addRunCommand(CommandLine& commandLine);
 void addAttachCommands(CommandLine& commandLine);  // status, attach, stop
 void addRehearseCommand(CommandLine& commandLine);
 void addCheckCommand(CommandLine& commandLine);
+void addNewCommand(CommandLine& commandLine);
 void addManifestCommands(CommandLine& commandLine);  // manifest, verify
 void addLogCommand(CommandLine& commandLine);
 void addHelpCommand(CommandLine& commandLine);

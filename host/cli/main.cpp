@@ -51,6 +51,7 @@ ExitStatus runProgram(int argc, char** argv) {
   program.require_subcommand(1);
   addRunCommand(commandLine);
   addAttachCommands(commandLine);
+  addNewCommand(commandLine);
   addRehearseCommand(commandLine);
   addCheckCommand(commandLine);
   addManifestCommands(commandLine);

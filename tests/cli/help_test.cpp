@@ -19,7 +19,7 @@ using testing::StartsWith;
 
 using testing::UnorderedElementsAreArray;
 
-const std::vector<std::string> kCommands{"run",   "status",   "attach", "stop", "rehearse",
+const std::vector<std::string> kCommands{"run",   "status",   "attach", "stop", "new", "rehearse",
                                          "check", "manifest", "verify", "log",  "help"};
 const std::vector<std::string> kProducts{"Tessaphon", "Lumaweave", "Bassoria", "TemporaQX"};
 
@@ -90,7 +90,7 @@ TEST(Help, ShowsTheExitStatusesOfEveryCommand) {
     EXPECT_THAT(outcome.output,
                 HasSubstr("\n  " + std::to_string(static_cast<int>(row.status)) + "   " + row.meaning + "\n"));
   }
-  EXPECT_EQ(rows, 41U);
+  EXPECT_EQ(rows, 43U);
 }
 
 TEST(Help, WithATopicIsTheHelpOfThatCommand) {
@@ -100,7 +100,7 @@ TEST(Help, WithATopicIsTheHelpOfThatCommand) {
   EXPECT_EQ(outcome.status, 2);
   EXPECT_EQ(outcome.error,
             "tavinstall: TOPIC: chek not in "
-            "{run,status,attach,stop,rehearse,check,manifest,verify,log,exit-status}; see "
+            "{run,status,attach,stop,new,rehearse,check,manifest,verify,log,exit-status}; see "
             "tavinstall help --help\n");
 }
 

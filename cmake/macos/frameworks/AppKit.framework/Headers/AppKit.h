@@ -215,7 +215,7 @@ typedef NS_OPTIONS(NSInteger, NSStringDrawingOptions) { NSStringDrawingUsesLineF
 @end
 
 // NSPasteboard.h
-extern "C" NSString* const NSPasteboardTypeString API_AVAILABLE(macos(10.6));
+extern "C" NSString* const NSPasteboardTypeString;
 @interface NSPasteboard : NSObject
 - (BOOL)setString:(NSString*)text forType:(NSString*)type;
 @end
