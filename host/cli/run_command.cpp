@@ -234,7 +234,10 @@ ExitStatus runPlain(const RunArguments& arguments, const EngineOptions& options,
 }
 
 // Without a plan, it is not known where the files are.
-ExitStatus completed(const EngineOptions& options, const std::optional<InstallPlan>& plan) {
+ExitStatus completed(const EngineOptions& options, const std::optional<InstallPlan>& plan, Frontend frontend) {
+  if (const int null = open("/dev/null", O_WRONLY | O_CLOEXEC); frontend == Frontend::quiet && null >= 0) {
+    dup2(null, STDOUT_FILENO);
+  }
   try {
     if (!plan || options.package.empty()) {
       throw badArguments(_("--complete needs --package, with a manifest and an attributes file beside it"));
@@ -272,7 +275,7 @@ ExitStatus run(const RunArguments& arguments) {
     throw;
   }
   if (arguments.isCompletion) {
-    return completed(options, plan);
+    return completed(options, plan, frontend);
   }
   switch (frontend) {
     case Frontend::json:

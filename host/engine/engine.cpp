@@ -79,7 +79,10 @@ void Engine::run() {
   const Lock lock(main_);
   while (!isQuitting_) {
     if (!isAlertUp_ && isIdle()) {
-      stopIfRequested();
+      stopWhileIdle();
+    }
+    if (isQuitting_) {
+      return;
     }
     if (!commands_.empty() && canPerform(commands_.front())) {
       const Command command = commands_.front();
@@ -114,6 +117,7 @@ void Engine::perform(Command command) {
       {
         const Lock lock(state_);
         enteredAt_ = Clock::now();
+        isOnPage_ = true;
         finishedCopies_.clear();
         phases_.start();
       }
@@ -142,6 +146,7 @@ void Engine::leave(std::int64_t direction) {
   const bool isAllowed = page_->shouldExitPane(direction);
   const Lock lock(state_);
   report(event::Exit{direction, isAllowed});
+  isOnPage_ = isOnPage_ && !isAllowed;
   summary_.hasLeft = summary_.hasLeft || (isAllowed && direction == kDirectionForward);
 }
 

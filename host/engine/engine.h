@@ -160,13 +160,13 @@ class Engine final : private InstallerHost {
   void assertionReleased(const char* type) noexcept override;
 
   void accept(std::string_view line) EXCLUDES(main_);
-  // The request on the line; none, with an event, where there is none.
-  [[nodiscard]] std::optional<Request> decoded(std::string_view line) EXCLUDES(state_);
   [[nodiscard]] bool isHeededFromFrontend(Command command) const REQUIRES(main_);
   // Whether an alert may still get an answer.
   [[nodiscard]] bool canBeAnswered() const REQUIRES(main_);
   // Ends the run if that was requested. Call it where no file is half copied.
   void stopIfRequested() REQUIRES(main_);
+  // The same while no page thread runs. An install that has ended is no stopped one: its page is left instead.
+  void stopWhileIdle() REQUIRES(main_);
   [[nodiscard]] bool canPerform(Command command) const REQUIRES(main_);
   void perform(Command command) REQUIRES(main_);
   void leave(std::int64_t direction) REQUIRES(main_);
@@ -223,6 +223,7 @@ class Engine final : private InstallerHost {
   event::CopyBegin copy_ GUARDED_BY(state_);  // that began last
   RunPhases phases_ GUARDED_BY(state_);
   std::optional<Clock::time_point> enteredAt_ GUARDED_BY(state_);
+  bool isOnPage_ GUARDED_BY(state_) = false;  // entered, and not left yet
   std::vector<event::CopyBegin> finishedCopies_ GUARDED_BY(state_);
   std::int64_t bytesAtCopyBegin_ GUARDED_BY(state_) = 0;
   std::int64_t filesAtCopyBegin_ GUARDED_BY(state_) = 0;

@@ -10,25 +10,18 @@ namespace tavenhall {
 
 // ---- Requests ----
 
-std::optional<Request> Engine::decoded(std::string_view line) {
-  auto request = decodeRequest(line);
+void Engine::accept(std::string_view line) {
+  const auto request = decodeRequest(line);
   if (const auto* bad = std::get_if<BadRequest>(&request)) {
     const Lock lock(state_);
     report(event::Error{bad->message});
-    return std::nullopt;
-  }
-  return std::get<Request>(request);
-}
-
-void Engine::accept(std::string_view line) {
-  const auto request = decoded(line);
-  if (!request) {
     return;
   }
   const Lock lock(main_);
-  if (const auto* answer = std::get_if<Answer>(&*request)) {
+  const auto& good = std::get<Request>(request);
+  if (const auto* answer = std::get_if<Answer>(&good)) {
     answers_.push_back(*answer);
-  } else if (const Command command = std::get<Command>(*request); command == Command::stop) {
+  } else if (const Command command = std::get<Command>(good); command == Command::stop) {
     isStopRequested_ = true;
   } else if (command == Command::noAnswers) {
     hasNoAnswers_ = true;
@@ -39,16 +32,17 @@ void Engine::accept(std::string_view line) {
 }
 
 void Engine::acceptFromFrontend(std::string_view line, bool takesAnswers) {
-  const auto request = decoded(line);
-  if (!request) {
-    return;
+  const auto request = decodeRequest(line);
+  const auto* good = std::get_if<Request>(&request);
+  if (good == nullptr) {
+    return;  // an event would reach the other frontends, too
   }
   const Lock lock(main_);
-  if (const auto* answer = std::get_if<Answer>(&*request)) {
+  if (const auto* answer = std::get_if<Answer>(good)) {
     if (takesAnswers && answer->alert != 0) {
       answers_.push_back(*answer);
     }
-  } else if (const Command command = std::get<Command>(*request); command == Command::stop) {
+  } else if (const Command command = std::get<Command>(*good); command == Command::stop) {
     isStopRequested_ = true;
   } else if (takesAnswers && isHeededFromFrontend(command)) {
     commands_.push_back(command);
@@ -81,6 +75,24 @@ void Engine::waitForFrontends(std::chrono::seconds patience) {
 void Engine::stopIfRequested() {
   if (isStopRequested_) {
     onEnd_(ExitStatus::stopped, "stopped on request");
+  }
+}
+
+void Engine::stopWhileIdle() {
+  if (!isStopRequested_) {
+    return;
+  }
+  bool mayLeave = false;
+  {
+    const Lock lock(state_);
+    isQuitting_ = isOnPage_ || summary_.hasLeft;
+    mayLeave = isOnPage_ && isNextEnabled_;
+  }
+  if (!isQuitting_) {
+    stopIfRequested();
+  }
+  if (mayLeave) {
+    leave(kDirectionForward);
   }
 }
 

@@ -49,7 +49,7 @@ std::string RunStatus::line(Time now) {
   if (isIdle_) {
     text += _("the installation has ended; its page is still open");
   } else if (!run_.seconds) {
-    text += _("waiting for Continue on the first page");
+    text += run_.takesAnswers ? _("waiting for Continue on the first page") : _("not begun");
   } else if (alert_) {
     text += format(_("waiting for an answer: {0}"), {printableLine(alert_->informative)});
   } else if (const auto phases = phase_.texts(now); !phases.empty()) {

@@ -199,6 +199,22 @@ TEST_F(Attach, StopEndsTheInstallAndSaysWhatIsLeft) {
   EXPECT_TRUE(exists(kData + "/Tessaphon/a.db"));
 }
 
+// What has ended cannot be stopped any more, and must not be called stopped.
+TEST_F(Attach, AStopAfterTheEndOfTheInstallSaysThatItHadEnded) {
+  layTree(kDiscB, {file("TANVO/Tessaphon/b.db", 10240)});
+  ChildProgram run(runCommand("json"));
+  run.write("{\"do\":\"enter\"}\n{\"do\":\"wait\"}\n");
+  readUntil(run, "{\"event\":\"idle\"}");
+
+  const Outcome outcome = tavinstall({"stop"});
+
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.output, "The installation had ended before: everything is installed.\n");
+  EXPECT_EQ(run.waitForEnd(), 0);
+  EXPECT_EQ(summary()["status"], 0);
+  EXPECT_EQ(summary()["installed"], true);
+}
+
 // A program answers its prompts itself: an answer from elsewhere would make its next one press a wrong button.
 TEST_F(Attach, AProgramsInstallCanBeWatchedAndStopped) {
   ChildProgram run(runCommand("json"));

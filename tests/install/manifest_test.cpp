@@ -143,6 +143,7 @@ TEST_F(VerifiedInstall, CompleteInstallsWhatIsWrongFromItsDiscAlone) {
             "Installed: TANVO/Tessaphon/b.db\n"
             "Whole: 3 files, 24.6 kB, are as the manifest says.\n");
   EXPECT_EQ(verify().status, 3) << "whole, with a file of the user's own";
+  EXPECT_EQ(tavinstall({"run", "--complete", "--ui", "quiet", "--trusted", "--package", kPackage}).output, "");
   struct stat after {};
   ASSERT_EQ(stat((kInstalled + "/a.db").c_str(), &after), 0);
   EXPECT_EQ(after.st_ino, before.st_ino);
