@@ -19,9 +19,11 @@
 #include <ctime>
 #include <fcntl.h>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <set>
 #include <sys/stat.h>
 #include <sys/utsname.h>
 #include <system_error>
@@ -216,10 +218,27 @@ std::string systemText(const std::string& log, const LoggedRun& run) {
   return text;
 }
 
-// Prints what it puts into the bundle before it does. There is nothing personal in it beyond paths and the host
-// name, which the log has in each of its lines.
-void makeBundle(const LogArguments& arguments, const std::string& log, const LoggedRun& run) {
-  std::vector<BundleFile> files{{"installationLog.txt", "", log}, {"system.txt", systemText(log, run), {}}};
+// The log, with "host" for the names of the computers, which stand in each of its records.
+std::string withoutHosts(const std::string& log, const std::set<std::string>& hosts) {
+  std::ifstream stream(log, std::ios::binary);
+  std::string text;
+  for (std::string line; std::getline(stream, line);) {
+    for (const std::string& host : hosts) {
+      if (const std::size_t at = line.find(" " + host + ": "); at != std::string::npos) {
+        line.replace(at + 1, host.size(), "host");
+        break;
+      }
+    }
+    text += line + (stream.eof() ? "" : "\n");
+  }
+  return text;
+}
+
+// Prints what it puts into the bundle before it does. There is nothing personal in it beyond paths.
+void makeBundle(const LogArguments& arguments, const std::string& log, const LoggedRun& run,
+                const std::set<std::string>& hosts) {
+  std::vector<BundleFile> files{{"installationLog.txt", withoutHosts(log, hosts), {}},
+                                {"system.txt", systemText(log, run), {}}};
   // A log from elsewhere must not choose which of this machine's files go to support.
   const bool isAttributes =
       std::filesystem::path(run.attributesFile).filename() == ".InstallationAttributes.dat";
@@ -264,8 +283,12 @@ ExitStatus printLog(const LogArguments& arguments) {
   RunPrinter printer(arguments, isRunning(arguments),
                      arguments.file.empty() ? readRunRecord(path) : std::nullopt);
   std::optional<LoggedRun> last;
+  std::set<std::string> hosts;
   LoggedRuns runs([&](const LoggedRun& run) {
     printer.add(run);
+    if (!run.host.empty()) {
+      hosts.insert(run.host);
+    }
     last = run;
   });
   std::int64_t recordCount = 0;
@@ -286,7 +309,7 @@ ExitStatus printLog(const LogArguments& arguments) {
     throw UsageError(format(_("{0} is not an installation log: no line in it is the page's"), {path}));
   }
   if (!arguments.bundle.empty()) {
-    makeBundle(arguments, path, last.value_or(LoggedRun()));
+    makeBundle(arguments, path, last.value_or(LoggedRun()), hosts);
     return arguments.checks ? statusOf(last ? std::optional(printer.state()) : std::nullopt)
                             : ExitStatus::success;
   }
