@@ -28,6 +28,7 @@ struct NewArguments {
 
 std::vector<std::string> modeNames() {
   std::vector<std::string> names;
+  names.reserve(kNewSetModes.size());
   for (const NewSetMode& mode : kNewSetModes) {
     names.emplace_back(mode.name);
   }
@@ -43,7 +44,7 @@ std::string askFor(const std::string& prompt, const std::vector<std::string>& na
     if (std::fgets(line, sizeof line, stdin) == nullptr) {
       throw UsageError(_("no answer; nothing was made"));
     }
-    const std::string answer(line, std::find(line, line + sizeof line, '\n'));
+    std::string answer(line, std::find(line, line + sizeof line, '\n'));
     if (answer.empty()) {
       return names.front();
     }

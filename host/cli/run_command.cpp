@@ -250,7 +250,7 @@ ExitStatus completed(const EngineOptions& options, const std::optional<InstallPl
 }
 
 ExitStatus run(const RunArguments& arguments) {
-  if (arguments.isCompletion && arguments.ui != "" && arguments.ui != "plain" && arguments.ui != "quiet") {
+  if (arguments.isCompletion && !arguments.ui.empty() && arguments.ui != "plain" && arguments.ui != "quiet") {
     throw badArguments(format(_("{0} cannot be combined with {1}"), {"--complete", "--ui " + arguments.ui}));
   }
   const Frontend frontend = frontendFor(arguments.isCompletion && arguments.ui.empty()   ? "plain"

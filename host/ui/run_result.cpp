@@ -179,6 +179,7 @@ std::string timeSplitText(double copyingSeconds, double waitingSeconds, double s
 
 std::vector<std::string> remainingTexts(const std::vector<event::Remaining>& remaining) {
   std::vector<std::string> texts;
+  texts.reserve(remaining.size());
   for (const event::Remaining& copy : remaining) {
     texts.push_back(format(_("Still to install: {0}"), {copy.source}));
   }
