@@ -54,7 +54,7 @@ UsageError unreachable() {
                     ExitStatus::failure);
 }
 
-// What the run does now. Throws UsageError if the engine does not answer.
+// What the run does now; closes the connection. Throws UsageError if the engine does not answer.
 RunStatus statusOfRun(const AttachedEngine& attached) {
   EngineClient engine(attached.connection);
   RunStatus status(attached.run, now());
@@ -62,6 +62,8 @@ RunStatus statusOfRun(const AttachedEngine& attached) {
     status.handle(event, engine.eventTime());
     return std::holds_alternative<event::Present>(event);
   });
+  close(attached.connection.requests);
+  close(attached.connection.events);
   if (!isKnown) {
     throw UsageError(_("the installation does not answer"), ExitStatus::failure);
   }
@@ -114,12 +116,9 @@ ExitStatus stop() {
     throw unreachable();
   }
   EngineClient engine(attached->connection);
-  event::CopyState copy;
   bool isCopying = false;
   const bool isKnown = readEvents(engine, kPatience, [&](const Event& event) {
-    if (const auto* progress = std::get_if<event::ProgressValue>(&event)) {
-      copy = progress->copy;
-    } else if (const auto* phase = std::get_if<event::Phase>(&event)) {
+    if (const auto* phase = std::get_if<event::Phase>(&event)) {
       isCopying = phase->kind == event::Phase::Kind::copying;
     }
     return std::holds_alternative<event::Present>(event);
@@ -147,7 +146,7 @@ ExitStatus stop() {
                                    : _("The installation had ended before, but not everything is installed."));
     return ExitStatus::failure;
   }
-  std::puts(join(_("Stopped."), RunDescription().afterStop).c_str());
+  std::puts(stoppedText(*summary, RunDescription().afterStop).c_str());
   for (const std::string& line : remainingTexts(summary->remaining)) {
     std::printf("  %s\n", printableLine(line).c_str());
   }

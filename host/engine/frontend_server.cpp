@@ -14,6 +14,7 @@ namespace tavenhall {
 namespace {
 
 constexpr std::size_t kMostFrontends = 8;
+constexpr int kPauseMilliseconds = 50;
 
 }  // namespace
 
@@ -57,6 +58,8 @@ void FrontendServer::run() {
 
 void FrontendServer::add(int descriptor) {
   if (descriptor < 0) {
+    poll(nullptr, 0,
+         kPauseMilliseconds);  // where the process has no descriptor left, it would be tried at once
     return;
   }
   if (frontends_.size() >= kMostFrontends) {

@@ -312,7 +312,7 @@ class PlainFrontend {
       switch (status) {
         case ExitStatus::success: print(format(_("Installed {0}."), {amount})); break;
         case ExitStatus::stopped:
-          print("! " + join(_("Stopped."), description_.afterStop));
+          print("! " + stoppedText(*summary_, description_.afterStop));
           for (const std::string& line : remainingTexts(summary_->remaining)) {
             print("  " + printableLine(line));
           }

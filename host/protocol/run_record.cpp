@@ -1,14 +1,14 @@
 #include "host/protocol/run_record.h"
 
-#include "host/base/child_process.h"
-
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <string_view>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -41,11 +41,25 @@ ordered_json recordOf(const event::RunFacts& facts) {
           {"version", facts.version}};
 }
 
+// Gives up where it is interrupted again and again: the end of a run must not wait for its record.
+bool writeWhole(int descriptor, std::string_view text) {
+  constexpr int kMostInterruptions = 100;
+  for (int interruptions = 0; !text.empty();) {
+    const ssize_t count = write(descriptor, text.data(), text.size());
+    if (count > 0) {
+      text.remove_prefix(static_cast<std::size_t>(count));
+    } else if (errno != EINTR || ++interruptions > kMostInterruptions) {
+      return false;
+    }
+  }
+  return true;
+}
+
 bool writeRecord(const fs::path& file, int flags, const ordered_json& record) {
   std::string line = record.dump(-1, ' ', false, ordered_json::error_handler_t::replace) + "\n";
   line.resize(std::max(line.size(), kFileSize), ' ');
   const int descriptor = open(file.c_str(), O_WRONLY | O_CLOEXEC | O_NOFOLLOW | flags, 0600);
-  const bool isWritten = descriptor >= 0 && writeAll(descriptor, line);
+  const bool isWritten = descriptor >= 0 && writeWhole(descriptor, line);
   return descriptor >= 0 && close(descriptor) == 0 && isWritten;
 }
 

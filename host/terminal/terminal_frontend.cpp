@@ -284,6 +284,7 @@ class TerminalFrontend {
     result.log = description_.writtenLog();
     result.destination = model_.introduction().destination;
     if (summary_) {
+      result.hasCopied = summary_->filesDone > 0;
       result.remaining = remainingTexts(summary_->remaining);
     }
     result.time = model_.meter().passed(Clock::now());

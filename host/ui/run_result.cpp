@@ -143,7 +143,9 @@ std::vector<Line> resultLines(const RunResult& result, int width) {
   } else {
     const std::string whatToDo =
         result.status == ExitStatus::stopped
-            ? _("The files copied so far are kept. Run the installer again to complete the installation.")
+            ? (result.hasCopied ? _("The files copied so far are kept. Run the installer again to complete the "
+                                    "installation.")
+                                : _("Nothing was installed."))
         : result.failures.count > 0
             ? plural("{0} failure. Fix the problem below, then run the installer again.",
                      "{0} failures. Fix the problems below, then run the installer again.",
@@ -175,6 +177,10 @@ std::string timeSplitText(double copyingSeconds, double waitingSeconds, double s
              ? std::string()
              : format(_("{0} copying, {1} waiting for discs, {2} in all"),
                       {durationText(copyingSeconds), durationText(waitingSeconds), durationText(seconds)});
+}
+
+std::string stoppedText(const event::Summary& summary, const std::string& afterStop) {
+  return join(_("Stopped."), summary.filesDone > 0 ? afterStop : std::string(_("Nothing was installed.")));
 }
 
 std::vector<std::string> remainingTexts(const std::vector<event::Remaining>& remaining) {

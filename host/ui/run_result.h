@@ -42,6 +42,7 @@ struct RunResult {
   double waitingSeconds = 0.0;
   std::string destination;  // the data folder
   Failures failures;
+  bool hasCopied = true;               // a file, whether or not its copy was audited
   std::vector<std::string> remaining;  // where the run was stopped: a line for each folder
   std::string log;                     // empty: it is not shown
   std::vector<std::string> messages;   // what commands printed on standard error
@@ -59,6 +60,9 @@ struct RunResult {
 
 // "3 min 20 s copying, 1 min waiting for discs, 4 min 30 s in all"; empty where nothing was waited for.
 [[nodiscard]] std::string timeSplitText(double copyingSeconds, double waitingSeconds, double seconds);
+
+// "Stopped." and what became of the files; `afterStop` where some were copied.
+[[nodiscard]] std::string stoppedText(const event::Summary& summary, const std::string& afterStop);
 
 // "Still to install: /Volumes/Tessaphon B/TANV1", a line for each.
 [[nodiscard]] std::vector<std::string> remainingTexts(const std::vector<event::Remaining>& remaining);

@@ -199,6 +199,21 @@ TEST_F(Attach, StopEndsTheInstallAndSaysWhatIsLeft) {
   EXPECT_TRUE(exists(kData + "/Tessaphon/a.db"));
 }
 
+TEST_F(Attach, AStopBeforeTheFirstFileSaysThatNothingWasInstalled) {
+  ChildProgram run(runCommand("json"));
+  run.write("{\"do\":\"title\"}\n");
+  ASSERT_TRUE(run.readLine());
+
+  const Outcome outcome = tavinstall({"stop"});
+
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.output,
+            "Stopped. Nothing was installed.\n"
+            "  Still to install: /Volumes/Tavenhall Tessaphon A/TANVO\n"
+            "  Still to install: /Volumes/Tessaphon B/TANVO\n");
+  EXPECT_EQ(run.waitForEnd(), 4);
+}
+
 // What has ended cannot be stopped any more, and must not be called stopped.
 TEST_F(Attach, AStopAfterTheEndOfTheInstallSaysThatItHadEnded) {
   layTree(kDiscB, {file("TANVO/Tessaphon/b.db", 10240)});
