@@ -59,6 +59,7 @@ void Engine::readRequests(int descriptor) {
     const Lock lock(main_);
     isInputClosed_ = true;
     leftAloneAt_ = Clock::now();
+    hasReadAll_ = true;
     changed_.notifyAll();
   });
 }

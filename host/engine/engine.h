@@ -11,6 +11,7 @@
 #include "platform/installer_host.h"
 #include "platform/installer_pane.h"
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <deque>
@@ -103,7 +104,8 @@ class Engine final : private InstallerHost {
   // Any thread.
   [[nodiscard]] bool nextIsEnabled() const EXCLUDES(state_);
   [[nodiscard]] bool inputIsClosed() const EXCLUDES(main_);
-  [[nodiscard]] bool isIdle() const EXCLUDES(state_);  // no page thread runs
+  [[nodiscard]] bool hasReadAll() const { return hasReadAll_; }  // so stopReading() waits for nobody
+  [[nodiscard]] bool isIdle() const EXCLUDES(state_);            // no page thread runs
   [[nodiscard]] event::Summary summary() const EXCLUDES(state_);
 
   // Whether everything is installed: the page was left forwards, every copy succeeded, no sheet reported a
@@ -235,6 +237,7 @@ class Engine final : private InstallerHost {
   std::optional<InstallAudit>
       audit_;  // made by the main loop when the page is entered; then the copying thread's
 
+  std::atomic<bool> hasReadAll_ = false;
   std::thread inputThread_;
   Pipe stopReading_;                     // its write end is closed to end that thread
   std::unique_ptr<InstallerPane> page_;  // last, since it may call until it is destroyed

@@ -171,7 +171,7 @@ class RunEnd {
     if (first_ != nullptr) {
       status == ExitStatus::stopped ? first_->drain(kPatience) : first_->finish();
     }
-    if (isEnd) {
+    if (isEnd || engine_->hasReadAll()) {
       engine_->stopReading();
     }
     InstallTypePlace::clear();  // of a page that was not entered
