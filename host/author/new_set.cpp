@@ -37,6 +37,9 @@ bool hasTwoComponents(const NewSet& set) {
   return set.mode == Mode::productUpdate || (set.mode != Mode::discs && set.hasEditions);
 }
 
+// A product update detects the edition instead.
+bool offersEditions(const NewSet& set) { return set.hasEditions && set.mode != Mode::productUpdate; }
+
 int volumesOf(const NewSet& set) {
   return set.mode == Mode::discs ? (set.hasEditions ? 2 : set.discs) : hasTwoComponents(set) ? 2 : 1;
 }
@@ -170,10 +173,8 @@ std::vector<fs::path> makeSet(const NewSet& set, const NewSetTexts& texts) {
   const std::string package = set.product + " Installer.pkg";
   writer.write(package, "A placeholder: put the installer package here.\n");
   writer.write(".InstallationAttributes.dat", attributesText(set, texts));
-  const bool isChoice = volumesOf(set) == 2 && (set.hasEditions || set.mode == Mode::productUpdate);
-  writer.write("rehearsal.json",
-               "{\"product\": \"" + set.product + "\"" +
-                   (isChoice && set.mode != Mode::productUpdate ? ", \"installType\": \"Full\"" : "") + "}\n");
+  writer.write("rehearsal.json", "{\"product\": \"" + set.product + "\"" +
+                                     (offersEditions(set) ? ", \"installType\": \"Full\"" : "") + "}\n");
   writer.write("README.md", readmeText(set));
   if (set.mode == Mode::discs) {
     int number = 0;

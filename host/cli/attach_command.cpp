@@ -48,25 +48,33 @@ bool readEvents(EngineClient& engine, std::chrono::milliseconds patience,
   return hasEnough;
 }
 
-UsageError unreachable() {
-  return UsageError(installRuns() ? _("an installation is running, but it cannot be reached")
-                                  : _("no installation is running"),
-                    ExitStatus::failure);
+AttachedEngine attachOrThrow() {
+  if (const auto attached = attachToEngine(installLockFolder())) {
+    return *attached;
+  }
+  throw UsageError(installRuns() ? _("an installation is running, but it cannot be reached")
+                                 : _("no installation is running"),
+                   ExitStatus::failure);
+}
+
+// Passes on the past of the run. Throws UsageError if the engine does not tell it in time.
+void readPast(EngineClient& engine, const std::function<void(const Event& event)>& handle) {
+  const bool isKnown = readEvents(engine, kPatience, [&handle](const Event& event) {
+    handle(event);
+    return std::holds_alternative<event::Present>(event);
+  });
+  if (!isKnown) {
+    throw UsageError(_("the installation does not answer"), ExitStatus::failure);
+  }
 }
 
 // What the run does now; closes the connection. Throws UsageError if the engine does not answer.
 RunStatus statusOfRun(const AttachedEngine& attached) {
   EngineClient engine(attached.connection);
   RunStatus status(attached.run, now());
-  const bool isKnown = readEvents(engine, kPatience, [&](const Event& event) {
-    status.handle(event, engine.eventTime());
-    return std::holds_alternative<event::Present>(event);
-  });
+  readPast(engine, [&](const Event& event) { status.handle(event, engine.eventTime()); });
   close(attached.connection.requests);
   close(attached.connection.events);
-  if (!isKnown) {
-    throw UsageError(_("the installation does not answer"), ExitStatus::failure);
-  }
   return status;
 }
 
@@ -87,7 +95,8 @@ ExitStatus showStatus(bool asJson) {
   return status.prompt() != nullptr ? ExitStatus::warnings : ExitStatus::success;
 }
 
-ExitStatus attachTo(const AttachedEngine& attached, Frontend frontend, const NoticeAbilities& notices) {
+ExitStatus attach(Frontend frontend, const NoticeAbilities& notices) {
+  const AttachedEngine attached = attachOrThrow();
   RunDescription description;
   description.notices = notices;
   description.attached = attached.run;
@@ -102,30 +111,14 @@ ExitStatus attachTo(const AttachedEngine& attached, Frontend frontend, const Not
                                         : runPlainFrontend(attached.connection, description);
 }
 
-ExitStatus attach(Frontend frontend, const NoticeAbilities& notices) {
-  const auto attached = attachToEngine(installLockFolder());
-  if (!attached) {
-    throw unreachable();
-  }
-  return attachTo(*attached, frontend, notices);
-}
-
 ExitStatus stop() {
-  const auto attached = attachToEngine(installLockFolder());
-  if (!attached) {
-    throw unreachable();
-  }
-  EngineClient engine(attached->connection);
+  EngineClient engine(attachOrThrow().connection);
   bool isCopying = false;
-  const bool isKnown = readEvents(engine, kPatience, [&](const Event& event) {
+  readPast(engine, [&isCopying](const Event& event) {
     if (const auto* phase = std::get_if<event::Phase>(&event)) {
       isCopying = phase->kind == event::Phase::Kind::copying;
     }
-    return std::holds_alternative<event::Present>(event);
   });
-  if (!isKnown) {
-    throw UsageError(_("the installation does not answer"), ExitStatus::failure);
-  }
   engine.send(Command::stop);
   if (isCopying) {
     std::puts(_("The installation stops when the current file is copied."));

@@ -58,8 +58,8 @@ void FrontendServer::run() {
 
 void FrontendServer::add(int descriptor) {
   if (descriptor < 0) {
-    poll(nullptr, 0,
-         kPauseMilliseconds);  // where the process has no descriptor left, it would be tried at once
+    // Where the process has no descriptor left, it would be tried again at once.
+    poll(nullptr, 0, kPauseMilliseconds);
     return;
   }
   if (frontends_.size() >= kMostFrontends) {
