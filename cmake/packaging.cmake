@@ -29,7 +29,7 @@ set(CPACK_DEBIAN_PACKAGE_SECTION sound)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 # The libraries are found from the programs; the tools are started by name, and only by some commands.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "bubblewrap, squashfs-tools")
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "bubblewrap, squashfs-tools, xorriso")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "squashfuse, fuseiso")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS

@@ -4,7 +4,7 @@ _tavinstall() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} command= word
   COMPREPLY=()
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
-    case $word in run | status | attach | stop | new | rehearse | check | manifest | verify | log | help) command=$word; break ;; esac
+    case $word in run | status | attach | stop | new | split | rehearse | check | manifest | verify | log | help) command=$word; break ;; esac
   done
 
   local products="Tessaphon Lumaweave Bassoria TemporaQX"
@@ -20,7 +20,9 @@ _tavinstall() {
     --optional-discs) COMPREPLY=($(compgen -W "skip wait" -- "$current")); return ;;
     --mode) COMPREPLY=($(compgen -W "discs download data-update product-update" -- "$current")); return ;;
     --language) COMPREPLY=($(compgen -W "en de fr es it ja zh-Hans" -- "$current")); return ;;
-    --late | --discs | --disc-timeout) return ;;
+    --images) COMPREPLY=($(compgen -W "iso squashfs" -- "$current")); return ;;
+    --disc-size) COMPREPLY=($(compgen -W "dvd5 dvd9 bd25 bd50 usb:64g" -- "$current")); return ;;
+    --late | --discs | --reserve | --disc-timeout) return ;;
     --installed | --keep) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
     --package | --manifest | --summary | --report | --bundle) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
   esac
@@ -32,6 +34,7 @@ _tavinstall() {
     attach) options="--ui --no-notify --help" ;;
     stop) options="--help" ;;
     new) options="--product --mode --discs --editions --language --help" ;;
+    split) options="--disc-size --reserve --product --full-only --copy --images --manifest --dry-run --help" ;;
     rehearse) options="--product --install-type --installed --allow-outside --late --keep --report --ui --help" ;;
     check) options="--product --install-type --installed --format --help" ;;
     manifest) options="--product --help" ;;
@@ -45,9 +48,9 @@ _tavinstall() {
     return
   fi
   case $command in
-    '') COMPREPLY=($(compgen -W "run status attach stop new rehearse check manifest verify log help" -- "$current")) ;;
-    help) COMPREPLY=($(compgen -W "run status attach stop new rehearse check manifest verify log exit-status" -- "$current")) ;;
-    new | rehearse | check | manifest | verify) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -d -- "$current") ;;
+    '') COMPREPLY=($(compgen -W "run status attach stop new split rehearse check manifest verify log help" -- "$current")) ;;
+    help) COMPREPLY=($(compgen -W "run status attach stop new split rehearse check manifest verify log exit-status" -- "$current")) ;;
+    new | split | rehearse | check | manifest | verify) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -d -- "$current") ;;
     log) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$current") ;;
   esac
 }

@@ -1,6 +1,6 @@
 # Completion of tavinstall for fish.
 
-set -l commands run status attach stop new rehearse check manifest verify log help
+set -l commands run status attach stop new split rehearse check manifest verify log help
 complete -c tavinstall -f
 complete -c tavinstall -s h -l help -d 'Show this help'
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -l version -d 'Show the version'
@@ -9,13 +9,14 @@ complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a status 
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a attach -d 'Show a running installation and answer its prompts'
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a stop -d 'Stop a running installation after the current file'
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a new -d 'Make an installer set with placeholders'
+complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a split -d 'Put a library on the discs of a set'
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a rehearse -d 'Install a set in a sandbox and verify the result'
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a check -d 'Check an installer set and show what the page would do with it'
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a manifest -d 'Write the digests of what a set installs'
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a verify -d 'Compare what is installed with the digests of a manifest'
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a log -d 'Show what an installation log records, run by run'
 complete -c tavinstall -n "not __fish_seen_subcommand_from $commands" -a help -d 'Show the help of a command, or all exit statuses'
-complete -c tavinstall -n '__fish_seen_subcommand_from help' -x -a 'run status attach stop new rehearse check manifest verify log exit-status' -d 'A topic'
+complete -c tavinstall -n '__fish_seen_subcommand_from help' -x -a 'run status attach stop new split rehearse check manifest verify log exit-status' -d 'A topic'
 
 set -l products 'Tessaphon Lumaweave Bassoria TemporaQX'
 complete -c tavinstall -n '__fish_seen_subcommand_from run rehearse check' -l product -x -a "$products" -d 'The product'
@@ -43,7 +44,7 @@ complete -c tavinstall -n '__fish_seen_subcommand_from new' -l discs -x -d 'How 
 complete -c tavinstall -n '__fish_seen_subcommand_from new' -l editions -d 'With a Lite and a Full edition'
 complete -c tavinstall -n '__fish_seen_subcommand_from new' -l language -x -a 'en de fr es it ja zh-Hans' -d 'Language of the texts'
 complete -c tavinstall -n '__fish_seen_subcommand_from new' -a '(__fish_complete_directories)'
-complete -c tavinstall -n '__fish_seen_subcommand_from new manifest' -l product -x -a "$products" -d 'The product'
+complete -c tavinstall -n '__fish_seen_subcommand_from new split manifest' -l product -x -a "$products" -d 'The product'
 complete -c tavinstall -n '__fish_seen_subcommand_from manifest verify' -a '(__fish_complete_directories)'
 complete -c tavinstall -n '__fish_seen_subcommand_from run' -l no-preinstall -d 'Use the files that a pre-install step has written to /tmp'
 complete -c tavinstall -n '__fish_seen_subcommand_from run' -l trusted -d 'Install even if other users can change the package'
@@ -51,6 +52,14 @@ complete -c tavinstall -n '__fish_seen_subcommand_from run' -l without-attribute
 
 complete -c tavinstall -n '__fish_seen_subcommand_from rehearse' -l allow-outside -d 'Rehearse a set whose links or paths lead out of its folder'
 complete -c tavinstall -n '__fish_seen_subcommand_from rehearse' -l late -x -d 'Report each disc as missing N times'
+complete -c tavinstall -n '__fish_seen_subcommand_from split' -l disc-size -x -a 'dvd5 dvd9 bd25 bd50 usb:64g' -d 'The kind of disc'
+complete -c tavinstall -n '__fish_seen_subcommand_from split' -l reserve -x -d 'Leave so many bytes free on each disc'
+complete -c tavinstall -n '__fish_seen_subcommand_from split' -l full-only -r -F -d 'What only the Full edition has'
+complete -c tavinstall -n '__fish_seen_subcommand_from split' -l copy -d 'Copy the files'
+complete -c tavinstall -n '__fish_seen_subcommand_from split' -l images -x -a 'iso squashfs' -d 'Make an image of each disc'
+complete -c tavinstall -n '__fish_seen_subcommand_from split' -l manifest -d 'Write the digests of all files'
+complete -c tavinstall -n '__fish_seen_subcommand_from split' -l dry-run -d 'Show the layout; write nothing'
+complete -c tavinstall -n '__fish_seen_subcommand_from split' -a '(__fish_complete_directories)'
 complete -c tavinstall -n '__fish_seen_subcommand_from rehearse' -l keep -x -a '(__fish_complete_directories)' -d 'Keep the installed files and the log in this new folder'
 complete -c tavinstall -n '__fish_seen_subcommand_from rehearse' -l report -r -F -d 'Also write the report to this file, as JSON'
 complete -c tavinstall -n '__fish_seen_subcommand_from rehearse check' -a '(__fish_complete_directories)'

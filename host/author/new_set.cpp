@@ -1,8 +1,8 @@
 #include "host/author/new_set.h"
 
+#include "context/install_rules.h"
 #include "host/base/exit_status.h"
 #include "host/base/text.h"
-#include "host/set/install_plan.h"
 
 #include <cerrno>
 #include <cstring>
@@ -113,7 +113,7 @@ class SetWriter {
   // A library's file below a volume's or component's folder.
   void writePlaceholder(const std::string& root, const Product& product, const std::string& library) {
     constexpr std::size_t kMegabyte = 1000000;
-    write(fs::path(root) / product.folderName / library / "Soundsources" / "Placeholder.db",
+    write(fs::path(root) / product.folderName / library / "Soundsources" / kPlaceholderName,
           std::string(kPlaceholderMegabytes * kMegabyte, '\0'));
   }
 
@@ -124,25 +124,13 @@ class SetWriter {
   std::vector<fs::path> files_;
 };
 
-// The discs' names are those that the page will look for.
-std::vector<std::string> discNames(const NewSet& set, const Product& product, const fs::path& package) {
-  PlanRequest request;
-  request.package = package.string();
-  request.product = product;
-  request.installType = "Full";
-  std::vector<std::string> names;
-  for (const PlannedPass& pass : planInstall(request).passes) {
-    for (const PlannedVolume& volume : pass.volumes) {
-      names.push_back(fs::path(volume.root).filename().string());
-    }
-  }
-  if (names.size() != static_cast<std::size_t>(volumesOf(set))) {
-    throw UsageError(_("the page would look for another number of discs"));
-  }
-  return names;
-}
-
 }  // namespace
+
+std::string discName(const Product& product, int number) {
+  BoundedText<kPathSize> path;
+  volumeMountPath(product.pluginName, number, path);
+  return fs::path(path.view()).filename().string();
+}
 
 NewSetTexts newSetTexts(const NewSet& set) {
   const bool isUpdate = set.mode == Mode::dataUpdate || set.mode == Mode::productUpdate;
@@ -177,11 +165,10 @@ std::vector<fs::path> makeSet(const NewSet& set, const NewSetTexts& texts) {
                                      (offersEditions(set) ? ", \"installType\": \"Full\"" : "") + "}\n");
   writer.write("README.md", readmeText(set));
   if (set.mode == Mode::discs) {
-    int number = 0;
-    for (const std::string& name : discNames(set, product, folder / package)) {
-      ++number;
-      writer.writePlaceholder("discs/" + std::to_string(number) + " " + name, product,
-                              set.product + "/Disc " + std::to_string(number));
+    for (int number = 0; number < volumesOf(set); ++number) {
+      const std::string shown = std::to_string(number + 1);
+      writer.writePlaceholder("discs/" + shown + " " + discName(product, number), product,
+                              set.product + "/Disc " + shown);
     }
   } else if (hasTwoComponents(set)) {
     writer.writePlaceholder(kFirst, product, set.product);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/set/install_plan.h"
+
 #include <array>
 #include <filesystem>
 #include <string>
@@ -35,6 +37,12 @@ struct NewSetTexts {
   std::string installed;   // likewise
   std::string choice;      // between the editions
 };
+
+inline constexpr int kMostDiscs = 26;  // the page has letters for their names
+inline constexpr const char* kPlaceholderName = "Placeholder.db";
+
+// The name of a disc, from 0, as the page looks for it.
+[[nodiscard]] std::string discName(const Product& product, int number);
 
 // In the current language.
 [[nodiscard]] NewSetTexts newSetTexts(const NewSet& set);

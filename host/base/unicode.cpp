@@ -2,7 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
+#include <memory>
+#include <new>
 #include <unicase.h>
+#include <uninorm.h>
 #include <unistr.h>
 
 namespace tavenhall {
@@ -77,6 +81,19 @@ std::string foldCase(std::string_view name) {
     name.remove_prefix(piece.length);
   }
   return folded;
+}
+
+std::string comparedName(std::string_view name) {
+  if (!isValidUtf8(name)) {
+    return foldCase(name);
+  }
+  std::size_t length = 0;
+  const std::unique_ptr<unsigned char, void (*)(void*)> composed(
+      u8_normalize(UNINORM_NFC, bytesOf(name), name.size(), nullptr, &length), std::free);
+  if (composed == nullptr) {
+    throw std::bad_alloc();
+  }
+  return foldCase({reinterpret_cast<const char*>(composed.get()), length});
 }
 
 }  // namespace tavenhall

@@ -20,4 +20,8 @@ inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 // The name in lower case, as a file system that ignores case compares it. Bytes that are not UTF-8 stay.
 [[nodiscard]] std::string foldCase(std::string_view name);
 
+// The name as a file system compares it that ignores case and the ways to compose a letter, as those of macOS
+// do. Bytes that are not UTF-8 stay.
+[[nodiscard]] std::string comparedName(std::string_view name);
+
 }  // namespace tavenhall

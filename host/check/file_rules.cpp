@@ -15,11 +15,6 @@ namespace tavenhall {
 
 namespace {
 
-constexpr std::size_t kChildPathSize = 1024;  // the page's buffers for a source and a destination
-
-// Represents a home of unknown length: a name of 20 bytes.
-constexpr std::string_view kLongHome = "/Users/12345678901234567890";
-
 // A folder with everything below it that is copied to one place.
 struct CopiedTree {
   const SourceTree& tree;
@@ -30,14 +25,6 @@ struct CopiedTree {
   bool isOfDisc;
   std::filesystem::path folder;  // the source on this machine; empty in an image
 };
-
-// Hidden files that systems create in folders.
-bool isLitter(const std::string& name) {
-  static constexpr std::array<std::string_view, 10> kLitter{
-      ".DS_Store", ".localized",  ".Trashes",         ".Spotlight-V100", ".fseventsd",
-      ".apdisk",   ".background", ".VolumeIcon.icns", ".TemporaryItems", ".InstallationAttributes.dat"};
-  return name.starts_with("._") || std::find(kLitter.begin(), kLitter.end(), name) != kLitter.end();
-}
 
 bool isInHiddenFolder(const TreeEntry& entry) {
   const std::size_t slash = entry.path.rfind('/');
@@ -54,7 +41,7 @@ void checkHidden(const CopiedTree& copied, Diagnostics& diagnostics) {
     if (!entry.isHidden || isInHiddenFolder(entry)) {
       continue;
     }
-    const bool isLeftOver = isLitter(entry.name());
+    const bool isLeftOver = isSystemLitter(entry.name());
     std::string& place = isLeftOver ? firstLitter : first;
     place = place.empty() ? entry.path : place;
     ++(isLeftOver ? litter : files);
@@ -131,7 +118,7 @@ void checkLength(const CopiedTree& copied, const TreeEntry& entry, Diagnostics& 
   const std::size_t parent = slash == std::string::npos ? 0 : 1 + slash;
   const std::size_t longer = std::max(copied.source.size(), copied.destination.size());
   // Skipped if the parent folder's path is too long: that one has the diagnostic.
-  if (longer + below >= kChildPathSize && longer + parent < kChildPathSize) {
+  if (longer + below >= kFilePathSize && longer + parent < kFilePathSize) {
     diagnostics.add(
         "path-too-long", {copied.shown(entry.path)},
         format(_("With this name a path has {0} bytes. The limit is 1023, and the installer aborts."),

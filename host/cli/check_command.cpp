@@ -38,12 +38,7 @@ void addCheckCommand(CommandLine& commandLine) {
       "check", _("Check an installer set and show what the page would do with it"));
   check->add_option("SET", arguments->set, _("Folder with the package, its attributes file and discs/"))
       ->required();
-  check
-      ->add_option("--product", arguments->product,
-                   format(_("Product, unless the set's rehearsal.json names it: {0}"),
-                          {CLI::detail::join(productNames(), ", ")}))
-      ->check(oneOf(productNames()))
-      ->type_name("NAME");
+  addProductOption(*check, arguments->product);
   check
       ->add_option("--install-type", arguments->installType,
                    _("Edition to plan for if there is a choice: Lite or Full"))

@@ -187,6 +187,15 @@ void addFrontendOption(CLI::App& command, std::string& name) {
       ->type_name("FRONTEND");
 }
 
+void addProductOption(CLI::App& command, std::string& name) {
+  command
+      .add_option("--product", name,
+                  format(_("Product, unless the set's rehearsal.json names it: {0}"),
+                         {CLI::detail::join(productNames(), ", ")}))
+      ->check(oneOf(productNames()))
+      ->type_name("NAME");
+}
+
 void addNotifyOption(CLI::App& command, bool& isOff) {
   command.add_flag("--no-notify", isOff, _("No bell, window title or notification"));
 }

@@ -42,6 +42,9 @@ void addFrontendOption(CLI::App& command, std::string& name);
 // Adds the option --no-notify.
 void addNotifyOption(CLI::App& command, bool& isOff);
 
+// Adds the option --product for a set, which sets `name`.
+void addProductOption(CLI::App& command, std::string& name);
+
 // What a frontend may do besides showing lines, on the terminal that standard output is.
 [[nodiscard]] NoticeAbilities noticesFor(bool isOff);
 
@@ -60,6 +63,7 @@ void addAttachCommands(CommandLine& commandLine);  // status, attach, stop
 void addRehearseCommand(CommandLine& commandLine);
 void addCheckCommand(CommandLine& commandLine);
 void addNewCommand(CommandLine& commandLine);
+void addSplitCommand(CommandLine& commandLine);
 void addManifestCommands(CommandLine& commandLine);  // manifest, verify
 void addLogCommand(CommandLine& commandLine);
 void addHelpCommand(CommandLine& commandLine);

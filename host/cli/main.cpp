@@ -52,6 +52,7 @@ ExitStatus runProgram(int argc, char** argv) {
   addRunCommand(commandLine);
   addAttachCommands(commandLine);
   addNewCommand(commandLine);
+  addSplitCommand(commandLine);
   addRehearseCommand(commandLine);
   addCheckCommand(commandLine);
   addManifestCommands(commandLine);

@@ -23,17 +23,11 @@ using nlohmann::ordered_json;
 ExitStatus makeManifest(const CheckRequest& request) {
   const CheckedSet set = openCheckedSet(request);
   SetFiles files = filesOfSet(set);
-  {
-    ReadingProgress progress(files.bytes);
-    addDigests(files, [&progress](std::int64_t bytes) { progress.add(bytes); });
-  }
-  const auto written = writeManifests(set, files.manifest);
+  const auto written = writeManifestsWithProgress(set, files);
   std::puts(plural("{0} file, {1}.", "{0} files, {1}.", static_cast<std::int64_t>(files.sources.size()),
                    {sizeText(static_cast<double>(files.bytes))})
                 .c_str());
-  for (const std::filesystem::path& file : written) {
-    std::puts(format(_("Written: {0}"), {printableLine(file.string())}).c_str());
-  }
+  printWritten(written);
   return ExitStatus::success;
 }
 
@@ -111,11 +105,7 @@ void addManifestCommands(CommandLine& commandLine) {
       "manifest", _("Write the digests of what a set installs, for verify and sha256sum"));
   make->add_option("SET", arguments->set, _("Folder with the package, its attributes file and discs/"))
       ->required();
-  make->add_option("--product", arguments->product,
-                   format(_("Product, unless the set's rehearsal.json names it: {0}"),
-                          {CLI::detail::join(productNames(), ", ")}))
-      ->check(oneOf(productNames()))
-      ->type_name("NAME");
+  addProductOption(*make, arguments->product);
   make->callback([&commandLine, arguments] {
     commandLine.chosen = [arguments] { return makeManifest({arguments->set, arguments->product, "", {}}); };
   });

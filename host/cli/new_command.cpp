@@ -4,6 +4,7 @@
 #include "host/base/files.h"
 #include "host/base/text.h"
 #include "host/cli/command_line.h"
+#include "host/cli/verify_text.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -85,16 +86,13 @@ ExitStatus makeNewSet(NewArguments arguments) {
              })->mode;
   if (!arguments.discs.empty()) {
     set.discs = std::atoi(arguments.discs.c_str());
-    constexpr int kMostDiscs = 26;  // the page's letters
     if (set.mode != NewSet::Mode::discs || set.hasEditions || set.discs < 1 || set.discs > kMostDiscs) {
       throw UsageError(
           format(_("{0}; see {1}"),
                  {_("--discs is from 1 to 26, for --mode discs without --editions"), "tavinstall new --help"}));
     }
   }
-  for (const std::filesystem::path& file : makeSet(set, textsIn(arguments.language, set))) {
-    std::puts(format(_("Written: {0}"), {printableLine(file.string())}).c_str());
-  }
+  printWritten(makeSet(set, textsIn(arguments.language, set)));
   return ExitStatus::success;
 }
 

@@ -42,6 +42,20 @@ VerificationResult verifyWithProgress(const Manifest& manifest, const std::files
   return verifyInstalled(manifest, folder, lite, [&progress](std::int64_t bytes) { progress.add(bytes); });
 }
 
+std::vector<std::filesystem::path> writeManifestsWithProgress(const CheckedSet& set, SetFiles& files) {
+  {
+    ReadingProgress progress(files.bytes);
+    addDigests(files, [&progress](std::int64_t bytes) { progress.add(bytes); });
+  }
+  return writeManifests(set, files.manifest);
+}
+
+void printWritten(const std::vector<std::filesystem::path>& files) {
+  for (const std::filesystem::path& file : files) {
+    std::puts(format(_("Written: {0}"), {printableLine(file.string())}).c_str());
+  }
+}
+
 void printProblems(const Manifest& manifest, const VerificationResult& result) {
   for (const VerifiedProblem& problem : result.problems) {
     const ManifestFile& file = manifest.files[problem.file];

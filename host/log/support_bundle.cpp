@@ -1,6 +1,7 @@
 #include "host/log/support_bundle.h"
 
 #include "host/base/exit_status.h"
+#include "host/base/regular_file.h"
 #include "host/base/text.h"
 
 #include <algorithm>
@@ -12,38 +13,11 @@
 #include <ctime>
 #include <fcntl.h>
 #include <memory>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace tavenhall {
 
 namespace {
-
-// A file to be read, opened without waiting for a pipe's other end.
-class Source {
- public:
-  explicit Source(const std::filesystem::path& path)
-      : descriptor_(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {
-    if (descriptor_ >= 0 && (fstat(descriptor_, &status_) != 0 || !S_ISREG(status_.st_mode))) {
-      close(descriptor_);
-      descriptor_ = -1;
-    }
-  }
-  Source(const Source&) = delete;
-  Source& operator=(const Source&) = delete;
-  ~Source() {
-    if (descriptor_ >= 0) {
-      close(descriptor_);
-    }
-  }
-
-  [[nodiscard]] std::int64_t size() const { return descriptor_ >= 0 ? status_.st_size : -1; }
-  [[nodiscard]] int descriptor() const { return descriptor_; }
-
- private:
-  int descriptor_;
-  struct stat status_ {};
-};
 
 UsageError cannotWriteBundle(const std::filesystem::path& path, const char* reason) {
   return UsageError(
@@ -75,12 +49,13 @@ class ZipWriter {
       write(file.text.data(), file.text.size());
       return;
     }
-    const Source source(file.source);
-    if (source.size() < 0) {
-      throw UsageError(format(_("cannot read {0}: {1}"), {file.source.string(), std::strerror(errno)}));
+    const RegularFile source(file.source);
+    if (source.error() != 0) {
+      throw UsageError(
+          format(_("cannot read {0}: {1}"), {file.source.string(), std::strerror(source.error())}));
     }
-    beginEntry(file.name, source.size());
-    std::int64_t left = source.size();
+    beginEntry(file.name, source.facts().st_size);
+    std::int64_t left = source.facts().st_size;
     std::array<char, 65536> buffer;
     while (left > 0) {  // what a running install adds meanwhile is left out
       const auto wanted = static_cast<std::size_t>(std::min<std::int64_t>(left, buffer.size()));
@@ -134,7 +109,11 @@ class ZipWriter {
 }  // namespace
 
 std::int64_t sizeOf(const BundleFile& file) {
-  return file.source.empty() ? static_cast<std::int64_t>(file.text.size()) : Source(file.source).size();
+  if (file.source.empty()) {
+    return static_cast<std::int64_t>(file.text.size());
+  }
+  const RegularFile source(file.source);
+  return source.error() == 0 ? source.facts().st_size : -1;
 }
 
 void writeBundle(const std::filesystem::path& archive, const std::vector<BundleFile>& files) {

@@ -1,13 +1,12 @@
 #include "host/manifest/digests.h"
 
 #include "host/base/mutex.h"
+#include "host/base/regular_file.h"
 #include "host/manifest/sha256.h"
 
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
 
@@ -40,19 +39,15 @@ class DigestWork {
  private:
   FileDigest digestOf(const std::filesystem::path& file, Sha256& hasher, std::vector<char>& piece) {
     FileDigest result;
-    const int descriptor = open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    struct stat found {};
-    if (descriptor < 0 || fstat(descriptor, &found) != 0 || !S_ISREG(found.st_mode)) {
-      result.error = descriptor < 0 ? errno : EINVAL;
-      if (descriptor >= 0) {
-        close(descriptor);
-      }
+    const RegularFile opened(file);
+    if (opened.error() != 0) {
+      result.error = opened.error();
       return result;
     }
     hasher.begin();
     std::int64_t reported = 0;
     while (true) {
-      const ssize_t count = read(descriptor, piece.data(), piece.size());
+      const ssize_t count = read(opened.descriptor(), piece.data(), piece.size());
       if (count < 0 && errno == EINTR) {
         continue;
       }
@@ -67,7 +62,6 @@ class DigestWork {
         reported = result.size;
       }
     }
-    close(descriptor);
     report(result.size - reported);
     result.digest = result.error == 0 ? hasher.end() : std::string();
     return result;

@@ -1,19 +1,16 @@
 #include "host/manifest/manifest.h"
 
-#include "host/base/child_process.h"
 #include "host/base/exit_status.h"
 #include "host/base/files.h"
+#include "host/base/regular_file.h"
 #include "host/base/text.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
-#include <cstdio>
 #include <cstring>
-#include <fcntl.h>
 #include <fstream>
 #include <string_view>
-#include <unistd.h>
 
 namespace tavenhall {
 
@@ -179,20 +176,7 @@ std::string manifestText(const Manifest& manifest) {
 Manifest readManifest(const fs::path& file) { return ManifestReader(file).read(); }
 
 void writeManifest(const fs::path& file, const Manifest& manifest) {
-  const std::string draft = file.string() + ".new";
-  unlink(draft.c_str());
-  const int descriptor = open(draft.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
-  const bool isWritten =
-      descriptor >= 0 && writeAll(descriptor, manifestText(manifest)) && fsync(descriptor) == 0;
-  int error = errno;
-  if (descriptor >= 0) {
-    close(descriptor);
-  }
-  if (!isWritten || std::rename(draft.c_str(), file.c_str()) != 0) {
-    error = isWritten ? errno : error;
-    unlink(draft.c_str());
-    throw UsageError(format(_("cannot write {0}: {1}"), {file.string(), std::strerror(error)}));
-  }
+  replaceFile(file, manifestText(manifest));
 }
 
 }  // namespace tavenhall

@@ -3,6 +3,7 @@
 #include "context/install_rules.h"
 #include "host/base/exit_status.h"
 #include "host/base/text.h"
+#include "host/set/disc_image.h"
 
 #include <algorithm>
 #include <chrono>
@@ -99,6 +100,17 @@ std::string mountFailureText(const fs::path& image, int status, const std::strin
   return format(pattern, {image.string(), lastWords, toolFor(image)});
 }
 
+// fuseiso shows a file of 4 GiB or more twice, with a wrong size.
+void requireRightContent(const fs::path& image, const fs::path& folder) {
+  const std::optional<SourceTree> listed = treeOfImage(image);
+  const auto different = listed ? differenceBetween(*listed, SourceTree::ofFolder(folder)) : std::nullopt;
+  if (different) {
+    throw UsageError(
+        format(_("{0} does not show {2} in the disc image {1} as it is; rehearse with an image of SquashFS"),
+               {toolFor(image), image.string(), *different}));
+  }
+}
+
 }  // namespace
 
 ImageMount::ImageMount(const fs::path& image, fs::path folder, const StopRequest& stop)
@@ -109,6 +121,9 @@ ImageMount::ImageMount(const fs::path& image, fs::path folder, const StopRequest
       throw UsageError(mountFailureText(image, server_.wait(), server_.lastLine()));
     }
     std::this_thread::sleep_for(kBetweenLooks);
+  }
+  if (isIso(image)) {
+    requireRightContent(image, folder_);
   }
 }
 

@@ -1,5 +1,7 @@
 #include "host/set/checked_set.h"
 
+#include "host/set/disc_image.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -41,7 +43,7 @@ void lookIntoFolder(const fs::path& root, CheckedVolume& checked) {
 
 void lookIntoImage(const fs::path& image, CheckedVolume& checked) {
   checked.isThere = true;
-  const std::optional<SourceTree> tree = SourceTree::ofImage(image);
+  const std::optional<SourceTree> tree = treeOfImage(image);
   checked.isListed = tree.has_value();
   if (tree) {
     checked.hasPrimary = tree->exists(checked.folderName);

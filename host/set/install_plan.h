@@ -107,6 +107,12 @@ struct InstallPlan {
   AnnouncedSize announced;
 };
 
+// The page's buffers for the paths of one file, from and to, terminator included.
+inline constexpr std::size_t kFilePathSize = 1024;
+
+// Stands for a home of unknown length, that of a user whose name has 20 bytes.
+inline constexpr const char* kLongHome = "/Users/12345678901234567890";
+
 // The text that the page derives from the package's path: the folder that holds the package.
 [[nodiscard]] std::string packageFolderOf(const std::string& package);
 

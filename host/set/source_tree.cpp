@@ -1,12 +1,11 @@
 #include "host/set/source_tree.h"
 
 #include "context/install_rules.h"
-#include "host/base/child_process.h"
 
 #include <algorithm>
-#include <charconv>
-#include <map>
+#include <array>
 #include <sys/stat.h>
+#include <utility>
 
 namespace tavenhall {
 
@@ -55,93 +54,14 @@ TreeEntry entryAt(const fs::path& path, std::string below) {
   return entry;
 }
 
-// The target of a link at `path`, relative to the same top; empty if it is outside.
-std::string targetWithin(const std::string& path, const std::string& target) {
-  if (target.starts_with('/')) {
-    return {};
-  }
-  std::string joined = (fs::path(path).parent_path() / target).lexically_normal().generic_string();
-  if (joined.ends_with('/')) {
-    joined.pop_back();
-  }
-  return joined == ".." || joined.starts_with("../") ? std::string() : joined;
-}
-
-// The limit for links to links; systems have one too.
-constexpr int kMostLinks = 16;
-
-// The permissions as `ls` shows them, "rwxr-xr-x".
-std::uint32_t permissionsFrom(std::string_view letters) {
-  std::uint32_t permissions = 0;
-  for (const char letter : letters) {
-    permissions = permissions << 1U | (letter == '-' || letter == 'S' || letter == 'T' ? 0U : 1U);
-  }
-  return permissions;
-}
-
-std::string_view takeField(std::string_view& line) {
-  const std::size_t start = std::min(line.find_first_not_of(' '), line.size());
-  line.remove_prefix(start);
-  const std::string_view field = line.substr(0, line.find(' '));
-  line.remove_prefix(field.size());
-  return field;
-}
-
-struct ListedEntry {
-  TreeEntry entry;
-  std::string target;  // of a link
-};
-
-// Parses one line of a listing; false if it describes no entry.
-bool readListedLine(std::string_view line, ListedEntry& listed) {
-  constexpr std::string_view kTop = " squashfs-root/";
-  const std::size_t top = line.find(kTop);
-  const std::string_view mode = takeField(line);
-  if (mode.size() != 10 || top == std::string_view::npos) {
-    return false;
-  }
-  takeField(line);  // the owner
-  const std::string_view size = takeField(line);
-  std::from_chars(size.data(), size.data() + size.size(), listed.entry.size);
-  listed.entry.permissions = permissionsFrom(mode.substr(1));
-  const std::string_view rest = line.substr(line.find(kTop) + kTop.size());
-  const std::size_t arrow = mode[0] == 'l' ? rest.find(" -> ") : std::string_view::npos;
-  listed.entry.path = rest.substr(0, arrow);
-  listed.entry.isHidden = hasHiddenPart(listed.entry.path);
-  if (arrow != std::string_view::npos) {
-    listed.target = rest.substr(arrow + 4);
-  }
-  switch (mode[0]) {
-    case 'd': listed.entry.kind = EntryKind::folder; break;
-    case 'l': listed.entry.kind = EntryKind::brokenLink; break;  // until it is followed
-    case '-': listed.entry.kind = EntryKind::file; break;
-    default: listed.entry.kind = EntryKind::other; break;
-  }
-  if (mode[0] != '-') {
-    listed.entry.size = 0;
-  }
-  return true;
-}
-
-// Follows the entry's own link, and the links that it leads to.
-void followListedLink(TreeEntry& entry, const std::map<std::string, ListedEntry>& listing) {
-  std::string path = entry.path;
-  for (int links = 0; links < kMostLinks; ++links) {
-    const auto found = listing.find(path);
-    if (found == listing.end()) {
-      return;
-    }
-    if (found->second.target.empty()) {
-      entry.kind =
-          found->second.entry.kind == EntryKind::folder ? EntryKind::linkToFolder : EntryKind::linkToFile;
-      entry.size = found->second.entry.size;
-      return;
-    }
-    path = targetWithin(path, found->second.target);
-  }
-}
-
 }  // namespace
+
+bool isSystemLitter(std::string_view name) {
+  static constexpr std::array<std::string_view, 10> kLitter{
+      ".DS_Store", ".localized",  ".Trashes",         ".Spotlight-V100", ".fseventsd",
+      ".apdisk",   ".background", ".VolumeIcon.icns", ".TemporaryItems", ".InstallationAttributes.dat"};
+  return name.starts_with("._") || std::find(kLitter.begin(), kLitter.end(), name) != kLitter.end();
+}
 
 SourceTree SourceTree::ofFolder(const fs::path& folder) {
   SourceTree tree;
@@ -165,33 +85,14 @@ SourceTree SourceTree::ofFolder(const fs::path& folder) {
   return tree;
 }
 
-SourceTree SourceTree::ofSquashfsListing(const std::string& listing) {
-  std::map<std::string, ListedEntry> listed;
-  std::string_view rest = listing;
-  while (!rest.empty()) {
-    const std::string_view line = rest.substr(0, rest.find('\n'));
-    rest.remove_prefix(std::min(line.size() + 1, rest.size()));
-    if (ListedEntry entry; readListedLine(line, entry)) {
-      listed[entry.entry.path] = entry;
-    }
-  }
+SourceTree SourceTree::ofEntries(std::vector<TreeEntry> entries) {
   SourceTree tree;
-  for (auto& [path, entry] : listed) {
-    tree.entries_.push_back(entry.entry);
-    if (!entry.target.empty()) {
-      followListedLink(tree.entries_.back(), listed);
-    }
+  tree.entries_ = std::move(entries);
+  for (TreeEntry& entry : tree.entries_) {
+    entry.isHidden = hasHiddenPart(entry.path);
   }
   tree.sort();
   return tree;
-}
-
-std::optional<SourceTree> SourceTree::ofImage(const fs::path& image) {
-  if (image.extension() != ".squashfs") {
-    return std::nullopt;
-  }
-  const std::optional<std::string> listing = outputOfTool({"unsquashfs", "-lln", image.string()});
-  return listing ? std::optional(ofSquashfsListing(*listing)) : std::nullopt;
 }
 
 void SourceTree::sort() {
@@ -234,6 +135,22 @@ SourceTree SourceTree::below(const std::string& path) const {
 
 void SourceTree::keepOnly(const std::function<bool(const TreeEntry&)>& isKept) {
   std::erase_if(entries_, [&isKept](const TreeEntry& entry) { return !isKept(entry); });
+}
+
+std::optional<std::string> differenceBetween(const SourceTree& one, const SourceTree& other) {
+  for (const TreeEntry& entry : one.entries()) {
+    const TreeEntry* found = other.find(entry.path);
+    if (found == nullptr || found->kind != entry.kind ||
+        (entry.kind == EntryKind::file && found->size != entry.size)) {
+      return entry.path;
+    }
+  }
+  for (const TreeEntry& entry : other.entries()) {
+    if (one.find(entry.path) == nullptr) {
+      return entry.path;
+    }
+  }
+  return std::nullopt;
 }
 
 }  // namespace tavenhall

@@ -5,9 +5,10 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
-// The entries of a folder tree or of a disc image, without their contents. Reads only. Any thread.
+// The entries of a folder tree, without their contents. Reads only. Any thread.
 namespace tavenhall {
 
 enum class EntryKind { file, folder, linkToFile, linkToFolder, brokenLink, other };
@@ -22,16 +23,16 @@ struct TreeEntry {
   [[nodiscard]] std::string name() const { return path.substr(path.rfind('/') + 1); }
 };
 
+// Whether it is a hidden file that a system creates in folders by itself.
+[[nodiscard]] bool isSystemLitter(std::string_view name);
+
 class SourceTree {
  public:
   // Everything below `folder`; empty if it is not a folder. Does not follow links to folders.
   [[nodiscard]] static SourceTree ofFolder(const std::filesystem::path& folder);
 
-  // Everything in a disc image; none if no tool here can list it.
-  [[nodiscard]] static std::optional<SourceTree> ofImage(const std::filesystem::path& image);
-
-  // Parses the output of `unsquashfs -lln`.
-  [[nodiscard]] static SourceTree ofSquashfsListing(const std::string& listing);
+  // Of entries whose `isHidden` is not set yet.
+  [[nodiscard]] static SourceTree ofEntries(std::vector<TreeEntry> entries);
 
   [[nodiscard]] const std::vector<TreeEntry>& entries() const { return entries_; }  // sorted by path
 
@@ -55,5 +56,8 @@ class SourceTree {
   std::vector<TreeEntry> entries_;
   std::vector<std::string> unlisted_;
 };
+
+// The path of an entry that is not in both, or with another kind or size; none if they are the same.
+[[nodiscard]] std::optional<std::string> differenceBetween(const SourceTree& one, const SourceTree& other);
 
 }  // namespace tavenhall

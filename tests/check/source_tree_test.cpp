@@ -1,5 +1,5 @@
-#include "host/set/source_tree.h"
 #include "host/base/child_process.h"
+#include "host/set/disc_image.h"
 
 #include "tests/support/files.h"
 
@@ -59,7 +59,7 @@ TEST(SourceTree, DescribesAnImageOfAFolderAlike) {
   const std::string image = "/Users/tester/tree.squashfs";
   ASSERT_EQ(std::system(("mksquashfs " + kTop + " " + image + " -quiet -no-progress >/dev/null 2>&1").c_str()),
             0);
-  const std::optional<SourceTree> tree = SourceTree::ofImage(image);
+  const std::optional<SourceTree> tree = treeOfImage(image);
   ASSERT_TRUE(tree.has_value());
   EXPECT_EQ(describe(*tree), kDescription);
   ASSERT_NE(tree->find("Folder one/file one"), nullptr);
@@ -71,7 +71,7 @@ TEST(SourceTree, DescribesNothingOfAFolderThatIsNone) {
 }
 
 TEST(SourceTree, KnowsWhatALinkOfAListingLeadsTo) {
-  const SourceTree tree = SourceTree::ofSquashfsListing(
+  const SourceTree tree = treeOfSquashfsListing(
       "drwxr-xr-x 0/0                      74 2026-01-21 05:26 squashfs-root\n"
       "drwxr-xr-x 0/0                      74 2026-01-21 05:26 squashfs-root/a\n"
       "-rwsr-x--T 0/0                     745 2026-01-21 05:26 squashfs-root/a/file -> name\n"

@@ -19,8 +19,8 @@ using testing::StartsWith;
 
 using testing::UnorderedElementsAreArray;
 
-const std::vector<std::string> kCommands{"run",   "status",   "attach", "stop", "new", "rehearse",
-                                         "check", "manifest", "verify", "log",  "help"};
+const std::vector<std::string> kCommands{"run",      "status", "attach",   "stop",   "new", "split",
+                                         "rehearse", "check",  "manifest", "verify", "log", "help"};
 const std::vector<std::string> kProducts{"Tessaphon", "Lumaweave", "Bassoria", "TemporaQX"};
 
 std::string source(const std::string& path) {
@@ -90,7 +90,7 @@ TEST(Help, ShowsTheExitStatusesOfEveryCommand) {
     EXPECT_THAT(outcome.output,
                 HasSubstr("\n  " + std::to_string(static_cast<int>(row.status)) + "   " + row.meaning + "\n"));
   }
-  EXPECT_EQ(rows, 43U);
+  EXPECT_EQ(rows, 46U);
 }
 
 TEST(Help, WithATopicIsTheHelpOfThatCommand) {
@@ -100,7 +100,7 @@ TEST(Help, WithATopicIsTheHelpOfThatCommand) {
   EXPECT_EQ(outcome.status, 2);
   EXPECT_EQ(outcome.error,
             "tavinstall: TOPIC: chek not in "
-            "{run,status,attach,stop,new,rehearse,check,manifest,verify,log,exit-status}; see "
+            "{run,status,attach,stop,new,split,rehearse,check,manifest,verify,log,exit-status}; see "
             "tavinstall help --help\n");
 }
 

@@ -39,7 +39,7 @@ TEST_P(EveryLanguage, PrintsHelpThatFitsAScreen) {
   ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
   EXPECT_THAT(inLanguage(GetParam().name, {"log", "--help"}).output, HasSubstr(GetParam().usage));
   for (const char* command :
-       {"run", "status", "attach", "stop", "new", "rehearse", "check", "manifest", "verify", "log"}) {
+       {"run", "status", "attach", "stop", "new", "split", "rehearse", "check", "manifest", "verify", "log"}) {
     std::istringstream lines(inLanguage(GetParam().name, {command, "--help"}).output);
     int count = 0;
     for (std::string line; std::getline(lines, line); ++count) {

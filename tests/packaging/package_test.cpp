@@ -75,7 +75,7 @@ TEST(DebianPackage, StatesItsContentAndItsDependencies) {
   EXPECT_THAT(field("Depends"), HasSubstr("libc6 (>= "));
   EXPECT_THAT(field("Depends"), HasSubstr("libncursesw6"));
   EXPECT_THAT(field("Depends"), HasSubstr("libstdc++6"));
-  EXPECT_EQ(field("Recommends"), "bubblewrap, squashfs-tools\n");
+  EXPECT_EQ(field("Recommends"), "bubblewrap, squashfs-tools, xorriso\n");
   EXPECT_THAT(field("Description"), MatchesRegex("[^\n]{10,80}\n( [^\n]+\n)+"));
 }
 
