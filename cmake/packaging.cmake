@@ -1,7 +1,7 @@
 # What is installed besides the program and its bundles, and the packages: cpack -G DEB, cpack -G TGZ.
 
 install(FILES docs/man/tavinstall.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-install(FILES docs/attributes.md docs/protocol.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES docs/attributes.md docs/diagnostics.md docs/protocol.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES completion/tavinstall.bash
   DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME tavinstall)
 install(FILES completion/tavinstall.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)

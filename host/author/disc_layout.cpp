@@ -12,16 +12,6 @@ namespace {
 
 constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
-std::int64_t nameBytes(std::string_view name, const DiscSpace& space) {
-  return space.perEntry + space.perNameByte * static_cast<std::int64_t>(name.size());
-}
-
-std::int64_t folderBytes(std::string_view name, const DiscSpace& space) {
-  return space.perFolder + nameBytes(name, space);
-}
-
-std::string_view lastPart(std::string_view path) { return path.substr(path.rfind('/') + 1); }
-
 std::string_view folderOf(std::string_view path) {
   const std::size_t slash = path.rfind('/');
   return slash == std::string_view::npos ? std::string_view() : path.substr(0, slash);
@@ -204,7 +194,7 @@ class Library {
     folder.path = path;
     folder.parent = folderAt(folderOf(path), at);
     folder.begin = at;
-    folder.own = folderBytes(lastPart(path), space_);
+    folder.own = folderBytesOnDisc(path, space_);
     folder.bytes = folder.own;
     folder.above = folder.parent == kNone ? 0 : folders_[folder.parent].above + folders_[folder.parent].own;
     folders_.push_back(folder);
@@ -285,17 +275,13 @@ class Library {
 }  // namespace
 
 std::int64_t bytesOnDisc(const LibraryEntry& entry, const DiscSpace& space) {
-  const std::string_view name = lastPart(entry.path);
-  if (entry.isFolder) {
-    return folderBytes(name, space);
-  }
-  return (entry.size + space.block - 1) / space.block * space.block + nameBytes(name, space);
+  return entry.isFolder ? folderBytesOnDisc(entry.path, space) : fileBytesOnDisc(entry.path, entry.size, space);
 }
 
 bool fitsOnDisc(const LibraryEntry& entry, const DiscSpace& space) {
   std::int64_t bytes = bytesOnDisc(entry, space);
   for (std::string_view folder = folderOf(entry.path); !folder.empty(); folder = folderOf(folder)) {
-    bytes += folderBytes(lastPart(folder), space);
+    bytes += folderBytesOnDisc(folder, space);
   }
   return bytes <= space.capacity;
 }

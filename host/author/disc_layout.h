@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/set/disc_medium.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -14,15 +16,6 @@ struct LibraryEntry {
   std::string path;       // below the library, "Soundsources/Factory/a.db"
   std::int64_t size = 0;  // bytes
   bool isFolder = false;
-};
-
-// What a disc holds, and what its file system takes of that. All in bytes.
-struct DiscSpace {
-  std::int64_t capacity = 0;     // for files, folders and their names
-  std::int64_t block = 1;        // a file takes a multiple of it
-  std::int64_t perEntry = 0;     // for the name of a file or folder, whatever its length,
-  std::int64_t perNameByte = 0;  // and for each byte of the name
-  std::int64_t perFolder = 0;
 };
 
 struct DiscLayout {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/author/disc_layout.h"
-#include "host/author/disc_medium.h"
+#include "host/set/disc_medium.h"
 #include "host/set/source_tree.h"
 
 #include <filesystem>

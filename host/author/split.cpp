@@ -14,7 +14,9 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <fstream>
 #include <iterator>
+#include <nlohmann/json.hpp>
 #include <unistd.h>
 #include <utility>
 
@@ -109,7 +111,7 @@ std::string attributesFor(const Split& split, const InstallPlan& plan, bool hasE
   for (const Split::SplitDisc& disc : split.discs) {
     bytes += disc.bytes;
   }
-  text = withNumber(text, "NumberOfVolumes", static_cast<long long>(split.discs.size()));
+  text = withNumber(text, "NumberOfVolumes", static_cast<std::int64_t>(split.discs.size()));
   text = withNumber(text, "TotalSizeMillionsBytes", inMillions(bytes));
   if (hasEditions) {
     text = withNumber(text, "Component1SizeMillionsBytes", inMillions(split.discs.front().bytes));
@@ -170,6 +172,17 @@ void putFile(const fs::path& from, const fs::path& to, std::int64_t size, bool m
   }
 }
 
+// So that `check` knows it.
+void noteDiscSize(const Split& split) {
+  const fs::path file = split.set / "rehearsal.json";
+  nlohmann::ordered_json json = nlohmann::ordered_json::object();
+  if (std::ifstream stream(file); stream.is_open()) {
+    json = nlohmann::ordered_json::parse(stream);
+  }
+  json["discSize"] = split.medium.given;
+  replaceFile(file, json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n");
+}
+
 }  // namespace
 
 Split planSplit(const SplitRequest& request) {
@@ -194,6 +207,7 @@ Split planSplit(const SplitRequest& request) {
   }
   Split split;
   split.set = set.folder;
+  split.medium = request.medium;
   split.attributesFile = plan.attributes.path();
   split.library = readLibrary(request.library, planned.product.folderName);
   split.replaced = placeholderDiscs(set);
@@ -265,6 +279,7 @@ void makeDiscs(const Split& split, SplitMethod method, const std::function<void(
     }
     fs::remove_all(drafts);
     replaceFile(split.attributesFile, split.attributes);
+    noteDiscSize(split);
   } catch (const fs::filesystem_error& error) {
     std::error_code ignored;
     fs::remove_all(drafts, ignored);

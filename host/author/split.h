@@ -1,10 +1,10 @@
 #pragma once
 
 #include "host/author/disc_layout.h"
-#include "host/author/disc_medium.h"
 #include "host/author/library.h"
 #include "host/base/exit_status.h"
 #include "host/base/text.h"
+#include "host/set/disc_medium.h"
 #include "host/set/install_plan.h"
 
 #include <cstdint>
@@ -37,6 +37,7 @@ struct Split {
   };
 
   SourceLibrary library;
+  DiscMedium medium;
   std::filesystem::path set;  // its folder
   std::filesystem::path attributesFile;
   std::string attributes;  // what will be in it

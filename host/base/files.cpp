@@ -143,6 +143,17 @@ fs::path findCatalogs() {
                                            : (programFolder() / "../share/locale").lexically_normal();
 }
 
+fs::path findDocument(const std::string& name) {
+  for (const char* folder : {kInstalledDocuments, "../share/doc/tavinstall"}) {
+    fs::path document = (programFolder() / folder / name).lexically_normal();
+    std::error_code error;
+    if (fs::is_regular_file(document, error)) {
+      return document;
+    }
+  }
+  return {};
+}
+
 fs::path findStandIns() {
   for (const char* folder : kStandInFolders) {
     fs::path standIns = (programFolder() / folder).lexically_normal();

@@ -65,6 +65,9 @@ class LineReader {
 // The folder of the translations, whether or not it exists.
 [[nodiscard]] std::filesystem::path findCatalogs();
 
+// The document of that name, "diagnostics.md"; empty when it is not there.
+[[nodiscard]] std::filesystem::path findDocument(const std::string& name);
+
 // The folder of the tools that stand in for missing ones; empty when it does not exist.
 [[nodiscard]] std::filesystem::path findStandIns();
 

@@ -197,4 +197,21 @@ std::string groupedNumber(std::int64_t number) {
   return text;
 }
 
+std::string percentEncoded(std::string_view path) {
+  constexpr std::string_view kUnescaped = "-._~/";
+  constexpr const char* kDigits = "0123456789ABCDEF";
+  std::string text;
+  for (const char character : path) {
+    const auto byte = static_cast<unsigned char>(character);
+    const bool isUnescaped = (byte >= '0' && byte <= '9') || ((byte | 0x20U) >= 'a' && (byte | 0x20U) <= 'z') ||
+                             kUnescaped.find(character) != std::string_view::npos;
+    if (isUnescaped) {
+      text += character;
+    } else {
+      text += {'%', kDigits[byte >> 4U], kDigits[byte & 15U]};
+    }
+  }
+  return text;
+}
+
 }  // namespace tavenhall

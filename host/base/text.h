@@ -67,6 +67,9 @@ class InEnglish {
 // Joins two sentences.
 [[nodiscard]] std::string join(std::string_view first, std::string_view second);
 
+// A path as a part of an address (RFC 3986): every byte but letters, digits and -._~/ as %XX.
+[[nodiscard]] std::string percentEncoded(std::string_view path);
+
 // Replaces control characters except line breaks by "?", so that a file cannot control the terminal; also
 // U+0080 to U+009F, which terminals obey.
 [[nodiscard]] std::string printableText(std::string_view text);

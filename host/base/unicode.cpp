@@ -96,4 +96,22 @@ std::string comparedName(std::string_view name) {
   return foldCase({reinterpret_cast<const char*>(composed.get()), length});
 }
 
+std::string utf8OfUtf16(std::string_view bytes) {
+  const bool isLittle = bytes.starts_with("\xFF\xFE") || (bytes.size() > 1 && bytes[1] == '\0');
+  std::u32string characters;
+  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
+    const auto first = static_cast<unsigned char>(bytes[i]);
+    const auto second = static_cast<unsigned char>(bytes[i + 1]);
+    const auto unit = static_cast<char32_t>(isLittle ? second << 8U | first : first << 8U | second);
+    const bool isSecondHalf = unit >= 0xDC00 && unit < 0xE000 && !characters.empty() &&
+                              characters.back() >= 0xD800 && characters.back() < 0xDC00;
+    if (isSecondHalf) {
+      characters.back() = 0x10000 + ((characters.back() - 0xD800) << 10U) + (unit - 0xDC00);
+    } else if (unit != 0xFEFF) {
+      characters += unit;
+    }
+  }
+  return encodeUtf8(characters);
+}
+
 }  // namespace tavenhall

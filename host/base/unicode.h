@@ -24,4 +24,7 @@ inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 // do. Bytes that are not UTF-8 stay.
 [[nodiscard]] std::string comparedName(std::string_view name);
 
+// A text in UTF-16, of the byte order that its mark or else its first bytes show. Without a mark in the result.
+[[nodiscard]] std::string utf8OfUtf16(std::string_view bytes);
+
 }  // namespace tavenhall

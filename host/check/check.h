@@ -12,13 +12,12 @@ struct CheckResult {
   Diagnostics diagnostics;
 };
 
-// Applies every rule to a set. Throws UsageError if the set cannot be read at all.
+// Applies every rule to a set, and puts what follows from a diagnostic below it. Throws UsageError if the set
+// cannot be read at all.
 [[nodiscard]] CheckResult checkSet(const CheckRequest& request);
 
-// The plan and the diagnostics as text; ends with a newline.
-[[nodiscard]] std::string checkText(const CheckResult& result);
-
-// The same as one JSON object; ends with a newline. Bytes that are not UTF-8 become replacement characters.
-[[nodiscard]] std::string checkJson(const CheckResult& result);
+// The bytes of the attributes file with every correction that `check --fix` makes, until none is left. Those
+// that it has if there is none.
+[[nodiscard]] std::string fixedAttributes(const CheckRequest& request);
 
 }  // namespace tavenhall

@@ -1,4 +1,4 @@
-#include "host/check/check.h"
+#include "host/check/report.h"
 
 #include <nlohmann/json.hpp>
 
@@ -78,35 +78,62 @@ json planJson(const CheckResult& result) {
           {"passes", passesJson(plan)}};
 }
 
-}  // namespace
+// What was there before keeps its names; "consequences" are not counted.
+json diagnosticJson(const CheckResult& result, const Diagnostic& diagnostic) {
+  json consequences = json::array();
+  for (const Diagnostic& consequence : diagnostic.consequences) {
+    consequences.push_back(diagnosticJson(result, consequence));
+  }
+  json fix;
+  if (diagnostic.correction) {
+    fix = {{"begin", diagnostic.correction->begin},
+           {"end", diagnostic.correction->end},
+           {"text", diagnostic.correction->text},
+           {"safe", diagnostic.kind->isFixable}};
+  }
+  return {{"name", diagnostic.name()},
+          {"severity", severityWord(diagnostic.severity)},
+          {"file", diagnostic.place.file},
+          {"line", diagnostic.place.line > 0 ? json(diagnostic.place.line) : json()},
+          {"column", diagnostic.place.column > 0 ? json(diagnostic.place.column) : json()},
+          {"length", diagnostic.place.column > 0 ? json(diagnostic.place.length) : json()},
+          {"text", diagnostic.sentence},
+          {"remedy", diagnostic.kind->remedy},
+          {"fix", std::move(fix)},
+          {"consequences", std::move(consequences)},
+          {"reference", diagnostic.reference()}};
+}
 
-std::string checkJson(const CheckResult& result) {
+json setJson(const CheckResult& result) {
   const CheckedSet& checked = result.checked;
   const Diagnostics& diagnostics = result.diagnostics;
   json list = json::array();
   for (const Diagnostic& diagnostic : diagnostics.all()) {
-    list.push_back({{"name", diagnostic.name},
-                    {"severity", severityWord(diagnostic.severity)},
-                    {"file", diagnostic.place.file},
-                    {"line", diagnostic.place.line > 0 ? json(diagnostic.place.line) : json()},
-                    {"text", diagnostic.sentence},
-                    {"reference", diagnostic.reference()}});
+    list.push_back(diagnosticJson(result, diagnostic));
   }
   json more = json::object();
   for (const auto& [name, count] : diagnostics.more()) {
     more[std::string(name)] = count;
   }
-  const json report{
-      {"set", checked.set.folder.string()},
-      {"package", checked.set.package.string()},
-      {"product", {{"plugin", checked.product.pluginName}, {"folder", checked.product.folderName}}},
-      {"plan", planJson(result)},
-      {"remarks", std::move(list)},
-      {"more", std::move(more)},
-      {"errors", diagnostics.count(Severity::error)},
-      {"warnings", diagnostics.count(Severity::warning)},
-      {"notes", diagnostics.count(Severity::note)}};
-  return report.dump(2, ' ', false, json::error_handler_t::replace) + "\n";
+  return {{"set", checked.set.folder.string()},
+          {"package", checked.set.package.string()},
+          {"product", {{"plugin", checked.product.pluginName}, {"folder", checked.product.folderName}}},
+          {"plan", planJson(result)},
+          {"remarks", std::move(list)},
+          {"more", std::move(more)},
+          {"errors", diagnostics.count(Severity::error)},
+          {"warnings", diagnostics.count(Severity::warning)},
+          {"notes", diagnostics.count(Severity::note)}};
+}
+
+}  // namespace
+
+std::string checkJson(std::span<const CheckResult> results) {
+  json report = json::array();
+  for (const CheckResult& result : results) {
+    report.push_back(setJson(result));
+  }
+  return (results.size() == 1 ? report[0] : report).dump(2, ' ', false, json::error_handler_t::replace) + "\n";
 }
 
 }  // namespace tavenhall

@@ -1,6 +1,6 @@
 #include "host/base/display_text.h"
 #include "host/base/text.h"
-#include "host/check/check.h"
+#include "host/check/report.h"
 #include "host/check/spelling.h"
 
 #include <algorithm>
@@ -118,39 +118,15 @@ std::string planText(const CheckResult& result) {
   return text + line(_("At the end"), indented(plan.completionText, kLabelColumns + 2));
 }
 
-std::string diagnosticsText(const Diagnostics& diagnostics) {
-  if (diagnostics.all().empty()) {
-    return std::string(_("No problems found.")) + "\n";
-  }
-  std::string text = std::string(_("Diagnostics")) + "\n";
-  for (const Diagnostic& diagnostic : diagnostics.all()) {
-    const std::string place = printableLine(diagnostic.place.file) +
-                              (diagnostic.place.line > 0 ? ":" + std::to_string(diagnostic.place.line) : "");
-    text += "  " +
-            format(_("{0}: {1}: {2} [{3}]"), {place, _(severityWord(diagnostic.severity)),
-                                              printableLine(diagnostic.sentence), diagnostic.name}) +
-            "\n      " + diagnostic.reference() + "\n";
-  }
-  for (const auto& [name, count] : diagnostics.more()) {
-    text += "  " + format(_("and {0} more of {1}"), {std::to_string(count), name}) + "\n";
-  }
-  return text + "\n" +
-         format(_("{0}, {1}, {2}"),
-                {plural("{0} error", "{0} errors", diagnostics.count(Severity::error)),
-                 plural("{0} warning", "{0} warnings", diagnostics.count(Severity::warning)),
-                 plural("{0} note", "{0} notes", diagnostics.count(Severity::note))}) +
-         "\n";
-}
-
 }  // namespace
 
-std::string checkText(const CheckResult& result) {
+std::string checkText(const CheckResult& result, const ReportStyle& style) {
   const CheckedSet& checked = result.checked;
   return format(_("The set {0}"), {printableLine(checked.set.folder.string())}) + "\n  " +
          format(_("{0} for {1}, whose data folder is {2}"),
                 {printableLine(checked.set.package.filename().string()), checked.product.pluginName,
                  checked.product.folderName}) +
-         "\n\n" + planText(result) + "\n" + diagnosticsText(result.diagnostics);
+         "\n\n" + planText(result) + "\n" + diagnosticsText(result, style);
 }
 
 }  // namespace tavenhall

@@ -148,25 +148,36 @@ std::vector<CopiedTree> copiedTrees(const CheckedSet& checked) {
   return trees;
 }
 
-// Files of one destination whose names differ only in case: on most disks one replaces the other.
+// Files of one destination whose names differ only in case or composition: on most disks one replaces the
+// other.
 class CaseClashes {
  public:
   void check(const CopiedTree& copied, const TreeEntry& entry, Diagnostics& diagnostics) {
     const std::string path = copied.destination + "/" + entry.path;
-    const auto [first, isNew] =
-        first_.try_emplace(foldCase(path), First{path, entry.kind == EntryKind::folder});
+    const auto [first, isNew] = first_.try_emplace(
+        comparedName(path), First{path, copied.shown(entry.path), entry.kind == EntryKind::folder});
     const bool bothFolders = first->second.isFolder && entry.kind == EntryKind::folder;
-    if (!isNew && first->second.path != path && !bothFolders) {
+    if (isNew || first->second.path == path || bothFolders) {
+      return;
+    }
+    if (foldCase(first->second.path) == foldCase(path)) {
       diagnostics.add(
           "case-clash", {copied.shown(entry.path)},
           format(_("The name differs from {0} only in case, so most disks keep only one of the two files."),
                  {quotedText(lastPart(first->second.path))}));
+    } else {
+      diagnostics.add(
+          "composition-clash", {copied.shown(entry.path)},
+          format(_("The name looks like that of {0}, whose letters are composed in another way, so a "
+                   "Mac keeps only one of the two files."),
+                 {quotedText(first->second.shown)}));
     }
   }
 
  private:
   struct First {
     std::string path;
+    std::string shown;
     bool isFolder;
   };
 
@@ -201,6 +212,61 @@ class ReplacedFiles {
   };
 
   std::map<std::string, First> first_;
+};
+
+void checkName(const CopiedTree& copied, const TreeEntry& entry, Diagnostics& diagnostics) {
+  if (!isValidUtf8(entry.name())) {
+    diagnostics.add("name-not-utf8", {copied.shown(entry.path)},
+                    _("The name is not UTF-8, which a Mac refuses, so the file is not installed there."));
+  }
+}
+
+// Modes that somebody has set on purpose.
+class LostModes {
+ public:
+  void check(const CopiedTree& copied, const TreeEntry& entry) {
+    if (entry.kind != EntryKind::file) {
+      return;
+    }
+    if ((entry.permissions & 07000U) != 0) {
+      special_.add(copied.shown(entry.path));
+    } else if ((entry.permissions & 0400U) != 0 && (entry.permissions & 0077U) == 0) {
+      private_.add(copied.shown(entry.path));
+    }
+  }
+
+  void addTo(Diagnostics& diagnostics) const {
+    if (special_.count > 0) {
+      diagnostics.add(
+          "mode-bits-lost", {special_.first},
+          plural("{0} file loses its setuid, setgid or sticky bit, because the copy keeps none.",
+                 "{0} files lose their setuid, setgid or sticky bits, because the copy keeps none. This is "
+                 "the first.",
+                 special_.count));
+    }
+    if (private_.count > 0) {
+      diagnostics.add(
+          "mode-bits-lost", {private_.first},
+          plural("{0} file that only its owner may read can be read by others when it is installed.",
+                 "{0} files that only their owner may read can be read by others when they are installed. "
+                 "This is the first.",
+                 private_.count));
+    }
+  }
+
+ private:
+  struct Files {
+    void add(const std::string& path) {
+      first = count == 0 ? path : first;
+      ++count;
+    }
+
+    std::string first;
+    int count = 0;
+  };
+
+  Files special_;
+  Files private_;
 };
 
 void checkUnlisted(const CopiedTree& copied, Diagnostics& diagnostics) {
@@ -281,6 +347,7 @@ void checkFiles(const CheckedSet& checked, Diagnostics& diagnostics) {
   CaseClashes clashes;
   ReplacedFiles replaced;
   ShellPaths shellPaths(checked);
+  LostModes lostModes;
   for (const CopiedTree& copied : copiedTrees(checked)) {
     checkHidden(copied, diagnostics);
     checkUnlisted(copied, diagnostics);
@@ -288,6 +355,8 @@ void checkFiles(const CheckedSet& checked, Diagnostics& diagnostics) {
       if (!entry.isHidden) {
         checkKind(copied, entry, diagnostics);
         checkLength(copied, entry, diagnostics);
+        checkName(copied, entry, diagnostics);
+        lostModes.check(copied, entry);
         clashes.check(copied, entry, diagnostics);
         shellPaths.check(copied, entry, diagnostics);
         const bool isFile = entry.kind == EntryKind::file || entry.kind == EntryKind::linkToFile;
@@ -297,6 +366,7 @@ void checkFiles(const CheckedSet& checked, Diagnostics& diagnostics) {
       }
     }
   }
+  lostModes.addTo(diagnostics);
 }
 
 }  // namespace tavenhall

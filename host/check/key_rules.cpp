@@ -6,7 +6,12 @@
 
 #include <algorithm>
 #include <cctype>
+#include <fstream>
+#include <iterator>
 #include <map>
+#include <optional>
+#include <utility>
+#include <vector>
 
 namespace tavenhall {
 
@@ -64,8 +69,11 @@ class KeyRules {
   }
 
  private:
-  void add(std::string_view name, const AttributesPiece& piece, std::string sentence) {
-    diagnostics_.add(name, checked_.attributesPlace(&piece), std::move(sentence));
+  // `part` of the line is what is wrong; `correction` replaces it, if it is given.
+  void add(std::string_view name, const AttributesPiece& piece, std::string_view part, std::string sentence,
+           const std::optional<std::string>& correction = {}) {
+    diagnostics_.add(name, checked_.attributesPlace(&piece, part), std::move(sentence),
+                     correction ? std::optional(correctionOf(attributes_, part, *correction)) : std::nullopt);
   }
 
   [[nodiscard]] bool isFound(const AttributesKey& key) const { return counting_.at(&key) != nullptr; }
@@ -75,17 +83,19 @@ class KeyRules {
     if (counting != &piece) {
       addTwice(piece, key, *counting);
     } else if (hasLetterOrDigit(piece.parts.separator)) {
-      add("separator-missing", piece,
+      const std::string_view word = piece.parts.separator;
+      add("separator-missing", piece, word,
           format(_("The page skips the word after a key, so {0} is not part of {1}. Write \"{1} = ...\", with "
                    "blanks."),
-                 {quotedText(piece.parts.separator), key.name}));
+                 {quotedText(word), key.name}),
+          "= " + std::string(word.substr(std::min(word.find_first_not_of("=:"), word.size()))));
     } else if (piece.parts.value.empty()) {
       checkEmpty(piece, key);
     }
   }
 
   void addTwice(const AttributesPiece& piece, const AttributesKey& key, const AttributesPiece& counting) {
-    add("key-twice", piece,
+    add("key-twice", piece, piece.parts.key,
         format(_("{0} is already in line {1}, which is the one that counts. This line is ignored."),
                {key.name, std::to_string(counting.line)}));
   }
@@ -93,7 +103,7 @@ class KeyRules {
   void checkEmpty(const AttributesPiece& piece, const AttributesKey& key) {
     const AttributesPiece* source = key.kind == KeyKind::text ? attributes_.findText(key.name).source
                                                               : attributes_.findNumber(key.name).source;
-    add("value-missing", piece,
+    add("value-missing", piece, piece.parts.key,
         source == nullptr ? format(_("{0} has no value, so the page reads it as empty or 0."), {key.name})
                           : format(_("{0} has no value, so the page uses the value of line {1}, {2}."),
                                    {key.name, std::to_string(source->line), quotedText(source->parts.value)}));
@@ -103,7 +113,7 @@ class KeyRules {
     if (const AttributesPiece* counting = counting_.at(&key)) {
       addTwice(piece, key, *counting);
     } else {
-      add("key-too-late", piece,
+      add("key-too-late", piece, piece.parts.key,
           format(_("The page searches the first 999 lines only and does not find {0} here, so {1}."),
                  {key.name, missingKeyEffect(key.name)}));
     }
@@ -118,9 +128,11 @@ class KeyRules {
     }
     for (const AttributesKey& key : attributesKeys()) {
       if (equalsIgnoringCase(start, key.name)) {
-        add("key-joined", piece,
+        const std::string_view rest = word.substr(start.size() + 1);
+        add("key-joined", piece, word,
             format(_("There is no blank after {0}, so the page does not recognise the key: {1}."),
-                   {key.name, missingKeyEffect(key.name)}));
+                   {key.name, missingKeyEffect(key.name)}),
+            std::string(key.name) + " =" + (rest.empty() ? "" : " ") + std::string(rest));
         return true;
       }
     }
@@ -130,9 +142,10 @@ class KeyRules {
   bool checkNumberCase(const AttributesPiece& piece) {
     for (const AttributesKey& key : attributesKeys()) {
       if (equalsIgnoringCase(piece.parts.key, key.name) && !isFound(key)) {
-        add("key-case", piece,
+        add("key-case", piece, piece.parts.key,
             format(_("The key of a number must be spelt exactly {0}, so {1}."),
-                   {key.name, missingKeyEffect(key.name)}));
+                   {key.name, missingKeyEffect(key.name)}),
+            key.name);
         return true;
       }
     }
@@ -150,11 +163,13 @@ class KeyRules {
       }
     }
     if (nearest != nullptr) {
-      add("key-misspelt", piece,
+      add("key-misspelt", piece, piece.parts.key,
           format(_("{0} is probably meant to be {1}, which is missing, so {2}."),
-                 {word, nearest->name, missingKeyEffect(nearest->name)}));
+                 {word, nearest->name, missingKeyEffect(nearest->name)}),
+          nearest->name);
     } else {
-      add("key-unknown", piece, format(_("The key {0} is unknown, so this line is ignored."), {word}));
+      add("key-unknown", piece, piece.parts.key,
+          format(_("The key {0} is unknown, so this line is ignored."), {word}));
     }
   }
 
@@ -198,18 +213,76 @@ constexpr const char* kFileName = ".InstallationAttributes.dat";
 
 bool isUtf16(std::string_view bytes) { return bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF"); }
 
+// Every other byte of the first line is NUL, as in a text of ASCII letters.
+bool isUnmarkedUtf16(std::string_view bytes) {
+  const std::string_view start = bytes.substr(0, std::min<std::size_t>(bytes.size(), 64));
+  const auto nuls = [start](std::size_t parity) {
+    std::size_t count = 0;
+    for (std::size_t i = parity; i < start.size(); i += 2) {
+      count += start[i] == '\0' ? 1 : 0;
+    }
+    return count;
+  };
+  return start.size() >= 4 && (nuls(0) >= start.size() / 2 || nuls(1) >= start.size() / 2);
+}
+
+AttributesCorrection wholeFile(const AttributesReading& attributes, std::string text) {
+  return {0, attributes.bytes().size(), std::move(text)};
+}
+
+std::string withLineFeeds(std::string_view bytes) {
+  std::string text;
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    if (bytes[i] != '\r') {
+      text += bytes[i];
+    } else if (i + 1 == bytes.size() || bytes[i + 1] != '\n') {
+      text += '\n';
+    }
+  }
+  return text;
+}
+
 // Everything before the first newline is a single line for the page, even if editors show several.
 bool hasOldLineEnds(std::string_view bytes) {
   return bytes.find('\n') == std::string_view::npos && bytes.find('\r') < bytes.find_last_not_of(" \t\r\n");
 }
 
+// The first file beside the package that somebody may have meant by the attributes file; empty if there is
+// none.
+fs::path misnamedFile(const fs::path& folder) {
+  std::vector<fs::path> files;
+  std::error_code error;
+  for (fs::directory_iterator at(folder, error), end; !error && at != end; at.increment(error)) {
+    const std::string name = at->path().filename().string();
+    std::error_code ignored;
+    if (at->is_regular_file(ignored) &&
+        (isMisspellingOf(name, kFileName) || name == std::string(kFileName) + ".txt")) {
+      files.push_back(at->path());
+    }
+  }
+  std::sort(files.begin(), files.end());
+  return files.empty() ? fs::path() : files.front();
+}
+
+void addMissingFile(const CheckedSet& checked, Diagnostics& diagnostics) {
+  const fs::path folder = checked.plan.packageFolder;
+  const fs::path misnamed = misnamedFile(folder);
+  std::string sentence =
+      _("There is no .InstallationAttributes.dat beside the package or one folder above, so the page shows its "
+        "built-in texts and asks for one disc.");
+  std::optional<AttributesCorrection> correction;
+  if (!misnamed.empty()) {
+    sentence = join(sentence, format(_("Is {0} meant to be it?"), {quotedText(misnamed.filename().string())}));
+    std::ifstream stream(misnamed, std::ios::binary);
+    correction = AttributesCorrection{0, 0, std::string(std::istreambuf_iterator<char>(stream), {})};
+  }
+  diagnostics.add("attributes-missing", {checked.shown(folder / kFileName)}, sentence, correction);
+}
+
 void checkPlace(const CheckedSet& checked, Diagnostics& diagnostics) {
   const std::string folder = checked.plan.packageFolder;
   if (!checked.plan.attributes.isFilePresent()) {
-    diagnostics.add(
-        "attributes-missing", {checked.shown(fs::path(folder) / kFileName)},
-        _("There is no .InstallationAttributes.dat beside the package or one folder above, so the page shows "
-          "its built-in texts and asks for one disc."));
+    addMissingFile(checked, diagnostics);
     return;
   }
   const fs::path above = fs::path(folder) / ".." / kFileName;
@@ -227,10 +300,12 @@ void checkByteOrderMark(const CheckedSet& checked, const AttributesPiece& first,
     return;
   }
   if (const AttributesKey* key = knownKey(first.parts.key.substr(kByteOrderMark.size()))) {
-    diagnostics.add("byte-order-mark", checked.attributesPlace(&first),
+    const std::string_view mark = first.parts.key.substr(0, kByteOrderMark.size());
+    diagnostics.add("byte-order-mark", checked.attributesPlace(&first, mark),
                     format(_("The byte-order mark before {0} is part of the key, so the page does not "
                              "recognise the key: {1}."),
-                           {key->name, missingKeyEffect(key->name)}));
+                           {key->name, missingKeyEffect(key->name)}),
+                    correctionOf(checked.plan.attributes, mark, ""));
   }
 }
 
@@ -272,14 +347,23 @@ void checkAttributesFile(const CheckedSet& checked, Diagnostics& diagnostics) {
   if (isUtf16(attributes.bytes())) {
     diagnostics.add(
         "byte-order-mark", firstLine,
-        _("The file is UTF-16, in which the page finds no key, so it behaves as if there were no file."));
+        _("The file is UTF-16, in which the page finds no key, so it behaves as if there were no file."),
+        wholeFile(attributes, utf8OfUtf16(attributes.bytes())));
+    return;
+  }
+  if (isUnmarkedUtf16(attributes.bytes())) {
+    diagnostics.add(
+        "utf16-without-mark", firstLine,
+        _("The file is UTF-16, in which the page finds no key, so it behaves as if there were no file."),
+        wholeFile(attributes, utf8OfUtf16(attributes.bytes())));
     return;
   }
   checkByteOrderMark(checked, attributes.pieces().front(), diagnostics);
   if (hasOldLineEnds(attributes.bytes())) {
     diagnostics.add(
         "carriage-return", firstLine,
-        _("The lines end in carriage returns only, so the page sees one line and only its first key."));
+        _("The lines end in carriage returns only, so the page sees one line and only its first key."),
+        wholeFile(attributes, withLineFeeds(attributes.bytes())));
     return;
   }
   for (const AttributesPiece& piece : attributes.pieces()) {

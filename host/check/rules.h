@@ -4,6 +4,7 @@
 #include "host/check/diagnostics.h"
 #include "host/set/checked_set.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -26,10 +27,18 @@ void checkKeys(const CheckedSet& checked, Diagnostics& diagnostics);
 // value_rules: the values of the keys
 void checkValues(const CheckedSet& checked, Diagnostics& diagnostics);
 
+// value_rules: a Mode, in the line `piece`, instead of which each of `words` would leave the set without errors
+void addUnfitMode(const CheckedSet& checked, const AttributesPiece& piece, const std::string& words,
+                  AttributesCorrection correction, Diagnostics& diagnostics);
+
 // volume_rules: combinations of settings, sizes and editions
 void checkSettings(const CheckedSet& checked, Diagnostics& diagnostics);
 void checkSizes(const CheckedSet& checked, Diagnostics& diagnostics);
 void checkMachine(const CheckedSet& checked, Diagnostics& diagnostics);
+
+// volume_rules: a NumberOfVolumes that counts all discs, if these are numbered from 1 on without a gap. Never a
+// smaller one, since a disc may have been forgotten.
+[[nodiscard]] std::optional<AttributesCorrection> volumeCorrection(const CheckedSet& checked);
 
 // volume_rules: the discs and the data folders on them or beside the package
 void checkDiscs(const CheckedSet& checked, Diagnostics& diagnostics);

@@ -62,4 +62,15 @@ std::string quotedText(std::string_view text) {
   return quote + (read == characters.size() ? "\"" : "...\"");
 }
 
+std::string nearestName(const std::vector<std::string>& names, std::string_view written) {
+  std::string nearest;
+  for (const std::string& name : names) {
+    if (name != written && isMisspellingOf(written, name) &&
+        (nearest.empty() || editDistance(written, name) < editDistance(written, nearest))) {
+      nearest = name;
+    }
+  }
+  return nearest;
+}
+
 }  // namespace tavenhall

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 // Helpers for diagnostics that quote or correct what somebody wrote. Pure. Any thread.
 namespace tavenhall {
@@ -19,5 +20,8 @@ namespace tavenhall {
 // The text in quotation marks, truncated to about 60 bytes; control characters and bytes that are not UTF-8
 // become U+FFFD.
 [[nodiscard]] std::string quotedText(std::string_view text);
+
+// The name among them that somebody who wrote `written` probably meant; empty if there is none.
+[[nodiscard]] std::string nearestName(const std::vector<std::string>& names, std::string_view written);
 
 }  // namespace tavenhall

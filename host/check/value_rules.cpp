@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <limits>
+#include <optional>
 #include <sys/stat.h>
+#include <utility>
 
 namespace tavenhall {
 
@@ -21,6 +23,19 @@ constexpr std::string_view kModeWords[] = {"DataUpdater", "InstallFromVolumes", 
 
 // A value up to its first carriage return, where the page ends it.
 std::string_view untilCarriageReturn(std::string_view value) { return value.substr(0, value.find('\r')); }
+
+std::string withSlashes(std::string_view path) {
+  std::string text(path);
+  std::replace(text.begin(), text.end(), '\\', '/');
+  return text;
+}
+
+// Up to its first carriage return.
+std::string_view blanksAtEnd(std::string_view value) {
+  value = untilCarriageReturn(value);
+  const std::size_t length = value.find_last_not_of(" \t") + 1;
+  return value.substr(length);
+}
 
 std::string_view withoutBlanksAtEnd(std::string_view value) {
   return value.substr(0, value.find_last_not_of(" \t") + 1);
@@ -67,13 +82,16 @@ class ValueRules {
     }
     const std::string_view value = found.key->parts.value;
     if (found.source != found.key) {
-      add("number-invalid", *found.key,
+      const std::string sentence =
           found.source == nullptr
               ? format(_("{0} is {1}, which is not a number, so the page uses 0."),
                        {key.name, quotedText(value)})
               : format(_("{0} is {1}, which is not a number, so the page uses {2}, the number of line {3}."),
                        {key.name, quotedText(value), std::to_string(found.number),
-                        std::to_string(found.source->line)}));
+                        std::to_string(found.source->line)});
+      diagnostics_.add(
+          "number-invalid", checked_.attributesPlace(found.key, untilCarriageReturn(value)), sentence,
+          std::string_view(key.name) == "NumberOfVolumes" ? volumeCorrection(checked_) : std::nullopt);
       return;
     }
     const std::size_t sign = value.starts_with('-') || value.starts_with('+') ? 1 : 0;
@@ -94,9 +112,11 @@ class ValueRules {
     const std::string_view trimmed = withoutBlanksAtEnd(prompt.value);
     const bool isYes = equalsIgnoringCase(trimmed, "Yes");
     if (isYes && trimmed.size() < prompt.value.size()) {
-      add("trailing-blank", *prompt.key,
+      addAt(
+          "trailing-blank", *prompt.key, blanksAtEnd(prompt.key->parts.value),
           _("A blank follows the Yes of LiteVsFullPrompt, so the page does not recognise it and the user gets "
-            "no choice between Lite and Full."));
+            "no choice between Lite and Full."),
+          "");
       return;
     }
     if (!isYes && !equalsIgnoringCase(trimmed, "No")) {
@@ -131,6 +151,36 @@ class ValueRules {
     }
   }
 
+  // The two texts without which the user reads something that is not about the set.
+  void checkMissingText(std::string_view name, const char* key) {
+    if (attributes_.isFilePresent() && !attributes_.findText(key)) {
+      const std::string_view fallback = fallbackText(key) != nullptr ? fallbackText(key) : "";
+      diagnostics_.add(name, checked_.attributesPlace(),
+                       format(_("The key {0} is missing, so the user reads {1}."),
+                              {key, quotedText(fallback.substr(0, fallback.find('\n')))}));
+    }
+  }
+
+  void checkTitle() {
+    const FoundText title = attributes_.findText("InstallDataTitle");
+    if (title && title.source == title.key && title.value.find("%s") != std::string::npos) {
+      add("placeholder-in-title", *title.key, _("The page shows the title as it is written, with the \"%s\"."));
+    }
+  }
+
+  void checkQuotation(const char* key) {
+    const FoundText text = attributes_.findText(key);
+    if (!text || text.source != text.key) {
+      return;
+    }
+    const std::string_view value = withoutBlanksAtEnd(untilCarriageReturn(text.key->parts.value));
+    if (value.size() > 1 && (value.front() == '"' || value.front() == '\'') && value.back() == value.front()) {
+      addAt("quotation-marks", *text.key, value,
+            format(_("The quotation marks are part of {0}, so the page shows them."), {key}),
+            std::string(value.substr(1, value.size() - 2)));
+    }
+  }
+
   void checkPath(const char* key) {
     const FoundText path = attributes_.findText(key);
     if (!path || path.source != path.key) {
@@ -141,11 +191,16 @@ class ValueRules {
       add("path-backslash", *path.key,
           format(_("{0} contains a backslash, which is not a path separator and becomes a line break before n "
                    "or r, so the page looks for a folder that does not exist."),
-                 {key}));
+                 {key}),
+          withSlashes(written));
     } else if (withoutBlanksAtEnd(written).size() < written.size() && !isFolderThere(path.value)) {
-      add("trailing-blank", *path.key,
+      addAt(
+          "trailing-blank", *path.key, blanksAtEnd(written),
           format(_("The blank at the end is part of {0}, so the page looks for a folder that does not exist."),
-                 {key}));
+                 {key}),
+          "");
+    } else if (checked_.plan.mode != kModeVolumes && !isFolderThere(path.value)) {
+      suggestFolder(*path.key, path.value);
     }
     if (checked_.plan.packageFolder.size() + 1 + path.value.size() >= kFolderSize) {
       add("path-too-long", *path.key,
@@ -155,8 +210,17 @@ class ValueRules {
   }
 
  private:
-  void add(std::string_view name, const AttributesPiece& piece, std::string sentence) {
-    diagnostics_.add(name, checked_.attributesPlace(&piece), std::move(sentence));
+  // The whole value is wrong; `correction` replaces it, if it is given.
+  void add(std::string_view name, const AttributesPiece& piece, std::string sentence,
+           const std::optional<std::string>& correction = {}) {
+    addAt(name, piece, piece.parts.value, std::move(sentence), correction);
+  }
+
+  void addAt(std::string_view name, const AttributesPiece& piece, std::string_view part, std::string sentence,
+             const std::optional<std::string>& correction) {
+    part = part.substr(0, part.find('\r'));  // a line end of Windows stays
+    diagnostics_.add(name, checked_.attributesPlace(&piece, part), std::move(sentence),
+                     correction ? std::optional(correctionOf(attributes_, part, *correction)) : std::nullopt);
   }
 
   void checkModeSpelling(const FoundText& mode) {
@@ -165,7 +229,8 @@ class ValueRules {
         add("mode-misspelt", *mode.key,
             format(_("The Mode {0} is probably meant to be {1}. The page treats it as an installer that has "
                      "its data beside the package."),
-                   {quotedText(mode.value), word}));
+                   {quotedText(mode.value), word}),
+            std::string(word));
         return;
       }
     }
@@ -207,6 +272,16 @@ class ValueRules {
     }
   }
 
+  // A folder beside the package whose name is nearly the one that is written.
+  void suggestFolder(const AttributesPiece& piece, const std::string& value) {
+    const std::string meant = nearestName(listNames(checked_.plan.packageFolder), value);
+    if (!meant.empty()) {
+      add("path-misspelt", piece,
+          format(_("There is no folder {0}. Did you mean {1}?"), {quotedText(value), quotedText(meant)}),
+          meant);
+    }
+  }
+
   bool isFolderThere(const std::string& value) const {
     struct stat found {};
     return stat((checked_.plan.packageFolder + "/" + value).c_str(), &found) == 0;
@@ -230,8 +305,23 @@ void checkValues(const CheckedSet& checked, Diagnostics& diagnostics) {
   rules.checkPrompt();
   rules.checkText("InstallingData");
   rules.checkText("InstalledData");
+  for (const AttributesKey& key : attributesKeys()) {
+    if (key.kind == KeyKind::text) {
+      rules.checkQuotation(key.name);
+    }
+  }
+  rules.checkTitle();
+  rules.checkMissingText("title-missing", "InstallDataTitle");
+  rules.checkMissingText("text-missing", "InstalledData");
   rules.checkPath("RelativePath");
   rules.checkPath("RelativePath2");
+}
+
+void addUnfitMode(const CheckedSet& checked, const AttributesPiece& piece, const std::string& words,
+                  AttributesCorrection correction, Diagnostics& diagnostics) {
+  diagnostics.add("mode-unfit", checked.attributesPlace(&piece, untilCarriageReturn(piece.parts.value)),
+                  format(_("The Mode does not fit the set. With {0} the set would have no error."), {words}),
+                  std::move(correction));
 }
 
 }  // namespace tavenhall

@@ -1,6 +1,7 @@
 #include "host/base/text.h"
 #include "host/check/rules.h"
 #include "host/check/spelling.h"
+#include "host/set/disc_medium.h"
 #include "platform/installer_pane.h"
 
 #include <algorithm>
@@ -16,6 +17,10 @@ constexpr std::int64_t kMillion = 1000000;
 
 Place placeOfKey(const CheckedSet& checked, const char* key) {
   return checked.attributesPlace(checked.plan.attributes.findNumber(key).key);
+}
+
+std::string_view digitsOf(std::string_view value) {
+  return value.substr(0, std::min(value.find_first_not_of("0123456789"), value.size()));
 }
 
 // Compares a size in the file with the real one.
@@ -36,21 +41,39 @@ void checkSize(const CheckedSet& checked, std::string_view diagnostic, const cha
           ? _("{0} announces {1}, but there are {2}, so the bar stops at {3} % and then jumps to the end.")
           : _("{0} announces {1}, but there are {2}, so the bar is full when {3} % of the data is copied.");
   const std::int64_t percent = announced > *real ? *real * 100 / announced : announced * 100 / *real;
+  const AttributesReading& attributes = checked.plan.attributes;
+  const std::int64_t right = std::max<std::int64_t>(1, (*real + kMillion / 2) / kMillion);
   diagnostics.add(
-      diagnostic, placeOfKey(checked, key),
-      format(sentence, {key, megabytesText(announced), megabytesText(*real), std::to_string(percent)}));
+      diagnostic, checked.attributesPlace(found.key, digitsOf(found.key->parts.value)),
+      format(sentence, {key, megabytesText(announced), megabytesText(*real), std::to_string(percent)}),
+      correctionOf(attributes, digitsOf(found.key->parts.value), std::to_string(right)));
 }
 
 void checkSizeIsGiven(const CheckedSet& checked, const char* key, std::int64_t millions,
-                      Diagnostics& diagnostics) {
+                      std::optional<std::int64_t> real, Diagnostics& diagnostics) {
   const FoundNumber found = checked.plan.attributes.findNumber(key);
   if (millions == 0 && (!found || found.source == found.key)) {
     diagnostics.add("size-missing", checked.attributesPlace(found.key),
-                    format(_("The key {0} is missing, so {1}."), {key, missingKeyEffect(key)}));
+                    format(_("The key {0} is missing, so {1}."), {key, missingKeyEffect(key)}),
+                    real && *real > 0 ? std::optional(numberCorrection(
+                                            checked.plan.attributes, key,
+                                            std::max<std::int64_t>(1, (*real + kMillion / 2) / kMillion)))
+                                      : std::nullopt);
   }
 }
 
 }  // namespace
+
+std::optional<AttributesCorrection> volumeCorrection(const CheckedSet& checked) {
+  const auto& discs = checked.set.discs;
+  const auto count = static_cast<std::int64_t>(discs.size());
+  const bool isComplete = !discs.empty() && discs.back().number == count && checked.set.notDiscs.empty();
+  if (!isComplete || count <= std::max<std::int64_t>(1, checked.plan.numberOfVolumes) ||
+      checked.whole.mode != kModeVolumes || checked.whole.editions.isOffered) {
+    return std::nullopt;
+  }
+  return numberCorrection(checked.plan.attributes, "NumberOfVolumes", count);
+}
 
 void checkSettings(const CheckedSet& checked, Diagnostics& diagnostics) {
   const InstallPlan& whole = checked.whole;
@@ -65,10 +88,9 @@ void checkSettings(const CheckedSet& checked, Diagnostics& diagnostics) {
         _("The package's path is longer than the page's limit of 1022 bytes, so the page finds nothing."));
   }
   if (checked.isProductAssumed) {
-    diagnostics.add("product-assumed", {checked.shown(package)},
-                    format(_("No product was given, so the set was checked for {0}. Name the product with "
-                             "--product or in rehearsal.json."),
-                           {checked.product.pluginName}));
+    diagnostics.add(
+        "product-assumed", {checked.shown(package)},
+        format(_("No product was given, so the set was checked for {0}."), {checked.product.pluginName}));
   }
 
   const FoundText secondPath = whole.attributes.findText("RelativePath2");
@@ -101,9 +123,10 @@ void checkSizes(const CheckedSet& checked, Diagnostics& diagnostics) {
   const bool hasComponent = checked.whole.editions.isOffered;
   const RealSizes real = checked.realSizes();
   if (checked.plan.attributes.isFilePresent()) {
-    checkSizeIsGiven(checked, "TotalSizeMillionsBytes", announced.totalMillions, diagnostics);
+    checkSizeIsGiven(checked, "TotalSizeMillionsBytes", announced.totalMillions, real.whole, diagnostics);
     if (hasComponent) {
-      checkSizeIsGiven(checked, "Component1SizeMillionsBytes", announced.componentMillions, diagnostics);
+      checkSizeIsGiven(checked, "Component1SizeMillionsBytes", announced.componentMillions, real.component,
+                       diagnostics);
     }
   }
   checkSize(checked, "size-total", "TotalSizeMillionsBytes", announced.totalMillions, real.whole, diagnostics);
@@ -170,6 +193,16 @@ bool areOptionalDiscsReached(const InstallPlan& plan) {
                      [](const PlannedVolume& volume) { return volume.isOptional; });
 }
 
+std::string withSuggestion(const std::string& sentence, const std::vector<std::string>& names,
+                           const std::string& wanted) {
+  for (const std::string& name : names) {
+    if (name != wanted && isMisspellingOf(name, wanted)) {
+      return join(sentence, format(_("Rename {0} to {1}."), {quotedText(name), quotedText(wanted)}));
+    }
+  }
+  return sentence;
+}
+
 void checkDisc(const CheckedSet& checked, const Disc& disc, Diagnostics& diagnostics) {
   const PlannedPass& pass = checked.whole.passes[0];
   const Place place{checked.shown(disc.path)};
@@ -200,7 +233,33 @@ void checkDisc(const CheckedSet& checked, const Disc& disc, Diagnostics& diagnos
         "disc-surplus", place,
         plural("The page installs {0} volume and never asks for this disc, so its data is not installed.",
                "The page installs {0} volumes and never asks for this disc, so its data is not installed.",
-               std::max(pass.volumeCount, 0)));
+               std::max(pass.volumeCount, 0)),
+        volumeCorrection(checked));
+  }
+}
+
+void checkDiscSize(const CheckedSet& checked, const Disc& disc, Diagnostics& diagnostics) {
+  if (checked.set.discSize.empty()) {
+    return;
+  }
+  const DiscMedium medium = discMedium(checked.set.discSize);
+  std::error_code error;
+  std::int64_t bytes = disc.isImage ? static_cast<std::int64_t>(fs::file_size(disc.path, error)) : 0;
+  std::int64_t room = medium.capacity;
+  if (!disc.isImage) {
+    const DiscSpace space = medium.space(0);
+    room = space.capacity;
+    const SourceTree tree = SourceTree::ofFolder(disc.path);
+    for (const TreeEntry& entry : tree.entries()) {
+      bytes += entry.kind == EntryKind::folder ? folderBytesOnDisc(entry.path, space)
+                                               : fileBytesOnDisc(entry.path, entry.size, space);
+    }
+  }
+  if (bytes > room) {
+    diagnostics.add(
+        "disc-too-large", {checked.shown(disc.path)},
+        format(_("The disc has {0} with what its file system takes, but there is room for {1} ({2})."),
+               {megabytesText(bytes), megabytesText(room), medium.name}));
   }
 }
 
@@ -220,8 +279,10 @@ void checkVolumeOfDisc(const CheckedVolume& volume, Diagnostics& diagnostics) {
   } else if (volume.chosen.empty()) {
     diagnostics.add(
         "data-folder-missing", {volume.shownRoot},
-        format(_("The disc has neither a folder {0} nor Mac OSX/{0}, so the page asks for it forever."),
-               {volume.folderName}));
+        withSuggestion(
+            format(_("The disc has neither a folder {0} nor Mac OSX/{0}, so the page asks for it forever."),
+                   {volume.folderName}),
+            volume.top, volume.folderName));
   }
 }
 
@@ -270,6 +331,7 @@ void checkDiscs(const CheckedSet& checked, Diagnostics& diagnostics) {
   }
   for (const Disc& disc : checked.set.discs) {
     checkDisc(checked, disc, diagnostics);
+    checkDiscSize(checked, disc, diagnostics);
   }
 }
 
@@ -281,10 +343,13 @@ void checkDataFolders(const CheckedSet& checked, Diagnostics& diagnostics) {
     if (checked.whole.mode == kModeVolumes) {
       checkVolumeOfDisc(volume, diagnostics);
     } else if (volume.chosen.empty() && !volume.volume.isMounted && !isUpdate) {
-      diagnostics.add("data-folder-missing", {checked.shown(volume.volume.primary)},
-                      format(_("Neither this folder nor {0} beside it exists, so the page shows \"Files to be "
-                               "installed not found.\" and ends."),
-                             {quotedText("Mac OSX/" + volume.folderName)}));
+      diagnostics.add(
+          "data-folder-missing", {checked.shown(volume.volume.primary)},
+          withSuggestion(
+              format(_("Neither this folder nor {0} beside it exists, so the page shows \"Files to be "
+                       "installed not found.\" and ends."),
+                     {quotedText("Mac OSX/" + volume.folderName)}),
+              volume.top, volume.folderName));
     }
     checkFolderOfVolume(volume, diagnostics);
   }

@@ -1,40 +1,124 @@
 #include "host/set/attributes_edit.h"
 
-#include "host/set/attributes_reading.h"
-
 #include <algorithm>
-#include <cstddef>
+#include <utility>
 
 namespace tavenhall {
 
 namespace {
 
-std::string withLine(const std::string& bytes, const AttributesPiece* found, const std::string& line) {
+AttributesCorrection lineCorrection(const AttributesReading& attributes, const AttributesPiece* found,
+                                    const std::string& line) {
+  const std::string_view bytes = attributes.bytes();
   if (found == nullptr) {
+    const std::string end = bytes.find("\r\n") != std::string_view::npos ? "\r\n" : "\n";
     const bool isOpen = !bytes.empty() && bytes.back() != '\n';
-    const bool hasReturns = bytes.find("\r\n") != std::string::npos;
-    const std::string end = hasReturns ? "\r\n" : "\n";
-    return bytes + (isOpen ? end : "") + line + end;
+    return {bytes.size(), bytes.size(), (isOpen ? end : "") + line + end};
   }
-  std::size_t begin = 0;
-  for (int number = 1; number < found->line; ++number) {
-    begin = bytes.find('\n', begin) + 1;
-  }
+  const auto begin = static_cast<std::size_t>(found->text.data() - bytes.data());
   const std::size_t newline = std::min(bytes.find('\n', begin), bytes.size());
   const std::size_t end = newline > begin && bytes[newline - 1] == '\r' ? newline - 1 : newline;
-  return bytes.substr(0, begin) + line + bytes.substr(end);
+  return {begin, end, line};
+}
+
+std::vector<std::string_view> linesOf(std::string_view bytes) {
+  std::vector<std::string_view> lines;
+  while (!bytes.empty()) {
+    std::string_view line = bytes.substr(0, bytes.find('\n'));
+    bytes.remove_prefix(std::min(line.size() + 1, bytes.size()));
+    line.remove_suffix(line.ends_with('\r') ? 1 : 0);
+    lines.push_back(line);
+  }
+  return lines;
 }
 
 }  // namespace
 
-std::string withText(const std::string& bytes, std::string_view key, std::string_view value) {
-  const AttributesReading reading = AttributesReading::parse(bytes);
-  return withLine(bytes, reading.findText(key).key, std::string(key) + " = " + std::string(value));
+AttributesCorrection correctionOf(const AttributesReading& attributes, std::string_view part,
+                                  std::string_view text) {
+  const auto begin = static_cast<std::size_t>(part.data() - attributes.bytes().data());
+  return {begin, begin + part.size(), std::string(text)};
 }
 
-std::string withNumber(const std::string& bytes, std::string_view key, long long value) {
+AttributesCorrection textCorrection(const AttributesReading& attributes, std::string_view key,
+                                    std::string_view value) {
+  return lineCorrection(attributes, attributes.findText(key).key,
+                        std::string(key) + " = " + std::string(value));
+}
+
+AttributesCorrection numberCorrection(const AttributesReading& attributes, std::string_view key,
+                                      std::int64_t value) {
+  return lineCorrection(attributes, attributes.findNumber(key).key,
+                        std::string(key) + " = " + std::to_string(value));
+}
+
+std::string corrected(std::string_view bytes, std::vector<AttributesCorrection> corrections) {
+  std::stable_sort(corrections.begin(), corrections.end(),
+                   [](const AttributesCorrection& one, const AttributesCorrection& other) {
+                     return one.begin < other.begin;
+                   });
+  std::string text;
+  std::size_t done = 0;
+  for (const AttributesCorrection& correction : corrections) {
+    if (correction.begin >= done) {
+      text += bytes.substr(done, correction.begin - done);
+      text += correction.text;
+      done = correction.end;
+    }
+  }
+  return text += bytes.substr(std::min(done, bytes.size()));
+}
+
+std::string withText(const std::string& bytes, std::string_view key, std::string_view value) {
   const AttributesReading reading = AttributesReading::parse(bytes);
-  return withLine(bytes, reading.findNumber(key).key, std::string(key) + " = " + std::to_string(value));
+  return corrected(bytes, {textCorrection(reading, key, value)});
+}
+
+std::string withNumber(const std::string& bytes, std::string_view key, std::int64_t value) {
+  const AttributesReading reading = AttributesReading::parse(bytes);
+  return corrected(bytes, {numberCorrection(reading, key, value)});
+}
+
+std::string unifiedDiff(std::string_view name, std::string_view before, std::string_view after) {
+  if (before == after) {
+    return {};
+  }
+  const std::vector<std::string_view> old = linesOf(before);
+  const std::vector<std::string_view> changed = linesOf(after);
+  std::string text = "--- " + std::string(name) + "\n+++ " + std::string(name) + "\n";
+  const auto range = [](std::size_t first, std::size_t count) {
+    return std::to_string(count == 0 ? first - 1 : first) + (count == 1 ? "" : "," + std::to_string(count));
+  };
+  const auto hunk = [&](std::size_t from, std::size_t oldEnd, std::size_t newEnd) {
+    text += "@@ -" + range(from + 1, oldEnd - from) + " +" + range(from + 1, newEnd - from) + " @@\n";
+    for (std::size_t i = from; i < oldEnd; ++i) {
+      text += "-" + std::string(old[i]) + "\n";
+    }
+    for (std::size_t i = from; i < newEnd; ++i) {
+      text += "+" + std::string(changed[i]) + "\n";
+    }
+  };
+  // Corrections change lines and add some at the end; they never move one.
+  const std::size_t common = std::min(old.size(), changed.size());
+  for (std::size_t i = 0; i < common;) {
+    std::size_t end = i;
+    while (end < common && old[end] != changed[end]) {
+      ++end;
+    }
+    if (end > i) {
+      hunk(i, end == common ? old.size() : end, end == common ? changed.size() : end);
+      i = end;
+      if (end == common) {
+        return text;
+      }
+    } else {
+      ++i;
+    }
+  }
+  if (old.size() != changed.size()) {
+    hunk(common, old.size(), changed.size());
+  }
+  return text;
 }
 
 }  // namespace tavenhall

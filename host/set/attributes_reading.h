@@ -46,6 +46,8 @@ struct FoundNumber {
 struct Place {
   std::string file;  // below the set's folder where it is there, else absolute
   int line = 0;      // from 1; 0: the whole file
+  int column = 0;    // from 1, in characters; 0: the whole line
+  int length = 0;    // characters
 };
 
 class AttributesReading {

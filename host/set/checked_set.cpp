@@ -1,5 +1,6 @@
 #include "host/set/checked_set.h"
 
+#include "host/base/unicode.h"
 #include "host/set/disc_image.h"
 
 #include <algorithm>
@@ -32,6 +33,7 @@ void lookIntoFolder(const fs::path& root, CheckedVolume& checked) {
   std::error_code error;
   checked.isThere = fs::exists(root, error);
   checked.isListed = true;
+  checked.top = listNames(root.string());
   checked.hasPrimary = fs::exists(root / checked.folderName, error);
   checked.hasAlternate = fs::exists(root / "Mac OSX" / checked.folderName, error);
   chooseFolder(checked);
@@ -46,6 +48,11 @@ void lookIntoImage(const fs::path& image, CheckedVolume& checked) {
   const std::optional<SourceTree> tree = treeOfImage(image);
   checked.isListed = tree.has_value();
   if (tree) {
+    for (const TreeEntry& entry : tree->entries()) {
+      if (entry.path.find('/') == std::string::npos) {
+        checked.top.push_back(entry.path);
+      }
+    }
     checked.hasPrimary = tree->exists(checked.folderName);
     checked.hasAlternate = tree->exists("Mac OSX/" + checked.folderName);
     chooseFolder(checked);
@@ -121,8 +128,16 @@ std::string CheckedSet::shown(const fs::path& path) const {
   return text + "/" == start ? "." : text.starts_with(start) ? text.substr(start.size()) : text;
 }
 
-Place CheckedSet::attributesPlace(const AttributesPiece* piece) const {
-  return {shown(plan.attributes.path()), piece != nullptr ? piece->line : 0};
+Place CheckedSet::attributesPlace(const AttributesPiece* piece, std::string_view part) const {
+  Place place{shown(plan.attributes.path()), piece != nullptr ? piece->line : 0};
+  if (!part.empty()) {
+    const std::string_view bytes = plan.attributes.bytes();
+    const auto at = static_cast<std::size_t>(part.data() - bytes.data());
+    const std::size_t start = at == 0 ? 0 : bytes.rfind('\n', at - 1) + 1;  // npos + 1 is 0
+    place.column = 1 + static_cast<int>(decodeUtf8(bytes.substr(start, at - start)).size());
+    place.length = static_cast<int>(decodeUtf8(part).size());
+  }
+  return place;
 }
 
 RealSizes CheckedSet::realSizes() const {
@@ -159,7 +174,7 @@ CheckedSet openCheckedSet(InstallerSet set, const CheckRequest& request) {
   checked.isProductAssumed = product.empty();
   checked.product = productNamed(product);
 
-  PlanRequest asked{checked.set.package.string(), checked.product, {}, {}};
+  PlanRequest asked{checked.set.package.string(), checked.product, {}, {}, request.attributes};
   PlanRequest whole = asked;
   whole.installType = "Full";
   const std::string installType = request.installType.empty() ? checked.set.installType : request.installType;

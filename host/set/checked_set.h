@@ -18,6 +18,9 @@ struct CheckRequest {
   std::string product;              // empty: the set's own, else the default one
   std::string installType;          // empty: the set's own, else what lies in /tmp
   std::filesystem::path installed;  // what the user has already; empty: nothing is known of it
+
+  // The attributes file, instead of what it contains.
+  std::optional<std::string> attributes = {};
 };
 
 // A volume of the whole install, and its files.
@@ -30,6 +33,7 @@ struct CheckedVolume {
   bool isListed = false;  // it could be looked into
   bool hasPrimary = false;
   bool hasAlternate = false;
+  std::vector<std::string> top;  // the names at the root, where they were listed
   std::string chosen;            // the data folder that the page takes, below the root; empty: neither is there
   std::filesystem::path folder;  // the data folder on this machine; empty in an image
   SourceTree tree;               // what the page would copy of it, hidden names included
@@ -71,7 +75,8 @@ struct CheckedSet {
 
   // A path for a diagnostic: relative to the set's folder if it is in there.
   [[nodiscard]] std::string shown(const std::filesystem::path& path) const;
-  [[nodiscard]] Place attributesPlace(const AttributesPiece* piece = nullptr) const;
+  // The place of a line, or of a part of it that was read.
+  [[nodiscard]] Place attributesPlace(const AttributesPiece* piece = nullptr, std::string_view part = {}) const;
 
   [[nodiscard]] RealSizes realSizes() const;
 };

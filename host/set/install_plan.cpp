@@ -190,6 +190,13 @@ InstallPlan planInstall(const PlanRequest& request) {
   plan.product = request.product;
   plan.packageFolder = packageFolderOf(request.package);
   plan.attributes = AttributesReading::besidePackage(plan.packageFolder);
+  if (request.attributes) {
+    const std::filesystem::path path =
+        plan.attributes.isFilePresent()
+            ? plan.attributes.path()
+            : plan.packageFolder / std::filesystem::path(".InstallationAttributes.dat");
+    plan.attributes = AttributesReading::parse(*request.attributes, path);
+  }
   plan.title = plan.attributes.textOrFallback("InstallDataTitle");
 
   const std::string dataRoot = request.dataRoot.value_or(kNobodysDataRoot);

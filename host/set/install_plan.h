@@ -32,6 +32,9 @@ struct PlanRequest {
 
   // "Lite" or "Full" if the pre-install step writes the choice file; none: an existing file in /tmp counts.
   std::optional<std::string> installType;
+
+  // The attributes file's bytes, instead of what it contains.
+  std::optional<std::string> attributes = {};
 };
 
 // Where the page's choice between Lite and Full comes from.

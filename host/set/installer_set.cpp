@@ -1,5 +1,7 @@
 #include "host/set/installer_set.h"
 
+#include "host/set/disc_medium.h"
+
 #include "context/install_rules.h"
 #include "host/base/exit_status.h"
 #include "host/base/files.h"
@@ -96,13 +98,18 @@ void readRehearsalFile(InstallerSet& set) {
         format(_("{0} is not a JSON object; write it as {1}"), {file.string(), R"({"product": "NAME"})"}));
   }
   for (const auto& [key, value] : json.items()) {
-    if (key != "product" && key != "package" && key != "installType") {
-      throw UsageError(format(_("{0}: unknown key \"{1}\"; the keys are product, package and installType"),
-                              {file.string(), key}));
+    if (key != "product" && key != "package" && key != "installType" && key != "discSize") {
+      throw UsageError(
+          format(_("{0}: unknown key \"{1}\"; the keys are product, package, installType and discSize"),
+                 {file.string(), key}));
     }
   }
   set.product = textIn(json, "product", file);
   set.installType = textIn(json, "installType", file);
+  set.discSize = textIn(json, "discSize", file);
+  if (!set.discSize.empty()) {
+    static_cast<void>(discMedium(set.discSize));
+  }
   if (!set.installType.empty() && set.installType != "Lite" && set.installType != "Full") {
     throw UsageError(format(_("{0}: installType must be Lite or Full"), {file.string()}));
   }

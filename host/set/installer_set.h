@@ -25,6 +25,7 @@ struct InstallerSet {
   // The values in the set's rehearsal.json; empty where it has none.
   std::string product;
   std::string installType;
+  std::string discSize;  // as discMedium() takes it
 
   std::vector<Disc> discs;                      // by number; no number twice
   std::vector<std::filesystem::path> notDiscs;  // what else lies in "discs", without hidden names

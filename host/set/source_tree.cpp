@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::uint32_t kPermissionBits = 0777;
+constexpr std::uint32_t kPermissionBits = 07777;
 
 bool hasHiddenPart(const std::string& path) {
   return isHiddenName(path) || path.find("/.") != std::string::npos;

@@ -16,9 +16,9 @@ enum class EntryKind { file, folder, linkToFile, linkToFolder, brokenLink, other
 struct TreeEntry {
   std::string path;  // below the tree's top, without a leading '/'
   EntryKind kind = EntryKind::file;
-  std::int64_t size = 0;  // bytes; of a link, those of the file it leads to
-  std::uint32_t permissions = 0;
-  bool isHidden = false;  // it or a folder above has a name that begins with '.'
+  std::int64_t size = 0;          // bytes; of a link, those of the file it leads to
+  std::uint32_t permissions = 0;  // with the setuid, setgid and sticky bits, where they are known
+  bool isHidden = false;          // it or a folder above has a name that begins with '.'
 
   [[nodiscard]] std::string name() const { return path.substr(path.rfind('/') + 1); }
 };

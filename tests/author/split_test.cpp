@@ -1,6 +1,6 @@
-#include "host/author/disc_medium.h"
 #include "host/base/exit_status.h"
 #include "host/set/attributes_edit.h"
+#include "host/set/disc_medium.h"
 #include "tests/install/child_program.h"
 #include "tests/support/files.h"
 

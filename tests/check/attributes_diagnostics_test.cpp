@@ -116,7 +116,7 @@ TEST(KeyDiagnostic, AMisspeltKeyWhoseRightFormIsThereIsOnlyUnknown) {
 }
 
 TEST(KeyDiagnostic, ANumberKeyInAnotherCase) {
-  makeDiscSet("Mode = InstallFromVolumes\nnumberofvolumes = 2\nTotalSizeMillionsBytes = 1\n");
+  makeDiscSet("Mode = InstallFromVolumes\nnumberofvolumes = 2\nTotalSizeMillionsBytes = 1\n" + kTexts);
   std::filesystem::remove_all(inSet("discs/2 Tavenhall Lumaweave"));
   const CheckResult result = checkFor("Lumaweave");
   expectDiagnostics(result, {{"key-case", "error", kAttributes, 2}}, 1);
@@ -185,6 +185,16 @@ TEST(KeyDiagnostic, AKeyWithoutAValue) {
   expectDiagnostics(result, {{"value-missing", "error", kAttributes, 7}}, 1);
   EXPECT_EQ(sentenceOf(result, "value-missing"),
             "PreparationTitle has no value, so the page uses the value of line 6, \"1\".");
+}
+
+TEST(FileDiagnostic, Utf16WithoutAMark) {
+  std::string bytes;
+  for (const char character : std::string("# Grosses Haus\nMode = InstallFromVolumes\n")) {
+    bytes += {'\0', character};
+  }
+  makeDiscSet(bytes);
+  EXPECT_THAT(foundIn(checkFor("Lumaweave")),
+              testing::Contains(Found{"utf16-without-mark", "error", kAttributes, 1}));
 }
 
 }  // namespace tavenhall::test

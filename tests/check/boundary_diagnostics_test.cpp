@@ -88,8 +88,7 @@ TEST(BoundaryDiagnostic, AnAttributesFileOneFolderAboveTheSetIsOne) {
 }
 
 TEST(BoundaryDiagnostic, ARelativePathThatLeavesTheSetIsOneAndNamesItsLine) {
-  makeDataUpdateSet(
-      "Mode = DataUpdater\nRelativePath = ../Data\nInstalledData = In %s\nTotalSizeMillionsBytes = 1\n");
+  makeDataUpdateSet("Mode = DataUpdater\nRelativePath = ../Data\nTotalSizeMillionsBytes = 1\n" + kTexts);
   writeFile("/Users/tester/Data/TANVO/Tessaphon/one.db", "one");
   const CheckResult result = checkFor("Tessaphon");
   expectDiagnostics(result, {{"outside-set", "error", kAttributes, 2}}, 1);

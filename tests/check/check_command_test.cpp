@@ -37,13 +37,16 @@ TEST(CheckCommand, ShowsEachDiagnosticWithItsPlaceAndReference) {
   std::filesystem::create_symlink("nothing", inSet("discs/1 Tavenhall Lumaweave/DOVA/broken"));
   const Outcome outcome = runCheck(kSetFolder + " --product Lumaweave");
   EXPECT_EQ(outcome.status, 1) << outcome.output;
-  EXPECT_THAT(outcome.output,
-              testing::EndsWith(
-                  "Diagnostics\n  .InstallationAttributes.dat:1: warning: The key \"Publisher\" is unknown, "
-                  "so this line is ignored. [key-unknown]\n      docs/attributes.md#key-unknown\n  "
-                  "discs/1 Tavenhall Lumaweave/DOVA/broken: error: The link is broken, so the page shows "
-                  "\"Failed to open input file.\" and the installation fails. [link-broken]\n      "
-                  "docs/attributes.md#link-broken\n\n1 error, 1 warning, 0 notes\n"));
+  EXPECT_THAT(
+      outcome.output,
+      testing::EndsWith(
+          "Diagnostics\n  .InstallationAttributes.dat:1:1: warning: The key \"Publisher\" is unknown, "
+          "so this line is ignored. [key-unknown]\n    1 | Publisher = Tavenhall\n      | ^^^^^^^^^\n"
+          "      = Remove the line, or begin it with # as a comment.\n  "
+          "discs/1 Tavenhall Lumaweave/DOVA/broken: error: The link is broken, so the page shows "
+          "\"Failed to open input file.\" and the installation fails. [link-broken]\n      "
+          "= Put what the link leads to in its place.\n\n1 error, 1 warning, 0 notes\nFor an explanation: "
+          "tavinstall check --explain NAME\n"));
 }
 
 TEST(CheckCommand, EndsWithThreeWhereThereAreWarningsOnly) {
@@ -83,8 +86,13 @@ TEST(CheckCommand, GivesJson) {
                                     {"severity", "warning"},
                                     {"file", ".InstallationAttributes.dat"},
                                     {"line", 1},
+                                    {"column", 1},
+                                    {"length", 9},
                                     {"text", "The key \"Publisher\" is unknown, so this line is ignored."},
-                                    {"reference", "docs/attributes.md#key-unknown"}}}));
+                                    {"remedy", "Remove the line, or begin it with # as a comment."},
+                                    {"fix", nullptr},
+                                    {"consequences", nlohmann::json::array()},
+                                    {"reference", "docs/diagnostics.md#key-unknown"}}}));
   EXPECT_EQ(json["errors"], 0);
   EXPECT_EQ(json["warnings"], 1);
   EXPECT_EQ(json["notes"], 0);

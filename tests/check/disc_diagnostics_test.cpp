@@ -62,7 +62,7 @@ TEST(DiscDiagnostic, DiscsThatNobodyAsksFor) {
 }
 
 TEST(DiscDiagnostic, AnOptionalDiscThatNoPromptReaches) {
-  makeDiscSet("Mode = InstallFromVolumes\nNumberOfVolumes = 3\nTotalSizeMillionsBytes = 1\n");
+  makeDiscSet("Mode = InstallFromVolumes\nNumberOfVolumes = 3\nTotalSizeMillionsBytes = 1\n" + kTexts);
   renameDisc("1 Tavenhall Lumaweave", "1 Tavenhall Tempora QX");
   renameDisc("2 Tavenhall Lumaweave", "2 Tavenhall Tempora QX");
   writeFile(inSet("discs/3 Northfield DOVA Outrider/DOVA/three"), "three");
@@ -145,8 +145,17 @@ TEST(FolderDiagnostic, TheAlternateFolderAloneIsSound) {
 
 TEST(FolderDiagnostic, AnUpdateWithNothingInIt) {
   writeFile(inSet("Installer.pkg"), "package");
-  writeAttributes("Mode = SupportHub\nRelativePath = First\nTotalSizeMillionsBytes = 1\n");
+  writeAttributes("Mode = SupportHub\nRelativePath = First\nTotalSizeMillionsBytes = 1\n" + kTexts);
   expectDiagnostics(checkFor("Tessaphon"), {{"nothing-to-install", "error", "Installer.pkg"}}, 1);
+}
+
+TEST(DiscDiagnostic, ADiscThatIsLargerThanItsMedium) {
+  makeDiscSet();
+  writeFile(inSet("rehearsal.json"), R"({"product": "Lumaweave", "discSize": "10m"})");
+  expectDiagnostics(checkFor("Lumaweave"), {}, 0);
+  writeFile(inSet("discs/2 Tavenhall Lumaweave/Manual.pdf"), "x");
+  std::filesystem::resize_file(inSet("discs/2 Tavenhall Lumaweave/Manual.pdf"), 9'500'000);
+  expectDiagnostics(checkFor("Lumaweave"), {{"disc-too-large", "error", "discs/2 Tavenhall Lumaweave"}}, 1);
 }
 
 }  // namespace tavenhall::test

@@ -119,7 +119,7 @@ TEST(FileDiagnostic, ATooLongPathIsSaidOnceOfAWholeFolder) {
   writeFile(inSet(kData + deepPath(940) + "/" + std::string(100, 'g') + "/b"), "b");
   const CheckResult result = checkFor("Lumaweave");
   ASSERT_EQ(result.diagnostics.all().size(), 1U) << checkText(result);
-  EXPECT_EQ(result.diagnostics.all()[0].name, "path-too-long");
+  EXPECT_EQ(result.diagnostics.all()[0].name(), "path-too-long");
 }
 
 TEST(FileDiagnostic, NamesThatDifferInCaseAlone) {
@@ -177,6 +177,25 @@ TEST(FileDiagnostic, OfOneKindOnlySoManyAreShown) {
   EXPECT_EQ(result.diagnostics.all().size(), 20U);
   EXPECT_EQ(result.diagnostics.more().at("link-broken"), 5);
   EXPECT_EQ(result.diagnostics.count(Severity::error), 25);
+}
+
+TEST(FileDiagnostic, NamesThatLookAlikeAndNamesInNoUtf8) {
+  makeDiscSet();
+  writeFile(inSet(kData + "Factory/e\xCC\x81.db"), "x");
+  writeFile(inSet(kData + "Factory/\xC3\x89.db"), "x");
+  writeFile(inSet(kData + "Factory/\xE9.db"), "x");
+  expectDiagnostics(checkFor("Lumaweave"),
+                    {{"composition-clash", "error", kData + "Factory/\xC3\x89.db"},
+                     {"name-not-utf8", "error", kData + "Factory/\xE9.db"}},
+                    1);
+}
+
+TEST(FileDiagnostic, ModesThatTheCopyDoesNotKeep) {
+  makeDiscSet();
+  ASSERT_EQ(chmod(inSet(kData + "Factory/one.db").c_str(), 02755), 0);
+  expectDiagnostics(checkFor("Lumaweave"), {{"mode-bits-lost", "warning", kData + "Factory/one.db"}}, 3);
+  ASSERT_EQ(chmod(inSet(kData + "Factory/one.db").c_str(), 0700), 0);
+  expectDiagnostics(checkFor("Lumaweave"), {{"mode-bits-lost", "warning", kData + "Factory/one.db"}}, 3);
 }
 
 }  // namespace tavenhall::test

@@ -87,7 +87,7 @@ TEST(InstallerSet, TellsWhatIsWrongWithItsRehearsalFile) {
   EXPECT_EQ(complaintAbout(kSetFolder), file + " is not a JSON object; write it as {\"product\": \"NAME\"}");
   writeFile(file, R"({"Product": "Tessaphon"})");
   EXPECT_EQ(complaintAbout(kSetFolder),
-            file + ": unknown key \"Product\"; the keys are product, package and installType");
+            file + ": unknown key \"Product\"; the keys are product, package, installType and discSize");
   writeFile(file, R"({"product": 7})");
   EXPECT_EQ(complaintAbout(kSetFolder), file + ": \"product\" is not a text; put it in quotes");
   writeFile(file, R"({"installType": "lite"})");

@@ -3,6 +3,7 @@
 #include "tests/check/sets.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace tavenhall::test {
 
@@ -22,15 +23,12 @@ std::size_t timesIn(const std::string& text, const std::string& part) {
 
 }  // namespace
 
-TEST(Reference, HasAnAnchorAndTheSeverityOfEveryDiagnostic) {
-  const std::string reference = source("docs/attributes.md");
-  for (const DiagnosticKind& kind : diagnosticKinds()) {
-    const std::string name(kind.name);
-    const std::string start =
-        "<a id=\"" + name + "\"></a>**" + name + "** (" + severityWord(kind.severity) + ") ";
-    EXPECT_EQ(timesIn(reference, start), 1U) << start;
+// The document is made from the table: TAVINSTALL_RENEW=1 writes it.
+TEST(Reference, OfTheDiagnosticsIsTheirTable) {
+  if (std::getenv("TAVINSTALL_RENEW") != nullptr) {
+    writeFile(std::string(TAVINSTALL_SOURCE_DIR) + "/docs/diagnostics.md", diagnosticsDocument());
   }
-  EXPECT_EQ(timesIn(reference, "<a id="), diagnosticKinds().size());
+  EXPECT_EQ(source("docs/diagnostics.md"), diagnosticsDocument());
 }
 
 TEST(Reference, ExplainsEveryKeyWithAnExample) {
@@ -72,7 +70,7 @@ TEST(Reference, IsLinkedFromDiagnostics) {
   makeDiscSet("Publisher = Tavenhall\n" + kDiscLines);
   const CheckResult result = checkFor("Lumaweave");
   ASSERT_EQ(result.diagnostics.all().size(), 1U);
-  EXPECT_EQ(result.diagnostics.all()[0].reference(), "docs/attributes.md#key-unknown");
+  EXPECT_EQ(result.diagnostics.all()[0].reference(), "docs/diagnostics.md#key-unknown");
 }
 
 TEST(Reference, EveryDiagnosticIsProvokedByATest) {

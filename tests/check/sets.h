@@ -1,8 +1,10 @@
 #pragma once
 
-#include "host/check/check.h"
+#include "host/check/report.h"
 #include "tests/support/files.h"
 
+#include <algorithm>
+#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <ostream>
@@ -19,6 +21,9 @@ inline std::string inSet(const std::string& path) { return kSetFolder + "/" + pa
 
 // The attributes file: a set's own lines, and what a test adds.
 inline void writeAttributes(const std::string& text) { writeFile(inSet(".InstallationAttributes.dat"), text); }
+
+// The two texts that every set should have.
+inline const std::string kTexts = "InstallDataTitle = Installing\nInstalledData = Installed in %s\n";
 
 // Lumaweave on two discs.
 inline const std::string kDiscLines =
@@ -44,7 +49,8 @@ inline const std::string kDataUpdateLines =
     "InstalledData = Installed in %s\n"
     "NumberOfVolumes = 2\n"
     "TotalSizeMillionsBytes = 1\n"
-    "Component1SizeMillionsBytes = 1\n";
+    "Component1SizeMillionsBytes = 1\n"
+    "InstallDataTitle = Installing\n";
 
 inline void makeDataUpdateSet(const std::string& attributes = kDataUpdateLines) {
   writeFile(inSet("Installer.pkg"), "package");
@@ -57,7 +63,8 @@ inline void makeDataUpdateSet(const std::string& attributes = kDataUpdateLines) 
 inline const std::string kDownloadLines =
     "Mode = Downloaded\n"
     "InstalledData = Installed in %s\n"
-    "TotalSizeMillionsBytes = 1\n";
+    "TotalSizeMillionsBytes = 1\n"
+    "InstallDataTitle = Installing\n";
 
 inline void makeDownloadSet(const std::string& attributes = kDownloadLines) {
   writeFile(inSet("Package/Installer.pkg"), "package");
@@ -72,7 +79,8 @@ inline const std::string kUpdateLines =
     "RelativePath2 = Second\n"
     "InstalledData = Installed in %s\n"
     "TotalSizeMillionsBytes = 1\n"
-    "Component1SizeMillionsBytes = 1\n";
+    "Component1SizeMillionsBytes = 1\n"
+    "InstallDataTitle = Installing\n";
 
 inline const std::string kComponent = "Library/Audio/Plug-Ins/Components/Tessaphon.component";
 
@@ -106,20 +114,32 @@ inline std::ostream& operator<<(std::ostream& out, const Found& found) {
 
 inline CheckResult checkFor(const std::string& product, const std::string& installType = "Full",
                             const std::string& installed = {}) {
-  return checkSet({kSetFolder, product, installType, installed});
+  return checkSet({kSetFolder, product, installType, installed, {}});
 }
 
 inline std::vector<Found> foundIn(const CheckResult& result) {
   std::vector<Found> found;
+  const std::function<void(const Diagnostic&)> take = [&](const Diagnostic& diagnostic) {
+    found.push_back({std::string(diagnostic.name()), severityWord(diagnostic.kind->severity),
+                     diagnostic.place.file, diagnostic.place.line});
+    for (const Diagnostic& consequence : diagnostic.consequences) {
+      take(consequence);
+    }
+  };
   for (const Diagnostic& diagnostic : result.diagnostics.all()) {
-    found.push_back({std::string(diagnostic.name), severityWord(diagnostic.severity), diagnostic.place.file,
-                     diagnostic.place.line});
+    take(diagnostic);
   }
   return found;
 }
 
-// Every diagnostic that there is, and how the command ends.
-inline void expectDiagnostics(const CheckResult& result, const std::vector<Found>& expected, int exitStatus) {
+// Every diagnostic that there is, consequences too, and how the command ends. The two of texts that are missing
+// count only where they are expected: many of these sets have none.
+inline void expectDiagnostics(CheckResult result, const std::vector<Found>& expected, int exitStatus) {
+  result.diagnostics.keepOnly([&expected](std::string_view name) {
+    return (name != "title-missing" && name != "text-missing") ||
+           std::any_of(expected.begin(), expected.end(),
+                       [name](const Found& found) { return found.name == name; });
+  });
   EXPECT_THAT(foundIn(result), testing::UnorderedElementsAreArray(expected)) << checkText(result);
   EXPECT_EQ(static_cast<int>(result.diagnostics.exitStatus()), exitStatus);
 }
@@ -128,7 +148,10 @@ inline void expectDiagnostics(const CheckResult& result, const std::vector<Found
 inline std::string sentenceOf(const CheckResult& result, const std::string& name) {
   std::string sentence;
   for (const Diagnostic& diagnostic : result.diagnostics.all()) {
-    sentence = diagnostic.name == name ? diagnostic.sentence : sentence;
+    sentence = diagnostic.name() == name ? diagnostic.sentence : sentence;
+    for (const Diagnostic& consequence : diagnostic.consequences) {
+      sentence = consequence.name() == name ? consequence.sentence : sentence;
+    }
   }
   return sentence;
 }

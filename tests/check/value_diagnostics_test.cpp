@@ -137,19 +137,19 @@ TEST(PromptDiagnostic, AnAnswerThatIsNone) {
 }
 
 TEST(PromptDiagnostic, APromptWithOneVolume) {
-  makeDiscSet("Mode = InstallFromVolumes\nTotalSizeMillionsBytes = 1\nLiteVsFullPrompt = Yes\n");
+  makeDiscSet("Mode = InstallFromVolumes\nTotalSizeMillionsBytes = 1\nLiteVsFullPrompt = Yes\n" + kTexts);
   std::filesystem::remove_all(inSet("discs/2 Tavenhall Lumaweave"));
   expectDiagnostics(checkFor("Lumaweave"), {{"prompt-without-effect", "warning", kAttributes, 3}}, 3);
 }
 
 TEST(PromptDiagnostic, ANoWhereTwoVolumesAreAChoiceAnyway) {
   makeDataUpdateSet(kDataUpdateLines + "LiteVsFullPrompt = No\n");
-  expectDiagnostics(checkFor("Tessaphon"), {{"prompt-without-effect", "warning", kAttributes, 8}}, 3);
+  expectDiagnostics(checkFor("Tessaphon"), {{"prompt-without-effect", "warning", kAttributes, 9}}, 3);
 }
 
 TEST(PromptDiagnostic, APromptInAnUpdater) {
   makeUpdateSet(kUpdateLines + "LiteVsFullPrompt = Yes\n");
-  expectDiagnostics(checkFor("Tessaphon"), {{"prompt-without-effect", "warning", kAttributes, 7}}, 3);
+  expectDiagnostics(checkFor("Tessaphon"), {{"prompt-without-effect", "warning", kAttributes, 8}}, 3);
 }
 
 // ---- Texts ----
@@ -175,14 +175,14 @@ TEST(PathDiagnostic, ABackslashInAPath) {
 }
 
 TEST(PathDiagnostic, ABlankAtAPathsEnd) {
-  makeDataUpdateSet("Mode = DataUpdater\nRelativePath = First \nTotalSizeMillionsBytes = 1\n");
+  makeDataUpdateSet("Mode = DataUpdater\nRelativePath = First \nTotalSizeMillionsBytes = 1\n" + kTexts);
   expectDiagnostics(
       checkFor("Tessaphon"),
       {{"trailing-blank", "error", kAttributes, 2}, {"data-folder-missing", "error", "First /TANVO"}}, 1);
 }
 
 TEST(PathDiagnostic, ABlankAtTheEndOfAFolderThatHasOneIsSound) {
-  makeDataUpdateSet("Mode = DataUpdater\nRelativePath = First \nTotalSizeMillionsBytes = 1\n");
+  makeDataUpdateSet("Mode = DataUpdater\nRelativePath = First \nTotalSizeMillionsBytes = 1\n" + kTexts);
   std::filesystem::rename(inSet("First"), inSet("First "));
   expectDiagnostics(checkFor("Tessaphon"), {}, 0);
 }
@@ -192,6 +192,48 @@ TEST(PathDiagnostic, ARelativePathThatDoesNotFit) {
                     "\nTotalSizeMillionsBytes = 1\n");
   EXPECT_THAT(foundIn(checkFor("Tessaphon")),
               testing::Contains(Found{"path-too-long", "error", kAttributes, 2}));
+}
+
+TEST(TextDiagnostic, TheLastTextIsMissing) {
+  makeDiscSet("Mode = InstallFromVolumes\nNumberOfVolumes = 2\nTotalSizeMillionsBytes = 1\n");
+  const CheckResult result = checkFor("Lumaweave");
+  expectDiagnostics(result, {{"title-missing", "note", kAttributes}, {"text-missing", "warning", kAttributes}},
+                    3);
+  EXPECT_EQ(sentenceOf(result, "text-missing"),
+            "The key InstalledData is missing, so the user reads \"Step 1 finished.\".");
+}
+
+TEST(TextDiagnostic, APlaceholderInTheTitleAndQuotationMarks) {
+  makeDiscSet(kDiscLines.substr(0, kDiscLines.find("Installing")) + "'Into %s'" +
+              kDiscLines.substr(kDiscLines.find(" Lumaweave") + 10));
+  expectDiagnostics(
+      checkFor("Lumaweave"),
+      {{"placeholder-in-title", "warning", kAttributes, 2}, {"quotation-marks", "warning", kAttributes, 2}}, 3);
+}
+
+TEST(TextDiagnostic, AnApostropheAtOneEndIsNoQuotation) {
+  makeDiscSet(kDiscLines + "PreparationTitle = 'Tis\nAlternateNameForLiteInstallation = \"\n");
+  expectDiagnostics(checkFor("Lumaweave"), {}, 0);
+}
+
+TEST(PathDiagnostic, AFolderInAnotherCase) {
+  makeDownloadSet("Mode = Downloaded\nRelativePath = data\nTotalSizeMillionsBytes = 1\n" + kTexts);
+  std::filesystem::create_directories(inSet("Package/Data"));
+  std::filesystem::rename(inSet("TANVO"), inSet("Package/Data/TANVO"));
+  const CheckResult result = checkFor("Tessaphon");
+  expectDiagnostics(result,
+                    {{"path-misspelt", "error", "Package/.InstallationAttributes.dat", 2},
+                     {"data-folder-missing", "error", "Package/data/TANVO"}},
+                    1);
+  EXPECT_EQ(sentenceOf(result, "path-misspelt"), "There is no folder \"data\". Did you mean \"Data\"?");
+}
+
+TEST(ModeDiagnostic, AModeThatDoesNotFitTheSet) {
+  makeDownloadSet("Mode = InstallFromVolumes\nTotalSizeMillionsBytes = 1\n" + kTexts);
+  expectDiagnostics(
+      checkFor("Tessaphon"),
+      {{"mode-unfit", "error", "Package/.InstallationAttributes.dat", 1}, {"disc-missing", "error", "discs"}},
+      1);
 }
 
 }  // namespace tavenhall::test

@@ -93,9 +93,9 @@ std::vector<BadInput> badInputs() {
          "in its place"});
     inputs.push_back({"noText", [] { setWith("rehearsal.json", R"({"product": 7})"); }, forSet(command),
                       "/tmp/thing/rehearsal.json: \"product\" is not a text; put it in quotes"});
-    inputs.push_back(
-        {"noKey", [] { setWith("rehearsal.json", R"({"produkt": "Bassoria"})"); }, forSet(command),
-         "/tmp/thing/rehearsal.json: unknown key \"produkt\"; the keys are product, package and installType"});
+    inputs.push_back({"noKey", [] { setWith("rehearsal.json", R"({"produkt": "Bassoria"})"); }, forSet(command),
+                      "/tmp/thing/rehearsal.json: unknown key \"produkt\"; the keys are product, package, "
+                      "installType and discSize"});
     inputs.push_back({"noSuchProduct", [] { setWith("rehearsal.json", R"({"product": "Obonia"})"); },
                       forSet(command),
                       "unknown product Obonia; the products are Tessaphon, Lumaweave, Bassoria, TemporaQX"});

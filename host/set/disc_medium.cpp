@@ -1,4 +1,4 @@
-#include "host/author/disc_medium.h"
+#include "host/set/disc_medium.h"
 
 #include "host/base/exit_status.h"
 #include "host/base/text.h"
@@ -42,7 +42,20 @@ constexpr std::int64_t kFlashFixed = 4194304;
 
 constexpr std::int64_t kCapacityPerFixedByte = 16384;
 
+std::int64_t nameBytes(std::string_view path, const DiscSpace& space) {
+  const std::string_view name = path.substr(path.rfind('/') + 1);
+  return space.perEntry + space.perNameByte * static_cast<std::int64_t>(name.size());
+}
+
 }  // namespace
+
+std::int64_t fileBytesOnDisc(std::string_view path, std::int64_t size, const DiscSpace& space) {
+  return (size + space.block - 1) / space.block * space.block + nameBytes(path, space);
+}
+
+std::int64_t folderBytesOnDisc(std::string_view path, const DiscSpace& space) {
+  return space.perFolder + nameBytes(path, space);
+}
 
 DiscSpace DiscMedium::space(std::int64_t reserve) const {
   DiscSpace space = isOptical ? kOptical : kFlash;
@@ -71,7 +84,7 @@ std::int64_t bytesFromText(const std::string& text) {
 DiscMedium discMedium(const std::string& name) {
   for (const KnownMedium& known : kKnownMedia) {
     if (name == known.name) {
-      return {known.shownName, known.capacity, true};
+      return {name, known.shownName, known.capacity, true};
     }
   }
   constexpr std::string_view kUsb = "usb:";
@@ -81,7 +94,7 @@ DiscMedium discMedium(const std::string& name) {
     throw UsageError(format(_("a disc of {0} is too small; the smallest has {1}"),
                             {sizeText(capacity), sizeText(kSmallest)}));
   }
-  return {format(isOptical ? _("disc of {0}") : _("flash drive of {0}"), {sizeText(capacity)}), capacity,
+  return {name, format(isOptical ? _("disc of {0}") : _("flash drive of {0}"), {sizeText(capacity)}), capacity,
           isOptical};
 }
 
