@@ -44,7 +44,7 @@ std::string sizeText(const CheckResult& result) {
   const std::string said = announced.isKnown ? format(_("{0} announced by {1}"),
                                                       {megabytesText(announced.bytes), announced.countedKey})
                                              : format(_("nothing announced by {0}"), {announced.countedKey});
-  const std::string whole = real.whole ? megabytesText(*real.whole + real.systemFolders) : "";
+  const std::string whole = real.whole ? megabytesText(*real.whole) : "";
   if (result.checked.whole.editions.isOffered && real.component) {
     return format(real.whole ? _("{0}; there are {1}, {2} of them in the first component")
                              : _("{0}, {2} of them in the first component"),
@@ -101,8 +101,10 @@ std::string planText(const CheckResult& result) {
   text += line(_("Text"), indented(plan.enteringText, kLabelColumns + 2));
   text += line(_("Edition"), printableLine(editionReason(plan)));
   for (const PlannedLibrary& library : plan.editions.libraries) {
-    text += line("", format(library.isDetected ? _("{0}: {1}, detected") : _("{0}: {1} by default"),
-                            {printableLine(library.folderName), library.isLite ? "Lite" : "Full"}));
+    const char* pattern = !checked.isInstalledKnown ? _("{0}: {1}, for a user without libraries")
+                          : library.isDetected      ? _("{0}: {1}, detected")
+                                                    : _("{0}: {1} by default");
+    text += line("", format(pattern, {printableLine(library.folderName), library.isLite ? "Lite" : "Full"}));
   }
   text += line(_("Size"), sizeText(result));
   for (const PlannedFolder& folder : plan.systemFolders) {

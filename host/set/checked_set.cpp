@@ -174,8 +174,9 @@ CheckedSet openCheckedSet(InstallerSet set, const CheckRequest& request) {
   checked.isProductAssumed = product.empty();
   checked.product = productNamed(product);
 
-  PlanRequest asked{checked.set.package.string(), checked.product, {}, {}, request.attributes};
+  PlanRequest asked{checked.set.package.string(), checked.product, {}, {}, true, request.attributes};
   PlanRequest whole = asked;
+  whole.detectsEditions = false;
   whole.installType = "Full";
   const std::string installType = request.installType.empty() ? checked.set.installType : request.installType;
   if (!installType.empty()) {

@@ -52,7 +52,9 @@ void readChoice(const PlanRequest& request, EditionPlan& editions) {
 void detectEditions(const PlanRequest& request, const std::string& centralFolder, InstallPlan& plan) {
   EditionPlan& editions = plan.editions;
   editions.source = EditionSource::detection;
-  detectInstalledEditions(request.dataRoot ? centralFolder : std::string(), editions.libraries);
+  if (request.detectsEditions) {
+    detectInstalledEditions(request.dataRoot ? centralFolder : std::string(), editions.libraries);
+  }
   std::vector<std::int32_t> choices;
   for (const PlannedLibrary& library : editions.libraries) {
     choices.push_back(library.isLite ? 1 : 0);
@@ -286,13 +288,11 @@ std::vector<PlannedLibrary> listLibraries(const std::string& dataFolder, std::si
 }
 
 void detectInstalledEditions(const std::string& centralFolder, std::vector<PlannedLibrary>& libraries) {
-  if (centralFolder.empty()) {
-    return;
-  }
+  const std::string folder = centralFolder.empty() ? "/dev/null" : centralFolder;  // nothing is in the one
   for (PlannedLibrary& library : libraries) {
     NoObserver observer;
     const std::optional<bool> isLite =
-        installedEditionIsLite<std::string>(centralFolder, library.folderName, observer);
+        installedEditionIsLite<std::string>(folder, library.folderName, observer);
     library.isDetected = isLite.has_value();
     library.isLite = isLite.value_or(false);
   }

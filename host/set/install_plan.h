@@ -27,11 +27,15 @@ struct PlanRequest {
   Product product;
 
   // The folder that holds the data folders, as "Tavenhall" in the user's Application Support folder does.
-  // None: for no particular user; texts then show "~" for the home, and no library counts as installed.
+  // None: for no particular user; texts then show "~" for the home, and the user has no libraries, as in a
+  // rehearsal.
   std::optional<std::string> dataRoot;
 
   // "Lite" or "Full" if the pre-install step writes the choice file; none: an existing file in /tmp counts.
   std::optional<std::string> installType;
+
+  // Whether the user's libraries decide on their editions in an update; otherwise they are all Full.
+  bool detectsEditions = true;
 
   // The attributes file's bytes, instead of what it contains.
   std::optional<std::string> attributes = {};
@@ -131,8 +135,8 @@ inline constexpr const char* kLongHome = "/Users/12345678901234567890";
 [[nodiscard]] std::vector<PlannedLibrary> listLibraries(const std::string& dataFolder,
                                                         std::size_t limit = kLibrarySlots);
 
-// Sets the edition of each library from the content of the central folder. With an empty path, for no
-// particular user, every library stays Full and undetected.
+// Sets the edition of each library from the content of the central folder. An empty path is that of a user who has
+// no libraries.
 void detectInstalledEditions(const std::string& centralFolder, std::vector<PlannedLibrary>& libraries);
 
 // The names in a folder without the hidden ones, in the order of the listing; empty if it cannot be opened.

@@ -51,6 +51,31 @@ json steadyFields(json told) {
   return told;
 }
 
+void expectCheckAgrees(const std::string& set, const nlohmann::json& told) {
+  const Outcome outcome = runThrough({kTavinstall, "check", set, "--format", "json"});
+  const auto checked = nlohmann::json::parse(outcome.output, nullptr, false);
+  ASSERT_TRUE(checked.is_object()) << outcome.output << outcome.error;
+  const nlohmann::json& plan = checked["plan"];
+  EXPECT_EQ(plan["mode"], told["plan"]["mode"]);
+  EXPECT_EQ(plan["edition"]["reason"], told["plan"]["edition"]);
+  auto libraries = nlohmann::json::array();
+  for (const auto& library : plan["edition"]["libraries"]) {
+    libraries.push_back(
+        {{"folder", library["folder"]}, {"edition", library["lite"] == true ? "Lite" : "Full"}});
+  }
+  EXPECT_EQ(libraries, told["plan"]["libraries"]);
+  ASSERT_EQ(plan["passes"].size(), told["plan"]["passes"].size());
+  for (std::size_t i = 0; i < plan["passes"].size(); ++i) {
+    EXPECT_EQ(plan["passes"][i]["folder"], told["plan"]["passes"][i]["folder"]);
+    EXPECT_EQ(plan["passes"][i]["volumeCount"], told["plan"]["passes"][i]["volumes"]);
+  }
+  if (told["whole"].is_object()) {
+    EXPECT_EQ(plan["size"]["realBytes"], told["whole"]["realBytes"]);
+  }
+  EXPECT_EQ(checked["errors"].get<int>() > 0, told["status"] == 1)
+      << checked["remarks"].dump(2) << told["failures"];
+}
+
 std::string withoutTimes(const std::string& text) {
   return std::regex_replace(text, std::regex("in less than 1 s|in [0-9]+ (s|min)"), "in TIME");
 }

@@ -88,7 +88,7 @@ TEST(RehearsePlain, IsTheFrontendWhereThereIsNoTerminal) {
   makeDownloadSet();
   const Outcome outcome = runThrough(rehearseCommand());
   EXPECT_EQ(outcome.status, 0) << outcome.error;
-  EXPECT_THAT(outcome.output, testing::StartsWith("Installing Data\n"));
+  EXPECT_THAT(outcome.output, testing::StartsWith("Installing\n"));
   EXPECT_THAT(outcome.output, HasSubstr("100 %\n"));
   EXPECT_THAT(outcome.output, Not(HasSubstr("The log is")));
 }

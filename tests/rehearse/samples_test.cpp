@@ -18,6 +18,7 @@ nlohmann::json rehearseSample(const std::string& name) {
   EXPECT_THAT(told["failures"], IsEmpty());
   EXPECT_THAT(told["remarks"], IsEmpty());
   EXPECT_EQ(told["left"], true);
+  expectCheckAgrees("/tmp/sets/" + name, told);
   return told;
 }
 
