@@ -11,7 +11,10 @@ _tavinstall() {
   case $previous in
     --product) COMPREPLY=($(compgen -W "$products" -- "$current")); return ;;
     --install-type) COMPREPLY=($(compgen -W "Lite Full" -- "$current")); return ;;
-    --format) COMPREPLY=($(compgen -W "text json" -- "$current")); return ;;
+    --format)
+      local formats="text json"
+      [[ $command != check ]] || formats+=" sarif github"
+      COMPREPLY=($(compgen -W "$formats" -- "$current")); return ;;
     --ui)
       local frontends="json plain quiet terminal"
       [ "$command" != attach ] || frontends="plain terminal"
@@ -20,6 +23,8 @@ _tavinstall() {
     --optional-discs) COMPREPLY=($(compgen -W "skip wait" -- "$current")); return ;;
     --mode) COMPREPLY=($(compgen -W "discs download data-update product-update" -- "$current")); return ;;
     --language) COMPREPLY=($(compgen -W "en de fr es it ja zh-Hans" -- "$current")); return ;;
+    --fail-on) COMPREPLY=($(compgen -W "error warning note" -- "$current")); return ;;
+    --select | --ignore | --explain) return ;;
     --images) COMPREPLY=($(compgen -W "iso squashfs" -- "$current")); return ;;
     --disc-size) COMPREPLY=($(compgen -W "dvd5 dvd9 bd25 bd50 usb:64g" -- "$current")); return ;;
     --late | --discs | --reserve | --disc-timeout) return ;;
@@ -36,7 +41,7 @@ _tavinstall() {
     new) options="--product --mode --discs --editions --language --help" ;;
     split) options="--disc-size --reserve --product --full-only --copy --images --manifest --dry-run --help" ;;
     rehearse) options="--product --install-type --installed --allow-outside --late --keep --report --ui --help" ;;
-    check) options="--product --install-type --installed --format --help" ;;
+    check) options="--product --install-type --installed --format --select --ignore --fail-on --fix --explain --help" ;;
     manifest) options="--product --help" ;;
     verify) options="--package --manifest --install-type --json --help" ;;
     log) options="--last --check --bundle --format --help" ;;

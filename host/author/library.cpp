@@ -42,8 +42,7 @@ class Problems {
         text += "\n" + path;
       }
       if (problem.count > problem.paths.size()) {
-        text += "\n  " + plural("and {0} more", "and {0} more",
-                                static_cast<std::int64_t>(problem.count - problem.paths.size()));
+        text += "\n  " + format(_("and {0} more"), {std::to_string(problem.count - problem.paths.size())});
       }
       sentences.push_back(text);
     }

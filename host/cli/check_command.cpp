@@ -118,7 +118,8 @@ ExitStatus check(const CheckArguments& arguments) {
     return explain(arguments.explained);
   }
   if (arguments.sets.empty()) {
-    throw UsageError(format(_("{0} is required; see {1}"), {"SET", "tavinstall check --help"}));
+    throw UsageError(
+        format(_("{0}; see {1}"), {format(_("{0} is required"), {"SET"}), "tavinstall check --help"}));
   }
   if (arguments.format != "text") {
     speakEnglish();

@@ -50,8 +50,7 @@ std::string contentText(const Split& split, const Split::SplitDisc& disc) {
   }
   return names.size() <= kShown
              ? text
-             : text + ", " +
-                   plural("and {0} more", "and {0} more", static_cast<std::int64_t>(names.size() - kShown));
+             : text + ", " + format(_("and {0} more"), {std::to_string(names.size() - kShown)});
 }
 
 void printLayout(const Split& split, const DiscMedium& medium) {

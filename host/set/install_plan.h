@@ -135,8 +135,8 @@ inline constexpr const char* kLongHome = "/Users/12345678901234567890";
 [[nodiscard]] std::vector<PlannedLibrary> listLibraries(const std::string& dataFolder,
                                                         std::size_t limit = kLibrarySlots);
 
-// Sets the edition of each library from the content of the central folder. An empty path is that of a user who has
-// no libraries.
+// Sets the edition of each library from the content of the central folder. An empty path is that of a user who
+// has no libraries.
 void detectInstalledEditions(const std::string& centralFolder, std::vector<PlannedLibrary>& libraries);
 
 // The names in a folder without the hidden ones, in the order of the listing; empty if it cannot be opened.

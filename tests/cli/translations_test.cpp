@@ -33,7 +33,7 @@ const Printed kPrinted[] = {
       "  Größe          1,0 MB angekündigt durch TotalSizeMillionsBytes; vorhanden sind 0,0 MB\n",
       "    1            /Volumes/Tavenhall Lumaweave (discs/1 Tavenhall Lumaweave): DOVA, 2 Dateien, 0,0 MB\n",
       "    2            /Volumes/Tavenhall Lumaweave (discs/2 Tavenhall Lumaweave): DOVA, 1 Datei, 0,0 MB\n",
-      "  .InstallationAttributes.dat:1: Warnung: Kein Teil des Installers kennt den Schlüssel \"Publisher\", "
+      "  .InstallationAttributes.dat:1:1: Warnung: Kein Teil des Installers kennt den Schlüssel \"Publisher\", "
       "daher sieht niemand diese Zeile. [key-unknown]\n",
       "\n1 Fehler, 1 Warnung, 0 Hinweise\n"}},
     {"ACheckWithProblems",

@@ -125,5 +125,10 @@ TEST(Documents, DeployingIsAsTheDocumentShows) {
   EXPECT_TRUE(exists(std::string(kMakersFolder) + "/TANVO/Tessaphon/b.db"));
 }
 
+TEST(Documents, TheFirstSetIsAsTheDocumentShows) {
+  std::filesystem::create_directories("/Users/tester/Downloads");
+  expectDocument("first-set.md", [](std::size_t) {});
+}
+
 }  // namespace
 }  // namespace tavenhall::test

@@ -37,7 +37,8 @@ void expectItRuns(const std::string& prefix) {
 
   writeFile("/Users/tester/set/Installer.pkg", "");
   writeFile("/Users/tester/set/.InstallationAttributes.dat",
-            "Mode = Downloaded\nInstallDataTitle = Packed\nRelativePath = .\nTotalSizeMillionsBytes = 1\n");
+            "Mode = Downloaded\nInstallDataTitle = Packed\nInstalledData = In %s\nRelativePath = "
+            ".\nTotalSizeMillionsBytes = 1\n");
   writeFile("/Users/tester/set/TANVO/a.db", "data");
   EXPECT_EQ(runThrough({program, "check", "/Users/tester/set", "--product", "Tessaphon"}).status, 0);
 

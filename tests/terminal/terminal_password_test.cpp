@@ -294,7 +294,7 @@ TEST_F(TerminalPassword, PlainLinesTakeTheEndOfInputAsARefusal) {
 }
 
 TEST_F(TerminalPassword, StoppingPlainLinesAtAQuestionGivesTheTerminalBack) {
-  TmuxTerminal terminal(80, 24, asPlainLines(askingPage()));
+  TmuxTerminal terminal(80, 24, asPlainLines(askingPage("run /tmp/asker\nwait /tmp/never\n")));
   let("go");
   terminal.waitFor("? A command prompts:");
   terminal.press({"C-c"});
