@@ -5,6 +5,7 @@
 #include "host/base/unicode.h"
 #include "host/set/install_plan.h"
 
+#include <algorithm>
 #include <map>
 #include <set>
 #include <string_view>
@@ -154,6 +155,12 @@ SourceLibrary readLibrary(const fs::path& folder, const std::string& dataFolder)
   if (fs::is_directory(top / dataFolder, error)) {
     library.folder = top / dataFolder;
     library.place = dataFolder;
+    for (const std::string& name : listNames(top.string())) {
+      if (name != dataFolder) {
+        library.leftOut.push_back(name);
+      }
+    }
+    std::sort(library.leftOut.begin(), library.leftOut.end());
   } else {
     library.folder = top;
     library.place = top.filename() == dataFolder ? dataFolder : dataFolder + "/" + top.filename().string();

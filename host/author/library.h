@@ -17,6 +17,7 @@ struct SourceLibrary {
   SourceTree tree;                    // of `folder`
   std::vector<LibraryEntry> entries;  // by their paths on a disc; without hidden names
   std::int64_t bytes = 0;             // of all files
+  std::vector<std::string> leftOut;   // what is beside the data folder
 
   [[nodiscard]] std::filesystem::path source(const LibraryEntry& entry) const;
 };

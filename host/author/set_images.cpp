@@ -68,7 +68,8 @@ void runImageTool(const std::vector<std::string>& command, const ImageDraft& dra
   const int status = tool.wait();
   if (status == kCannotRun) {
     throw UsageError(format(_("{0} is missing; install the package {1}"),
-                            {command.front(), command.front() == "xorriso" ? "xorriso" : "squashfs-tools"}));
+                            {command.front(), command.front() == "xorriso" ? "xorriso" : "squashfs-tools"}),
+                     ExitStatus::failure);
   }
   if (status != 0) {
     throw UsageError(format(_("{0} failed: {1}"), {command.front(), tool.lastLine()}), ExitStatus::failure);
@@ -81,7 +82,7 @@ fs::path makeDiscImage(const fs::path& disc, ImageKind kind, std::int64_t capaci
                        const std::function<void(std::int64_t)>& progress) {
   const char* const extension = kind == ImageKind::iso ? ".iso" : ".squashfs";
   const std::optional<Disc> named = discFromName(disc, true);
-  const fs::path image = disc.string() + extension;
+  fs::path image = disc.string() + extension;
   const ImageDraft draft(disc.parent_path() / ("." + image.filename().string()));
   runImageTool(imageCommand(kind, disc, named ? named->volumeName : disc.filename().string(), draft.path()),
                draft, progress);

@@ -210,6 +210,10 @@ Split planSplit(const SplitRequest& request) {
   split.medium = request.medium;
   split.attributesFile = plan.attributes.path();
   split.library = readLibrary(request.library, planned.product.folderName);
+  if (isIn(set.folder.string(), split.library.folder.string())) {
+    throw UsageError(
+        format(_("the set {0} is in the library, and would become a part of it"), {set.folder.string()}));
+  }
   split.replaced = placeholderDiscs(set);
   const std::int64_t reserve = request.reserve + (request.hasManifest ? manifestBytes(split.library) : 0);
   const DiscSpace space = request.medium.space(reserve);

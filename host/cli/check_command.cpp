@@ -83,6 +83,10 @@ void fixSet(const CheckRequest& request, bool isShown) {
   if (diff.empty()) {
     return;
   }
+  if (std::filesystem::is_symlink(before.plan.attributes.path())) {
+    throw UsageError(format(_("{0} is a link; correct the file that it leads to"),
+                            {before.plan.attributes.path().string()}));
+  }
   replaceFile(before.plan.attributes.path(), fixed);
   if (isShown) {
     std::puts(printableText(diff).c_str());

@@ -69,6 +69,11 @@ void printLayout(const Split& split, const DiscMedium& medium) {
          ": " + contentText(split, disc))
             .c_str());
   }
+  if (!split.library.leftOut.empty()) {
+    std::puts(format(_("Left out, since it is beside the data folder: {0}"),
+                     {printableLine(CLI::detail::join(split.library.leftOut, ", "))})
+                  .c_str());
+  }
   if (!split.dividedFolders.empty()) {
     std::puts(plural("{0} folder that would fit on a disc is divided, since that saves discs.",
                      "{0} folders that would fit on a disc are divided, since that saves discs.",

@@ -32,6 +32,42 @@ std::vector<std::string_view> linesOf(std::string_view bytes) {
   return lines;
 }
 
+// Lines, from 0, that differ.
+struct Hunk {
+  std::size_t begin;
+  std::size_t oldEnd;
+  std::size_t newEnd;
+};
+
+// Corrections change lines and add some at the end; they never move one.
+std::vector<Hunk> hunksBetween(const std::vector<std::string_view>& old,
+                               const std::vector<std::string_view>& changed) {
+  std::vector<Hunk> hunks;
+  const std::size_t common = std::min(old.size(), changed.size());
+  const auto reach = [&hunks](std::size_t begin, std::size_t oldEnd, std::size_t newEnd) {
+    if (hunks.empty() || hunks.back().oldEnd != begin) {
+      hunks.push_back({begin, begin, begin});
+    }
+    hunks.back().oldEnd = oldEnd;
+    hunks.back().newEnd = newEnd;
+  };
+  for (std::size_t i = 0; i < common; ++i) {
+    if (old[i] != changed[i]) {
+      reach(i, i + 1, i + 1);
+    }
+  }
+  if (old.size() != changed.size()) {
+    reach(common, old.size(), changed.size());
+  }
+  return hunks;
+}
+
+// As `diff` writes it: lines from 1, their number unless it is 1, and of none the line before.
+std::string rangeText(std::size_t begin, std::size_t end) {
+  const std::size_t count = end - begin;
+  return std::to_string(count == 0 ? begin : begin + 1) + (count == 1 ? "" : "," + std::to_string(count));
+}
+
 }  // namespace
 
 AttributesCorrection correctionOf(const AttributesReading& attributes, std::string_view part,
@@ -86,37 +122,14 @@ std::string unifiedDiff(std::string_view name, std::string_view before, std::str
   const std::vector<std::string_view> old = linesOf(before);
   const std::vector<std::string_view> changed = linesOf(after);
   std::string text = "--- " + std::string(name) + "\n+++ " + std::string(name) + "\n";
-  const auto range = [](std::size_t first, std::size_t count) {
-    return std::to_string(count == 0 ? first - 1 : first) + (count == 1 ? "" : "," + std::to_string(count));
-  };
-  const auto hunk = [&](std::size_t from, std::size_t oldEnd, std::size_t newEnd) {
-    text += "@@ -" + range(from + 1, oldEnd - from) + " +" + range(from + 1, newEnd - from) + " @@\n";
-    for (std::size_t i = from; i < oldEnd; ++i) {
+  for (const Hunk& hunk : hunksBetween(old, changed)) {
+    text += "@@ -" + rangeText(hunk.begin, hunk.oldEnd) + " +" + rangeText(hunk.begin, hunk.newEnd) + " @@\n";
+    for (std::size_t i = hunk.begin; i < hunk.oldEnd; ++i) {
       text += "-" + std::string(old[i]) + "\n";
     }
-    for (std::size_t i = from; i < newEnd; ++i) {
+    for (std::size_t i = hunk.begin; i < hunk.newEnd; ++i) {
       text += "+" + std::string(changed[i]) + "\n";
     }
-  };
-  // Corrections change lines and add some at the end; they never move one.
-  const std::size_t common = std::min(old.size(), changed.size());
-  for (std::size_t i = 0; i < common;) {
-    std::size_t end = i;
-    while (end < common && old[end] != changed[end]) {
-      ++end;
-    }
-    if (end > i) {
-      hunk(i, end == common ? old.size() : end, end == common ? changed.size() : end);
-      i = end;
-      if (end == common) {
-        return text;
-      }
-    } else {
-      ++i;
-    }
-  }
-  if (old.size() != changed.size()) {
-    hunk(common, old.size(), changed.size());
   }
   return text;
 }

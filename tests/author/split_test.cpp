@@ -98,6 +98,18 @@ TEST(SplitCommand, ADryRunWritesNothing) {
   EXPECT_EQ(treeOf(kSplitSet), before);
 }
 
+TEST(SplitCommand, TakesTheDataFolderAloneAndSaysSo) {
+  makeEmptySet();
+  writeFile(kLibrary + "/TANVO/Keys/one.db", someBytes(1'000'000));
+  writeFile(kLibrary + "/Read me.txt", "text");
+  makeFolder(kLibrary + "/Artwork");
+  const Outcome outcome = split({"--dry-run"});
+  EXPECT_EQ(outcome.output,
+            "1 disc (disc of 12.0 MB), 1.0 MB in TANVO:\n  1 Tavenhall Tessaphon A\n    1 file, 1.0 MB; 8% of "
+            "the room "
+            "is used: Keys\nLeft out, since it is beside the data folder: Artwork, Read me.txt\n");
+}
+
 TEST(SplitCommand, PutsWhatOnlyTheFullEditionHasOnTheSecondDisc) {
   makeEmptySet();
   makeLibrary();
@@ -227,6 +239,13 @@ INSTANTIATE_TEST_SUITE_P(
                 [] {},
                 {"--reserve", "12m"},
                 "tavinstall: nothing is left of a disc for files; give a smaller --reserve or larger discs\n"},
+        Refusal{"ASetInTheLibrary",
+                [] {
+                  std::filesystem::rename(kLibrary, kSplitSet + "/Library");
+                  std::filesystem::create_symlink(kSplitSet + "/..", kLibrary);
+                },
+                {},
+                "tavinstall: the set /tmp/split set is in the library, and would become a part of it\n"},
         Refusal{"NoLibrary",
                 [] { std::filesystem::remove_all(kLibrary); },
                 {},
@@ -274,6 +293,14 @@ TEST(AttributesEdits, ChangeTheLineThatThePageReads) {
       << "a number's key is found in its exact case only";
   EXPECT_EQ(withText("litevsfullprompt = no\n", "LiteVsFullPrompt", "Yes"), "LiteVsFullPrompt = Yes\n");
   EXPECT_EQ(withText("", "LiteVsFullPrompt", "Yes"), "LiteVsFullPrompt = Yes\n");
+}
+
+TEST(AttributesEdits, AreShownAsADiff) {
+  EXPECT_EQ(unifiedDiff("f", "a\r\nb\r\nc\r\nd\r\n", "A\r\nb\r\nC\r\nD\r\n"),
+            "--- f\n+++ f\n@@ -1 +1 @@\n-a\n+A\n@@ -3,2 +3,2 @@\n-c\n-d\n+C\n+D\n");
+  EXPECT_EQ(unifiedDiff("f", "a\n", "a\nb\n"), "--- f\n+++ f\n@@ -1,0 +2 @@\n+b\n");
+  EXPECT_EQ(unifiedDiff("f", "a\rb", "a\nb\n"), "--- f\n+++ f\n@@ -1 +1,2 @@\n-a\rb\n+a\n+b\n");
+  EXPECT_EQ(unifiedDiff("f", "a\n", "a\n"), "");
 }
 
 }  // namespace

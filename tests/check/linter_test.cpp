@@ -59,6 +59,18 @@ TEST(CheckFix, LeavesAloneWhatOnlyAPersonCanDecide) {
   }
 }
 
+TEST(CheckFix, WritesThroughNoLink) {
+  makeDiscSet(replaced(kDiscLines, "Bytes = 1", "Bytes = 900"));
+  std::filesystem::rename(inSet(kAttributes), "/Users/tester/elsewhere");
+  std::filesystem::create_symlink("/Users/tester/elsewhere", inSet(kAttributes));
+  const Outcome outcome = check({kSetFolder, "--product", "Lumaweave", "--fix"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.error,
+            "tavinstall: " + inSet(kAttributes) + " is a link; correct the file that it leads to\n");
+  EXPECT_TRUE(std::filesystem::is_symlink(inSet(kAttributes)));
+  EXPECT_THAT(readFile("/Users/tester/elsewhere"), HasSubstr("Bytes = 900"));
+}
+
 TEST(CheckFix, TurnsUtf16IntoUtf8) {
   std::string bytes = "\xFF\xFE";
   for (const char character : replaced(kDiscLines, "Installing", "Inst")) {
