@@ -29,7 +29,7 @@ _tavinstall() {
     --disc-size) COMPREPLY=($(compgen -W "dvd5 dvd9 bd25 bd50 usb:64g" -- "$current")); return ;;
     --late | --discs | --reserve | --disc-timeout) return ;;
     --installed | --keep) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
-    --package | --manifest | --summary | --report | --bundle) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
+    --package | --manifest | --summary | --report | --storyboard | --bundle) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
   esac
 
   local options
@@ -40,7 +40,7 @@ _tavinstall() {
     stop) options="--help" ;;
     new) options="--product --mode --discs --editions --language --help" ;;
     split) options="--disc-size --reserve --product --full-only --copy --images --manifest --dry-run --help" ;;
-    rehearse) options="--product --install-type --installed --allow-outside --late --keep --report --ui --help" ;;
+    rehearse) options="--product --install-type --installed --allow-outside --late --keep --report --ui --storyboard --language --help" ;;
     check) options="--product --install-type --installed --format --select --ignore --fail-on --fix --explain --help" ;;
     manifest) options="--product --help" ;;
     verify) options="--package --manifest --install-type --json --help" ;;

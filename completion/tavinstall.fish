@@ -66,6 +66,8 @@ complete -c tavinstall -n '__fish_seen_subcommand_from split' -l images -x -a 'i
 complete -c tavinstall -n '__fish_seen_subcommand_from split' -l manifest -d 'Write the digests of all files'
 complete -c tavinstall -n '__fish_seen_subcommand_from split' -l dry-run -d 'Show the layout; write nothing'
 complete -c tavinstall -n '__fish_seen_subcommand_from split' -a '(__fish_complete_directories)'
+complete -c tavinstall -n '__fish_seen_subcommand_from rehearse' -l storyboard -r -F -d 'Show all screens in this HTML file'
+complete -c tavinstall -n '__fish_seen_subcommand_from rehearse' -l language -x -a 'en de fr es it ja zh-Hans' -d 'Only in this language'
 complete -c tavinstall -n '__fish_seen_subcommand_from rehearse' -l keep -x -a '(__fish_complete_directories)' -d 'Keep the installed files and the log in this new folder'
 complete -c tavinstall -n '__fish_seen_subcommand_from rehearse' -l report -r -F -d 'Also write the report to this file, as JSON'
 complete -c tavinstall -n '__fish_seen_subcommand_from rehearse check' -a '(__fish_complete_directories)'

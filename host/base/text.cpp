@@ -9,6 +9,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <libintl.h>
+#include <optional>
+#include <utility>
 #include <vector>
 
 namespace tavenhall {
@@ -32,6 +34,12 @@ std::string catalogNames() {
     names += (names.empty() ? "" : ":") + catalogOf(folder);
   }
   return names;
+}
+
+// The user's own LANGUAGE while the program speaks another; "" where it is not set.
+std::optional<std::string>& languageBefore() {
+  static std::optional<std::string> language;
+  return language;
 }
 
 void bindCatalogs(const std::filesystem::path& catalogs) {
@@ -63,6 +71,9 @@ std::string fillFrom(std::string_view pattern, const std::string_view* values, s
 }  // namespace
 
 void speakUsersLanguage(const std::filesystem::path& catalogs) {
+  if (const std::optional<std::string> before = std::exchange(languageBefore(), std::nullopt)) {
+    setenv("LANGUAGE", before->c_str(), 1);
+  }
   if (std::setlocale(LC_MESSAGES, "") == nullptr) {
     // The system lacks the user's locale, as small systems do. The catalogs do not need it: any locale but
     // "C" makes them be looked at, and LANGUAGE says which.
@@ -77,6 +88,9 @@ void speakUsersLanguage(const std::filesystem::path& catalogs) {
 void speakLanguage(const std::string& language, const std::filesystem::path& catalogs) {
   if (std::setlocale(LC_MESSAGES, "C.UTF-8") == nullptr) {
     std::setlocale(LC_MESSAGES, "");
+  }
+  if (const char* users = std::getenv("LANGUAGE"); !languageBefore()) {
+    languageBefore() = users != nullptr ? users : "";
   }
   setenv("LANGUAGE", catalogOf(language).c_str(), 1);
   bindCatalogs(catalogs);

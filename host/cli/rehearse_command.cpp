@@ -1,12 +1,17 @@
+#include "host/base/build_facts.h"
 #include "host/base/files.h"
 #include "host/base/text.h"
 #include "host/cli/command_line.h"
+#include "host/cli/rehearse_storyboard.h"
 #include "host/cli/run_description.h"
 #include "host/plain/plain_frontend.h"
 #include "host/rehearse/rehearsal.h"
 #include "host/terminal/terminal_frontend.h"
 
+#include <iterator>
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace tavenhall {
 
@@ -58,6 +63,8 @@ void addRehearseCommand(CommandLine& commandLine) {
   struct Arguments {
     RehearsalRequest request;
     std::string ui;
+    std::string storyboard;
+    std::vector<std::string> languages;
   };
   const auto arguments = std::make_shared<Arguments>();
   RehearsalRequest& request = arguments->request;
@@ -65,11 +72,7 @@ void addRehearseCommand(CommandLine& commandLine) {
       commandLine.program.add_subcommand("rehearse", _("Install a set in a sandbox and verify the result"));
   command->add_option("SET", request.set, _("Folder with the package, its attributes file and discs/"))
       ->required();
-  command
-      ->add_option("--product", request.product,
-                   format(_("Product, unless the set's rehearsal.json names it: {0}"),
-                          {CLI::detail::join(productNames(), ", ")}))
-      ->type_name("NAME");
+  addProductOption(*command, request.product);
   command
       ->add_option("--install-type", request.installType,
                    _("Edition to install if there is a choice: Lite or Full"))
@@ -90,8 +93,23 @@ void addRehearseCommand(CommandLine& commandLine) {
   command->add_option("--report", request.report, _("Also write the report to this file, as JSON"))
       ->type_name("FILE");
   addFrontendOption(*command, arguments->ui);
+  CLI::Option* storyboard = command
+                                ->add_option("--storyboard", arguments->storyboard,
+                                             _("Rehearse in each language; show all screens in this HTML file"))
+                                ->type_name("FILE");
+  command->add_option("--language", arguments->languages, _("Only in this language; may be repeated"))
+      ->check(oneOf({std::begin(kLanguages), std::end(kLanguages)}))
+      ->needs(storyboard)
+      ->allow_extra_args(false)
+      ->type_name("LANGUAGE");
+  for (const char* other : {"--keep", "--report", "--ui"}) {
+    storyboard->excludes(command->get_option(other));
+  }
   command->callback([&commandLine, arguments] {
     commandLine.chosen = [arguments] {
+      if (!arguments->storyboard.empty()) {
+        return rehearseStoryboard(arguments->request, arguments->storyboard, arguments->languages);
+      }
       return rehearse(arguments->request, viewFor(frontendFor(arguments->ui)));
     };
   });

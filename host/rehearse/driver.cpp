@@ -89,6 +89,8 @@ void RehearsalDriver::handle(const Event& event) {
   if (frontendEvents_) {
     frontendEvents_->write(event);
   }
+  const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - startedAt_;
+  record_.addEvent(passed.count(), encode(event), std::holds_alternative<event::ProgressValue>(event));
   std::visit(EventVisitor{
                  [this](const event::Alert& alert) { handleAlert(alert); },
                  [this](const event::Sheet& sheet) { record_.sheets.push_back(sheet.message); },

@@ -8,6 +8,7 @@
 #include "host/rehearse/sandbox.h"
 #include "host/rehearse/stop_request.h"
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
@@ -44,6 +45,7 @@ class RehearsalDriver {
   std::optional<EngineClient> engine_;
   std::optional<EventWriter> frontendEvents_;
   RehearsalRecord record_;
+  std::chrono::steady_clock::time_point startedAt_ = std::chrono::steady_clock::now();
   bool nextIsEnabled_ = false;
 };
 

@@ -2,10 +2,19 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 namespace tavenhall {
 
 using nlohmann::ordered_json;
+
+void RehearsalRecord::addEvent(double atSeconds, std::string line, bool isProgress) {
+  if (!events.empty() && ((isProgress && endsInProgress_) || events.size() == kMostEvents)) {
+    events.pop_back();
+  }
+  events.push_back({atSeconds, std::move(line)});
+  endsInProgress_ = isProgress;
+}
 
 void RehearsalRecord::addAlert(const std::string& message, const std::string& informative) {
   alerts.push_back({message, informative, 0});
@@ -54,10 +63,14 @@ ordered_json RehearsalRecord::toJson() const {
                        {"missingDisc", missingDisc},
                        {"missingDiscWasIn", missingDiscWasIn},
                        {"insertedDiscs", insertedDiscs},
+                       {"events", ordered_json::array()},
                        {"prompts", ordered_json::array()},
                        {"alerts", ordered_json::array()},
                        {"bars", ordered_json::array()},
                        {"auditFailures", ordered_json::array()}};
+  for (const TimedEvent& event : events) {
+    json["events"].push_back({{"at", event.seconds}, {"line", event.line}});
+  }
   for (const Prompt& prompt : prompts) {
     json["prompts"].push_back({{"volume", prompt.volume}, {"reply", prompt.reply}});
   }
@@ -83,6 +96,9 @@ RehearsalRecord RehearsalRecord::fromJson(const ordered_json& json) {
   record.missingDisc = json.at("missingDisc");
   record.missingDiscWasIn = json.at("missingDiscWasIn");
   record.insertedDiscs = json.at("insertedDiscs").get<std::vector<std::size_t>>();
+  for (const auto& event : json.at("events")) {
+    record.events.push_back({event.at("at"), event.at("line")});
+  }
   for (const auto& prompt : json.at("prompts")) {
     record.prompts.push_back({prompt.at("volume"), prompt.at("reply")});
   }

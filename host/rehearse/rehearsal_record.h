@@ -28,6 +28,14 @@ struct RehearsalRecord {
     double highest = 0.0;
   };
 
+  // Events as JSON lines, in order, with the seconds since the first; of progress only the latest before each
+  // other event.
+  struct TimedEvent {
+    double seconds = 0.0;
+    std::string line;
+  };
+
+  std::vector<TimedEvent> events;
   std::vector<Prompt> prompts;
   std::vector<Alert> alerts;
   std::vector<std::string> sheets;
@@ -38,6 +46,11 @@ struct RehearsalRecord {
   bool missingDiscWasIn = false;  // it was inserted, but the page did not accept it
   bool hasLeft = false;           // the page accepted Continue
   double seconds = 0.0;
+
+  // `isProgress`: it replaces the latest one, if that is progress too. Beyond kMostEvents only the last is
+  // kept.
+  void addEvent(double atSeconds, std::string line, bool isProgress);
+  static constexpr std::size_t kMostEvents = 5000;
 
   void addAlert(const std::string& message, const std::string& informative);
   void addAnswer(int answer);  // also before its alert
@@ -52,6 +65,7 @@ struct RehearsalRecord {
 
  private:
   std::deque<int> earlyAnswers_;
+  bool endsInProgress_ = false;
 };
 
 }  // namespace tavenhall

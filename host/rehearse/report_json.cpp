@@ -84,6 +84,14 @@ ordered_json leftFilesJson(const RehearsalFindings& findings) {
   return files;
 }
 
+ordered_json eventsJson(const RehearsalFindings& findings) {
+  ordered_json events = ordered_json::array();
+  for (const RehearsalRecord::TimedEvent& event : findings.record.events) {
+    events.push_back({{"at", event.seconds}, {"event", ordered_json::parse(event.line, nullptr, false)}});
+  }
+  return events;
+}
+
 ordered_json sizesJson(const AnnouncedComparison& sizes) {
   return {{"announcedBytes", sizes.announced}, {"realBytes", sizes.real}, {"far", sizes.isFar}};
 }
@@ -116,7 +124,8 @@ ordered_json reportJson(const RehearsalFindings& findings) {
           {"logFile", findings.log.empty() ? ordered_json() : ordered_json(findings.log)},
           {"log", findings.logText},
           {"gone", findings.goneFiles},
-          {"extra", findings.extraFiles}};
+          {"extra", findings.extraFiles},
+          {"events", eventsJson(findings)}};
 }
 
 }  // namespace tavenhall

@@ -191,7 +191,8 @@ TEST(RehearseBadUsage, AnUnknownProduct) {
   const Outcome outcome = rehearse({"--product", "Nosuch"});
   EXPECT_EQ(outcome.status, 2);
   EXPECT_EQ(outcome.error,
-            "tavinstall: unknown product Nosuch; the products are Tessaphon, Lumaweave, Bassoria, TemporaQX\n");
+            "tavinstall: --product: Nosuch not in {Tessaphon,Lumaweave,Bassoria,TemporaQX}; see tavinstall "
+            "rehearse --help\n");
 }
 
 TEST(RehearseBadUsage, RefusesAReportThatCannotBeWritten) {
