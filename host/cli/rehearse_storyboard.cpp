@@ -8,11 +8,14 @@
 #include "host/check/report.h"
 #include "host/cli/run_description.h"
 #include "host/protocol/json_form.h"
+#include "host/rehearse/rehearsal_record.h"
+#include "host/rehearse/stop_request.h"
 #include "host/rehearse/temporary_folder.h"
 #include "host/storyboard/storyboard.h"
 #include "platform/host_system.h"
 
 #include <array>
+#include <chrono>
 #include <clocale>
 #include <ctime>
 #include <fstream>
@@ -21,6 +24,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string_view>
+#include <thread>
 
 namespace tavenhall {
 
@@ -59,8 +63,13 @@ class LanguageRehearsal {
 
   [[nodiscard]] const std::string& language() const { return language_; }
 
-  // Blocks until it has ended. Throws UsageError where there is no report.
-  [[nodiscard]] nlohmann::ordered_json report() {
+  // Blocks until it has ended. Throws UsageError where there is no report, and Stopped.
+  [[nodiscard]] nlohmann::ordered_json report(const StopRequest& stop) {
+    constexpr auto kPause = std::chrono::milliseconds(20);
+    while (!process_.hasEnded()) {
+      stop.throwIfCome();
+      std::this_thread::sleep_for(kPause);
+    }
     status_ = process_.wait();
     std::ifstream file(report_);
     auto json = nlohmann::ordered_json::parse(file, nullptr, false);
@@ -136,7 +145,11 @@ StoryLanguage storyOf(LanguageRehearsal& rehearsal, const nlohmann::ordered_json
   story.goBackLabel = _("Go Back");
   story.passed = rehearsal.lastLine();
   story.isPassed = rehearsal.status() == 0 || rehearsal.status() == static_cast<int>(ExitStatus::warnings);
-  story.screens = screensOf(introduction, eventsOf(report));
+  const std::vector<StoryEvent> events = eventsOf(report);
+  if (events.size() == RehearsalRecord::kMostEvents) {
+    story.passed = join(story.passed, _("Not all that happened is shown: it was too much."));
+  }
+  story.screens = screensOf(introduction, events);
   story.report = rehearsal.output();
   story.report.erase(0, story.report.find_first_not_of('\n'));
   story.diagnostics = diagnosticsText(checked, {});
@@ -170,8 +183,10 @@ class InUtf8 {
 
 }  // namespace
 
-ExitStatus rehearseStoryboard(const RehearsalRequest& request, const fs::path& file,
-                              std::vector<std::string> languages) {
+namespace {
+
+ExitStatus makeStoryboard(const RehearsalRequest& request, const fs::path& file,
+                          std::vector<std::string> languages, const StopRequest& stop) {
   requireWritable(file);
   if (languages.empty()) {
     languages.assign(std::begin(kLanguages), std::end(kLanguages));
@@ -196,7 +211,7 @@ ExitStatus rehearseStoryboard(const RehearsalRequest& request, const fs::path& f
     for (const std::string& language : languages) {
       LanguageRehearsal& rehearsal =
           isSmall ? *next++ : rehearsals.emplace_back(request, language, folder.path());
-      const nlohmann::ordered_json report = rehearsal.report();
+      const nlohmann::ordered_json report = rehearsal.report(stop);
       storyboard.languages.push_back(storyOf(rehearsal, report, checkRequest));
       const auto status = static_cast<ExitStatus>(rehearsal.status());
       worst = status == ExitStatus::failure || worst == ExitStatus::success ? status : worst;
@@ -208,6 +223,19 @@ ExitStatus rehearseStoryboard(const RehearsalRequest& request, const fs::path& f
   }
   std::puts(format(_("Written: {0}"), {printableLine(file.string())}).c_str());
   return worst;
+}
+
+}  // namespace
+
+ExitStatus rehearseStoryboard(const RehearsalRequest& request, const fs::path& file,
+                              std::vector<std::string> languages) {
+  const StopRequest stop;
+  try {
+    return makeStoryboard(request, file, std::move(languages), stop);
+  } catch (const Stopped&) {
+    showError(UsageError(_("the rehearsal was stopped; there is no report")));
+    return ExitStatus::failure;
+  }
 }
 
 }  // namespace tavenhall

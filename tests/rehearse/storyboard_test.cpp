@@ -1,5 +1,6 @@
 #include "tests/rehearse/rehearsals.h"
 
+#include <csignal>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -140,6 +141,18 @@ TEST(RehearsalStoryboard, ShowsLongTextsCutFailuresAndTheOtherLanguage) {
   EXPECT_EQ(japanese["shown"], nlohmann::json({"ja"}));
   EXPECT_EQ(japanese["screens"].size(), english["screens"].size());
   EXPECT_NE(japanese["screens"], english["screens"]);
+}
+
+TEST(RehearsalStoryboard, StoppedLeavesNothing) {
+  makeDiscSet();  // its rehearsal takes the page's waits
+  ChildProgram program({kTavinstall, "rehearse", kSetFolder, "--product", "Lumaweave", "--storyboard", kBoard});
+  ASSERT_TRUE(comesTrue([&program] { return descendantsOf(program.pid()).size() > 7; }));
+  const std::vector<pid_t> processes = descendantsOf(program.pid());
+  ASSERT_EQ(kill(program.pid(), SIGINT), 0);
+  EXPECT_EQ(program.waitForEnd(), 1);
+  EXPECT_EQ(program.standardError(), "tavinstall: the rehearsal was stopped; there is no report\n");
+  EXPECT_FALSE(std::filesystem::exists(kBoard));
+  expectNothingLeft(processes);
 }
 
 TEST(RehearsalStoryboard, WithoutARehearsalThereIsNone) {
