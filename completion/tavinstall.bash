@@ -39,7 +39,7 @@ _tavinstall() {
     attach) options="--ui --no-notify --help" ;;
     stop) options="--help" ;;
     new) options="--product --mode --discs --editions --language --help" ;;
-    split) options="--disc-size --reserve --product --full-only --copy --images --manifest --dry-run --help" ;;
+    split) options="--disc-size --reserve --product --full-only --copy --link --images --manifest --dry-run --help" ;;
     rehearse) options="--product --install-type --installed --allow-outside --late --keep --report --ui --storyboard --language --help" ;;
     check) options="--product --install-type --installed --format --select --ignore --fail-on --fix --explain --help" ;;
     manifest) options="--product --help" ;;

@@ -62,6 +62,7 @@ complete -c tavinstall -n '__fish_seen_subcommand_from split' -l disc-size -x -a
 complete -c tavinstall -n '__fish_seen_subcommand_from split' -l reserve -x -d 'Leave so many bytes free on each disc'
 complete -c tavinstall -n '__fish_seen_subcommand_from split' -l full-only -r -F -d 'What only the Full edition has'
 complete -c tavinstall -n '__fish_seen_subcommand_from split' -l copy -d 'Copy the files'
+complete -c tavinstall -n '__fish_seen_subcommand_from split' -l link -d 'Make hard links'
 complete -c tavinstall -n '__fish_seen_subcommand_from split' -l images -x -a 'iso squashfs' -d 'Make an image of each disc'
 complete -c tavinstall -n '__fish_seen_subcommand_from split' -l manifest -d 'Write the digests of all files'
 complete -c tavinstall -n '__fish_seen_subcommand_from split' -l dry-run -d 'Show the layout; write nothing'

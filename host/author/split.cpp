@@ -132,15 +132,20 @@ bool readsBack(const std::string& attributes, std::size_t discs, bool hasEdition
          (!hasEditions || reading.findNumber("Component1SizeMillionsBytes").number > 0);
 }
 
-void putFile(const fs::path& from, const fs::path& to, std::int64_t size, bool mayLink,
+void putFile(const fs::path& from, const fs::path& to, std::int64_t size, SplitMethod method,
              const std::function<void(std::int64_t)>& progress) {
-  if (mayLink && link(from.c_str(), to.c_str()) == 0) {
-    progress(size);
-    return;
-  }
   const auto fail = [](const char* what, const fs::path& file, int error) {
     throw UsageError(format(what, {file.string(), std::strerror(error)}), ExitStatus::failure);
   };
+  if (method != SplitMethod::copy) {
+    if (link(from.c_str(), to.c_str()) == 0) {
+      progress(size);
+      return;
+    }
+    if (method == SplitMethod::link) {
+      fail(_("cannot make a link to {0}: {1}"), from, errno);
+    }
+  }
   const RegularFile source(from);
   if (source.error() != 0) {
     fail(_("cannot read {0}: {1}"), from, source.error());
@@ -271,7 +276,7 @@ void makeDiscs(const Split& split, SplitMethod method, const std::function<void(
         const fs::path file = folder / entry.path;
         fs::create_directories(entry.isFolder ? file : file.parent_path());
         if (!entry.isFolder) {
-          putFile(split.library.source(entry), file, entry.size, method == SplitMethod::linkOrCopy, progress);
+          putFile(split.library.source(entry), file, entry.size, method, progress);
         }
       }
     }

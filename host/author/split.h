@@ -67,6 +67,7 @@ class CannotSplit : public UsageError {
 
 enum class SplitMethod {
   linkOrCopy,  // a hard link where the file system of the set is the library's
+  link,
   copy,
 };
 

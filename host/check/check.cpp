@@ -1,9 +1,11 @@
 #include "host/check/check.h"
 
 #include "host/check/rules.h"
+#include "host/check/spelling.h"
 
 #include <algorithm>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 namespace tavenhall {
@@ -89,12 +91,19 @@ void tryOtherModes(const CheckRequest& request, CheckResult& result) {
   }
 }
 
+// As safe as what the table calls so.
+bool changesCaseAlone(const AttributesCorrection& correction, std::string_view bytes) {
+  const std::string_view before = bytes.substr(correction.begin, correction.end - correction.begin);
+  return before != correction.text && equalsIgnoringCase(before, correction.text);
+}
+
 // One at a time, and in the table's order: bytes before keys, keys before values, since the one may be the
 // cause of the other. Null if there is none.
-const AttributesCorrection* nextFix(const Diagnostics& diagnostics) {
+const AttributesCorrection* nextFix(const Diagnostics& diagnostics, std::string_view bytes) {
   for (const DiagnosticKind& kind : diagnosticKinds()) {
     for (const Diagnostic& diagnostic : diagnostics.all()) {
-      if (kind.isFixable && diagnostic.name() == kind.name && diagnostic.correction) {
+      if (diagnostic.name() == kind.name && diagnostic.correction &&
+          (kind.isFixable || changesCaseAlone(*diagnostic.correction, bytes))) {
         return &*diagnostic.correction;
       }
     }
@@ -116,7 +125,7 @@ std::string fixedAttributes(const CheckRequest& request) {
   CheckResult result = applyRules(request);
   std::string bytes(result.checked.plan.attributes.bytes());
   for (int turn = 0; turn < kMostTurns; ++turn) {
-    const AttributesCorrection* correction = nextFix(result.diagnostics);
+    const AttributesCorrection* correction = nextFix(result.diagnostics, bytes);
     if (correction == nullptr) {
       break;
     }

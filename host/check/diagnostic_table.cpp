@@ -90,7 +90,8 @@ std::string diagnosticsDocument() {
       "one, and "
       "is not counted; a cause is\nas severe as its worst consequence. `tavinstall check --explain NAME` "
       "prints what is "
-      "said here. Made from the program's\nown table.\n";
+      "said here. `--fix` also corrects what differs in letter case alone.\nMade from the program's\nown "
+      "table.\n";
   for (const DiagnosticTopic& topic : diagnosticTopics()) {
     text += "\n## " + std::string(topic.title) + "\n";
     if (!topic.text.empty()) {

@@ -29,6 +29,7 @@ struct SplitArguments {
   std::string reserve;
   std::string images;
   bool isCopied = false;
+  bool isLinked = false;
   bool isDryRun = false;
 };
 
@@ -132,6 +133,12 @@ Split planOrExplain(const SplitRequest& request) {
   }
 }
 
+SplitMethod methodOf(const SplitArguments& arguments) {
+  return arguments.isCopied   ? SplitMethod::copy
+         : arguments.isLinked ? SplitMethod::link
+                              : SplitMethod::linkOrCopy;
+}
+
 ExitStatus splitLibrary(const SplitArguments& arguments) {
   SplitRequest request = arguments.request;
   request.medium = discMedium(arguments.size);
@@ -145,8 +152,7 @@ ExitStatus splitLibrary(const SplitArguments& arguments) {
   requireSpace(split, !isLinked, !arguments.images.empty());
   {
     ReadingProgress progress(split.library.bytes);
-    makeDiscs(split, arguments.isCopied ? SplitMethod::copy : SplitMethod::linkOrCopy,
-              [&progress](std::int64_t bytes) { progress.add(bytes); });
+    makeDiscs(split, methodOf(arguments), [&progress](std::int64_t bytes) { progress.add(bytes); });
   }
   const CheckedSet set = openCheckedSet({split.set, request.product, "Full", {}});
   SetFiles files = filesOfSet(set);
@@ -189,8 +195,9 @@ void addSplitCommand(CommandLine& commandLine) {
                    _("File or folder of the library that only the Full edition has; may be repeated"))
       ->allow_extra_args(false)
       ->type_name("PATH");
-  command->add_flag("--copy", arguments->isCopied,
-                    _("Copy the files; by default links are made where possible"));
+  CLI::Option* copy = command->add_flag("--copy", arguments->isCopied, _("Copy the files"));
+  command->add_flag("--link", arguments->isLinked, _("Make hard links; by default only where possible"))
+      ->excludes(copy);
   command
       ->add_option("--images", arguments->images,
                    _("Make an image of each disc: iso (to burn) or squashfs (to rehearse)"))

@@ -140,6 +140,23 @@ TEST(SplitCommand, AFileThatCannotBeWrittenLeavesTheSetAsItWas) {
   EXPECT_EQ(treeOf(kSplitSet), before);
 }
 
+TEST(SplitCommand, LinksThatAreAskedForAreNoCopies) {
+  makeEmptySet();
+  const std::string elsewhere = "/Volumes/Other";
+  makeFolder(elsewhere);
+  ASSERT_EQ(runThrough({"mount", "-t", "tmpfs", "none", elsewhere}).status, 0);
+  writeFile(elsewhere + "/Library/one.db", someBytes(1'000'000));
+  const std::vector<std::string> command{kTavinstall, "split",       elsewhere + "/Library",
+                                         kSplitSet,   "--disc-size", "12m"};
+  std::vector<std::string> linking = command;
+  linking.emplace_back("--link");
+  const Outcome outcome = runThrough(linking);
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.error,
+            "tavinstall: cannot make a link to /Volumes/Other/Library/one.db: Invalid cross-device link\n");
+  EXPECT_EQ(runThrough(command).status, 0) << "then it is copied";
+}
+
 struct Refusal {
   const char* name;
   void (*change)();

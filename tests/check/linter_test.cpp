@@ -59,6 +59,16 @@ TEST(CheckFix, LeavesAloneWhatOnlyAPersonCanDecide) {
   }
 }
 
+TEST(CheckFix, CorrectsLetterCase) {
+  makeDiscSet(replaced(replaced(kDiscLines, "InstallFromVolumes", "installfromvolumes"), "Number", "number"));
+  EXPECT_EQ(check({kSetFolder, "--product", "Lumaweave", "--fix"}).status, 0);
+  EXPECT_EQ(readFile(inSet(kAttributes)), kDiscLines);
+  std::filesystem::remove_all(kSetFolder);
+  makeDataUpdateSet(replaced(kDataUpdateLines, "RelativePath = First", "RelativePath = FIRST"));
+  EXPECT_EQ(check({kSetFolder, "--product", "Tessaphon", "--fix"}).status, 0);
+  EXPECT_EQ(readFile(inSet(kAttributes)), kDataUpdateLines);
+}
+
 TEST(CheckFix, WritesThroughNoLink) {
   makeDiscSet(replaced(kDiscLines, "Bytes = 1", "Bytes = 900"));
   std::filesystem::rename(inSet(kAttributes), "/Users/tester/elsewhere");

@@ -29,6 +29,9 @@ TEST(Reference, OfTheDiagnosticsIsTheirTable) {
     writeFile(std::string(TAVINSTALL_SOURCE_DIR) + "/docs/diagnostics.md", diagnosticsDocument());
   }
   EXPECT_EQ(source("docs/diagnostics.md"), diagnosticsDocument());
+  for (const DiagnosticKind& kind : diagnosticKinds()) {
+    EXPECT_FALSE(kind.wrong.empty() || kind.right.empty() || kind.explanation.empty()) << kind.name;
+  }
 }
 
 TEST(Reference, ExplainsEveryKeyWithAnExample) {
