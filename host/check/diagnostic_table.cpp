@@ -81,17 +81,18 @@ std::string explanationText(const DiagnosticKind& kind) {
 }
 
 std::string diagnosticsDocument() {
-  std::string text =
-      "# Diagnostics of `tavinstall check`\n\n"
+  std::string text = "# Diagnostics of `tavinstall check`\n\n";
+  text += linesOfText(
       "A diagnostic has a name, a severity, a place, and the consequence for the user. An **error** means that "
       "the user "
-      "does\nnot get what the set should install. A **warning** means that the installation succeeds with an "
-      "unexpected result. A\n**note** is information. What follows from another diagnostic is shown below that "
-      "one, and "
-      "is not counted; a cause is\nas severe as its worst consequence. `tavinstall check --explain NAME` "
-      "prints what is "
-      "said here. `--fix` also corrects what differs in letter case alone.\nMade from the program's\nown "
-      "table.\n";
+      "does not get what the set should install. A **warning** means that the installation succeeds with an "
+      "unexpected "
+      "result. A **note** is information. What follows from another diagnostic is shown below that one, and is "
+      "not "
+      "counted; a cause is as severe as its worst consequence. `tavinstall check --explain NAME` prints what "
+      "is said "
+      "here. `--fix` also corrects what differs in letter case alone. Made from the program's own table.",
+      kDocumentColumns);
   for (const DiagnosticTopic& topic : diagnosticTopics()) {
     text += "\n## " + std::string(topic.title) + "\n";
     if (!topic.text.empty()) {
@@ -101,7 +102,7 @@ std::string diagnosticsDocument() {
       const std::string name(kind.name);
       text +=
           "\n<a id=\"" + name + "\"></a>\n### " + name + "\n\n" +
-          linesOfText("**" + std::string(severityWord(kind.severity)) + "** – " + std::string(kind.explanation),
+          linesOfText("**" + std::string(severityWord(kind.severity)) + "**: " + std::string(kind.explanation),
                       kDocumentColumns) +
           "\n" +
           linesOfText("What to do: " + std::string(kind.remedy) +
