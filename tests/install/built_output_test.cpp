@@ -60,6 +60,14 @@ TEST(BuiltOutput, AnInstalledProgramFindsItsBundlesAndItsStandIns) {
   EXPECT_EQ(treeOf(kDova), (std::vector<std::string>{"Bassoria/", "Bassoria/a.db"}));
   EXPECT_TRUE(treeOf("/Volumes/Tavenhall Bassoria").empty()) << "the disc was not taken out";
   EXPECT_THAT(runThrough({program, "--version"}).output, testing::StartsWith("tavinstall "));
+
+  // A terminal's link to a diagnostic leads to the document that was installed with the program.
+  writeFile("/Users/tester/Set/Installer.pkg", "");
+  const Outcome checked = runThrough(
+      {"sh", "-c", "TERM=xterm script -qec '" + program + " check /Users/tester/Set' /dev/null </dev/null"});
+  EXPECT_THAT(checked.output,
+              testing::HasSubstr(
+                  "file:///tmp/stage/opt/tavinstall/share/doc/tavinstall/diagnostics.md#attributes-missing"));
 }
 
 }  // namespace
