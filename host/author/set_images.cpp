@@ -22,7 +22,7 @@ namespace {
 std::vector<std::string> imageCommand(ImageKind kind, const fs::path& disc, const std::string& volumeName,
                                       const fs::path& image) {
   if (kind == ImageKind::squashfs) {
-    // Not compressed: samples hardly are, and the page reads the image again and again.
+    // Not compressed, so that its size can be compared with that of a disc.
     return {"mksquashfs", disc.string(), image.string(), "-quiet", "-no-progress", "-noappend",
             "-all-root",  "-noI",        "-noD",         "-noF",   "-noX"};
   }

@@ -268,8 +268,8 @@ Split planSplit(const SplitRequest& request) {
 
 void makeDiscs(const Split& split, SplitMethod method, const std::function<void(std::int64_t)>& progress) {
   const fs::path drafts = split.set / "discs" / kDraftFolder;
-  fs::remove_all(drafts);
   try {
+    fs::remove_all(drafts);
     for (const Split::SplitDisc& disc : split.discs) {
       const fs::path folder = drafts / disc.folder.filename();
       for (const LibraryEntry& entry : disc.entries) {
