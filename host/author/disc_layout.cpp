@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <map>
 #include <numeric>
-#include <optional>
 #include <string_view>
 
 namespace tavenhall {
@@ -41,7 +40,8 @@ struct Unit {
   std::size_t begin = 0;
   std::size_t end = 0;
   std::int64_t bytes = 0;
-  std::size_t parent = kNone;  // folder
+  std::size_t parent = kNone;  // the folder that it is in
+  std::size_t folder = kNone;  // itself, if it is one
 };
 
 struct OpenDisc {
@@ -133,25 +133,19 @@ class Library {
 
   // Lets the largest folders be divided that are not. Returns false if there is none.
   bool divide(std::size_t count) {
-    std::vector<std::size_t> whole;
-    for (std::size_t index = 0; index < folders_.size(); ++index) {
-      if (isUnit(index)) {
-        whole.push_back(index);
+    std::size_t divided = 0;
+    for (const Unit& unit : units()) {
+      if (unit.folder != kNone && divided < count) {
+        folders_[unit.folder].isDivided = true;
+        ++divided;
       }
     }
-    std::stable_sort(whole.begin(), whole.end(), [&](std::size_t left, std::size_t right) {
-      return folders_[left].bytes > folders_[right].bytes;
-    });
-    whole.resize(std::min(whole.size(), count));
-    for (const std::size_t index : whole) {
-      folders_[index].isDivided = true;
-    }
-    return !whole.empty();
+    return divided > 0;
   }
 
-  [[nodiscard]] DiscLayout layout(std::vector<OpenDisc> discs) const {
+  [[nodiscard]] DiscLayout layout(std::vector<OpenDisc> discs, std::size_t fewestPossible) const {
     DiscLayout layout;
-    layout.fewestPossible = fewestPossible();
+    layout.fewestPossible = fewestPossible;
     for (OpenDisc& disc : discs) {
       std::sort(disc.units.begin(), disc.units.end(),
                 [](const Unit& left, const Unit& right) { return left.begin < right.begin; });
@@ -204,15 +198,7 @@ class Library {
 
   [[nodiscard]] bool fits(const Folder& folder) const { return folder.above + folder.bytes <= space_.capacity; }
 
-  // Whether it goes on a disc as a whole.
-  [[nodiscard]] bool isUnit(std::size_t index) const {
-    for (std::size_t above = folders_[index].parent; above != kNone; above = folders_[above].parent) {
-      if (!isOpen(above)) {
-        return false;
-      }
-    }
-    return !isOpen(index);
-  }
+  // Whether what is in it goes on discs by itself.
   [[nodiscard]] bool isOpen(std::size_t index) const {
     return folders_[index].isDivided || !fits(folders_[index]);
   }
@@ -230,7 +216,7 @@ class Library {
         ++at;
       } else {
         const Folder& folder = folders_[outermost];
-        units.push_back({folder.begin, folder.end, folder.bytes, folder.parent});
+        units.push_back({folder.begin, folder.end, folder.bytes, folder.parent, outermost});
         at = folder.end;
       }
     }
@@ -288,15 +274,15 @@ bool fitsOnDisc(const LibraryEntry& entry, const DiscSpace& space) {
 
 DiscLayout layOut(std::span<const LibraryEntry> entries, const DiscSpace& space) {
   Library library(entries, space);
-  const std::size_t enough = library.fewestPossible() + 1;
+  const std::size_t fewest = library.fewestPossible();
   std::vector<OpenDisc> best = library.pack();
-  for (std::size_t count = 1; best.size() > enough && library.divide(count); count *= 2) {
+  for (std::size_t count = 1; best.size() > fewest + 1 && library.divide(count); count *= 2) {
     std::vector<OpenDisc> discs = library.pack();
     if (discs.size() < best.size()) {
       best = std::move(discs);
     }
   }
-  return library.layout(std::move(best));
+  return library.layout(std::move(best), fewest);
 }
 
 }  // namespace tavenhall

@@ -19,33 +19,27 @@ namespace {
 
 constexpr std::size_t kLongestJolietName = 103;  // in UTF-16; longer ones make xorriso 1.5.4 fail
 
-// One sentence for each kind of problem, with its first path, and how many more there are.
+// One sentence for each kind of problem, with its first paths, and how many more there are.
 class Problems {
  public:
-  void add(const char* sentence, const std::string& path, std::string_view detail = {}) {
-    auto [problem, isNew] = counts_.try_emplace(sentence);
-    if (isNew) {
-      order_.push_back(sentence);
+  void add(std::string_view sentence, const std::string& path, const std::string& detail = {}) {
+    auto problem = std::find_if(problems_.begin(), problems_.end(),
+                                [sentence](const Problem& known) { return known.sentence == sentence; });
+    if (problem == problems_.end()) {
+      problem = problems_.insert(problem, {std::string(sentence), "", 0});
     }
-    ++problem->second.count;
-    if (problem->second.paths.size() < kShown) {
-      problem->second.paths.push_back("  " + printableLine(path) + (detail.empty() ? "" : ": ") +
-                                      std::string(detail));
+    if (++problem->count <= kShown) {
+      problem->paths += "\n  " + printableLine(path) + (detail.empty() ? "" : ": ") + detail;
     }
   }
 
   [[nodiscard]] std::vector<std::string> sentences() const {
     std::vector<std::string> sentences;
-    for (const char* sentence : order_) {
-      const Problem& problem = counts_.at(sentence);
-      std::string text = sentence;
-      for (const std::string& path : problem.paths) {
-        text += "\n" + path;
+    for (const Problem& problem : problems_) {
+      std::string& text = sentences.emplace_back(problem.sentence + problem.paths);
+      if (problem.count > kShown) {
+        text += "\n  " + format(_("and {0} more"), {std::to_string(problem.count - kShown)});
       }
-      if (problem.count > problem.paths.size()) {
-        text += "\n  " + format(_("and {0} more"), {std::to_string(problem.count - problem.paths.size())});
-      }
-      sentences.push_back(text);
     }
     return sentences;
   }
@@ -54,12 +48,12 @@ class Problems {
   static constexpr std::size_t kShown = 5;
 
   struct Problem {
+    std::string sentence;
+    std::string paths;
     std::size_t count = 0;
-    std::vector<std::string> paths;
   };
 
-  std::map<const char*, Problem> counts_;
-  std::vector<const char*> order_;
+  std::vector<Problem> problems_;
 };
 
 std::size_t utf16Length(std::string_view name) {

@@ -26,7 +26,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::int64_t kSplitMillion = 1000000;
 constexpr std::size_t kCopiedPiece = 1048576;   // bytes of a read
 constexpr const char* kDraftFolder = ".split";  // in "discs"; hidden, so that it is no disc
 
@@ -100,10 +99,6 @@ std::vector<fs::path> placeholderDiscs(const InstallerSet& set) {
   return discs;
 }
 
-std::int64_t inMillions(std::int64_t bytes) {
-  return std::max<std::int64_t>(1, (bytes + kSplitMillion / 2) / kSplitMillion);
-}
-
 std::string attributesFor(const Split& split, const InstallPlan& plan, bool hasEditions,
                           const std::string& choice) {
   std::string text(plan.attributes.bytes());
@@ -112,9 +107,9 @@ std::string attributesFor(const Split& split, const InstallPlan& plan, bool hasE
     bytes += disc.bytes;
   }
   text = withNumber(text, "NumberOfVolumes", static_cast<std::int64_t>(split.discs.size()));
-  text = withNumber(text, "TotalSizeMillionsBytes", inMillions(bytes));
+  text = withNumber(text, "TotalSizeMillionsBytes", millionsToAnnounce(bytes));
   if (hasEditions) {
-    text = withNumber(text, "Component1SizeMillionsBytes", inMillions(split.discs.front().bytes));
+    text = withNumber(text, "Component1SizeMillionsBytes", millionsToAnnounce(split.discs.front().bytes));
     text = withText(text, "LiteVsFullPrompt", "Yes");
     if (!plan.attributes.findText("LiteVsFullPromptText")) {
       text = withText(text, "LiteVsFullPromptText", choice);

@@ -27,6 +27,11 @@ enum class ExitStatus : int {
   noDestination = 9,   // the folder to install into is missing or not writable; nothing was done
 };
 
+// Of two ends of checks: a failure before warnings before a success.
+[[nodiscard]] constexpr ExitStatus worseOf(ExitStatus one, ExitStatus other) {
+  return other == ExitStatus::failure || one == ExitStatus::success ? other : one;
+}
+
 struct ExitMeaning {
   const char* command;
   ExitStatus status;

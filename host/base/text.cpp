@@ -21,12 +21,6 @@ constexpr const char* kDomain = "tavinstall";
 
 bool isUntranslated() { return std::string_view(std::setlocale(LC_MESSAGES, nullptr)) == "C"; }
 
-// Catalogs are named after locales, which distinguish the Chinese scripts by country. There is none of English,
-// so "C" keeps what comes after it from being taken.
-std::string catalogOf(const std::string& folder) {
-  return folder == "zh-Hans" ? "zh_CN" : folder == "English" ? "C" : folder;
-}
-
 // The languages that the page's texts are looked for in, as the names of catalogs.
 std::string catalogNames() {
   std::string names;
@@ -69,6 +63,10 @@ std::string fillFrom(std::string_view pattern, const std::string_view* values, s
 }
 
 }  // namespace
+
+std::string catalogOf(const std::string& folder) {
+  return folder == "zh-Hans" ? "zh_CN" : folder == "English" ? "C" : folder;
+}
 
 void speakUsersLanguage(const std::filesystem::path& catalogs) {
   if (const std::optional<std::string> before = std::exchange(languageBefore(), std::nullopt)) {

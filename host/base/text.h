@@ -31,6 +31,11 @@ void speakLanguage(const std::string& language, const std::filesystem::path& cat
 // Call it where the page is shown to users, while there is one thread.
 void keepToOneLanguage();
 
+// The name of the catalog for a language's folder in a bundle, as LANGUAGE takes it. Catalogs are named after
+// locales, which distinguish the Chinese scripts by country. There is none of English, so "C" keeps what comes
+// after it from being taken.
+[[nodiscard]] std::string catalogOf(const std::string& folder);
+
 // Switches back to English, also for the C library. Call it while there is one thread.
 void speakEnglish();
 

@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <new>
 #include <unicase.h>
 #include <uninorm.h>
 #include <unistr.h>
+#include <vector>
 
 namespace tavenhall {
 
@@ -98,20 +100,21 @@ std::string comparedName(std::string_view name) {
 
 std::string utf8OfUtf16(std::string_view bytes) {
   const bool isLittle = bytes.starts_with("\xFF\xFE") || (bytes.size() > 1 && bytes[1] == '\0');
-  std::u32string characters;
+  std::vector<std::uint16_t> units;
   for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
     const auto first = static_cast<unsigned char>(bytes[i]);
     const auto second = static_cast<unsigned char>(bytes[i + 1]);
-    const auto unit = static_cast<char32_t>(isLittle ? second << 8U | first : first << 8U | second);
-    const bool isSecondHalf = unit >= 0xDC00 && unit < 0xE000 && !characters.empty() &&
-                              characters.back() >= 0xD800 && characters.back() < 0xDC00;
-    if (isSecondHalf) {
-      characters.back() = 0x10000 + ((characters.back() - 0xD800) << 10U) + (unit - 0xDC00);
-    } else if (unit != 0xFEFF) {
-      characters += unit;
+    units.push_back(static_cast<std::uint16_t>(isLittle ? second << 8U | first : first << 8U | second));
+  }
+  std::string text;
+  for (std::size_t at = 0; at < units.size();) {
+    ucs4_t character = 0;
+    at += static_cast<std::size_t>(u16_mbtouc(&character, units.data() + at, units.size() - at));
+    if (character != 0xFEFF) {
+      appendUtf8(text, character);
     }
   }
-  return encodeUtf8(characters);
+  return text;
 }
 
 }  // namespace tavenhall

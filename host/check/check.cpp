@@ -12,8 +12,8 @@ namespace tavenhall {
 
 namespace {
 
-CheckResult applyRules(const CheckRequest& request) {
-  CheckResult result{openCheckedSet(request), {}};
+CheckResult applyRules(CheckedSet checked) {
+  CheckResult result{std::move(checked), {}};
   for (const auto rule :
        {checkSettings, checkAttributesFile, checkKeys, checkValues, checkSizes, checkMachine, checkDiscs,
         checkDataFolders, checkBoundary, checkFiles, checkLibraries, checkBundles}) {
@@ -23,9 +23,9 @@ CheckResult applyRules(const CheckRequest& request) {
   return result;
 }
 
-CheckResult withAttributes(CheckRequest request, std::string bytes) {
+CheckedSet withAttributes(CheckRequest request, std::string bytes) {
   request.attributes = std::move(bytes);
-  return applyRules(request);
+  return openCheckedSet(request);
 }
 
 bool isIn(const Diagnostics& diagnostics, const Diagnostic& wanted) {
@@ -44,7 +44,7 @@ void groupConsequences(const CheckRequest& request, CheckResult& result) {
     if (!cause.correction || !isMistake || ++causes > kMostCauses) {
       continue;
     }
-    const CheckResult without = withAttributes(request, corrected(bytes, {*cause.correction}));
+    const CheckResult without = applyRules(withAttributes(request, corrected(bytes, *cause.correction)));
     const std::size_t before = result.diagnostics.all().size();
     result.diagnostics.moveBelow(
         i, [&without](const Diagnostic& diagnostic) { return !isIn(without.diagnostics, diagnostic); });
@@ -71,6 +71,7 @@ void tryOtherModes(const CheckRequest& request, CheckResult& result) {
       result.diagnostics.exitStatus() != ExitStatus::failure) {
     return;
   }
+  const std::optional<std::int64_t> installed = result.checked.realSizes().whole;
   std::string words;
   std::optional<AttributesCorrection> first;
   for (const char* word : {"InstallFromVolumes", "FullDownload", "DataUpdater", "TavenhallUpdater"}) {
@@ -78,9 +79,10 @@ void tryOtherModes(const CheckRequest& request, CheckResult& result) {
       continue;
     }
     const AttributesCorrection correction = correctionOf(attributes, mode.key->parts.value, word);
-    const CheckResult other = withAttributes(request, corrected(attributes.bytes(), {correction}));
-    if (other.diagnostics.exitStatus() != ExitStatus::failure &&
-        other.checked.realSizes().whole > result.checked.realSizes().whole) {
+    CheckedSet other = withAttributes(request, corrected(attributes.bytes(), correction));
+    // The size first: it tells without a rule that most Modes are no better.
+    if (other.realSizes().whole > installed &&
+        applyRules(std::move(other)).diagnostics.exitStatus() != ExitStatus::failure) {
       words += (words.empty() ? "" : ", ") + std::string(word);
       first = first ? first : correction;
     }
@@ -114,7 +116,7 @@ const AttributesCorrection* nextFix(const Diagnostics& diagnostics, std::string_
 }  // namespace
 
 CheckResult checkSet(const CheckRequest& request) {
-  CheckResult result = applyRules(request);
+  CheckResult result = applyRules(openCheckedSet(request));
   tryOtherModes(request, result);
   groupConsequences(request, result);
   return result;
@@ -122,15 +124,15 @@ CheckResult checkSet(const CheckRequest& request) {
 
 std::string fixedAttributes(const CheckRequest& request) {
   constexpr int kMostTurns = 32;
-  CheckResult result = applyRules(request);
+  CheckResult result = applyRules(openCheckedSet(request));
   std::string bytes(result.checked.plan.attributes.bytes());
   for (int turn = 0; turn < kMostTurns; ++turn) {
     const AttributesCorrection* correction = nextFix(result.diagnostics, bytes);
     if (correction == nullptr) {
       break;
     }
-    bytes = corrected(bytes, {*correction});
-    result = withAttributes(request, bytes);
+    bytes = corrected(bytes, *correction);
+    result = applyRules(withAttributes(request, bytes));
   }
   return bytes;
 }

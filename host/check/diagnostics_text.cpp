@@ -134,7 +134,7 @@ class DiagnosticPrinter {
     if (diagnostic.correction && diagnostic.name() != "mode-unfit" && attributes_.isFilePresent()) {
       const std::string bytes(attributes_.bytes());
       const bool isOneLine = diagnostic.correction->end - diagnostic.correction->begin < bytes.size();
-      const std::string after = corrected(bytes, {*diagnostic.correction});
+      const std::string after = corrected(bytes, *diagnostic.correction);
       const std::size_t begin =
           diagnostic.correction->begin == 0 ? 0 : after.rfind('\n', diagnostic.correction->begin - 1) + 1;
       std::string line = after.substr(begin, after.find_first_of("\r\n", begin) - begin);

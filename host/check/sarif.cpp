@@ -37,8 +37,13 @@ ordered_json locationJson(const CheckedSet& checked, const Place& place) {
   return {{"physicalLocation", physical}};
 }
 
-const char* levelOf(Severity severity) {
-  return severity == Severity::error ? "error" : severity == Severity::warning ? "warning" : "note";
+// The sentence, and one for each consequence.
+std::string messageOf(const Diagnostic& diagnostic) {
+  std::string message = diagnostic.sentence;
+  for (const Diagnostic& consequence : diagnostic.consequences) {
+    message += "\n- " + consequence.sentence;
+  }
+  return message;
 }
 
 ordered_json rulesJson() {
@@ -47,23 +52,21 @@ ordered_json rulesJson() {
     rules.push_back({{"id", kind.name},
                      {"shortDescription", {{"text", kind.explanation}}},
                      {"help", {{"text", explanationText(kind)}}},
-                     {"defaultConfiguration", {{"level", levelOf(kind.severity)}}}});
+                     {"defaultConfiguration", {{"level", severityWord(kind.severity)}}}});
   }
   return rules;
 }
 
 ordered_json resultJson(const CheckedSet& checked, const Diagnostic& diagnostic) {
-  std::string message = diagnostic.sentence;
   ordered_json related = ordered_json::array();
   for (const Diagnostic& consequence : diagnostic.consequences) {
-    message += "\n- " + consequence.sentence;
     ordered_json location = locationJson(checked, consequence.place);
     location["message"] = {{"text", consequence.sentence}};
     related.push_back(std::move(location));
   }
   ordered_json result = {{"ruleId", diagnostic.name()},
-                         {"level", levelOf(diagnostic.severity)},
-                         {"message", {{"text", message}}},
+                         {"level", severityWord(diagnostic.severity)},
+                         {"message", {{"text", messageOf(diagnostic)}}},
                          {"locations", ordered_json::array({locationJson(checked, diagnostic.place)})}};
   if (!related.empty()) {
     result["relatedLocations"] = std::move(related);
@@ -108,12 +111,8 @@ std::string checkGithub(std::span<const CheckResult> results) {
   std::string text;
   for (const CheckResult& result : results) {
     for (const Diagnostic& diagnostic : result.diagnostics.all()) {
-      std::string message = diagnostic.sentence;
-      for (const Diagnostic& consequence : diagnostic.consequences) {
-        message += "\n- " + consequence.sentence;
-      }
       text += std::string("::") +
-              (diagnostic.severity == Severity::note ? "notice" : levelOf(diagnostic.severity)) +
+              (diagnostic.severity == Severity::note ? "notice" : severityWord(diagnostic.severity)) +
               " file=" + escapedForJob(reportedPath(result.checked, diagnostic.place.file), true);
       if (diagnostic.place.line > 0) {
         text += ",line=" + std::to_string(diagnostic.place.line);
@@ -121,7 +120,8 @@ std::string checkGithub(std::span<const CheckResult> results) {
       if (diagnostic.place.column > 0) {
         text += ",col=" + std::to_string(diagnostic.place.column);
       }
-      text += ",title=" + std::string(diagnostic.name()) + "::" + escapedForJob(message, false) + "\n";
+      text += ",title=" + std::string(diagnostic.name()) + "::" + escapedForJob(messageOf(diagnostic), false) +
+              "\n";
     }
   }
   return text;

@@ -42,7 +42,7 @@ void checkSize(const CheckedSet& checked, std::string_view diagnostic, const cha
           : _("{0} announces {1}, but there are {2}, so the bar is full when {3} % of the data is copied.");
   const std::int64_t percent = announced > *real ? *real * 100 / announced : announced * 100 / *real;
   const AttributesReading& attributes = checked.plan.attributes;
-  const std::int64_t right = std::max<std::int64_t>(1, (*real + kMillion / 2) / kMillion);
+  const std::int64_t right = millionsToAnnounce(*real);
   diagnostics.add(
       diagnostic, checked.attributesPlace(found.key, digitsOf(found.key->parts.value)),
       format(sentence, {key, megabytesText(announced), megabytesText(*real), std::to_string(percent)}),
@@ -55,9 +55,8 @@ void checkSizeIsGiven(const CheckedSet& checked, const char* key, std::int64_t m
   if (millions == 0 && (!found || found.source == found.key)) {
     diagnostics.add("size-missing", checked.attributesPlace(found.key),
                     format(_("The key {0} is missing, so {1}."), {key, missingKeyEffect(key)}),
-                    real && *real > 0 ? std::optional(numberCorrection(
-                                            checked.plan.attributes, key,
-                                            std::max<std::int64_t>(1, (*real + kMillion / 2) / kMillion)))
+                    real && *real > 0 ? std::optional(numberCorrection(checked.plan.attributes, key,
+                                                                       millionsToAnnounce(*real)))
                                       : std::nullopt);
   }
 }

@@ -105,8 +105,7 @@ ExitStatus worstStatus(const std::vector<CheckResult>& results, const std::strin
                              (failOn == "note" && diagnostics.count(Severity::note) > 0);
       status = isFailure ? ExitStatus::failure : ExitStatus::success;
     }
-    const bool isWorse = status == ExitStatus::failure || worst == ExitStatus::success;
-    worst = isWorse ? status : worst;
+    worst = worseOf(worst, status);
   }
   return worst;
 }

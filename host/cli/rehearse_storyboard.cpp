@@ -90,7 +90,7 @@ class LanguageRehearsal {
   [[nodiscard]] std::vector<std::string> command(const RehearsalRequest& request) const {
     std::vector<std::string> words{"env",
                                    "LC_ALL=C.UTF-8",
-                                   "LANGUAGE=" + (language_ == "zh-Hans" ? "zh_CN" : language_),
+                                   "LANGUAGE=" + catalogOf(language_),
                                    programPath(),
                                    "rehearse",
                                    fs::absolute(request.set).string(),
@@ -213,8 +213,7 @@ ExitStatus makeStoryboard(const RehearsalRequest& request, const fs::path& file,
           isSmall ? *next++ : rehearsals.emplace_back(request, language, folder.path());
       const nlohmann::ordered_json report = rehearsal.report(stop);
       storyboard.languages.push_back(storyOf(rehearsal, report, checkRequest));
-      const auto status = static_cast<ExitStatus>(rehearsal.status());
-      worst = status == ExitStatus::failure || worst == ExitStatus::success ? status : worst;
+      worst = worseOf(worst, static_cast<ExitStatus>(rehearsal.status()));
     }
   }
   replaceFile(file, storyboardHtml(storyboard));

@@ -1,7 +1,7 @@
 #include "host/set/attributes_edit.h"
 
 #include <algorithm>
-#include <utility>
+#include <vector>
 
 namespace tavenhall {
 
@@ -88,31 +88,24 @@ AttributesCorrection numberCorrection(const AttributesReading& attributes, std::
                         std::string(key) + " = " + std::to_string(value));
 }
 
-std::string corrected(std::string_view bytes, std::vector<AttributesCorrection> corrections) {
-  std::stable_sort(corrections.begin(), corrections.end(),
-                   [](const AttributesCorrection& one, const AttributesCorrection& other) {
-                     return one.begin < other.begin;
-                   });
-  std::string text;
-  std::size_t done = 0;
-  for (const AttributesCorrection& correction : corrections) {
-    if (correction.begin >= done) {
-      text += bytes.substr(done, correction.begin - done);
-      text += correction.text;
-      done = correction.end;
-    }
-  }
-  return text += bytes.substr(std::min(done, bytes.size()));
+std::string corrected(std::string_view bytes, const AttributesCorrection& correction) {
+  return std::string(bytes.substr(0, correction.begin)) + correction.text +
+         std::string(bytes.substr(correction.end));
+}
+
+std::int64_t millionsToAnnounce(std::int64_t bytes) {
+  constexpr std::int64_t kMillion = 1000000;
+  return std::max<std::int64_t>(1, (bytes + kMillion / 2) / kMillion);
 }
 
 std::string withText(const std::string& bytes, std::string_view key, std::string_view value) {
   const AttributesReading reading = AttributesReading::parse(bytes);
-  return corrected(bytes, {textCorrection(reading, key, value)});
+  return corrected(bytes, textCorrection(reading, key, value));
 }
 
 std::string withNumber(const std::string& bytes, std::string_view key, std::int64_t value) {
   const AttributesReading reading = AttributesReading::parse(bytes);
-  return corrected(bytes, {numberCorrection(reading, key, value)});
+  return corrected(bytes, numberCorrection(reading, key, value));
 }
 
 std::string unifiedDiff(std::string_view name, std::string_view before, std::string_view after) {

@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 // Changes of an attributes file. Pure. Any thread.
 namespace tavenhall {
@@ -30,8 +29,10 @@ struct AttributesCorrection {
 [[nodiscard]] AttributesCorrection numberCorrection(const AttributesReading& attributes, std::string_view key,
                                                     std::int64_t value);
 
-// The bytes with the corrections; of two that overlap only the first.
-[[nodiscard]] std::string corrected(std::string_view bytes, std::vector<AttributesCorrection> corrections);
+[[nodiscard]] std::string corrected(std::string_view bytes, const AttributesCorrection& correction);
+
+// The size to announce for so many bytes, in the millions of TotalSizeMillionsBytes.
+[[nodiscard]] std::int64_t millionsToAnnounce(std::int64_t bytes);
 
 [[nodiscard]] std::string withText(const std::string& bytes, std::string_view key, std::string_view value);
 [[nodiscard]] std::string withNumber(const std::string& bytes, std::string_view key, std::int64_t value);
