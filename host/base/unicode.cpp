@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <new>
@@ -15,7 +14,10 @@ namespace tavenhall {
 
 namespace {
 
-// Not std::uint8_t: the library's headers may make a macro of that name.
+// The library's own types by their plain names, since its headers may make macros of std::uint8_t and
+// std::uint16_t.
+using Utf16Unit = unsigned short;
+
 const unsigned char* bytesOf(std::string_view text) {
   return reinterpret_cast<const unsigned char*>(text.data());
 }
@@ -100,11 +102,11 @@ std::string comparedName(std::string_view name) {
 
 std::string utf8OfUtf16(std::string_view bytes) {
   const bool isLittle = bytes.starts_with("\xFF\xFE") || (bytes.size() > 1 && bytes[1] == '\0');
-  std::vector<std::uint16_t> units;
+  std::vector<Utf16Unit> units;
   for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
     const auto first = static_cast<unsigned char>(bytes[i]);
     const auto second = static_cast<unsigned char>(bytes[i + 1]);
-    units.push_back(static_cast<std::uint16_t>(isLittle ? second << 8U | first : first << 8U | second));
+    units.push_back(static_cast<Utf16Unit>(isLittle ? second << 8U | first : first << 8U | second));
   }
   std::string text;
   for (std::size_t at = 0; at < units.size();) {
