@@ -69,7 +69,7 @@ inline constexpr ExitMeaning kExitMeanings[] = {
     {"split", ExitStatus::badUsage, N_("the library cannot be put on such discs; nothing was written")},
     {"rehearse", ExitStatus::success, N_("everything was installed; no problems found")},
     {"rehearse", ExitStatus::failure,
-     N_("the installation failed, or an installed file differs from its source")},
+     N_("the installation failed, a file differs, or the check finds an error")},
     {"rehearse", ExitStatus::badUsage, N_("invalid argument; nothing was installed")},
     {"rehearse", ExitStatus::warnings, N_("everything was installed, with warnings")},
     {"check", ExitStatus::success, N_("no problems found")},

@@ -8,7 +8,7 @@ namespace tavenhall {
 namespace {
 
 constexpr DiagnosticKind kFileKinds[] = {
-    {"attributes-missing", Severity::warning, false, N_("Put .InstallationAttributes.dat beside the package."),
+    {"attributes-missing", Severity::error, false, N_("Put .InstallationAttributes.dat beside the package."),
      "There is no attributes file beside the package or one folder above. The page then installs one "
      "disc, with its built-in texts and a wrong progress bar.",
      "Lumaweave Installer.pkg\nInstallationAttributes.dat",

@@ -25,6 +25,23 @@ const char* colourOf(Severity severity) {
   return kBlue;
 }
 
+std::string placeText(const Place& place) {
+  std::string text = printableLine(place.file);
+  if (place.line > 0) {
+    text += ":" + std::to_string(place.line);
+  }
+  if (place.column > 0) {
+    text += ":" + std::to_string(place.column);
+  }
+  return text;
+}
+
+// The pattern is for the place, the severity, the sentence and the name.
+std::string diagnosticLineBy(const std::string& pattern, const Diagnostic& diagnostic) {
+  return format(pattern, {placeText(diagnostic.place), _(severityWord(diagnostic.severity)),
+                          printableLine(diagnostic.sentence), std::string(diagnostic.name())});
+}
+
 class DiagnosticPrinter {
  public:
   DiagnosticPrinter(const CheckResult& result, const ReportStyle& style)
@@ -62,17 +79,11 @@ class DiagnosticPrinter {
 
   // Wraps before it adds what a terminal does not show.
   [[nodiscard]] std::string headline(const Diagnostic& diagnostic, std::size_t indent) const {
-    std::string place = printableLine(diagnostic.place.file);
-    if (diagnostic.place.line > 0) {
-      place += ":" + std::to_string(diagnostic.place.line);
-    }
-    if (diagnostic.place.column > 0) {
-      place += ":" + std::to_string(diagnostic.place.column);
-    }
+    const std::string place = placeText(diagnostic.place);
     const std::string severity = _(severityWord(diagnostic.severity));
-    const std::string pattern = indent > kIndent ? _("so {0}: {1}: {2} [{3}]") : _("{0}: {1}: {2} [{3}]");
     const std::string name(diagnostic.name());
-    std::string text = format(pattern, {place, severity, printableLine(diagnostic.sentence), name});
+    std::string text = indent > kIndent ? diagnosticLineBy(_("so {0}: {1}: {2} [{3}]"), diagnostic)
+                                        : diagnosticLine(diagnostic);
     if (style_.columns > 0) {
       std::string wrapped;
       for (const std::string& line : wrapText(text, style_.columns - static_cast<int>(indent) - 2)) {
@@ -156,6 +167,10 @@ class DiagnosticPrinter {
 };
 
 }  // namespace
+
+std::string diagnosticLine(const Diagnostic& diagnostic) {
+  return diagnosticLineBy(_("{0}: {1}: {2} [{3}]"), diagnostic);
+}
 
 std::string diagnosticsText(const CheckResult& result, const ReportStyle& style) {
   const Diagnostics& diagnostics = result.diagnostics;

@@ -18,6 +18,9 @@ struct ReportStyle {
 // The plan and the diagnostics.
 [[nodiscard]] std::string checkText(const CheckResult& result, const ReportStyle& style = {});
 
+// "<place>: <severity>: <sentence> [<name>]", without a newline.
+[[nodiscard]] std::string diagnosticLine(const Diagnostic& diagnostic);
+
 // The diagnostics alone, with excerpts and remedies.
 [[nodiscard]] std::string diagnosticsText(const CheckResult& result, const ReportStyle& style);
 

@@ -1,6 +1,7 @@
 #include "host/base/build_facts.h"
 #include "host/base/files.h"
 #include "host/base/text.h"
+#include "host/check/report.h"
 #include "host/cli/command_line.h"
 #include "host/cli/rehearse_storyboard.h"
 #include "host/cli/run_description.h"
@@ -57,6 +58,28 @@ RehearsalView viewFor(Frontend frontend) {
           }};
 }
 
+CheckVerdict checkVerdict(const RehearsalRequest& request) {
+  CheckVerdict verdict;
+  try {
+    CheckResult result = checkSet({.folder = request.set,
+                                   .product = request.product,
+                                   .installType = request.installType,
+                                   .installed = request.installed,
+                                   .isRehearsal = true});
+    result.diagnostics.keepOnly(
+        [&request](std::string_view name) { return name != "outside-set" || !request.allowsOutside; });
+    for (const Diagnostic& diagnostic : result.diagnostics.all()) {
+      if (diagnostic.severity == Severity::error) {
+        verdict.errors.push_back(diagnosticLine(diagnostic));
+      }
+    }
+    verdict.warnings = result.diagnostics.count(Severity::warning);
+  } catch (const UsageError& error) {  // the set has changed meanwhile
+    verdict.errors.emplace_back(error.what());
+  }
+  return verdict;
+}
+
 }  // namespace
 
 void addRehearseCommand(CommandLine& commandLine) {
@@ -110,7 +133,9 @@ void addRehearseCommand(CommandLine& commandLine) {
       if (!arguments->storyboard.empty()) {
         return rehearseStoryboard(arguments->request, arguments->storyboard, arguments->languages);
       }
-      return rehearse(arguments->request, viewFor(frontendFor(arguments->ui)));
+      RehearsalRequest wanted = arguments->request;
+      wanted.check = [&wanted] { return checkVerdict(wanted); };
+      return rehearse(wanted, viewFor(frontendFor(arguments->ui)));
     };
   });
 }

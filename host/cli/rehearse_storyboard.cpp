@@ -191,7 +191,11 @@ ExitStatus makeStoryboard(const RehearsalRequest& request, const fs::path& file,
   if (languages.empty()) {
     languages.assign(std::begin(kLanguages), std::end(kLanguages));
   }
-  const CheckRequest checkRequest{request.set, request.product, request.installType, request.installed, {}};
+  const CheckRequest checkRequest{.folder = request.set,
+                                  .product = request.product,
+                                  .installType = request.installType,
+                                  .installed = request.installed,
+                                  .isRehearsal = true};
   const CheckedSet set = openCheckedSet(checkRequest);
   const bool isSmall = set.realSizes().whole.value_or(kSmallSet) < kSmallSet;
   const TemporaryFolder folder;

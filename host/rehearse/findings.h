@@ -3,12 +3,14 @@
 #include "host/base/exit_status.h"
 #include "host/log/logged_run.h"
 #include "host/rehearse/comparison.h"
+#include "host/rehearse/rehearsal.h"
 #include "host/rehearse/rehearsal_record.h"
 #include "host/rehearse/stage.h"
 #include "host/rehearse/stop_request.h"
 #include "host/set/checked_set.h"
 
 #include <cstdint>
+#include <functional>
 #include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
@@ -44,6 +46,7 @@ struct RehearsalFindings {
   RehearsalRecord record;
   LoggedRun run;
   bool pageWasEntered = false;
+  std::function<CheckVerdict()> check;  // empty: there is none
   std::vector<CopiedVolume> systemFolders;
   std::vector<CopiedVolume> volumes;
   std::vector<FileFate> files;
@@ -70,8 +73,9 @@ struct AnnouncedComparison {
 
 // The verdict on a rehearsal's findings, in the current language.
 struct Verdict {
-  std::vector<std::string> failures;     // one sentence each: the installation failed, or contents differ
+  std::vector<std::string> failures;     // one sentence each: what failed, and the errors of the check
   std::vector<std::string> diagnostics;  // one sentence each: installed, with a warning
+  bool isInstalled = false;              // nothing failed but the check
   AnnouncedComparison whole;
   AnnouncedComparison firstComponent;  // if there is a Lite edition
   bool hasFirstComponent = false;

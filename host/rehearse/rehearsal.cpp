@@ -48,10 +48,11 @@ class Rehearsal {
     }
     stage_.emplace(set_, product_, kept_ ? kept_->path() : work_.path() / "root", work_.path(),
                    request_.installed, stop_);
-    // Only the rehearsal writes a choice into the sandbox's /tmp; without one the edition is Full.
-    checked_ = openCheckedSet(
-        stage_->set(),
-        {{}, product_.pluginName, installType_.empty() ? "Full" : installType_, stage_->home().string()});
+    checked_ = openCheckedSet(stage_->set(), {.folder = {},
+                                              .product = product_.pluginName,
+                                              .installType = installType_,
+                                              .installed = stage_->home(),
+                                              .isRehearsal = true});
     checkRoom();
     stop_.throwIfCome();
     if (kept_) {
@@ -146,6 +147,7 @@ class Rehearsal {
       throw Stopped();
     }
     RehearsalFindings findings = gatherFindings(*stage_, checked_, *record, stop_);
+    findings.check = request_.check;
     findings.log = kept_ ? stage_->log().string() : "";
     const Verdict verdict = judge(findings);
     // Standard output is for the JSON lines alone.

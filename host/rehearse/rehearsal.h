@@ -4,11 +4,19 @@
 #include "host/protocol/engine_client.h"
 #include "host/set/install_plan.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace tavenhall {
+
+// What `tavinstall check` says of a set.
+struct CheckVerdict {
+  std::vector<std::string> errors;  // one line each, in the language that was spoken
+  std::int64_t warnings = 0;
+};
 
 // The arguments of `tavinstall rehearse`; empty if not given.
 struct RehearsalRequest {
@@ -18,8 +26,9 @@ struct RehearsalRequest {
   std::filesystem::path installed;
   std::filesystem::path keep;
   std::filesystem::path report;
-  bool allowsOutside = false;  // the set may refer to what is not in its folder
-  int late = 0;                // how often each disc is first reported missing
+  bool allowsOutside = false;           // the set may refer to what is not in its folder
+  int late = 0;                         // how often each disc is first reported missing
+  std::function<CheckVerdict()> check;  // of the set; may be called again, in another language
 };
 
 // What a frontend shows of a rehearsal besides the engine's events.

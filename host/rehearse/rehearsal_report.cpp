@@ -180,7 +180,7 @@ std::string sentences(const char* pattern, const std::vector<std::string>& all) 
 std::string reportText(const RehearsalFindings& findings, const Verdict& verdict) {
   std::string text = printableText(format(_("Rehearsal of {0}"), {findings.set})) + "\n\n";
   text += planRows(findings) + talkRows(findings.record) + volumeRows(findings) + resultRows(findings, verdict);
-  if (verdict.status() == ExitStatus::failure) {
+  if (!verdict.isInstalled) {
     text += logEnd(findings);
   }
   text +=
@@ -190,7 +190,10 @@ std::string reportText(const RehearsalFindings& findings, const Verdict& verdict
       text += _("Rehearsal passed: everything was installed, no problems found.");
       break;
     case ExitStatus::warnings: text += _("Rehearsal passed with warnings: everything was installed."); break;
-    default: text += _("Rehearsal failed."); break;
+    default:
+      text += verdict.isInstalled ? _("Rehearsal failed: everything was installed, but the set has errors.")
+                                  : _("Rehearsal failed.");
+      break;
   }
   return text + "\n";
 }

@@ -153,6 +153,21 @@ void judgeSizes(const RehearsalFindings& findings, Verdict& verdict) {
   }
 }
 
+// What no installation on this machine shows: names that differ in case, a disc too large for its medium.
+void judgeCheck(const RehearsalFindings& findings, Verdict& verdict) {
+  if (!findings.check) {
+    return;
+  }
+  const CheckVerdict check = findings.check();
+  for (const std::string& error : check.errors) {
+    verdict.failures.push_back("tavinstall check: " + error);
+  }
+  if (check.warnings > 0) {
+    verdict.diagnostics.push_back(plural("tavinstall check has {0} warning for this set",
+                                         "tavinstall check has {0} warnings for this set", check.warnings));
+  }
+}
+
 }  // namespace
 
 ExitStatus Verdict::status() const {
@@ -169,6 +184,8 @@ Verdict judge(const RehearsalFindings& findings) {
   judgeAudit(findings, verdict);
   judgeChanges(findings, verdict);
   judgeSizes(findings, verdict);
+  verdict.isInstalled = verdict.failures.empty();
+  judgeCheck(findings, verdict);
   return verdict;
 }
 

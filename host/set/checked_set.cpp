@@ -174,7 +174,9 @@ CheckedSet openCheckedSet(InstallerSet set, const CheckRequest& request) {
   checked.isProductAssumed = product.empty();
   checked.product = productNamed(product);
 
-  PlanRequest asked{checked.set.package.string(), checked.product, {}, {}, true, request.attributes};
+  PlanRequest asked{checked.set.package.string(), checked.product, {}, {}};
+  asked.readsChoiceFile = !request.isRehearsal;
+  asked.attributes = request.attributes;
   PlanRequest whole = asked;
   whole.detectsEditions = false;
   whole.installType = "Full";

@@ -21,6 +21,9 @@ struct CheckRequest {
 
   // The attributes file, instead of what it contains.
   std::optional<std::string> attributes = {};
+
+  // For a sandbox, in whose /tmp there is no choice of edition.
+  bool isRehearsal = false;
 };
 
 // A volume of the whole install, and its files.

@@ -40,7 +40,8 @@ void readChoice(const PlanRequest& request, EditionPlan& editions) {
   if (request.installType) {
     editions.source = EditionSource::request;
     editions.choice = *request.installType;
-  } else if (BoundedText<kFirstLineSize> line; readFirstLine(kInstallTypeFile, line)) {
+  } else if (BoundedText<kFirstLineSize> line;
+             request.readsChoiceFile && readFirstLine(kInstallTypeFile, line)) {
     editions.source = EditionSource::choiceFile;
     editions.choice = line.c_str();
   } else {

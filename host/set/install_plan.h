@@ -31,8 +31,11 @@ struct PlanRequest {
   // rehearsal.
   std::optional<std::string> dataRoot;
 
-  // "Lite" or "Full" if the pre-install step writes the choice file; none: an existing file in /tmp counts.
+  // "Lite" or "Full" if the pre-install step writes the choice file.
   std::optional<std::string> installType;
+
+  // Whether an existing choice file in /tmp counts where there is no install type. A sandbox has none.
+  bool readsChoiceFile = true;
 
   // Whether the user's libraries decide on their editions in an update; otherwise they are all Full.
   bool detectsEditions = true;

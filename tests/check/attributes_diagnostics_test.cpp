@@ -6,7 +6,7 @@ TEST(AttributesDiagnostic, NoFileAtAll) {
   makeDiscSet();
   std::filesystem::remove(inSet(kAttributes));
   std::filesystem::remove_all(inSet("discs/2 Tavenhall Lumaweave"));
-  expectDiagnostics(checkFor("Lumaweave"), {{"attributes-missing", "warning", kAttributes}}, 3);
+  expectDiagnostics(checkFor("Lumaweave"), {{"attributes-missing", "error", kAttributes}}, 1);
 }
 
 TEST(AttributesDiagnostic, AFileBesideThePackageAndOneAbove) {

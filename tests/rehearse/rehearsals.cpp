@@ -54,8 +54,11 @@ json steadyFields(json told) {
   return told;
 }
 
-void expectCheckAgrees(const std::string& set, const nlohmann::json& told) {
-  const Outcome outcome = runThrough({kTavinstall, "check", set, "--format", "json"});
+void expectCheckAgrees(const std::string& set, const nlohmann::json& told,
+                       const std::vector<std::string>& arguments) {
+  std::vector<std::string> commandLine{kTavinstall, "check", set, "--format", "json"};
+  commandLine.insert(commandLine.end(), arguments.begin(), arguments.end());
+  const Outcome outcome = runThrough(commandLine);
   const auto checked = nlohmann::json::parse(outcome.output, nullptr, false);
   ASSERT_TRUE(checked.is_object()) << outcome.output << outcome.error;
   const nlohmann::json& plan = checked["plan"];

@@ -25,9 +25,10 @@ inline constexpr const char* kReport = "/tmp/report.json";
 // A report without what differs from run to run.
 [[nodiscard]] nlohmann::json steadyFields(nlohmann::json told);
 
-// Fails the test unless `tavinstall check` says of the set what its rehearsal found: the same plan and sizes,
-// and an error where the installation failed.
-void expectCheckAgrees(const std::string& set, const nlohmann::json& told);
+// Fails the test unless `tavinstall check` with the arguments says of the set what its rehearsal found: the
+// same plan and sizes, and an error where the installation failed.
+void expectCheckAgrees(const std::string& set, const nlohmann::json& told,
+                       const std::vector<std::string>& arguments = {});
 
 // The text of a report, with TIME for how long things took.
 [[nodiscard]] std::string withoutTimes(const std::string& text);

@@ -12,7 +12,7 @@ using testing::HasSubstr;
 
 // Two discs whose names and sizes are those of real ones: blanks, other languages, more than one read.
 void makeImageSet() {
-  makeDiscSet("Mode = InstallFromVolumes\nNumberOfVolumes = 2\nTotalSizeMillionsBytes = 6\n");
+  makeDiscSet("Mode = InstallFromVolumes\nNumberOfVolumes = 2\nTotalSizeMillionsBytes = 6\n" + kTexts);
   writeFile(inSet("discs/1 Tavenhall Lumaweave/DOVA/Factory/Grüße aus dem Tal.db"), someBytes(3'000'001));
   writeFile(
       inSet("discs/2 Tavenhall Lumaweave/DOVA/Voices/a name that is longer than sixty-four letters are.db"),
@@ -50,7 +50,8 @@ TEST(RehearseImages, AnOrdinaryUserNeedsNoHelp) {
 TEST(RehearseImages, ADiscThatIsLeftOutOfALiteInstallIsStillCounted) {
   makeDiscSet(
       "Mode = InstallFromVolumes\nNumberOfVolumes = 2\nLiteVsFullPrompt = Yes\nTotalSizeMillionsBytes = 6\n"
-      "Component1SizeMillionsBytes = 3\n");
+      "Component1SizeMillionsBytes = 3\n" +
+      kTexts);
   writeFile(inSet("discs/1 Tavenhall Lumaweave/DOVA/a.db"), someBytes(3'000'000));
   writeFile(inSet("discs/2 Tavenhall Lumaweave/DOVA/b.db"), someBytes(3'000'000));
   turnDiscsIntoImages();

@@ -20,7 +20,8 @@ using testing::StartsWith;
 constexpr const char* kHad = "/Users/tester/had";
 const std::string kGlassophone =
     "TANVO/Tessaphon/Soundsources/Factory/Tessaphon Library/Keyboards/Glassophone.db";
-constexpr const char* kOneDisc = "Mode = InstallFromVolumes\nNumberOfVolumes = 1\nTotalSizeMillionsBytes = 1\n";
+const std::string kOneDisc =
+    "Mode = InstallFromVolumes\nNumberOfVolumes = 1\nTotalSizeMillionsBytes = 1\n" + kTexts;
 
 // ---- What the user has ----
 
@@ -87,7 +88,10 @@ TEST(RehearseInstalled, WhatOneRehearsalKeptIsWhatTheNextOneFinds) {
   makeUpdateSet();
   EXPECT_EQ(rehearse({"--keep", "/Users/tester/first"}).status, 0);
   writeFile("/Users/tester/first/Library/Audio/Plug-Ins/Components/Tessaphon.component/Contents/old part", "x");
-  EXPECT_EQ(rehearse({"--installed", "/Users/tester/first", "--keep", "/Users/tester/second"}).status, 0);
+  const Outcome second = rehearse({"--installed", "/Users/tester/first", "--keep", "/Users/tester/second"});
+  EXPECT_EQ(second.status, 3) << second.output;
+  EXPECT_THAT(report()["remarks"], ElementsAre("tavinstall check has 1 warning for this set"))
+      << "the pack that was installed has no database";
   EXPECT_THAT(treeOf("/Users/tester/second/Library/Audio/Plug-Ins/Components"),
               ElementsAre("Tessaphon.component/", "Tessaphon.component/Contents/",
                           "Tessaphon.component/Contents/Tessaphon"))

@@ -11,6 +11,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 
 TEST(Rehearse, InstallsADownloadedSetWithoutProblems) {
   makeDownloadSet();
@@ -130,13 +131,15 @@ TEST(Rehearse, WarnsOfAWrongTotalSize) {
 TEST(Rehearse, WarnsOfAWrongComponentSize) {
   makeDataUpdateSet(
       "Mode = DataUpdater\nRelativePath = First\nRelativePath2 = Second\nNumberOfVolumes = 2\n"
-      "TotalSizeMillionsBytes = 20\nComponent1SizeMillionsBytes = 8\n");
+      "TotalSizeMillionsBytes = 20\nComponent1SizeMillionsBytes = 8\n" +
+      kTexts);
   writeFile(inSet("First/TANVO/Tessaphon/large.db"), someBytes(10'000'000));
   writeFile(inSet("Second/TANVO/Tessaphon/more.db"), someBytes(10'000'000, 2));
   const Outcome outcome = rehearse();
   EXPECT_EQ(outcome.status, 3);
   EXPECT_THAT(report()["remarks"], ElementsAre("the size of the first component is announced as 8.0 MB but is "
-                                               "10.0 MB: the bar will end early or late"));
+                                               "10.0 MB: the bar will end early or late",
+                                               "tavinstall check has 1 warning for this set"));
   EXPECT_EQ(report()["firstComponent"]["announcedBytes"], 8'000'000);
   EXPECT_EQ(report()["firstComponent"]["realBytes"], 10'000'003);
 }
@@ -153,12 +156,13 @@ TEST(Rehearse, WarnsOfDataThatIsNotInstalled) {
 }
 
 TEST(Rehearse, WarnsOfAnUnusedDisc) {
-  makeDiscSet("Mode = InstallFromVolumes\nNumberOfVolumes = 1\nTotalSizeMillionsBytes = 1\n");
+  makeDiscSet("Mode = InstallFromVolumes\nNumberOfVolumes = 1\nTotalSizeMillionsBytes = 1\n" + kTexts);
   const Outcome outcome = rehearse({"--product", "Lumaweave"});
   EXPECT_EQ(outcome.status, 3);
   EXPECT_THAT(report()["remarks"],
               ElementsAre("nothing installs discs/2 Tavenhall Lumaweave/DOVA/Factory/two.db",
-                          "the page never asked for discs/2 Tavenhall Lumaweave"));
+                          "the page never asked for discs/2 Tavenhall Lumaweave",
+                          "tavinstall check has 1 warning for this set"));
 }
 
 TEST(Rehearse, DoesNotWarnOfDataOfTheFullEdition) {
@@ -184,11 +188,11 @@ TEST(Rehearse, AFolderThatCannotBeListedFails) {
   EXPECT_THAT(outcome.output, HasSubstr("FAILED: Cannot be listed: "));
 }
 
-TEST(Rehearse, AFileThatACommandOfTheSetMadeIsAWarning) {
+TEST(Rehearse, AFileThatACommandOfTheSetMadeIsFound) {
   makeUpdateSet();
   writeFile(inSet("Applications/$(cd;touch made).app/Contents/program"), "program");
   const Outcome outcome = rehearse();
-  EXPECT_EQ(outcome.status, 3) << outcome.output << outcome.error;
+  EXPECT_EQ(outcome.status, 1) << outcome.output << outcome.error;
   EXPECT_THAT(
       outcome.output,
       HasSubstr("warning: the installation left a file that is not in the set: /Users/rehearsal/made\n"));
@@ -212,11 +216,23 @@ TEST(Rehearse, WarnsOfLostModes) {
                         "the installation: "));
 }
 
-TEST(Rehearse, ALaterDiscsOtherFileIsAWarning) {
+TEST(Rehearse, NamesThatDifferInCaseAreAnErrorThoughBothAreInstalledHere) {
+  makeDownloadSet();
+  writeFile(inSet("TANVO/Tessaphon/ONE.db"), "ONE");
+  const Outcome outcome = rehearse();
+  EXPECT_EQ(outcome.status, 1) << outcome.error;
+  EXPECT_THAT(outcome.output,
+              HasSubstr("\n\n  FAILED: tavinstall check: TANVO/Tessaphon/one.db: error: The name differs from "
+                        "\"ONE.db\" only in case, so most disks keep only one of the two files. [case-clash]\n"
+                        "Rehearsal failed: everything was installed, but the set has errors.\n"));
+  EXPECT_THAT(outcome.output, Not(HasSubstr("The log ends with:")));
+}
+
+TEST(Rehearse, ALaterDiscsOtherFileIsAnError) {
   makeDiscSet();
   writeFile(inSet("discs/2 Tavenhall Lumaweave/DOVA/Factory/one.db"), "eno");
   const Outcome outcome = rehearse({"--product", "Lumaweave"});
-  EXPECT_EQ(outcome.status, 3) << outcome.error;
+  EXPECT_EQ(outcome.status, 1) << outcome.error;
   EXPECT_THAT(outcome.output, HasSubstr("warning: a later disc has another file of the same path: "
                                         "/Volumes/Tavenhall Lumaweave/DOVA/Factory/one.db\n"));
 }

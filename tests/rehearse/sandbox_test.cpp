@@ -116,7 +116,9 @@ TEST_P(RehearseSandbox, KeepsASetsCommandsInside) {
   }
 
   const Outcome outcome = run(rehearseCommand({"--ui", "quiet", "--keep", kKept}));
-  EXPECT_EQ(outcome.status, 3) << outcome.output << outcome.error;
+  EXPECT_EQ(outcome.status, 1) << outcome.output << outcome.error;
+  EXPECT_THAT(outcome.output, HasSubstr("FAILED: tavinstall check: Applications/$(cd;cd Downloads;cd "
+                                        "Installer;sh attack).app: error: "));
   EXPECT_THAT(outcome.output, HasSubstr("the installation left a file that is not in the set: "
                                         "/Users/rehearsal/attempts.txt\n"));
   const auto inside = attemptsIn(readFile(std::string(kKept) + "/Users/rehearsal/attempts.txt"));
