@@ -106,13 +106,14 @@ class Examination {
 
  private:
   void examineName(const std::string& path, const std::string& name) {
-    if (!isValidUtf8(name)) {
+    const bool isUtf8 = isValidUtf8(name);
+    if (!isUtf8) {
       problems_.add(_("These names are not UTF-8:"), path);
     } else if (medium_.isOptical && utf16Length(name) > kLongestJolietName) {
       problems_.add(_("These names are longer than the 103 characters of a disc with Joliet:"), path);
     }
     const char* forbidden = medium_.isOptical ? ":\\" : "\"*:<>?\\|";
-    if (name.find_first_of(forbidden) != std::string::npos || name != printableLine(name)) {
+    if (name.find_first_of(forbidden) != std::string::npos || (isUtf8 && name != printableLine(name))) {
       problems_.add(_("These names have a character that the disc's file system does not:"), path);
     }
     if (longestPrefix_.size() + path.size() >= kFilePathSize) {

@@ -224,7 +224,7 @@ INSTANTIATE_TEST_SUITE_P(
             {},
             "These names have a character that the disc's file system does not:\n  a:1\n  a:2\n  a:3\n  a:4\n  "
             "a:5\n  and 2 more\nThese names are longer than the 103 characters of a disc with Joliet:\n  " +
-                std::string(104, 'n') + "\nThese names are not UTF-8:\n  \xFF\n" + kCannot},
+                std::string(104, 'n') + "\nThese names are not UTF-8:\n  \uFFFD\n" + kCannot},
         Refusal{"DiscsThatAreThere",
                 [] { writeFile(kSplitSet + "/discs/1 Tavenhall Tessaphon A/TANVO/mine.db", "x"); },
                 {},

@@ -1,6 +1,7 @@
 #include "tests/check/sets.h"
 #include "tests/install/child_program.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <sys/stat.h>
@@ -207,15 +208,13 @@ TEST(Consequences, AreBelowTheirCause) {
 }
 
 TEST(Consequences, MakeACauseAsSevereAsTheWorst) {
-  makeDiscSet();
-  std::filesystem::rename(inSet(kAttributes), inSet("InstallationAttributes.dat"));
-  std::filesystem::remove_all(inSet("discs/1 Tavenhall Lumaweave"));
-  writeFile(inSet("First/DOVA/one.db"), "one");
-  writeFile(inSet("InstallationAttributes.dat"), "Mode = FullDownload\nRelativePath = First\n" + kTexts);
+  std::string lines = "InstalledData = Installed in %s\n" + kDownloadLines;
+  std::replace(lines.begin(), lines.end(), '\n', '\r');
+  makeDownloadSet(lines);
   const CheckResult result = checkFor("Lumaweave", "");
   const auto& all = result.diagnostics.all();
   ASSERT_FALSE(all.empty());
-  EXPECT_EQ(all[0].name(), "attributes-missing");
+  EXPECT_EQ(all[0].name(), "carriage-return");
   EXPECT_EQ(all[0].kind->severity, Severity::warning);
   EXPECT_EQ(all[0].severity, Severity::error) << "the page asks for a disc that is not there";
 }

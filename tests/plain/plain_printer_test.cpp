@@ -181,7 +181,14 @@ TEST(PrintableText, ReplacesTheControlCharactersBehindAscii) {
   EXPECT_EQ(printableText("a\xC2\x9B"
                           "2Jb\xC2\x80\xC2\x9F"),
             "a?2Jb??");
-  EXPECT_EQ(printableText("\xC2\xA0\xC3\x9B\xE2\x82\xAC\xC2"), "\xC2\xA0\xC3\x9B\xE2\x82\xAC\xC2");
+  EXPECT_EQ(printableText("\xC2\xA0\xC3\x9B\xE2\x82\xAC"), "\xC2\xA0\xC3\x9B\xE2\x82\xAC");
+}
+
+TEST(PrintableText, ReplacesBytesThatAreNotUtf8) {
+  EXPECT_EQ(printableText("Caf\xE9.db \x9B"
+                          "2J \xC2"),
+            "Caf\xEF\xBF\xBD.db \xEF\xBF\xBD"
+            "2J \xEF\xBF\xBD");
 }
 
 TEST(PrintableLine, IsOneLineThatSteersNoTerminal) {

@@ -17,6 +17,8 @@ namespace tavenhall::test {
 
 namespace {
 
+int serverCount = 0;
+
 constexpr auto kPatience = std::chrono::seconds(60);
 
 std::string quoted(const std::string& word) {
@@ -30,7 +32,8 @@ std::string quoted(const std::string& word) {
 }  // namespace
 
 TmuxTerminal::TmuxTerminal(int columns, int rows, const std::vector<std::string>& command,
-                           const Environment& environment) {
+                           const Environment& environment)
+    : server_("terminal-test-" + std::to_string(++serverCount)) {
   // The leak check at exit stops all threads by ptrace, and hangs when the terminal is closed meanwhile.
   std::string line = "exec 2>&1; trap : INT; env -u TMUX LC_ALL=C.UTF-8 ASAN_OPTIONS=detect_leaks=0";
   for (const auto& [name, value] : environment) {
@@ -47,8 +50,8 @@ TmuxTerminal::TmuxTerminal(int columns, int rows, const std::vector<std::string>
 
 TmuxTerminal::~TmuxTerminal() { close(); }
 
-std::string TmuxTerminal::tmux(std::vector<std::string> arguments) {
-  std::vector<std::string> line{"tmux", "-u", "-L", "terminal-test", "-f", "/dev/null"};
+std::string TmuxTerminal::tmux(std::vector<std::string> arguments) const {
+  std::vector<std::string> line{"tmux", "-u", "-L", server_, "-f", "/dev/null"};
   line.insert(line.end(), arguments.begin(), arguments.end());
   return runThrough(line, {{"LC_ALL", "C.UTF-8"}, {"SHELL", "/bin/sh"}}).output;
 }

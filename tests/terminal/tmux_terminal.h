@@ -71,7 +71,9 @@ class TmuxTerminal {
   [[nodiscard]] pid_t program();
 
  private:
-  static std::string tmux(std::vector<std::string> arguments);
+  std::string tmux(std::vector<std::string> arguments) const;
+
+  const std::string server_;  // a name of its own: one that is about to end still takes a caller
 };
 
 // Asks again and again until the answer is yes; whether it ever was, within a minute.
