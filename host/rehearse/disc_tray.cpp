@@ -1,16 +1,10 @@
 #include "host/rehearse/disc_tray.h"
 
 #include "context/install_rules.h"
-#include "host/base/exit_status.h"
-#include "host/base/text.h"
-#include "host/set/disc_image.h"
 
 #include <algorithm>
-#include <chrono>
 #include <string>
-#include <sys/stat.h>
 #include <system_error>
-#include <thread>
 #include <utility>
 
 namespace tavenhall {
@@ -65,80 +59,6 @@ std::optional<std::size_t> DiscTray::nextDisc(const std::string& volumeName) con
     }
   }
   return std::nullopt;
-}
-
-namespace {
-
-constexpr auto kBetweenLooks = std::chrono::milliseconds(5);
-
-bool isIso(const fs::path& image) { return image.extension() == ".iso"; }
-
-const char* toolFor(const fs::path& image) { return isIso(image) ? "fuseiso" : "squashfuse"; }
-
-std::vector<std::string> serverCommand(const fs::path& image, const fs::path& folder) {
-  if (isIso(image)) {
-    // It would keep a list of its mounts in the user's home otherwise.
-    return {"fuseiso", "-n", "-c", "UTF-8", image.string(), folder.string(), "-f"};
-  }
-  return {"squashfuse", "-f", image.string(), folder.string()};
-}
-
-dev_t diskOf(const fs::path& folder) {
-  fs::create_directories(folder);
-  struct stat found {};
-  stat(folder.c_str(), &found);
-  return found.st_dev;
-}
-
-std::string mountFailureText(const fs::path& image, int status, const std::string& lastWords) {
-  const char* pattern = _("cannot open the disc image {0}: {1}");
-  if (status == kCannotRun) {
-    pattern = _("cannot open the disc image {0}: {2} is missing; install the package {2}");
-  } else if (lastWords.empty()) {
-    pattern = _("cannot open the disc image {0}: {2} failed");
-  }
-  return format(pattern, {image.string(), lastWords, toolFor(image)});
-}
-
-// fuseiso shows a file of 4 GiB or more twice, with a wrong size.
-void requireRightContent(const fs::path& image, const fs::path& folder) {
-  const std::optional<SourceTree> listed = treeOfImage(image);
-  const auto different = listed ? differenceBetween(*listed, SourceTree::ofFolder(folder)) : std::nullopt;
-  if (different) {
-    throw UsageError(
-        format(_("{0} does not show {2} in the disc image {1} as it is; rehearse with an image of SquashFS"),
-               {toolFor(image), image.string(), *different}));
-  }
-}
-
-}  // namespace
-
-ImageMount::ImageMount(const fs::path& image, fs::path folder, const StopRequest& stop)
-    : folder_(std::move(folder)), diskBefore_(diskOf(folder_)), server_(serverCommand(image, folder_)) {
-  while (!isServed()) {
-    stop.throwIfCome();
-    if (server_.hasEnded()) {
-      throw UsageError(mountFailureText(image, server_.wait(), server_.lastLine()));
-    }
-    std::this_thread::sleep_for(kBetweenLooks);
-  }
-  if (isIso(image)) {
-    requireRightContent(image, folder_);
-  }
-}
-
-ImageMount::~ImageMount() {
-  server_.end();
-  struct stat found {};
-  const bool isLeft = stat(folder_.c_str(), &found) != 0 || found.st_dev != diskBefore_;
-  if (isLeft) {  // a server that was killed leaves its mount behind
-    ToolProcess({"fusermount3", "-u", "-z", folder_.string()}).wait();
-  }
-}
-
-bool ImageMount::isServed() const {
-  struct stat found {};
-  return stat(folder_.c_str(), &found) == 0 && found.st_dev != diskBefore_;
 }
 
 }  // namespace tavenhall

@@ -1,8 +1,5 @@
 #pragma once
 
-#include "host/base/child_process.h"
-#include "host/rehearse/stop_request.h"
-
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -48,26 +45,6 @@ class DiscTray {
   int late_;
   int timesAsked_ = 0;  // since the last disc was inserted
   std::vector<std::size_t> inserted_;
-};
-
-// A mounted disc image: SquashFS with squashfuse, ISO with fuseiso. The destructor unmounts it; the FUSE server
-// is a child process and ends with this process.
-class ImageMount {
- public:
-  // Creates `folder` and mounts the image there. Throws UsageError with the reason and the remedy, and Stopped.
-  ImageMount(const std::filesystem::path& image, std::filesystem::path folder, const StopRequest& stop);
-  ImageMount(const ImageMount&) = delete;
-  ImageMount& operator=(const ImageMount&) = delete;
-  ~ImageMount();
-
-  [[nodiscard]] const std::filesystem::path& folder() const { return folder_; }
-
- private:
-  [[nodiscard]] bool isServed() const;
-
-  std::filesystem::path folder_;
-  dev_t diskBefore_;
-  ToolProcess server_;
 };
 
 }  // namespace tavenhall

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "host/base/exit_status.h"
+#include "host/base/stop_request.h"
 #include "host/protocol/engine_client.h"
 #include "host/protocol/event_writer.h"
 #include "host/rehearse/disc_tray.h"
 #include "host/rehearse/rehearsal_record.h"
 #include "host/rehearse/sandbox.h"
-#include "host/rehearse/stop_request.h"
 
 #include <chrono>
 #include <optional>

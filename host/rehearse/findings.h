@@ -1,12 +1,12 @@
 #pragma once
 
 #include "host/base/exit_status.h"
+#include "host/base/stop_request.h"
 #include "host/log/logged_run.h"
 #include "host/rehearse/comparison.h"
 #include "host/rehearse/rehearsal.h"
 #include "host/rehearse/rehearsal_record.h"
 #include "host/rehearse/stage.h"
-#include "host/rehearse/stop_request.h"
 #include "host/set/checked_set.h"
 
 #include <cstdint>

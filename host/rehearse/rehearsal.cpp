@@ -2,10 +2,10 @@
 
 #include "host/base/exit_status.h"
 #include "host/base/files.h"
+#include "host/base/temporary_folder.h"
 #include "host/base/text.h"
 #include "host/rehearse/driver.h"
 #include "host/rehearse/findings.h"
-#include "host/rehearse/temporary_folder.h"
 #include "host/set/set_boundary.h"
 
 #include <cerrno>

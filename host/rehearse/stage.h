@@ -2,6 +2,7 @@
 
 #include "host/rehearse/disc_tray.h"
 #include "host/rehearse/sandbox.h"
+#include "host/set/image_mount.h"
 #include "host/set/install_plan.h"
 #include "host/set/installer_set.h"
 #include "host/set/source_tree.h"

@@ -119,7 +119,7 @@ const Printed kPrinted[] = {
      },
      rehearsal(),
      2,
-     {"tavinstall: die Installation braucht 8,0 TB, und in /tmp/rehearsal-",
+     {"tavinstall: die Installation braucht 8,0 TB, und in /tmp/tavinstall-",
       " frei; --keep DIR nimmt einen anderen Ort\n"}},
     {"AFolderThatCannotBeKept",
      "ja",

@@ -120,7 +120,7 @@ std::vector<std::string> temporaryMounts() {
   std::vector<std::string> mounts;
   std::ifstream file("/proc/self/mountinfo");
   for (std::string line; std::getline(file, line);) {
-    if (line.find("/rehearsal-") != std::string::npos && line.find(" fuse") != std::string::npos) {
+    if (line.find("/tavinstall-") != std::string::npos && line.find(" fuse") != std::string::npos) {
       mounts.push_back(line);
     }
   }
@@ -129,7 +129,7 @@ std::vector<std::string> temporaryMounts() {
 
 void expectNothingLeft(const std::vector<pid_t>& processes) {
   EXPECT_THAT(temporaryMounts(), IsEmpty());
-  EXPECT_THAT(treeOf("/tmp"), Not(Contains(HasSubstr("rehearsal-"))));
+  EXPECT_THAT(treeOf("/tmp"), Not(Contains(HasSubstr("tavinstall-"))));
   for (const pid_t process : processes) {
     EXPECT_TRUE(comesTrue([process] { return kill(process, 0) != 0; })) << "process " << process << " runs on";
   }

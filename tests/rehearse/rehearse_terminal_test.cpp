@@ -22,7 +22,7 @@ TEST_F(RehearseTerminal, TheDiscsFollowThePageAndTheReportFollowsTheLastPage) {
   const std::string introduction = terminal.waitFor("Press Continue to begin.");
   EXPECT_THAT(introduction, HasSubstr("This is a rehearsal in"));
   EXPECT_THAT(introduction, HasSubstr("/Users/rehearsal/Library/Application Support/Tavenhall/DOVA"));
-  EXPECT_THAT(introduction, Not(HasSubstr("/tmp/rehearsal-")));
+  EXPECT_THAT(introduction, Not(HasSubstr("/tmp/tavinstall-")));
   terminal.press({"Enter"});
   for (int disc = 1; disc <= 2; ++disc) {
     terminal.waitFor("Please insert Tavenhall Lumaweave");

@@ -1,4 +1,4 @@
-#include "host/rehearse/stop_request.h"
+#include "host/base/stop_request.h"
 
 #include <array>
 #include <csignal>

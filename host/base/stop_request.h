@@ -7,10 +7,10 @@
 
 namespace tavenhall {
 
-// The user has stopped the rehearsal. Thrown so that destructors remove everything that it has created.
+// The user has stopped the command. Thrown so that destructors remove everything that it has created.
 class Stopped : public std::exception {
  public:
-  [[nodiscard]] const char* what() const noexcept override { return "the rehearsal was stopped"; }
+  [[nodiscard]] const char* what() const noexcept override { return "stopped"; }
 };
 
 // Handles SIGINT, SIGTERM and SIGHUP, whose default action would leave mounts and folders behind. One instance

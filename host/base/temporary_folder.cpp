@@ -1,4 +1,4 @@
-#include "host/rehearse/temporary_folder.h"
+#include "host/base/temporary_folder.h"
 
 #include "host/base/exit_status.h"
 #include "host/base/text.h"
@@ -42,7 +42,7 @@ void removeAll(const fs::path& top) {
 TemporaryFolder::TemporaryFolder() {
   const char* wanted = std::getenv("TMPDIR");
   const fs::path above = wanted != nullptr && *wanted != '\0' ? wanted : "/tmp";
-  std::string name = (above / "rehearsal-XXXXXX").string();
+  std::string name = (above / "tavinstall-XXXXXX").string();
   if (mkdtemp(name.data()) == nullptr) {
     throw UsageError(
         format(_("cannot create a temporary folder in {0}; set TMPDIR to another folder"), {above.string()}));
