@@ -77,7 +77,7 @@ inline constexpr ExitMeaning kExitMeanings[] = {
     {"check", ExitStatus::badUsage, N_("invalid argument")},
     {"check", ExitStatus::warnings, N_("warnings, but no errors")},
     {"manifest", ExitStatus::success, N_("the manifests were written")},
-    {"manifest", ExitStatus::failure, N_("a file could not be read, or has changed")},
+    {"manifest", ExitStatus::failure, N_("a file could not be read, or has changed; or it was stopped")},
     {"manifest", ExitStatus::badUsage, N_("invalid argument")},
     {"verify", ExitStatus::success, N_("everything is installed as the manifest says")},
     {"verify", ExitStatus::failure, N_("files are missing or wrong")},

@@ -1,21 +1,27 @@
 #include "host/base/stop_request.h"
 
-#include <array>
 #include <csignal>
 
 namespace tavenhall {
 
 namespace {
 
-constexpr std::array<int, 3> kSignals{SIGINT, SIGTERM, SIGHUP};
 StopRequest* current = nullptr;  // who has the signals
 
 }  // namespace
 
-StopRequest::StopRequest() { takeSignals(); }
+StopRequest::StopRequest() {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    struct sigaction before {};
+    if (sigaction(signal, nullptr, &before) == 0 && before.sa_handler != SIG_IGN) {
+      signals_.push_back(signal);
+    }
+  }
+  takeSignals();
+}
 
 StopRequest::~StopRequest() {
-  for (const int signal : kSignals) {
+  for (const int signal : signals_) {
     std::signal(signal, SIG_DFL);
   }
 }
@@ -25,13 +31,13 @@ void StopRequest::takeSignals() {
   struct sigaction action {};
   action.sa_handler = note;
   action.sa_flags = SA_RESTART;
-  for (const int signal : kSignals) {
+  for (const int signal : signals_) {
     sigaction(signal, &action, nullptr);
   }
 }
 
 void StopRequest::note(int /*signal*/) {
-  current->hasCome_ = 1;
+  current->hasCome_ = true;
   current->wakeUp_.signal();
 }
 

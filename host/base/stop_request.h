@@ -2,8 +2,9 @@
 
 #include "platform/host_system.h"
 
-#include <csignal>
+#include <atomic>
 #include <exception>
+#include <vector>
 
 namespace tavenhall {
 
@@ -13,8 +14,9 @@ class Stopped : public std::exception {
   [[nodiscard]] const char* what() const noexcept override { return "stopped"; }
 };
 
-// Handles SIGINT, SIGTERM and SIGHUP, whose default action would leave mounts and folders behind. One instance
-// per process; a forked child creates its own. One thread.
+// Handles SIGINT, SIGTERM and SIGHUP, whose default action would leave mounts and folders behind. Those that
+// the process ignores stay so, as nohup wants it. One instance per process; a forked child creates its own. One
+// thread, but for hasCome().
 class StopRequest {
  public:
   StopRequest();
@@ -22,11 +24,12 @@ class StopRequest {
   StopRequest& operator=(const StopRequest&) = delete;
   ~StopRequest();
 
+  // Any thread.
+  [[nodiscard]] bool hasCome() const { return hasCome_; }
+  void throwIfCome() const;
+
   // Installs the handlers again after another component has replaced them.
   void takeSignals();
-
-  [[nodiscard]] bool hasCome() const { return hasCome_ != 0; }
-  void throwIfCome() const;
 
   // A descriptor that is readable after a stop request.
   [[nodiscard]] int descriptor() const { return wakeUp_.descriptor(); }
@@ -34,7 +37,9 @@ class StopRequest {
  private:
   static void note(int signal);
 
-  volatile std::sig_atomic_t hasCome_ = 0;
+  static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler sets it");
+  std::atomic<bool> hasCome_ = false;
+  std::vector<int> signals_;
   WakeUp wakeUp_;
 };
 

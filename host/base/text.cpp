@@ -130,11 +130,13 @@ std::string join(std::string_view first, std::string_view second) {
   return format(_("{0} {1}"), {first, second});
 }
 
-std::string printableText(std::string_view given) {
-  const std::string text = isValidUtf8(given) ? std::string(given) : encodeUtf8(decodeUtf8(given));
+std::string printableText(std::string_view text) {
+  if (!isValidUtf8(text)) {
+    return printableText(encodeUtf8(decodeUtf8(text)));
+  }
   std::string printable;
   printable.reserve(text.size());
-  const auto byteAt = [&text](std::size_t at) {
+  const auto byteAt = [text](std::size_t at) {
     return at < text.size() ? static_cast<unsigned char>(text[at]) : static_cast<unsigned char>(0);
   };
   for (std::size_t at = 0; at < text.size(); ++at) {

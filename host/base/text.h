@@ -76,7 +76,8 @@ class InEnglish {
 [[nodiscard]] std::string percentEncoded(std::string_view path);
 
 // Replaces control characters except line breaks by "?", so that a file cannot control the terminal; also
-// U+0080 to U+009F, which terminals obey. Bytes that are not UTF-8, some of which the others obey, become U+FFFD.
+// U+0080 to U+009F, which terminals obey. Bytes that are not UTF-8, some of which the others obey, become
+// U+FFFD.
 [[nodiscard]] std::string printableText(std::string_view text);
 
 // The same, with line breaks replaced too.

@@ -6,12 +6,15 @@
 #include "host/engine/pre_install.h"
 #include "host/manifest/set_manifest.h"
 #include "host/manifest/verification.h"
+#include "host/set/image_mount.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <utility>
 
 // The commands that list what a set installs, and compare it with what is installed.
 namespace tavenhall {
@@ -20,15 +23,28 @@ namespace {
 
 using nlohmann::ordered_json;
 
-ExitStatus makeManifest(const CheckRequest& request) {
-  const CheckedSet set = openCheckedSet(request);
+ExitStatus makeManifest(const CheckRequest& request) try {
+  const StopRequest stop;  // what is mounted goes when the command is stopped
+  InstallerSet opened = openInstallerSet(request.folder);
+  const DiscMounts mounts(opened, stop);
+  const CheckedSet set = openCheckedSet(std::move(opened), request);
   SetFiles files = filesOfSet(set);
-  const auto written = writeManifestsWithProgress(set, files);
+  const auto written = writeManifestsWithProgress(set, files, &stop);
   std::puts(plural("{0} file, {1}.", "{0} files, {1}.", static_cast<std::int64_t>(files.sources.size()),
                    {sizeText(static_cast<double>(files.bytes))})
                 .c_str());
   printWritten(written);
+  const auto mounted = std::count_if(set.set.discs.begin(), set.set.discs.end(),
+                                     [](const Disc& disc) { return disc.isMounted; });
+  if (mounted > 0) {
+    std::puts(plural("{0} disc is an image, into which nothing was written.",
+                     "{0} discs are images, into which nothing was written.", mounted)
+                  .c_str());
+  }
   return ExitStatus::success;
+} catch (const Stopped&) {
+  showError(UsageError(_("stopped; no manifest was written")));
+  return ExitStatus::failure;
 }
 
 struct VerifyArguments {

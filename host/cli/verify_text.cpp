@@ -42,10 +42,12 @@ VerificationResult verifyWithProgress(const Manifest& manifest, const std::files
   return verifyInstalled(manifest, folder, lite, [&progress](std::int64_t bytes) { progress.add(bytes); });
 }
 
-std::vector<std::filesystem::path> writeManifestsWithProgress(const CheckedSet& set, SetFiles& files) {
+std::vector<std::filesystem::path> writeManifestsWithProgress(const CheckedSet& set, SetFiles& files,
+                                                              const StopRequest* stop) {
   {
     ReadingProgress progress(files.bytes);
-    addDigests(files, [&progress](std::int64_t bytes) { progress.add(bytes); });
+    addDigests(
+        files, [&progress](std::int64_t bytes) { progress.add(bytes); }, stop);
   }
   return writeManifests(set, files.manifest);
 }

@@ -13,9 +13,11 @@ namespace tavenhall {
 [[nodiscard]] VerificationResult verifyWithProgress(const Manifest& manifest,
                                                     const std::filesystem::path& folder, bool lite);
 
-// Adds the digests and writes the manifests, with such a line too. Returns the files.
+// Adds the digests and writes the manifests, with such a line too. Returns the files. Throws as addDigests()
+// and writeManifests() do.
 [[nodiscard]] std::vector<std::filesystem::path> writeManifestsWithProgress(const CheckedSet& set,
-                                                                            SetFiles& files);
+                                                                            SetFiles& files,
+                                                                            const StopRequest* stop = nullptr);
 
 // "Written: FILE" for each.
 void printWritten(const std::vector<std::filesystem::path>& files);

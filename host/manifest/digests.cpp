@@ -23,14 +23,17 @@ class DigestWork {
  public:
   DigestWork(const std::vector<std::filesystem::path>& files,
              const std::function<void(std::size_t, const FileDigest&)>& done,
-             const std::function<void(std::int64_t)>& progress)
-      : files_(files), done_(done), progress_(progress) {}
+             const std::function<void(std::int64_t)>& progress, const StopRequest* stop)
+      : files_(files), done_(done), progress_(progress), stop_(stop) {}
 
   void run() {
     Sha256 hasher;
     std::vector<char> piece(kPiece);
     for (std::size_t i = next_++; i < files_.size(); i = next_++) {
       const FileDigest digest = digestOf(files_[i], hasher, piece);
+      if (hasToStop()) {
+        return;
+      }
       const Lock lock(mutex_);
       done_(i, digest);
     }
@@ -46,7 +49,7 @@ class DigestWork {
     }
     hasher.begin();
     std::int64_t reported = 0;
-    while (true) {
+    while (!hasToStop()) {
       const ssize_t count = read(opened.descriptor(), piece.data(), piece.size());
       if (count < 0 && errno == EINTR) {
         continue;
@@ -67,6 +70,8 @@ class DigestWork {
     return result;
   }
 
+  [[nodiscard]] bool hasToStop() const { return stop_ != nullptr && stop_->hasCome(); }
+
   void report(std::int64_t bytes) {
     const Lock lock(mutex_);
     progress_(bytes);
@@ -75,6 +80,7 @@ class DigestWork {
   const std::vector<std::filesystem::path>& files_;
   const std::function<void(std::size_t, const FileDigest&)>& done_;
   const std::function<void(std::int64_t)>& progress_;
+  const StopRequest* stop_;
   std::atomic<std::size_t> next_ = 0;
   Mutex mutex_;  // held for the calls of the two functions
 };
@@ -83,8 +89,8 @@ class DigestWork {
 
 void digestFiles(const std::vector<std::filesystem::path>& files,
                  const std::function<void(std::size_t index, const FileDigest& digest)>& done,
-                 const std::function<void(std::int64_t bytes)>& progress) {
-  DigestWork work(files, done, progress);
+                 const std::function<void(std::int64_t bytes)>& progress, const StopRequest* stop) {
+  DigestWork work(files, done, progress, stop);
   const unsigned count = std::clamp(std::thread::hardware_concurrency(), 1U, kMostThreads);
   std::vector<std::thread> threads;
   for (unsigned i = 1; i < count; ++i) {

@@ -59,9 +59,8 @@ SetFiles filesOfSet(const CheckedSet& set) {
       continue;  // the page copies nothing of a folder that is not there
     }
     if (volume.folder.empty()) {
-      throw UsageError(
-          format(_("{0} is missing or an image, so its files cannot be read; put its folder into the set"),
-                 {volume.isThere ? volume.shownRoot : volume.volume.root}));
+      throw UsageError(format(_("{0} is missing, so its files cannot be read; put it into the set"),
+                              {volume.isThere ? volume.shownRoot : volume.volume.root}));
     }
     const std::int32_t number = volume.volume.number + 1;
     const std::string name = volume.volume.isMounted ? fs::path(volume.volume.root).filename().string() : "";
@@ -81,7 +80,8 @@ SetFiles filesOfSet(const CheckedSet& set) {
   return files;
 }
 
-void addDigests(SetFiles& files, const std::function<void(std::int64_t bytes)>& progress) {
+void addDigests(SetFiles& files, const std::function<void(std::int64_t bytes)>& progress,
+                const StopRequest* stop) {
   std::string problem;
   digestFiles(
       files.sources,
@@ -95,7 +95,10 @@ void addDigests(SetFiles& files, const std::function<void(std::int64_t bytes)>& 
           problem = format(_("{0} has changed while it was read"), {files.sources[index].string()});
         }
       },
-      progress);
+      progress, stop);
+  if (stop != nullptr) {
+    stop->throwIfCome();
+  }
   if (!problem.empty()) {
     throw UsageError(problem, ExitStatus::failure);
   }
@@ -106,7 +109,7 @@ std::vector<fs::path> writeManifests(const CheckedSet& set, const Manifest& mani
   writeManifest(written.front(), manifest);
   for (const CheckedVolume& volume : set.volumes) {
     const Disc* disc = discOf(set, volume);
-    if (disc == nullptr || disc->isImage) {
+    if (disc == nullptr || disc->isImage || disc->isMounted) {
       continue;
     }
     Manifest part{manifest.product, {}, {}};

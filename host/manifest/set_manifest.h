@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/base/stop_request.h"
 #include "host/manifest/manifest.h"
 #include "host/set/checked_set.h"
 
@@ -18,15 +19,16 @@ struct SetFiles {
 };
 
 // The files that the page installs of the set, in its full edition; where two volumes have a file of one path,
-// the later one's. Throws UsageError where a volume is missing or is an image, whose files cannot be read here.
+// the later one's. Throws UsageError where a volume is missing, or is an image that is not mounted.
 [[nodiscard]] SetFiles filesOfSet(const CheckedSet& set);
 
-// Computes the digests. `progress` as for digestFiles(). Throws UsageError if a file cannot be read, or changes
-// meanwhile.
-void addDigests(SetFiles& files, const std::function<void(std::int64_t bytes)>& progress);
+// Computes the digests. `progress` and `stop` as for digestFiles(). Throws UsageError if a file cannot be read,
+// or changes meanwhile, and Stopped.
+void addDigests(SetFiles& files, const std::function<void(std::int64_t bytes)>& progress,
+                const StopRequest* stop = nullptr);
 
-// Writes the manifest beside the package, and to the top of each disc its own part. Returns the files. Throws
-// UsageError.
+// Writes the manifest beside the package, and to the top of each disc that is a folder its own part. Returns
+// the files. Throws UsageError.
 [[nodiscard]] std::vector<std::filesystem::path> writeManifests(const CheckedSet& set,
                                                                 const Manifest& manifest);
 

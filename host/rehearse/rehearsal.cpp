@@ -46,8 +46,7 @@ class Rehearsal {
     if (!request_.keep.empty()) {
       kept_.emplace(request_.keep);
     }
-    stage_.emplace(set_, product_, kept_ ? kept_->path() : work_.path() / "root", work_.path(),
-                   request_.installed, stop_);
+    stage_.emplace(set_, product_, kept_ ? kept_->path() : work_.path() / "root", request_.installed, stop_);
     checked_ = openCheckedSet(stage_->set(), {.folder = {},
                                               .product = product_.pluginName,
                                               .installType = installType_,

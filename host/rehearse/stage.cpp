@@ -47,8 +47,8 @@ void copyFolder(const fs::path& from, const fs::path& to, const StopRequest& sto
 
 }  // namespace
 
-Stage::Stage(const InstallerSet& set, const Product& product, const fs::path& root, const fs::path& workFolder,
-             const fs::path& installed, const StopRequest& stop)
+Stage::Stage(const InstallerSet& set, const Product& product, const fs::path& root, const fs::path& installed,
+             const StopRequest& stop)
     : set_(set), sandbox_(root), product_(product) {
   // In a folder of its own, as a download lies: the set's may be called as one in a home is.
   const std::string setInside = std::string(Sandbox::kHome) + "/Downloads/" + set.folder.filename().string();
@@ -57,22 +57,19 @@ Stage::Stage(const InstallerSet& set, const Product& product, const fs::path& ro
   sandbox_.bind({set.folder, setInside});
   sandbox_.bind({programPath().parent_path().parent_path(), Sandbox::kProgram});
   sandbox_.bind({findStandIns() / "rehearsal", Sandbox::kTools});
-  layDiscs(workFolder, stop);
+  layDiscs(stop);
   sandbox_.probe();
   layInstalled(installed, stop);
   before_ = SourceTree::ofFolder(sandbox_.root());
 }
 
-void Stage::layDiscs(const fs::path& workFolder, const StopRequest& stop) {
-  for (Disc& disc : set_.discs) {
-    const std::string number = std::to_string(disc.number);
+void Stage::layDiscs(const StopRequest& stop) {
+  for (const Disc& disc : set_.discs) {
     namesInSet_[disc.number] = disc.path.lexically_relative(set_.folder);
-    if (disc.isImage) {
-      images_.push_back(std::make_unique<ImageMount>(disc.path, workFolder / "images" / number, stop));
-      disc.path = images_.back()->folder();
-      disc.isImage = false;
-    }
-    discs_.push_back({disc.volumeName, std::string(kDiscs) + "/" + number});
+  }
+  mounts_.emplace(set_, stop);
+  for (const Disc& disc : set_.discs) {
+    discs_.push_back({disc.volumeName, std::string(kDiscs) + "/" + std::to_string(disc.number)});
     sandbox_.bind({disc.path, discs_.back().inside});
   }
 }

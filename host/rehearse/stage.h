@@ -9,7 +9,7 @@
 
 #include <filesystem>
 #include <map>
-#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,11 +19,10 @@ namespace tavenhall {
 // installed files in the home.
 class Stage {
  public:
-  // `root` becomes the sandbox; `workFolder` is for the rehearsal's own files outside the sandbox. Copies the
-  // files in `installed`; if it is empty, the user has empty data folders. Throws UsageError and Stopped.
+  // `root` becomes the sandbox. Copies the files in `installed`; if it is empty, the user has empty data
+  // folders. Throws UsageError and Stopped.
   Stage(const InstallerSet& set, const Product& product, const std::filesystem::path& root,
-        const std::filesystem::path& workFolder, const std::filesystem::path& installed,
-        const StopRequest& stop);
+        const std::filesystem::path& installed, const StopRequest& stop);
 
   // Returns the command of an engine with JSON lines on its standard streams; `installType` may be empty.
   [[nodiscard]] SandboxCommand engineCommand(const std::string& installType) const;
@@ -49,7 +48,7 @@ class Stage {
   [[nodiscard]] std::filesystem::path nameInSet(const Disc& disc) const;
 
  private:
-  void layDiscs(const std::filesystem::path& workFolder, const StopRequest& stop);
+  void layDiscs(const StopRequest& stop);
   void layInstalled(const std::filesystem::path& installed, const StopRequest& stop);
 
   InstallerSet set_;
@@ -58,7 +57,7 @@ class Stage {
   std::string packageInside_;
   std::vector<DiscTray::Disc> discs_;
   std::map<int, std::filesystem::path> namesInSet_;  // by the disc's number
-  std::vector<std::unique_ptr<ImageMount>> images_;
+  std::optional<DiscMounts> mounts_;
   SourceTree before_;
 };
 

@@ -89,4 +89,19 @@ bool ImageMount::isServed() const {
   return stat(folder_.c_str(), &found) == 0 && found.st_dev != diskBefore_;
 }
 
+DiscMounts::DiscMounts(InstallerSet& set, const StopRequest& stop) {
+  for (Disc& disc : set.discs) {
+    if (disc.isImage) {
+      if (!folder_) {
+        folder_.emplace();
+      }
+      mounts_.push_back(
+          std::make_unique<ImageMount>(disc.path, folder_->path() / std::to_string(disc.number), stop));
+      disc.path = mounts_.back()->folder();
+      disc.isImage = false;
+      disc.isMounted = true;
+    }
+  }
+}
+
 }  // namespace tavenhall

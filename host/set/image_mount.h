@@ -2,9 +2,14 @@
 
 #include "host/base/child_process.h"
 #include "host/base/stop_request.h"
+#include "host/base/temporary_folder.h"
+#include "host/set/installer_set.h"
 
 #include <filesystem>
+#include <memory>
+#include <optional>
 #include <sys/types.h>
+#include <vector>
 
 namespace tavenhall {
 
@@ -26,6 +31,17 @@ class ImageMount {
   std::filesystem::path folder_;
   dev_t diskBefore_;
   ToolProcess server_;
+};
+
+// The images among a set's discs, mounted below a folder for temporary files.
+class DiscMounts {
+ public:
+  // Puts the mounts in the place of the images. Throws as ImageMount does.
+  DiscMounts(InstallerSet& set, const StopRequest& stop);
+
+ private:
+  std::optional<TemporaryFolder> folder_;
+  std::vector<std::unique_ptr<ImageMount>> mounts_;
 };
 
 }  // namespace tavenhall

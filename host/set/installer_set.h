@@ -16,6 +16,7 @@ struct Disc {
   std::string volumeName;  // as it is mounted
   std::filesystem::path path;
   bool isImage = false;
+  bool isMounted = false;  // `path` is where its image is mounted, which can only be read
 };
 
 struct InstallerSet {

@@ -210,10 +210,8 @@ TEST_F(VerifiedInstall, WhatCannotBeKnownIsRefused) {
   std::filesystem::remove_all(std::string(kManifestSet) + "/discs/2 Tessaphon B");
   const Outcome incomplete = tavinstall({"manifest", kManifestSet});
   EXPECT_EQ(incomplete.status, 2);
-  EXPECT_EQ(
-      incomplete.error,
-      "tavinstall: /Volumes/Tessaphon B is missing or an image, so its files cannot be read; put its folder "
-      "into the set\n");
+  EXPECT_EQ(incomplete.error,
+            "tavinstall: /Volumes/Tessaphon B is missing, so its files cannot be read; put it into the set\n");
   EXPECT_FALSE(exists(kManifestFile));
 }
 

@@ -1,5 +1,6 @@
 #include "tests/rehearse/rehearsals.h"
 
+#include <csignal>
 #include <filesystem>
 #include <sys/stat.h>
 
@@ -60,6 +61,42 @@ TEST(RehearseImages, ADiscThatIsLeftOutOfALiteInstallIsStillCounted) {
   EXPECT_THAT(outcome.output, HasSubstr("  size         6.0 MB announced, 6.0 MB real\n"));
   EXPECT_THAT(outcome.output, HasSubstr("  component    3.0 MB announced, 3.0 MB real\n"));
   EXPECT_THAT(outcome.output, HasSubstr("  left out     2 files of the Full edition\n"));
+}
+
+TEST(ManifestOfImages, IsThatOfTheirFolders) {
+  makeDiscSet();
+  ASSERT_EQ(runThrough({kTavinstall, "manifest", kSetFolder, "--product", "Lumaweave"}).status, 0);
+  const std::string ofFolders = readFile(inSet("Manifest.sha256"));
+  std::filesystem::remove(inSet("Manifest.sha256"));
+  std::filesystem::remove(inSet("discs/1 Tavenhall Lumaweave/Manifest.sha256"));
+  std::filesystem::remove(inSet("discs/2 Tavenhall Lumaweave/Manifest.sha256"));
+  turnDiscsIntoImages();
+  const std::string image = readFile(inSet("discs/2 Tavenhall Lumaweave.iso"));
+
+  const Outcome outcome = runThrough({kTavinstall, "manifest", kSetFolder, "--product", "Lumaweave"});
+  EXPECT_EQ(outcome.status, 0) << outcome.error;
+  EXPECT_EQ(outcome.output,
+            "2 files, 6 bytes.\nWritten: /Users/tester/Installer/Manifest.sha256\n"
+            "2 discs are images, into which nothing was written.\n");
+  EXPECT_EQ(readFile(inSet("Manifest.sha256")), ofFolders);
+  EXPECT_EQ(readFile(inSet("discs/2 Tavenhall Lumaweave.iso")), image);
+  expectNothingLeft();
+}
+
+TEST(ManifestOfImages, IsNotWrittenWhenItsCommandIsStopped) {
+  makeDiscSet();
+  const std::string large = inSet("discs/1 Tavenhall Lumaweave/DOVA/large.db");
+  writeFile(large, "");
+  std::filesystem::resize_file(large, 3'000'000'000);
+  turnDiscsIntoImages();
+  ChildProgram program({kTavinstall, "manifest", kSetFolder, "--product", "Lumaweave"});
+  ASSERT_TRUE(comesTrue([] { return temporaryMounts().size() == 2; }));
+  const std::vector<pid_t> servers = descendantsOf(program.pid());
+  kill(program.pid(), SIGTERM);
+  EXPECT_EQ(program.waitForEnd(), 1);
+  EXPECT_EQ(program.standardError(), "tavinstall: stopped; no manifest was written\n");
+  EXPECT_FALSE(exists(inSet("Manifest.sha256")));
+  expectNothingLeft(servers);
 }
 
 TEST(RehearseImages, AnInvalidImageIsBadUsage) {
