@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <ostream>
 #include <random>
 #include <set>
 #include <string>
@@ -32,6 +33,8 @@ struct LayoutCase {
   std::size_t fewest;
   std::vector<std::string> divided;
 };
+
+void PrintTo(const LayoutCase& layout, std::ostream* out) { *out << layout.name; }
 
 class Layouts : public testing::TestWithParam<LayoutCase> {};
 

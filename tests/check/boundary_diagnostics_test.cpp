@@ -1,6 +1,7 @@
 #include "tests/check/sets.h"
 
 #include <filesystem>
+#include <ostream>
 
 // A set is whole: nothing in it leads out of its folder, and nothing on a disc out of the disc.
 namespace tavenhall::test {
@@ -16,6 +17,8 @@ struct Link {
   std::string place;  // below the set
   std::vector<Found> others;
 };
+
+void PrintTo(const Link& link, std::ostream* out) { *out << link.what; }
 
 class LinkOutOfTheSet : public testing::TestWithParam<Link> {};
 

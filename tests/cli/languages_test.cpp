@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <ostream>
 #include <sstream>
 #include <string>
 
@@ -24,6 +25,8 @@ struct Language {
   const char* name;
   const char* usage;  // how the help shows the arguments
 };
+
+void PrintTo(const Language& language, std::ostream* out) { *out << language.name; }
 
 class EveryLanguage : public testing::TestWithParam<Language> {};
 INSTANTIATE_TEST_SUITE_P(Each, EveryLanguage,

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <ostream>
 #include <sys/stat.h>
 
 // What the built program prints in other languages. Whether a catalogue is complete, and has the placeholders
@@ -20,6 +21,8 @@ struct Printed {
   int status;
   std::vector<const char*> texts;  // each in its output or on its standard error
 };
+
+void PrintTo(const Printed& printed, std::ostream* out) { *out << printed.name; }
 
 const Printed kPrinted[] = {
     {"ACheckWithProblems",
@@ -166,6 +169,8 @@ struct Refused {
   const char* german;
   const char* japanese;
 };
+
+void PrintTo(const Refused& refused, std::ostream* out) { *out << refused.name; }
 
 const Refused kRefused[] = {
     {"NoCommand", {}, "A subcommand is required", "ein Befehl fehlt", "コマンドが必要です"},

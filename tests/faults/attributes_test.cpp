@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <ostream>
 #include <string>
 
 // An attributes file that is there and cannot be read. The page finds no key in it, and so would install one
@@ -20,6 +21,8 @@ struct Unreadable {
   int error;
   const char* text;
 };
+
+void PrintTo(const Unreadable& unreadable, std::ostream* out) { *out << unreadable.name; }
 
 class UnreadableAttributes : public testing::TestWithParam<Unreadable> {
  public:

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <ostream>
 #include <set>
 #include <string>
 #include <vector>
@@ -56,6 +57,8 @@ struct Trick {
   const char* what;
   const char* name;
 };
+
+void PrintTo(const Trick& trick, std::ostream* out) { *out << trick.what; }
 
 class ReadByTheShell : public testing::TestWithParam<Trick> {};
 

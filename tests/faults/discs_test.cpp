@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <ostream>
 #include <sys/mount.h>
 #include <thread>
 #include <unistd.h>
@@ -151,6 +152,10 @@ struct FirstOfSeveral {
   int first;
 };
 
+void PrintTo(const FirstOfSeveral& first, std::ostream* out) {
+  *out << first.first + 1 << " of " << first.count;
+}
+
 class DiscsInAnyOrder : public testing::TestWithParam<FirstOfSeveral> {};
 
 // A drive that holds one disc; whenever the page asks, the next in an order is put in, and the first after the
@@ -212,6 +217,10 @@ struct ProductAndCount {
   const char* drive;
   int count;
 };
+
+void PrintTo(const ProductAndCount& product, std::ostream* out) {
+  *out << product.product << " " << product.count;
+}
 
 class DiscsOfOneName : public testing::TestWithParam<ProductAndCount> {};
 

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <ostream>
 #include <string>
 
 // What the page does not report, and what the host says of it: the table of docs/reliability.md, as far as no
@@ -53,6 +54,8 @@ struct Place {
   CallKind kind;
   const char* path;
 };
+
+void PrintTo(const Place& place, std::ostream* out) { *out << place.name; }
 
 // What decides what a product update installs, and where the page sees nothing if it cannot look.
 class PlaceThatCannotBeExamined : public testing::TestWithParam<Place> {

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <ostream>
 #include <string>
 
 // The page's texts come in the user's language, from the bundle that was built.
@@ -23,6 +24,8 @@ struct Language {
   const char* findError;
   const char* installError;
 };
+
+void PrintTo(const Language& language, std::ostream* out) { *out << language.name; }
 
 constexpr Language kLanguages[] = {
     {"English", "en_GB.UTF-8", "OK",

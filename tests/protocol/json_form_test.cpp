@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <ostream>
 
 namespace tavenhall::test {
 namespace {
@@ -14,6 +15,8 @@ struct EventLine {
   Event event;
   std::string line;  // without its newline
 };
+
+void PrintTo(const EventLine& event, std::ostream* out) { *out << event.line; }
 
 event::Summary wholeSummary() {
   event::Summary summary;

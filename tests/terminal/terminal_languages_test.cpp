@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <gmock/gmock.h>
+#include <ostream>
 #include <string>
 
 namespace tavenhall::test {
@@ -26,6 +27,8 @@ struct Language {
   const char* failed;
   const char* lastWord;
 };
+
+void PrintTo(const Language& language, std::ostream* out) { *out << language.name; }
 
 class TerminalInLanguage : public InUtf8, public testing::WithParamInterface<Language> {
  protected:
