@@ -17,6 +17,7 @@
 #include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
+#include <string_view>
 #include <unistd.h>
 #include <utility>
 
@@ -141,31 +142,22 @@ void putFile(const fs::path& from, const fs::path& to, std::int64_t size, SplitM
       fail(_("cannot make a link to {0}: {1}"), from, errno);
     }
   }
-  const RegularFile source(from);
-  if (source.error() != 0) {
-    fail(_("cannot read {0}: {1}"), from, source.error());
-  }
+  RegularFile source(from);
   const OwnedDescriptor copy(open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
-  bool isWritten = copy.get() >= 0;
+  if (copy.get() < 0) {
+    fail(_("cannot write {0}: {1}"), to, errno);
+  }
   std::vector<char> piece(kCopiedPiece);
   std::int64_t copied = 0;
-  while (isWritten) {
-    const ssize_t count = read(source.descriptor(), piece.data(), piece.size());
-    if (count == 0) {
-      break;
+  for (std::string_view bytes = source.read(piece); !bytes.empty(); bytes = source.read(piece)) {
+    if (!writeAll(copy.get(), bytes)) {
+      fail(_("cannot write {0}: {1}"), to, errno);
     }
-    if (count < 0 && errno == EINTR) {
-      continue;
-    }
-    if (count < 0) {
-      fail(_("cannot read {0}: {1}"), from, errno);
-    }
-    isWritten = writeAll(copy.get(), {piece.data(), static_cast<std::size_t>(count)});
-    copied += count;
-    progress(count);
+    copied += static_cast<std::int64_t>(bytes.size());
+    progress(static_cast<std::int64_t>(bytes.size()));
   }
-  if (!isWritten) {
-    fail(_("cannot write {0}: {1}"), to, errno);
+  if (source.error() != 0) {
+    fail(_("cannot read {0}: {1}"), from, source.error());
   }
   if (copied != size) {
     throw UsageError(format(_("{0} has changed while it was read"), {from.string()}), ExitStatus::failure);

@@ -4,6 +4,7 @@
 #include "host/base/exit_status.h"
 #include "host/base/text.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -41,6 +42,14 @@ RegularFile::RegularFile(const fs::path& path) : file_(open(path.c_str(), O_RDON
   } else if (!S_ISREG(facts_.st_mode)) {
     error_ = EINVAL;
   }
+}
+
+std::string_view RegularFile::read(std::span<char> piece) {
+  ssize_t count = -1;
+  while (error_ == 0 && (count = ::read(file_.get(), piece.data(), piece.size())) < 0) {
+    error_ = errno == EINTR ? 0 : errno;
+  }
+  return {piece.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0))};
 }
 
 Draft::Draft(const fs::path& place)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <span>
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
@@ -28,8 +29,10 @@ class RegularFile {
  public:
   explicit RegularFile(const std::filesystem::path& path);
 
-  [[nodiscard]] int descriptor() const { return file_.get(); }
-  [[nodiscard]] int error() const { return error_; }  // errno; 0: it is open
+  // The next bytes, in `piece`, which is not empty; none at the end and after an error.
+  [[nodiscard]] std::string_view read(std::span<char> piece);
+
+  [[nodiscard]] int error() const { return error_; }  // errno of what failed; 0: nothing has
   [[nodiscard]] const struct stat& facts() const { return facts_; }
 
  private:

@@ -13,6 +13,7 @@
 #include <ctime>
 #include <fcntl.h>
 #include <memory>
+#include <string_view>
 #include <unistd.h>
 
 namespace tavenhall {
@@ -49,7 +50,7 @@ class ZipWriter {
       write(file.text.data(), file.text.size());
       return;
     }
-    const RegularFile source(file.source);
+    RegularFile source(file.source);
     if (source.error() != 0) {
       throw UsageError(
           format(_("cannot read {0}: {1}"), {file.source.string(), std::strerror(source.error())}));
@@ -59,12 +60,16 @@ class ZipWriter {
     std::array<char, 65536> buffer;
     while (left > 0) {  // what a running install adds meanwhile is left out
       const auto wanted = static_cast<std::size_t>(std::min<std::int64_t>(left, buffer.size()));
-      const ssize_t count = read(source.descriptor(), buffer.data(), wanted);
-      if (count <= 0) {
-        throw UsageError(format(_("cannot read {0}: {1}"), {file.source.string(), std::strerror(errno)}));
+      const std::string_view bytes = source.read({buffer.data(), wanted});
+      if (bytes.empty() && source.error() == 0) {
+        throw UsageError(format(_("{0} has changed while it was read"), {file.source.string()}));
       }
-      write(buffer.data(), static_cast<std::size_t>(count));
-      left -= count;
+      if (bytes.empty()) {
+        throw UsageError(
+            format(_("cannot read {0}: {1}"), {file.source.string(), std::strerror(source.error())}));
+      }
+      write(bytes.data(), bytes.size());
+      left -= static_cast<std::int64_t>(bytes.size());
     }
   }
 

@@ -6,9 +6,8 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cerrno>
+#include <string_view>
 #include <thread>
-#include <unistd.h>
 
 namespace tavenhall {
 
@@ -42,30 +41,20 @@ class DigestWork {
  private:
   FileDigest digestOf(const std::filesystem::path& file, Sha256& hasher, std::vector<char>& piece) {
     FileDigest result;
-    const RegularFile opened(file);
-    if (opened.error() != 0) {
-      result.error = opened.error();
-      return result;
-    }
+    RegularFile opened(file);
     hasher.begin();
     std::int64_t reported = 0;
-    while (!hasToStop()) {
-      const ssize_t count = read(opened.descriptor(), piece.data(), piece.size());
-      if (count < 0 && errno == EINTR) {
-        continue;
-      }
-      if (count <= 0) {
-        result.error = count < 0 ? errno : 0;
-        break;
-      }
-      hasher.add(piece.data(), static_cast<std::size_t>(count));
-      result.size += count;
+    for (std::string_view bytes = opened.read(piece); !bytes.empty() && !hasToStop();
+         bytes = opened.read(piece)) {
+      hasher.add(bytes.data(), bytes.size());
+      result.size += static_cast<std::int64_t>(bytes.size());
       if (result.size - reported >= kReported) {
         report(result.size - reported);
         reported = result.size;
       }
     }
     report(result.size - reported);
+    result.error = opened.error();
     result.digest = result.error == 0 ? hasher.end() : std::string();
     return result;
   }

@@ -8,7 +8,6 @@
 #include <cstring>
 #include <string_view>
 #include <system_error>
-#include <unistd.h>
 #include <vector>
 
 namespace tavenhall {
@@ -19,14 +18,14 @@ namespace {
 
 constexpr std::size_t kCopyPiece = 1048576;  // bytes of a read
 
-std::string because(const char* what) { return std::string(what) + ": " + std::strerror(errno); }
+std::string because(const char* what, int error) { return std::string(what) + ": " + std::strerror(error); }
 
 }  // namespace
 
 std::string repairFile(const fs::path& source, const fs::path& installed, const ManifestFile& file) {
-  const RegularFile from(source);
+  RegularFile from(source);
   if (from.error() != 0) {
-    return std::string("cannot be read: ") + std::strerror(from.error());
+    return because("cannot be read", from.error());
   }
   if (from.facts().st_size != file.size) {
     return "the source is not the file of the manifest";
@@ -38,32 +37,25 @@ std::string repairFile(const fs::path& source, const fs::path& installed, const 
   }
   Draft draft(installed);
   if (draft.descriptor() < 0) {
-    return because("cannot be written");
+    return because("cannot be written", errno);
   }
   Sha256 digest;
   digest.begin();
   std::vector<char> piece(kCopyPiece);
-  while (true) {
-    const ssize_t count = read(from.descriptor(), piece.data(), piece.size());
-    if (count < 0 && errno == EINTR) {
-      continue;
+  for (std::string_view bytes = from.read(piece); !bytes.empty(); bytes = from.read(piece)) {
+    digest.add(bytes.data(), bytes.size());
+    if (!writeAll(draft.descriptor(), bytes)) {
+      return because("cannot be written", errno);
     }
-    if (count < 0) {
-      return because("cannot be read");
-    }
-    if (count == 0) {
-      break;
-    }
-    digest.add(piece.data(), static_cast<std::size_t>(count));
-    if (!writeAll(draft.descriptor(), std::string_view(piece.data(), static_cast<std::size_t>(count)))) {
-      return because("cannot be written");
-    }
+  }
+  if (from.error() != 0) {
+    return because("cannot be read", from.error());
   }
   if (digest.end() != file.digest) {
     return "the source is not the file of the manifest";
   }
   if (!draft.place()) {
-    return because("cannot be written");
+    return because("cannot be written", errno);
   }
   return {};
 }
