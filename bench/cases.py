@@ -62,11 +62,12 @@ class Comparison:
     goals: dict = field(default_factory=dict)  # the greatest ratio, by tool
     is_cold: bool = False
     is_over_existing: bool = False
+    counts_audit: bool = False  # the comparison of source and destination after the copy is timed, too
 
     def run(self, arena, options):
         load = _load()
         arena.lay_source(self.tree)
-        page = Page(options.build)
+        page = Page(options.build, counts_audit=self.counts_audit)
         others = [CopyTool(*other) for other in self.others] + [Page(options.build, face) for face in self.faces]
         self._run_once(arena, page)
         if difference := trees.difference(arena.source, arena.destination):
@@ -226,6 +227,7 @@ class Profile:
 
 ALL = (
     Comparison("many", "50,000 files of 2 KiB", trees.MANY, goals={"cp -R": 0.70, "rsync -a": 0.70}),
+    Comparison("audited", "The same, copied and audited", trees.MANY, others=(CP, RSYNC), counts_audit=True),
     Comparison("big", "4 files of 512 MiB", trees.BIG, goals={"cp -R": 1.15, "rsync -a": 0.40}),
     Comparison("mixed", "Like a library: 4,000 files, 2 GB", trees.MIXED, goals={"cp -R": 0.95, "rsync -a": 0.45}),
     Comparison("mixed-cold", "The same, nothing in memory", trees.MIXED, is_cold=True,

@@ -56,9 +56,11 @@ class CopyTool:
 
 
 class Page:
-    """The page in `tavinstall run`. The copy alone is timed, as the program's summary has it."""
+    """The page in `tavinstall run`. The copy is timed, and the audit where that is wanted, as the program's summary
+    has them."""
 
-    def __init__(self, build, face="quiet", wrapper=()):
+    def __init__(self, build, face="quiet", wrapper=(), counts_audit=False):
+        self.counts_audit = counts_audit
         self.name = "tavinstall" if face == "quiet" else f"tavinstall --ui {face}"
         self.face = face
         self.command = [*wrapper, str(build / "bin/tavinstall"), "run",
@@ -76,6 +78,7 @@ class Page:
         if summary["sheets"] or not summary["ready"]:
             raise Failure(f"{self.name} reported: {summary['sheets']}")
         seconds = sum(copy["seconds"] for copy in summary["copies"])
+        seconds += summary["checkingSeconds"] if self.counts_audit else 0
         return Run(seconds) if self.face == "terminal" else _run_used(arena, seconds)
 
     def _run_with_pipes(self, arena, command, environment):
