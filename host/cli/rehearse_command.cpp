@@ -61,11 +61,7 @@ RehearsalView viewFor(Frontend frontend) {
 CheckVerdict checkVerdict(const RehearsalRequest& request) {
   CheckVerdict verdict;
   try {
-    CheckResult result = checkSet({.folder = request.set,
-                                   .product = request.product,
-                                   .installType = request.installType,
-                                   .installed = request.installed,
-                                   .isRehearsal = true});
+    CheckResult result = checkSet(checkRequestFor(request));
     result.diagnostics.keepOnly(
         [&request](std::string_view name) { return name != "outside-set" || !request.allowsOutside; });
     for (const Diagnostic& diagnostic : result.diagnostics.all()) {

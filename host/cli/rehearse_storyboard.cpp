@@ -181,21 +181,13 @@ class InUtf8 {
   const std::string before_;
 };
 
-}  // namespace
-
-namespace {
-
 ExitStatus makeStoryboard(const RehearsalRequest& request, const fs::path& file,
                           std::vector<std::string> languages, const StopRequest& stop) {
   requireWritable(file);
   if (languages.empty()) {
     languages.assign(std::begin(kLanguages), std::end(kLanguages));
   }
-  const CheckRequest checkRequest{.folder = request.set,
-                                  .product = request.product,
-                                  .installType = request.installType,
-                                  .installed = request.installed,
-                                  .isRehearsal = true};
+  const CheckRequest checkRequest = checkRequestFor(request);
   const CheckedSet set = openCheckedSet(checkRequest);
   const bool isSmall = set.realSizes().whole.value_or(kSmallSet) < kSmallSet;
   const TemporaryFolder folder;

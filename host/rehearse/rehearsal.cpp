@@ -193,6 +193,14 @@ class Rehearsal {
 
 }  // namespace
 
+CheckRequest checkRequestFor(const RehearsalRequest& request) {
+  return {.folder = request.set,
+          .product = request.product,
+          .installType = request.installType,
+          .installed = request.installed,
+          .isRehearsal = true};
+}
+
 ExitStatus rehearse(const RehearsalRequest& request, const RehearsalView& view) {
   StopRequest stop;
   try {

@@ -2,7 +2,7 @@
 
 #include "host/base/exit_status.h"
 #include "host/protocol/engine_client.h"
-#include "host/set/install_plan.h"
+#include "host/set/checked_set.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -30,6 +30,9 @@ struct RehearsalRequest {
   int late = 0;                         // how often each disc is first reported missing
   std::function<CheckVerdict()> check;  // of the set; may be called again, in another language
 };
+
+// What a check looks at to say what a rehearsal will find.
+[[nodiscard]] CheckRequest checkRequestFor(const RehearsalRequest& request);
 
 // What a frontend shows of a rehearsal besides the engine's events.
 struct RehearsalScene {
