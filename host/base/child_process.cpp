@@ -39,7 +39,43 @@ class NullDevice {
   int descriptor_;
 };
 
+void endGroup(int /*signal*/) { kill(0, SIGKILL); }
+
+// Goes on in a child process. This one, the first of its process group, waits for it, and ends the group on
+// SIGTERM or when something else has ended the child.
+void goOnGuarded() {
+  std::signal(SIGTERM, endGroup);
+  const pid_t program = fork();
+  if (program == 0) {
+    return;
+  }
+  int status = 0;
+  if (program < 0 || waitpid(program, &status, 0) < 0 || !WIFEXITED(status)) {
+    endGroup(SIGTERM);
+  }
+  _exit(WEXITSTATUS(status));
+}
+
 }  // namespace
+
+pid_t forkProcess() {
+  sigset_t all;
+  sigset_t before;
+  sigfillset(&all);
+  std::fflush(nullptr);
+  pthread_sigmask(SIG_SETMASK, &all, &before);
+  const pid_t pid = fork();
+  if (pid == 0) {
+    for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+      struct sigaction action {};
+      if (sigaction(signal, nullptr, &action) == 0 && action.sa_handler != SIG_IGN) {
+        std::signal(signal, SIG_DFL);
+      }
+    }
+  }
+  pthread_sigmask(SIG_SETMASK, &before, nullptr);
+  return pid;
+}
 
 Pipe makePipe() {
   std::array<int, 2> ends{};
@@ -78,7 +114,7 @@ bool writeUnless(int descriptor, std::string_view text, int interrupt, std::chro
   return true;
 }
 
-pid_t startProgram(const std::vector<std::string>& command, const StandardStreams& streams) {
+pid_t startProgram(const std::vector<std::string>& command, const StandardStreams& streams, End end) {
   std::vector<std::string> words = command;
   std::vector<char*> arguments;
   arguments.reserve(words.size() + 1);
@@ -87,14 +123,20 @@ pid_t startProgram(const std::vector<std::string>& command, const StandardStream
   }
   arguments.push_back(nullptr);
 
-  std::fflush(nullptr);
-  const pid_t pid = fork();
+  const pid_t self = getpid();
+  const pid_t pid = forkProcess();
   if (pid < 0) {
     throw startFailure(command.front());
   }
   if (pid == 0) {
     endWithParentProcess();
+    if (getppid() != self) {
+      _exit(kCannotRun);  // it has ended by now
+    }
     setsid();
+    if (end == End::processGroup) {
+      goOnGuarded();
+    }
     dup2(streams.input, STDIN_FILENO);
     dup2(streams.output, STDOUT_FILENO);
     dup2(streams.error, STDERR_FILENO);
@@ -108,7 +150,7 @@ pid_t startProgram(const std::vector<std::string>& command, const StandardStream
   return pid;
 }
 
-ToolProcess::ToolProcess(const std::vector<std::string>& command, Keep keep, int keptDescriptor)
+ToolProcess::ToolProcess(const std::vector<std::string>& command, Keep keep, int keptDescriptor, End end)
     : output_(std::tmpfile(), std::fclose) {
   if (!output_) {
     throw startFailure(command.front());
@@ -116,7 +158,7 @@ ToolProcess::ToolProcess(const std::vector<std::string>& command, Keep keep, int
   const NullDevice null;
   const int kept = fileno(output_.get());
   pid_ = startProgram(
-      command, {null.descriptor(), kept, keep == Keep::output ? null.descriptor() : kept, keptDescriptor});
+      command, {null.descriptor(), kept, keep == Keep::output ? null.descriptor() : kept, keptDescriptor}, end);
 }
 
 ToolProcess::~ToolProcess() { end(); }

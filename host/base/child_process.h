@@ -29,6 +29,11 @@ bool writeAll(int descriptor, std::string_view text);
 [[nodiscard]] bool writeUnless(int descriptor, std::string_view text, int interrupt,
                                std::chrono::milliseconds timeout = std::chrono::milliseconds(-1));
 
+// Forks, after flushing the standard streams. SIGHUP, SIGINT and SIGTERM have their default actions in the
+// child, if they are not ignored, from its first moment: a handler of this process would note there what nobody
+// reads. Returns as fork(2) does.
+[[nodiscard]] pid_t forkProcess();
+
 // Runs `command` (a program of the PATH, and its arguments) in a child process, without a shell, after
 // setsid() so that a terminal's Ctrl-C does not reach it, with these descriptors and no other. The child gets
 // SIGTERM when this process ends, if the system supports that. Throws std::system_error if the process cannot
@@ -40,7 +45,12 @@ struct StandardStreams {
   int error;
   int kept = -1;  // stays open in the child under its own number
 };
-[[nodiscard]] pid_t startProgram(const std::vector<std::string>& command, const StandardStreams& streams);
+// What SIGTERM ends: the program, or at once also all processes that it has created and that have not left its
+// process group. In that case the child whose id is returned is a guard that runs the program, and has its exit
+// status.
+enum class End { program, processGroup };
+[[nodiscard]] pid_t startProgram(const std::vector<std::string>& command, const StandardStreams& streams,
+                                 End end = End::program);
 
 // A child process with /dev/null as standard input, whose output is kept in memory. The destructor ends it.
 class ToolProcess {
@@ -49,7 +59,7 @@ class ToolProcess {
 
   // Throws std::system_error if the process cannot be created.
   explicit ToolProcess(const std::vector<std::string>& command, Keep keep = Keep::outputAndErrors,
-                       int keptDescriptor = -1);
+                       int keptDescriptor = -1, End end = End::program);
   ToolProcess(const ToolProcess&) = delete;
   ToolProcess& operator=(const ToolProcess&) = delete;
   ~ToolProcess();

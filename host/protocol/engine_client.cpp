@@ -154,8 +154,7 @@ EngineConnection startEngineProcess(const EngineBody& body, const EngineProcessO
   if (terminal.frontend >= 0) {
     forbidTracing();  // a password goes through this process, and the engine has the terminal open
   }
-  std::fflush(nullptr);
-  const pid_t pid = fork();
+  const pid_t pid = forkProcess();
   if (pid < 0) {
     throw std::system_error(errno, std::generic_category(), "fork");
   }

@@ -37,8 +37,8 @@ RehearsalDriver::RehearsalDriver(SandboxCommand command, DiscTray& tray, const E
 EngineConnection RehearsalDriver::start() const {
   const Pipe requests = makePipe();
   const Pipe events = makePipe();
-  const pid_t process =
-      startProgram(command_.words, {requests.readEnd, events.writeEnd, STDERR_FILENO, command_.filter});
+  const pid_t process = startProgram(
+      command_.words, {requests.readEnd, events.writeEnd, STDERR_FILENO, command_.filter}, End::processGroup);
   close(requests.readEnd);
   close(events.writeEnd);
   return {.process = process, .requests = requests.writeEnd, .events = events.readEnd};

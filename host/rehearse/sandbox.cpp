@@ -107,7 +107,7 @@ Sandbox::~Sandbox() { close(filter_); }
 
 void Sandbox::probe() const {
   const SandboxCommand command = commandFor({"true"});
-  ToolProcess tool(command.words, ToolProcess::Keep::outputAndErrors, command.filter);
+  ToolProcess tool(command.words, ToolProcess::Keep::outputAndErrors, command.filter, End::processGroup);
   const int status = tool.wait();
   if (status == kCannotRun) {
     throw UsageError(_("rehearsing needs Linux and bubblewrap; install the package bubblewrap"));
@@ -134,8 +134,7 @@ fs::path Sandbox::outside(const std::string& inside) const {
 
 SandboxCommand Sandbox::commandFor(const std::vector<std::string>& command) const {
   lseek(filter_, 0, SEEK_SET);  // bubblewrap reads it from here
-  std::vector<std::string> arguments{"bwrap", "--die-with-parent", "--new-session", "--seccomp",
-                                     std::to_string(filter_)};
+  std::vector<std::string> arguments{"bwrap", "--die-with-parent", "--seccomp", std::to_string(filter_)};
   addRights(arguments);
   addSystem(arguments);
   for (const char* folder : kOwnFolders) {

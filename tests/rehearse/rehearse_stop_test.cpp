@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <thread>
 
 // A rehearsal that is ended in the middle takes everything with it: images, processes, folders.
@@ -106,6 +108,62 @@ TEST(RehearseStop, AProgramThatIsKilledLeavesNoMountAndNoProcess) {
     EXPECT_TRUE(comesTrue([process] { return kill(process, 0) != 0; })) << "process " << process << " runs on";
   }
   EXPECT_THAT(temporaryMounts(), SizeIs(0));
+}
+
+// With a bubblewrap whose first process is held up for some seconds when it has created the second one.
+std::vector<std::string> commandWithASlowSandbox() {
+  makeDownloadSet();
+  std::filesystem::create_directories("/Users/tester/bin");
+  writeFile("/Users/tester/bin/bwrap", R"(#!/bin/sh
+case "$*" in *' run '*)
+  touch /Users/tester/bin/held
+  exec strace -DDD -o /dev/null -e trace=clone -e inject=clone:delay_exit=3000000 /usr/bin/bwrap "$@" ;;
+esac
+exec /usr/bin/bwrap "$@"
+)");
+  std::filesystem::permissions("/Users/tester/bin/bwrap", std::filesystem::perms::owner_all);
+  std::vector<std::string> command = rehearseCommand({"--ui", "quiet"});
+  command.insert(command.begin(), {"env", "PATH=/Users/tester/bin:" + std::string(std::getenv("PATH"))});
+  return command;
+}
+
+// Also false when it has ended by now.
+bool isFirstOfItsNamespace(pid_t process) {
+  std::ifstream status("/proc/" + std::to_string(process) + "/status");
+  for (std::string line; std::getline(status, line);) {
+    if (line.starts_with("NSpid:") && line.ends_with("\t1")) {
+      return true;
+    }
+  }
+  return false;
+}
+
+std::vector<pid_t> waitForTheSecondProcess(pid_t program) {
+  std::vector<pid_t> processes;
+  EXPECT_TRUE(comesTrue([&processes, program] {
+    processes = descendantsOf(program);
+    return exists("/Users/tester/bin/held") && std::ranges::any_of(processes, isFirstOfItsNamespace);
+  }));
+  return processes;
+}
+
+TEST(RehearseStop, WhileItsSandboxIsMadeLeavesNothing) {
+  ChildProgram program(commandWithASlowSandbox());
+  const std::vector<pid_t> processes = waitForTheSecondProcess(program.pid());
+  kill(program.pid(), SIGTERM);
+  EXPECT_EQ(program.waitForEnd(), 1);
+  EXPECT_THAT(program.standardError(), HasSubstr(kStopped));
+  expectNothingLeft(processes);
+}
+
+TEST(RehearseStop, AProgramThatIsKilledWhileItsSandboxIsMadeLeavesNoProcess) {
+  ChildProgram program(commandWithASlowSandbox());
+  const std::vector<pid_t> processes = waitForTheSecondProcess(program.pid());
+  kill(program.pid(), SIGKILL);
+  EXPECT_EQ(program.waitForEnd(), 128 + SIGKILL);
+  for (const pid_t process : processes) {
+    EXPECT_TRUE(comesTrue([process] { return kill(process, 0) != 0; })) << "process " << process << " runs on";
+  }
 }
 
 TEST(RehearseStop, WhatWasInstalledSoFarIsKeptWhereItWasToBeKept) {

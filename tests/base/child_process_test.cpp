@@ -1,0 +1,53 @@
+#include "host/base/child_process.h"
+
+#include "host/base/stop_request.h"
+
+#include <chrono>
+#include <csignal>
+#include <gtest/gtest.h>
+#include <string>
+#include <thread>
+
+namespace tavenhall::test {
+namespace {
+
+// Before the child runs its program, this process's handlers are still its own.
+TEST(ToolProcess, EndsAlsoInItsFirstMoments) {
+  const StopRequest stop;
+  const auto start = std::chrono::steady_clock::now();
+  for (const End end : {End::program, End::processGroup}) {
+    for (int i = 0; i < 20; ++i) {
+      ToolProcess tool({"sleep", "5"}, ToolProcess::Keep::output, -1, end);
+      tool.end();
+      EXPECT_EQ(tool.wait(), -1);
+    }
+  }
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+  EXPECT_FALSE(stop.hasCome());
+}
+
+// A shell with a child that has no other tie to it.
+TEST(ToolProcess, EndsWithItsProcessGroup) {
+  ToolProcess tool({"sh", "-c", "sleep 100 & echo $!; wait"}, ToolProcess::Keep::output, -1, End::processGroup);
+  for (int i = 0; i < 1000 && tool.lastLine().empty(); ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  const pid_t grandchild = std::stoi(tool.lastLine());
+  EXPECT_EQ(kill(grandchild, 0), 0);
+  tool.end();
+  for (int i = 0; i < 1000 && kill(grandchild, 0) == 0; ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  EXPECT_NE(kill(grandchild, 0), 0);
+}
+
+TEST(ToolProcess, HasTheStatusOfItsProgram) {
+  for (const End end : {End::program, End::processGroup}) {
+    EXPECT_EQ(ToolProcess({"sh", "-c", "exit 3"}, ToolProcess::Keep::output, -1, end).wait(), 3);
+    EXPECT_EQ(ToolProcess({"sh", "-c", "kill -KILL $$"}, ToolProcess::Keep::output, -1, end).wait(), -1);
+    EXPECT_EQ(ToolProcess({"no-such-program"}, ToolProcess::Keep::output, -1, end).wait(), kCannotRun);
+  }
+}
+
+}  // namespace
+}  // namespace tavenhall::test
