@@ -338,6 +338,9 @@ std::string outsideText(const OutsideReference& reference) {
 }  // namespace
 
 void checkBoundary(const CheckedSet& checked, Diagnostics& diagnostics) {
+  if (checked.allowsOutside) {
+    return;
+  }
   for (const OutsideReference& reference : outsideReferences(checked.set, checked.whole)) {
     diagnostics.add("outside-set", {checked.shown(reference.place), reference.line}, outsideText(reference));
   }

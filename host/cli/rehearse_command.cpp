@@ -61,9 +61,7 @@ RehearsalView viewFor(Frontend frontend) {
 CheckVerdict checkVerdict(const RehearsalRequest& request) {
   CheckVerdict verdict;
   try {
-    CheckResult result = checkSet(checkRequestFor(request));
-    result.diagnostics.keepOnly(
-        [&request](std::string_view name) { return name != "outside-set" || !request.allowsOutside; });
+    const CheckResult result = checkSet(checkRequestFor(request));
     for (const Diagnostic& diagnostic : result.diagnostics.all()) {
       if (diagnostic.severity == Severity::error) {
         verdict.errors.push_back(diagnosticLine(diagnostic));

@@ -7,6 +7,7 @@
 #include "host/rehearse/driver.h"
 #include "host/rehearse/findings.h"
 #include "host/set/set_boundary.h"
+#include "platform/host_system.h"
 
 #include <cerrno>
 #include <csignal>
@@ -120,9 +121,11 @@ class Rehearsal {
   }
 
   [[nodiscard]] EngineConnection startDriver() const {
-    const auto body = [this](const EngineEnds& ends) {
+    const auto body = [this, parent = getpid()](const EngineEnds& ends) {
       try {
-        return drive(ends, StopRequest());
+        const StopRequest stop;
+        endWithParentProcess();
+        return getppid() == parent ? drive(ends, stop) : ExitStatus::failure;
       } catch (const std::exception& error) {  // what the rehearsal has created belongs to its parent process
         showError(error);
         return ExitStatus::failure;
@@ -198,7 +201,8 @@ CheckRequest checkRequestFor(const RehearsalRequest& request) {
           .product = request.product,
           .installType = request.installType,
           .installed = request.installed,
-          .isRehearsal = true};
+          .isRehearsal = true,
+          .allowsOutside = request.allowsOutside};
 }
 
 ExitStatus rehearse(const RehearsalRequest& request, const RehearsalView& view) {

@@ -173,6 +173,7 @@ CheckedSet openCheckedSet(InstallerSet set, const CheckRequest& request) {
   const std::string product = request.product.empty() ? checked.set.product : request.product;
   checked.isProductAssumed = product.empty();
   checked.product = productNamed(product);
+  checked.allowsOutside = request.allowsOutside;
 
   PlanRequest asked{checked.set.package.string(), checked.product, {}, {}};
   asked.readsChoiceFile = !request.isRehearsal;

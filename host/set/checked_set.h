@@ -24,6 +24,8 @@ struct CheckRequest {
 
   // For a sandbox, in whose /tmp there is no choice of edition.
   bool isRehearsal = false;
+
+  bool allowsOutside = false;  // what the set refers to may lie outside its folder
 };
 
 // A volume of the whole install, and its files.
@@ -70,6 +72,7 @@ struct CheckedSet {
   Product product;
   bool isProductAssumed = false;
   bool isInstalledKnown = false;
+  bool allowsOutside = false;
   std::string dataRoot;  // the user's, where it is known
   InstallPlan plan;      // what was asked for
   InstallPlan whole;     // the full edition, for a user of whom nothing is known

@@ -13,6 +13,27 @@
 
 namespace tavenhall {
 
+// A folder to mount on.
+class MountPoint {
+ public:
+  // Creates the folder.
+  explicit MountPoint(std::filesystem::path folder);
+  MountPoint(const MountPoint&) = delete;
+  MountPoint& operator=(const MountPoint&) = delete;
+
+  // Unmounts what a server has left there that ended before it could do so itself.
+  ~MountPoint();
+
+  [[nodiscard]] const std::filesystem::path& folder() const { return folder_; }
+
+  // Whether something is mounted and answers.
+  [[nodiscard]] bool isServed() const;
+
+ private:
+  std::filesystem::path folder_;
+  dev_t diskBefore_;
+};
+
 // A mounted disc image: SquashFS with squashfuse, ISO with fuseiso. The destructor unmounts it; the FUSE server
 // is a child process and ends with this process.
 class ImageMount {
@@ -21,15 +42,12 @@ class ImageMount {
   ImageMount(const std::filesystem::path& image, std::filesystem::path folder, const StopRequest& stop);
   ImageMount(const ImageMount&) = delete;
   ImageMount& operator=(const ImageMount&) = delete;
-  ~ImageMount();
+  ~ImageMount() = default;
 
-  [[nodiscard]] const std::filesystem::path& folder() const { return folder_; }
+  [[nodiscard]] const std::filesystem::path& folder() const { return point_.folder(); }
 
  private:
-  [[nodiscard]] bool isServed() const;
-
-  std::filesystem::path folder_;
-  dev_t diskBefore_;
+  MountPoint point_;  // longer than the server
   ToolProcess server_;
 };
 

@@ -298,6 +298,13 @@ TEST(Rehearse, ADiscMayBeALinkWhereThatIsAllowed) {
   const Outcome outcome = rehearse({"--product", "Lumaweave", "--allow-outside"});
   EXPECT_EQ(outcome.status, 0) << outcome.output << outcome.error;
   EXPECT_THAT(fatesReported(), testing::ElementsAre("Factory/one.db same", "Factory/two.db same"));
+
+  const std::string board = "/tmp/board.html";
+  EXPECT_EQ(runThrough({kTavinstall, "rehearse", kSetFolder, "--product", "Lumaweave", "--allow-outside",
+                        "--storyboard", board, "--language", "en"})
+                .status,
+            0);
+  EXPECT_THAT(readFile(board), HasSubstr("No problems found."));
 }
 
 TEST(Rehearse, AnOrdinaryUserNeedsNoRights) {

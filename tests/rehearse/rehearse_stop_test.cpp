@@ -97,34 +97,51 @@ TEST(RehearseStop, AStuckReaderOfJsonDoesNotHoldItUp) {
   expectNothingLeft();
 }
 
-TEST(RehearseStop, AProgramThatIsKilledLeavesNoMountAndNoProcess) {
-  ChildProgram program(stoppableCommand({"--ui", "quiet"}));
+void expectNoneOf(const std::vector<pid_t>& processes) {
+  for (const pid_t process : processes) {
+    EXPECT_TRUE(comesTrue([process] { return kill(process, 0) != 0; })) << "process " << process << " runs on";
+  }
+}
+
+class RehearseKilled : public testing::TestWithParam<const char*> {};
+
+TEST_P(RehearseKilled, LeavesNoMountAndNoProcess) {
+  ChildProgram program(stoppableCommand({"--ui", GetParam()}));
+  if (std::string(GetParam()) == "json") {
+    program.write("{\"do\":\"enter\"}\n{\"do\":\"wait\"}\n");
+  }
   waitUntilUnderWay();
   std::vector<pid_t> processes = expectProcesses(program.pid());
   processes.pop_back();
   kill(program.pid(), SIGKILL);
   EXPECT_EQ(program.waitForEnd(), 128 + SIGKILL);
-  for (const pid_t process : processes) {
-    EXPECT_TRUE(comesTrue([process] { return kill(process, 0) != 0; })) << "process " << process << " runs on";
-  }
+  expectNoneOf(processes);
   EXPECT_THAT(temporaryMounts(), SizeIs(0));
 }
 
-// With a bubblewrap whose first process is held up for some seconds when it has created the second one.
-std::vector<std::string> commandWithASlowSandbox() {
-  makeDownloadSet();
+INSTANTIATE_TEST_SUITE_P(Each, RehearseKilled, testing::Values("quiet", "json", "plain"),
+                         [](const auto& tried) { return std::string(tried.param); });
+
+// With a tool whose command line matches `pattern` held up for some seconds in a system call; there is a file
+// once it is.
+const std::string kHeld = "/Users/tester/bin/held";
+std::vector<std::string> commandWithASlow(const std::string& tool, const std::string& pattern,
+                                          const std::string& call, const std::string& moment) {
+  const std::string path = "/Users/tester/bin/" + tool;
   std::filesystem::create_directories("/Users/tester/bin");
-  writeFile("/Users/tester/bin/bwrap", R"(#!/bin/sh
-case "$*" in *' run '*)
-  touch /Users/tester/bin/held
-  exec strace -DDD -o /dev/null -e trace=clone -e inject=clone:delay_exit=3000000 /usr/bin/bwrap "$@" ;;
-esac
-exec /usr/bin/bwrap "$@"
-)");
-  std::filesystem::permissions("/Users/tester/bin/bwrap", std::filesystem::perms::owner_all);
+  writeFile(path, "#!/bin/sh\ncase \"$*\" in " + pattern + ") touch " + kHeld +
+                      "; exec strace -DDD -o /dev/null -e trace=" + call + " -e inject=" + call + ":" + moment +
+                      "=3000000 /usr/bin/" + tool + " \"$@\" ;; esac\nexec /usr/bin/" + tool + " \"$@\"\n");
+  std::filesystem::permissions(path, std::filesystem::perms::owner_all);
   std::vector<std::string> command = rehearseCommand({"--ui", "quiet"});
   command.insert(command.begin(), {"env", "PATH=/Users/tester/bin:" + std::string(std::getenv("PATH"))});
   return command;
+}
+
+// Bubblewrap's first process has created the second one and lets it wait.
+std::vector<std::string> commandWithASlowSandbox() {
+  makeDownloadSet();
+  return commandWithASlow("bwrap", "*' run '*", "clone", "delay_exit");
 }
 
 // Also false when it has ended by now.
@@ -142,7 +159,7 @@ std::vector<pid_t> waitForTheSecondProcess(pid_t program) {
   std::vector<pid_t> processes;
   EXPECT_TRUE(comesTrue([&processes, program] {
     processes = descendantsOf(program);
-    return exists("/Users/tester/bin/held") && std::ranges::any_of(processes, isFirstOfItsNamespace);
+    return exists(kHeld) && std::ranges::any_of(processes, isFirstOfItsNamespace);
   }));
   return processes;
 }
@@ -161,9 +178,22 @@ TEST(RehearseStop, AProgramThatIsKilledWhileItsSandboxIsMadeLeavesNoProcess) {
   const std::vector<pid_t> processes = waitForTheSecondProcess(program.pid());
   kill(program.pid(), SIGKILL);
   EXPECT_EQ(program.waitForEnd(), 128 + SIGKILL);
-  for (const pid_t process : processes) {
-    EXPECT_TRUE(comesTrue([process] { return kill(process, 0) != 0; })) << "process " << process << " runs on";
-  }
+  expectNoneOf(processes);
+}
+
+// A server that is ended in the middle of mounting leaves a mount that nobody serves.
+TEST(RehearseStop, WhileAnImageIsMountedLeavesNothing) {
+  makeDiscSet();
+  turnDiscsIntoImages();
+  std::vector<std::string> command = commandWithASlow("squashfuse", "*", "mount", "delay_enter");
+  command.insert(command.end(), {"--product", "Lumaweave"});
+  ChildProgram program(command);
+  EXPECT_TRUE(comesTrue([] { return exists(kHeld); }));
+  std::this_thread::sleep_for(std::chrono::seconds(1));
+  kill(program.pid(), SIGTERM);
+  EXPECT_EQ(program.waitForEnd(), 1);
+  EXPECT_THAT(program.standardError(), HasSubstr(kStopped));
+  expectNothingLeft();
 }
 
 TEST(RehearseStop, WhatWasInstalledSoFarIsKeptWhereItWasToBeKept) {
