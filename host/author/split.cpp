@@ -5,6 +5,7 @@
 #include "host/base/child_process.h"
 #include "host/base/exit_status.h"
 #include "host/base/regular_file.h"
+#include "host/base/stop_request.h"
 #include "host/base/text.h"
 #include "host/base/unicode.h"
 #include "host/set/attributes_edit.h"
@@ -284,6 +285,14 @@ void makeDiscs(const Split& split, SplitMethod method, const std::function<void(
   } catch (const UsageError&) {
     std::error_code ignored;
     fs::remove_all(drafts, ignored);
+    throw;
+  } catch (const Stopped&) {
+    std::error_code error;
+    fs::remove_all(drafts, error);
+    if (error) {
+      throw UsageError(format(_("cannot remove {0}: {1}"), {drafts.string(), error.message()}),
+                       ExitStatus::failure);
+    }
     throw;
   }
 }

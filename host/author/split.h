@@ -71,8 +71,9 @@ enum class SplitMethod {
   copy,
 };
 
-// Makes the discs, and then writes the attributes file. `progress` gets the bytes of the files that are done.
-// Throws UsageError; the set then has its placeholders still, unless it was the last step that failed.
+// Makes the discs, and then writes the attributes file. `progress` gets the bytes of the files that are done,
+// and may throw Stopped, which is passed on when the set is as it was. Throws UsageError; the set then has its
+// placeholders still, unless it was the last step that failed.
 void makeDiscs(const Split& split, SplitMethod method, const std::function<void(std::int64_t)>& progress);
 
 }  // namespace tavenhall

@@ -2,6 +2,7 @@
 #include "host/author/split.h"
 #include "host/base/exit_status.h"
 #include "host/base/files.h"
+#include "host/base/stop_request.h"
 #include "host/base/text.h"
 #include "host/cli/command_line.h"
 #include "host/cli/reading_progress.h"
@@ -106,7 +107,7 @@ void requireSpace(const Split& split, bool isCopied, bool hasImages) {
   }
 }
 
-void makeImages(const Split& split, const DiscMedium& medium, ImageKind kind) {
+void makeImages(const Split& split, const DiscMedium& medium, ImageKind kind, const StopRequest& stop) {
   std::int64_t bytes = 0;
   for (const Split::SplitDisc& disc : split.discs) {
     bytes += disc.bytesOnDisc;
@@ -115,8 +116,11 @@ void makeImages(const Split& split, const DiscMedium& medium, ImageKind kind) {
   {
     ReadingProgress progress(bytes);
     for (const Split::SplitDisc& disc : split.discs) {
-      images.push_back(makeDiscImage(disc.folder, kind, medium.capacity,
-                                     [&progress](std::int64_t added) { progress.add(added); }));
+      images.push_back(
+          makeDiscImage(disc.folder, kind, medium.capacity, [&progress, &stop](std::int64_t added) {
+            stop.throwIfCome();
+            progress.add(added);
+          }));
     }
   }
   printWritten(images);
@@ -150,9 +154,15 @@ ExitStatus splitLibrary(const SplitArguments& arguments) {
   }
   const bool isLinked = !arguments.isCopied && isOneDisk(split.library.folder, split.set);
   requireSpace(split, !isLinked, !arguments.images.empty());
-  {
+  const StopRequest stop;
+  try {
     ReadingProgress progress(split.library.bytes);
-    makeDiscs(split, methodOf(arguments), [&progress](std::int64_t bytes) { progress.add(bytes); });
+    makeDiscs(split, methodOf(arguments), [&progress, &stop](std::int64_t bytes) {
+      stop.throwIfCome();
+      progress.add(bytes);
+    });
+  } catch (const Stopped&) {
+    throw UsageError(_("stopped; the set is as it was"), ExitStatus::failure);
   }
   const CheckedSet set = openCheckedSet({split.set, request.product, "Full", {}});
   SetFiles files = filesOfSet(set);
@@ -162,11 +172,16 @@ ExitStatus splitLibrary(const SplitArguments& arguments) {
                {groupedNumber(files.bytes), groupedNumber(split.library.bytes)}),
         ExitStatus::failure);
   }
-  if (request.hasManifest) {
-    printWritten(writeManifestsWithProgress(set, files));
-  }
-  if (!arguments.images.empty()) {
-    makeImages(split, request.medium, arguments.images == "iso" ? ImageKind::iso : ImageKind::squashfs);
+  try {
+    if (request.hasManifest) {
+      printWritten(writeManifestsWithProgress(set, files, &stop));
+    }
+    if (!arguments.images.empty()) {
+      makeImages(split, request.medium, arguments.images == "iso" ? ImageKind::iso : ImageKind::squashfs, stop);
+    }
+  } catch (const Stopped&) {
+    throw UsageError(_("stopped; the discs are complete, but a manifest or an image is missing"),
+                     ExitStatus::failure);
   }
   std::puts(format(_("The set is complete: the page would install {0}. Next: {1}"),
                    {plural("{0} file, {1}", "{0} files, {1}", static_cast<std::int64_t>(files.sources.size()),

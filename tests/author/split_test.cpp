@@ -4,11 +4,15 @@
 #include "tests/install/child_program.h"
 #include "tests/support/files.h"
 
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <ostream>
 #include <string>
+#include <thread>
 #include <vector>
 
 // `tavinstall split`: a library on the discs of a set.
@@ -138,6 +142,48 @@ TEST(SplitCommand, AFileThatCannotBeWrittenLeavesTheSetAsItWas) {
             "tavinstall: cannot write /tmp/split set/discs/.split/1 Tavenhall Tessaphon A/TANVO/Library/"
             "Pianos/Grand.db: File too large\n");
   EXPECT_EQ(treeOf(kSplitSet), before);
+}
+
+ChildProgram startSplit(std::vector<std::string> options, const std::string& path) {
+  options.insert(options.begin(), {"env", "PATH=" + path + std::getenv("PATH"), kTavinstall, "split", kLibrary,
+                                   kSplitSet, "--disc-size", "dvd5"});
+  return ChildProgram(options);
+}
+
+void waitFor(const std::string& file) {
+  for (int i = 0; i < 60'000 && !std::filesystem::exists(file); ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+}
+
+TEST(SplitCommand, StoppedWhileItCopiesLeavesTheSetAsItWas) {
+  makeEmptySet();
+  makeLibrary();
+  const std::string large = kLibrary + "/Strings/Large.db";
+  writeFile(large, "");
+  std::filesystem::resize_file(large, 2'000'000'000);
+  const auto before = treeOf(kSplitSet);
+  ChildProgram program = startSplit({"--copy"}, "");
+  waitFor(kSplitSet + "/discs/.split/1 Tavenhall Tessaphon A/TANVO/Library/Strings/Large.db");
+  kill(program.pid(), SIGINT);
+  EXPECT_EQ(program.waitForEnd(), 1);
+  EXPECT_EQ(program.standardError(), "tavinstall: stopped; the set is as it was\n");
+  EXPECT_EQ(treeOf(kSplitSet), before);
+}
+
+TEST(SplitCommand, StoppedWhileItMakesImagesLeavesTheDiscs) {
+  makeEmptySet();
+  makeLibrary();
+  writeFile("/tmp/bin/mksquashfs", "#!/bin/sh\ntouch \"$2\" /tmp/begun\nexec sleep 100\n");
+  std::filesystem::permissions("/tmp/bin/mksquashfs", std::filesystem::perms::owner_all);
+  ChildProgram program = startSplit({"--images", "squashfs"}, "/tmp/bin:");
+  waitFor("/tmp/begun");
+  kill(program.pid(), SIGTERM);
+  EXPECT_EQ(program.waitForEnd(), 1);
+  EXPECT_EQ(program.standardError(),
+            "tavinstall: stopped; the discs are complete, but a manifest or an image is missing\n");
+  EXPECT_THAT(treeOf(kSplitSet + "/discs"), testing::Each(testing::Not(HasSubstr("squashfs"))));
+  EXPECT_EQ(runThrough({kTavinstall, "check", kSplitSet}).status, 0);
 }
 
 TEST(SplitCommand, LinksThatAreAskedForAreNoCopies) {
