@@ -44,12 +44,12 @@ std::vector<pid_t> expectProcesses(pid_t program) {
   return processes;
 }
 
-class RehearseStop : public testing::TestWithParam<std::pair<const char*, int>> {};
+class RehearseStop : public testing::TestWithParam<std::pair<std::string, int>> {};
 
 TEST_P(RehearseStop, TakesEverythingWithIt) {
   const auto [frontend, signal] = GetParam();
   ChildProgram program(stoppableCommand({"--ui", frontend}));
-  if (std::string(frontend) == "json") {
+  if (frontend == "json") {
     program.write("{\"do\":\"enter\"}\n{\"do\":\"wait\"}\n");
   }
   waitUntilUnderWay();
@@ -71,7 +71,7 @@ INSTANTIATE_TEST_SUITE_P(Frontends, RehearseStop,
                            const char* signal = tried.param.second == SIGTERM  ? "Term"
                                                 : tried.param.second == SIGINT ? "Int"
                                                                                : "Hup";
-                           return std::string(tried.param.first) + signal;
+                           return tried.param.first + signal;
                          });
 
 // More events than a pipe holds, and nobody reads them.
@@ -103,11 +103,11 @@ void expectNoneOf(const std::vector<pid_t>& processes) {
   }
 }
 
-class RehearseKilled : public testing::TestWithParam<const char*> {};
+class RehearseKilled : public testing::TestWithParam<std::string> {};
 
 TEST_P(RehearseKilled, LeavesNoMountAndNoProcess) {
   ChildProgram program(stoppableCommand({"--ui", GetParam()}));
-  if (std::string(GetParam()) == "json") {
+  if (GetParam() == "json") {
     program.write("{\"do\":\"enter\"}\n{\"do\":\"wait\"}\n");
   }
   waitUntilUnderWay();
@@ -120,7 +120,7 @@ TEST_P(RehearseKilled, LeavesNoMountAndNoProcess) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, RehearseKilled, testing::Values("quiet", "json", "plain"),
-                         [](const auto& tried) { return std::string(tried.param); });
+                         [](const auto& tried) { return tried.param; });
 
 // With a tool whose command line matches `pattern` held up for some seconds in a system call; there is a file
 // once it is.

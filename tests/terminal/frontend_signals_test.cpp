@@ -23,7 +23,7 @@ constexpr const char* kLoggedCopy =
     "thread\ninstructions Now installing.\nmax 1953125\nvalue 840000\nlog The copy runs.\nwait /tmp/go\n"
     "ready 1\nnext 1\nrun touch /tmp/finished\n";
 
-std::vector<std::string> copyIn(const char* frontend, const std::string& script = kLoggedCopy) {
+std::vector<std::string> copyIn(const std::string& frontend, const std::string& script = kLoggedCopy) {
   std::vector<std::string> command = runScript(script);
   command.insert(command.end(), {"--ui", frontend, "--summary", "/tmp/summary.json"});
   if (std::string_view(frontend) == "quiet") {
@@ -123,12 +123,12 @@ TEST(PlainFrontendSignals, AReaderThatGoesAwayEndsNothing) {
 
 // ---- No frontend ----
 
-class WithoutAFrontend : public testing::TestWithParam<std::tuple<const char*, int>> {};
+class WithoutAFrontend : public testing::TestWithParam<std::tuple<std::string, int>> {};
 
 TEST_P(WithoutAFrontend, ASignalEndsTheRunAtOnce) {
   const auto& [frontend, signal] = GetParam();
   ChildProgram program(copyIn(frontend));
-  if (std::string_view(frontend) == "json") {
+  if (frontend == "json") {
     program.write("{\"do\":\"enter\"}\n{\"do\":\"wait\"}\n");
   }
   waitForCopy();
@@ -140,10 +140,10 @@ TEST_P(WithoutAFrontend, ASignalEndsTheRunAtOnce) {
 }
 
 INSTANTIATE_TEST_SUITE_P(By, WithoutAFrontend,
-                         testing::Combine(testing::Values("quiet", "json"),
+                         testing::Combine(testing::Values<std::string>("quiet", "json"),
                                           testing::Values(SIGINT, SIGTERM, SIGHUP, SIGABRT)),
                          [](const auto& parameter) {
-                           return std::string(std::get<0>(parameter.param)) + "BySignal" +
+                           return std::get<0>(parameter.param) + "BySignal" +
                                   std::to_string(std::get<1>(parameter.param));
                          });
 
