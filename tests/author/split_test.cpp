@@ -3,8 +3,8 @@
 #include "host/set/disc_medium.h"
 #include "tests/install/child_program.h"
 #include "tests/support/files.h"
+#include "tests/support/waiting.h"
 
-#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -12,7 +12,6 @@
 #include <gtest/gtest.h>
 #include <ostream>
 #include <string>
-#include <thread>
 #include <vector>
 
 // `tavinstall split`: a library on the discs of a set.
@@ -150,12 +149,6 @@ ChildProgram startSplit(std::vector<std::string> options, const std::string& pat
   return ChildProgram(options);
 }
 
-void waitFor(const std::string& file) {
-  for (int i = 0; i < 60'000 && !std::filesystem::exists(file); ++i) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
-  }
-}
-
 TEST(SplitCommand, StoppedWhileItCopiesLeavesTheSetAsItWas) {
   makeEmptySet();
   makeLibrary();
@@ -164,7 +157,7 @@ TEST(SplitCommand, StoppedWhileItCopiesLeavesTheSetAsItWas) {
   std::filesystem::resize_file(large, 2'000'000'000);
   const auto before = treeOf(kSplitSet);
   ChildProgram program = startSplit({"--copy"}, "");
-  waitFor(kSplitSet + "/discs/.split/1 Tavenhall Tessaphon A/TANVO/Library/Strings/Large.db");
+  waitForFile(kSplitSet + "/discs/.split/1 Tavenhall Tessaphon A/TANVO/Library/Strings/Large.db");
   kill(program.pid(), SIGINT);
   EXPECT_EQ(program.waitForEnd(), 1);
   EXPECT_EQ(program.standardError(), "tavinstall: stopped; the set is as it was\n");
@@ -177,7 +170,7 @@ TEST(SplitCommand, StoppedWhileItMakesImagesLeavesTheDiscs) {
   writeFile("/tmp/bin/mksquashfs", "#!/bin/sh\ntouch \"$2\" /tmp/begun\nexec sleep 100\n");
   std::filesystem::permissions("/tmp/bin/mksquashfs", std::filesystem::perms::owner_all);
   ChildProgram program = startSplit({"--images", "squashfs"}, "/tmp/bin:");
-  waitFor("/tmp/begun");
+  waitForFile("/tmp/begun");
   kill(program.pid(), SIGTERM);
   EXPECT_EQ(program.waitForEnd(), 1);
   EXPECT_EQ(program.standardError(),

@@ -1,12 +1,12 @@
 #include "host/base/child_process.h"
 
 #include "host/base/stop_request.h"
+#include "tests/support/waiting.h"
 
 #include <chrono>
 #include <csignal>
 #include <gtest/gtest.h>
 #include <string>
-#include <thread>
 
 namespace tavenhall::test {
 namespace {
@@ -29,16 +29,11 @@ TEST(ToolProcess, EndsAlsoInItsFirstMoments) {
 // A shell with a child that has no other tie to it.
 TEST(ToolProcess, EndsWithItsProcessGroup) {
   ToolProcess tool({"sh", "-c", "sleep 100 & echo $!; wait"}, ToolProcess::Keep::output, -1, End::processGroup);
-  for (int i = 0; i < 1000 && tool.lastLine().empty(); ++i) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
+  ASSERT_TRUE(comesTrue([&tool] { return !tool.lastLine().empty(); }));
   const pid_t grandchild = std::stoi(tool.lastLine());
   EXPECT_EQ(kill(grandchild, 0), 0);
   tool.end();
-  for (int i = 0; i < 1000 && kill(grandchild, 0) == 0; ++i) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  EXPECT_NE(kill(grandchild, 0), 0);
+  waitForEndOf(grandchild);
 }
 
 TEST(ToolProcess, HasTheStatusOfItsProgram) {

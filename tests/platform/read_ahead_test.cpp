@@ -1,6 +1,7 @@
 #include "platform/copy_hints.h"
 
 #include "tests/support/files.h"
+#include "tests/support/waiting.h"
 
 #include <algorithm>
 #include <array>
@@ -43,17 +44,6 @@ void forget(const fs::path& path) {
   fdatasync(file);
   posix_fadvise(file, 0, 0, POSIX_FADV_DONTNEED);
   close(file);
-}
-
-bool comesTrue(const std::function<bool()>& condition) {
-  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-  while (!condition()) {
-    if (std::chrono::steady_clock::now() > end) {
-      return false;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(2));
-  }
-  return true;
 }
 
 // The private folders of the tests are in memory always, so the files lie in the build folder.

@@ -130,9 +130,7 @@ std::vector<std::string> temporaryMounts() {
 void expectNothingLeft(const std::vector<pid_t>& processes) {
   EXPECT_THAT(temporaryMounts(), IsEmpty());
   EXPECT_THAT(treeOf("/tmp"), Not(Contains(HasSubstr("tavinstall-"))));
-  for (const pid_t process : processes) {
-    EXPECT_TRUE(comesTrue([process] { return kill(process, 0) != 0; })) << "process " << process << " runs on";
-  }
+  std::ranges::for_each(processes, waitForEndOf);
 }
 
 void turnDiscsIntoImages() {

@@ -101,12 +101,6 @@ TEST(RehearseStop, AStuckReaderOfJsonDoesNotHoldItUp) {
   expectNothingLeft();
 }
 
-void expectNoneOf(const std::vector<pid_t>& processes) {
-  for (const pid_t process : processes) {
-    EXPECT_TRUE(comesTrue([process] { return kill(process, 0) != 0; })) << "process " << process << " runs on";
-  }
-}
-
 class RehearseKilled : public testing::TestWithParam<std::string> {};
 
 TEST_P(RehearseKilled, LeavesNoMountAndNoProcess) {
@@ -119,16 +113,16 @@ TEST_P(RehearseKilled, LeavesNoMountAndNoProcess) {
   processes.pop_back();
   kill(program.pid(), SIGKILL);
   EXPECT_EQ(program.waitForEnd(), 128 + SIGKILL);
-  expectNoneOf(processes);
+  std::ranges::for_each(processes, waitForEndOf);
   EXPECT_THAT(temporaryMounts(), SizeIs(0));
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, RehearseKilled, testing::Values("quiet", "json", "plain"),
                          [](const auto& tried) { return tried.param; });
 
-// With a tool whose command line matches `pattern` held up for some seconds in a system call; there is a file
-// once it is.
-const std::string kHeld = "/Users/tester/bin/held";
+const std::string kHeld = "/Users/tester/bin/held";  // there once a slow tool runs
+
+// With a tool that is held up for some seconds in a system call, if its command line matches `pattern`.
 std::vector<std::string> commandWithASlow(const std::string& tool, const std::string& pattern,
                                           const std::string& call, const std::string& moment) {
   const std::string path = "/Users/tester/bin/" + tool;
@@ -182,7 +176,7 @@ TEST(RehearseStop, AProgramThatIsKilledWhileItsSandboxIsMadeLeavesNoProcess) {
   const std::vector<pid_t> processes = waitForTheSecondProcess(program.pid());
   kill(program.pid(), SIGKILL);
   EXPECT_EQ(program.waitForEnd(), 128 + SIGKILL);
-  expectNoneOf(processes);
+  std::ranges::for_each(processes, waitForEndOf);
 }
 
 // A server that is ended in the middle of mounting leaves a mount that nobody serves.

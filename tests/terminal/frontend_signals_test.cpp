@@ -26,14 +26,10 @@ constexpr const char* kLoggedCopy =
 std::vector<std::string> copyIn(const std::string& frontend, const std::string& script = kLoggedCopy) {
   std::vector<std::string> command = runScript(script);
   command.insert(command.end(), {"--ui", frontend, "--summary", "/tmp/summary.json"});
-  if (std::string_view(frontend) == "quiet") {
+  if (frontend == "quiet") {
     command.insert(command.end(), {"--disc-timeout", "600"});
   }
   return command;
-}
-
-void waitForFile(const std::string& path) {
-  EXPECT_TRUE(comesTrue([&path] { return exists(path); })) << "no " << path;
 }
 
 // Not by a command of the page's: while one runs, an interrupt is the command's.

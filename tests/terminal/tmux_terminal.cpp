@@ -149,17 +149,6 @@ pid_t TmuxTerminal::program() {
   return children.empty() ? -1 : children[0];
 }
 
-bool comesTrue(const std::function<bool()>& question) {
-  const auto end = std::chrono::steady_clock::now() + kPatience;
-  while (!question()) {
-    if (std::chrono::steady_clock::now() > end) {
-      return false;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(30));
-  }
-  return true;
-}
-
 namespace {
 
 // The line of a file below /proc, from the first field after the program's name on.
@@ -217,10 +206,6 @@ void waitForIdle(pid_t one, pid_t other, int seconds) {
     }
     return now - since >= std::chrono::seconds(seconds);
   })) << "they never rest";
-}
-
-void waitForEndOf(pid_t process) {
-  EXPECT_TRUE(comesTrue([process] { return kill(process, 0) != 0; })) << "process " << process << " runs on";
 }
 
 void waitUntilStopped(pid_t process) {

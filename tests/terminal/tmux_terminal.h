@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/waiting.h"
+
 #include <functional>
 #include <initializer_list>
 #include <map>
@@ -76,9 +78,6 @@ class TmuxTerminal {
   const std::string server_;  // a name of its own: one that is about to end still takes a caller
 };
 
-// Asks again and again until the answer is yes; whether it ever was, within a minute.
-[[nodiscard]] bool comesTrue(const std::function<bool()>& question);
-
 // What a process has had of the processors, all its threads together.
 struct ProcessorUse {
   long ticks = 0;     // of the clock: time
@@ -91,8 +90,7 @@ struct ProcessorUse {
 // Until both processes have used no processor for so many seconds on end. Fails the test when that never comes.
 void waitForIdle(pid_t one, pid_t other, int seconds);
 
-// Until it has ended, or is stopped. Fails the test after a minute.
-void waitForEndOf(pid_t process);
+// Until it is stopped. Fails the test after a minute.
 void waitUntilStopped(pid_t process);
 
 }  // namespace tavenhall::test
