@@ -47,9 +47,9 @@ struct GroupWriters {
 // Whether the system has an installer of its own that shows the page. It takes no lock of this program's.
 [[nodiscard]] bool hasInstaller() noexcept;
 
-// Asks the system to send this process SIGTERM when its parent process ends. Call it in the child after fork.
-// Does nothing on systems without such a request.
-void endWithParentProcess() noexcept;
+// Asks the system to send this process SIGTERM when its parent process ends, where systems take such a request.
+// Call it in the child after fork. False if `parent` has ended by now.
+[[nodiscard]] bool endWithParentProcess(pid_t parent) noexcept;
 
 // A private folder of this user's for sockets and the like, which the system makes at log-in and empties; empty
 // if there is none. Any thread.

@@ -129,9 +129,8 @@ pid_t startProgram(const std::vector<std::string>& command, const StandardStream
     throw startFailure(command.front());
   }
   if (pid == 0) {
-    endWithParentProcess();
-    if (getppid() != self) {
-      _exit(kCannotRun);  // it has ended by now
+    if (!endWithParentProcess(self)) {
+      _exit(kCannotRun);
     }
     setsid();
     if (end == End::processGroup) {

@@ -34,6 +34,11 @@ bool writeAll(int descriptor, std::string_view text);
 // reads. Returns as fork(2) does.
 [[nodiscard]] pid_t forkProcess();
 
+// What SIGTERM ends of a program that was started: it alone, or at once also all processes that it has created
+// and that have not left its process group. In that case the child that is started is a guard, which runs the
+// program and has its exit status.
+enum class End { program, processGroup };
+
 // Runs `command` (a program of the PATH, and its arguments) in a child process, without a shell, after
 // setsid() so that a terminal's Ctrl-C does not reach it, with these descriptors and no other. The child gets
 // SIGTERM when this process ends, if the system supports that. Throws std::system_error if the process cannot
@@ -45,10 +50,6 @@ struct StandardStreams {
   int error;
   int kept = -1;  // stays open in the child under its own number
 };
-// What SIGTERM ends: the program, or at once also all processes that it has created and that have not left its
-// process group. In that case the child whose id is returned is a guard that runs the program, and has its exit
-// status.
-enum class End { program, processGroup };
 [[nodiscard]] pid_t startProgram(const std::vector<std::string>& command, const StandardStreams& streams,
                                  End end = End::program);
 

@@ -124,8 +124,7 @@ class Rehearsal {
     const auto body = [this, parent = getpid()](const EngineEnds& ends) {
       try {
         const StopRequest stop;
-        endWithParentProcess();
-        return getppid() == parent ? drive(ends, stop) : ExitStatus::failure;
+        return endWithParentProcess(parent) ? drive(ends, stop) : ExitStatus::failure;
       } catch (const std::exception& error) {  // what the rehearsal has created belongs to its parent process
         showError(error);
         return ExitStatus::failure;

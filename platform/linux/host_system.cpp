@@ -47,7 +47,10 @@ void forbidTracing() noexcept { prctl(PR_SET_DUMPABLE, 0); }
 
 void closeDescriptorsOnExec() noexcept { close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC); }
 
-void endWithParentProcess() noexcept { prctl(PR_SET_PDEATHSIG, SIGTERM); }
+bool endWithParentProcess(pid_t parent) noexcept {
+  prctl(PR_SET_PDEATHSIG, SIGTERM);
+  return getppid() == parent;
+}
 
 std::string runtimeFolder() {
   const char* folder = std::getenv("XDG_RUNTIME_DIR");

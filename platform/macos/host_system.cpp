@@ -59,7 +59,7 @@ void closeDescriptorsOnExec() noexcept {
 }
 
 // There is no such request. A process whose parent has ended notices its closed pipe.
-void endWithParentProcess() noexcept {}
+bool endWithParentProcess(pid_t parent) noexcept { return getppid() == parent; }
 
 std::string runtimeFolder() {
   std::array<char, 1024> folder{};
