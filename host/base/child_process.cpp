@@ -39,19 +39,35 @@ class NullDevice {
   int descriptor_;
 };
 
-void endGroup(int /*signal*/) { kill(0, SIGKILL); }
+// Of the guard's process.
+pid_t guardedProgram = -1;
 
-// Goes on in a child process. This one, the first of its process group, waits for it, and ends the group on
-// SIGTERM or when something else has ended the child.
+void endGuarded(int /*signal*/) { kill(-guardedProgram, SIGKILL); }
+
+// Goes on in a child process, the first of a process group of its own. This one waits for it, and ends that
+// group on SIGTERM or when something else has ended the child; SIGTERM to this one's own group does no more.
 void goOnGuarded() {
-  std::signal(SIGTERM, endGroup);
-  const pid_t program = fork();
-  if (program == 0) {
+  sigset_t end;
+  sigset_t before;
+  sigemptyset(&end);
+  sigaddset(&end, SIGTERM);
+  pthread_sigmask(SIG_BLOCK, &end, &before);
+  guardedProgram = fork();
+  if (guardedProgram < 0) {
+    _exit(kCannotRun);
+  }
+  setpgid(guardedProgram, 0);  // in both, since neither knows whether the other one is as far
+  if (guardedProgram > 0) {
+    std::signal(SIGTERM, endGuarded);
+  }
+  pthread_sigmask(SIG_SETMASK, &before, nullptr);
+  if (guardedProgram == 0) {
     return;
   }
   int status = 0;
-  if (program < 0 || waitpid(program, &status, 0) < 0 || !WIFEXITED(status)) {
-    endGroup(SIGTERM);
+  if (waitpid(guardedProgram, &status, 0) < 0 || !WIFEXITED(status)) {
+    endGuarded(SIGTERM);
+    raise(SIGKILL);
   }
   _exit(WEXITSTATUS(status));
 }

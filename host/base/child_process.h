@@ -34,9 +34,9 @@ bool writeAll(int descriptor, std::string_view text);
 // reads. Returns as fork(2) does.
 [[nodiscard]] pid_t forkProcess();
 
-// What SIGTERM ends of a program that was started: it alone, or at once also all processes that it has created
-// and that have not left its process group. In that case the child that is started is a guard, which runs the
-// program and has its exit status.
+// What SIGTERM ends of a program that was started: it alone, or also all processes that it has created and that
+// have not left its process group. In that case the child that is started is a guard, which runs the program in
+// a group of its own, ends that with SIGKILL, and has the program's exit status.
 enum class End { program, processGroup };
 
 // Runs `command` (a program of the PATH, and its arguments) in a child process, without a shell, after

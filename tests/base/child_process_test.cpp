@@ -1,12 +1,17 @@
 #include "host/base/child_process.h"
 
+#include "host/base/files.h"
 #include "host/base/stop_request.h"
 #include "tests/support/waiting.h"
 
 #include <chrono>
 #include <csignal>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
 
 namespace tavenhall::test {
 namespace {
@@ -34,6 +39,30 @@ TEST(ToolProcess, EndsWithItsProcessGroup) {
   EXPECT_EQ(kill(grandchild, 0), 0);
   tool.end();
   waitForEndOf(grandchild);
+}
+
+// A program that handles SIGTERM would otherwise sometimes have a last word and sometimes not. The guard is
+// held up, so that this one would always have it.
+TEST(ToolProcess, IsNotAskedToEndWhenItsProcessGroupIsEnded) {
+  const Pipe output = makePipe();
+  const pid_t guard =
+      startProgram({"sh", "-c", "trap 'echo asked' TERM; echo ready; while :; do sleep 0.05; done"},
+                   {STDIN_FILENO, output.writeEnd, STDERR_FILENO}, End::processGroup);
+  close(output.writeEnd);
+  LineReader reader(output.readEnd);
+  std::vector<std::string> lines;
+  const auto readLine = [&] { reader.read([&lines](const std::string& line) { lines.push_back(line); }); };
+  readLine();
+  kill(guard, SIGSTOP);
+  kill(-guard, SIGTERM);
+  pollfd moreOutput{output.readEnd, POLLIN, 0};
+  EXPECT_EQ(poll(&moreOutput, 1, 500), 0);
+  kill(guard, SIGCONT);
+  while (reader.isOpen()) {
+    readLine();
+  }
+  EXPECT_EQ(lines, std::vector<std::string>{"ready"});
+  EXPECT_EQ(waitpid(guard, nullptr, 0), guard);
 }
 
 TEST(ToolProcess, HasTheStatusOfItsProgram) {
