@@ -39,14 +39,46 @@ class NullDevice {
   int descriptor_;
 };
 
+// A command as execvp() takes it, made before fork(): in the child of a process with threads there may be no
+// memory to be had.
+class Arguments {
+ public:
+  explicit Arguments(const std::vector<std::string>& command) : words_(command) {
+    for (std::string& word : words_) {
+      pointers_.push_back(word.data());
+    }
+    pointers_.push_back(nullptr);
+  }
+
+  [[nodiscard]] bool isEmpty() const { return words_.empty(); }
+
+  // Does not return.
+  void execute() const {
+    execvp(pointers_[0], pointers_.data());
+    _exit(kCannotRun);
+  }
+
+ private:
+  std::vector<std::string> words_;
+  std::vector<char*> pointers_;
+};
+
 // Of the guard's process.
 pid_t guardedProgram = -1;
 
 void endGuarded(int /*signal*/) { kill(-guardedProgram, SIGKILL); }
 
-// Goes on in a child process, the first of a process group of its own. This one waits for it, and ends that
-// group on SIGTERM or when something else has ended the child; SIGTERM to this one's own group does no more.
-void goOnGuarded() {
+void runToItsEnd(const Arguments& command) {
+  const pid_t pid = fork();
+  if (pid == 0) {
+    command.execute();
+  }
+  waitpid(pid, nullptr, 0);
+}
+
+// Goes on in a child process, the first of a process group of its own. This one is the guard; SIGTERM to its
+// own group does no more than to itself.
+void goOnGuarded(const Arguments& afterwards) {
   sigset_t end;
   sigset_t before;
   sigemptyset(&end);
@@ -65,8 +97,15 @@ void goOnGuarded() {
     return;
   }
   int status = 0;
-  if (waitpid(guardedProgram, &status, 0) < 0 || !WIFEXITED(status)) {
+  const bool hasExited = waitpid(guardedProgram, &status, 0) >= 0 && WIFEXITED(status);
+  if (!hasExited) {
     endGuarded(SIGTERM);
+  }
+  std::signal(SIGTERM, SIG_IGN);
+  if (!afterwards.isEmpty()) {
+    runToItsEnd(afterwards);
+  }
+  if (!hasExited) {
     raise(SIGKILL);
   }
   _exit(WEXITSTATUS(status));
@@ -130,15 +169,10 @@ bool writeUnless(int descriptor, std::string_view text, int interrupt, std::chro
   return true;
 }
 
-pid_t startProgram(const std::vector<std::string>& command, const StandardStreams& streams, End end) {
-  std::vector<std::string> words = command;
-  std::vector<char*> arguments;
-  arguments.reserve(words.size() + 1);
-  for (std::string& word : words) {
-    arguments.push_back(word.data());
-  }
-  arguments.push_back(nullptr);
-
+pid_t startProgram(const std::vector<std::string>& command, const StandardStreams& streams,
+                   const std::optional<Guard>& guard) {
+  const Arguments arguments(command);
+  const Arguments afterwards(guard ? guard->afterwards : std::vector<std::string>{});
   const pid_t self = getpid();
   const pid_t pid = forkProcess();
   if (pid < 0) {
@@ -149,8 +183,8 @@ pid_t startProgram(const std::vector<std::string>& command, const StandardStream
       _exit(kCannotRun);
     }
     setsid();
-    if (end == End::processGroup) {
-      goOnGuarded();
+    if (guard) {
+      goOnGuarded(afterwards);
     }
     dup2(streams.input, STDIN_FILENO);
     dup2(streams.output, STDOUT_FILENO);
@@ -159,13 +193,13 @@ pid_t startProgram(const std::vector<std::string>& command, const StandardStream
     if (streams.kept >= 0) {
       fcntl(streams.kept, F_SETFD, 0);
     }
-    execvp(arguments[0], arguments.data());
-    _exit(kCannotRun);
+    arguments.execute();
   }
   return pid;
 }
 
-ToolProcess::ToolProcess(const std::vector<std::string>& command, Keep keep, int keptDescriptor, End end)
+ToolProcess::ToolProcess(const std::vector<std::string>& command, Keep keep, int keptDescriptor,
+                         const std::optional<Guard>& guard)
     : output_(std::tmpfile(), std::fclose) {
   if (!output_) {
     throw startFailure(command.front());
@@ -173,7 +207,8 @@ ToolProcess::ToolProcess(const std::vector<std::string>& command, Keep keep, int
   const NullDevice null;
   const int kept = fileno(output_.get());
   pid_ = startProgram(
-      command, {null.descriptor(), kept, keep == Keep::output ? null.descriptor() : kept, keptDescriptor}, end);
+      command, {null.descriptor(), kept, keep == Keep::output ? null.descriptor() : kept, keptDescriptor},
+      guard);
 }
 
 ToolProcess::~ToolProcess() { end(); }

@@ -34,15 +34,18 @@ bool writeAll(int descriptor, std::string_view text);
 // reads. Returns as fork(2) does.
 [[nodiscard]] pid_t forkProcess();
 
-// What SIGTERM ends of a program that was started: it alone, or also all processes that it has created and that
-// have not left its process group. In that case the child that is started is a guard, which runs the program in
-// a group of its own, ends that with SIGKILL, and has the program's exit status.
-enum class End { program, processGroup };
+// A process between this one and a program that it starts: the child, which runs the program in a process group
+// of its own. On SIGTERM, also when this process ends, it ends that group with SIGKILL, thus also what would
+// not end with the program. It has the program's exit status.
+struct Guard {
+  std::vector<std::string> afterwards;  // a command to run at the end, whatever has ended the program; or empty
+};
 
 // Runs `command` (a program of the PATH, and its arguments) in a child process, without a shell, after
 // setsid() so that a terminal's Ctrl-C does not reach it, with these descriptors and no other. The child gets
-// SIGTERM when this process ends, if the system supports that. Throws std::system_error if the process cannot
-// be created; the child exits with kCannotRun if the program cannot be executed.
+// SIGTERM when this process ends, if the system supports that, and once more for each of its threads. Throws
+// std::system_error if the process cannot be created; the child exits with kCannotRun if the program cannot be
+// executed.
 inline constexpr int kCannotRun = 127;
 struct StandardStreams {
   int input;
@@ -51,7 +54,7 @@ struct StandardStreams {
   int kept = -1;  // stays open in the child under its own number
 };
 [[nodiscard]] pid_t startProgram(const std::vector<std::string>& command, const StandardStreams& streams,
-                                 End end = End::program);
+                                 const std::optional<Guard>& guard = {});
 
 // A child process with /dev/null as standard input, whose output is kept in memory. The destructor ends it.
 class ToolProcess {
@@ -60,7 +63,7 @@ class ToolProcess {
 
   // Throws std::system_error if the process cannot be created.
   explicit ToolProcess(const std::vector<std::string>& command, Keep keep = Keep::outputAndErrors,
-                       int keptDescriptor = -1, End end = End::program);
+                       int keptDescriptor = -1, const std::optional<Guard>& guard = {});
   ToolProcess(const ToolProcess&) = delete;
   ToolProcess& operator=(const ToolProcess&) = delete;
   ~ToolProcess();

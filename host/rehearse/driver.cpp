@@ -38,7 +38,7 @@ EngineConnection RehearsalDriver::start() const {
   const Pipe requests = makePipe();
   const Pipe events = makePipe();
   const pid_t process = startProgram(
-      command_.words, {requests.readEnd, events.writeEnd, STDERR_FILENO, command_.filter}, End::processGroup);
+      command_.words, {requests.readEnd, events.writeEnd, STDERR_FILENO, command_.filter}, Guard{});
   close(requests.readEnd);
   close(events.writeEnd);
   return {.process = process, .requests = requests.writeEnd, .events = events.readEnd};

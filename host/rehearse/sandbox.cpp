@@ -107,7 +107,7 @@ Sandbox::~Sandbox() { close(filter_); }
 
 void Sandbox::probe() const {
   const SandboxCommand command = commandFor({"true"});
-  ToolProcess tool(command.words, ToolProcess::Keep::outputAndErrors, command.filter, End::processGroup);
+  ToolProcess tool(command.words, ToolProcess::Keep::outputAndErrors, command.filter, Guard{});
   const int status = tool.wait();
   if (status == kCannotRun) {
     throw UsageError(_("rehearsing needs Linux and bubblewrap; install the package bubblewrap"));

@@ -12,7 +12,7 @@ struct SandboxBind {
   std::string inside;
 };
 
-// A command that runs bubblewrap. Start it with End::processGroup: until the sandbox is complete, bubblewrap's
+// A command that runs bubblewrap. Start it with a guard: until the sandbox is complete, bubblewrap's
 // second process is not bound to its first one, and would wait for ever or run on without it.
 struct SandboxCommand {
   std::vector<std::string> words;

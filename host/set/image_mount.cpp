@@ -61,24 +61,12 @@ void requireRightContent(const fs::path& image, const fs::path& folder) {
 
 }  // namespace
 
-MountPoint::MountPoint(fs::path folder) : folder_(std::move(folder)), diskBefore_(diskOf(folder_)) {}
-
-MountPoint::~MountPoint() {
-  struct stat found {};
-  const bool isLeft = stat(folder_.c_str(), &found) != 0 || found.st_dev != diskBefore_;
-  if (isLeft) {
-    ToolProcess({"fusermount3", "-u", "-z", folder_.string()}).wait();
-  }
-}
-
-bool MountPoint::isServed() const {
-  struct stat found {};
-  return stat(folder_.c_str(), &found) == 0 && found.st_dev != diskBefore_;
-}
-
 ImageMount::ImageMount(const fs::path& image, fs::path folder, const StopRequest& stop)
-    : point_(std::move(folder)), server_(serverCommand(image, point_.folder())) {
-  while (!point_.isServed()) {
+    : folder_(std::move(folder)),
+      diskBefore_(diskOf(folder_)),
+      server_(serverCommand(image, folder_), ToolProcess::Keep::outputAndErrors, -1,
+              Guard{{"fusermount3", "-q", "-u", "-z", folder_.string()}}) {
+  while (!isServed()) {
     stop.throwIfCome();
     if (server_.hasEnded()) {
       throw UsageError(mountFailureText(image, server_.wait(), server_.lastLine()));
@@ -86,8 +74,13 @@ ImageMount::ImageMount(const fs::path& image, fs::path folder, const StopRequest
     std::this_thread::sleep_for(kBetweenLooks);
   }
   if (isIso(image)) {
-    requireRightContent(image, point_.folder());
+    requireRightContent(image, folder_);
   }
+}
+
+bool ImageMount::isServed() const {
+  struct stat found {};
+  return stat(folder_.c_str(), &found) == 0 && found.st_dev != diskBefore_;
 }
 
 DiscMounts::DiscMounts(InstallerSet& set, const StopRequest& stop) {

@@ -13,27 +13,6 @@
 
 namespace tavenhall {
 
-// A folder to mount on.
-class MountPoint {
- public:
-  // Creates the folder.
-  explicit MountPoint(std::filesystem::path folder);
-  MountPoint(const MountPoint&) = delete;
-  MountPoint& operator=(const MountPoint&) = delete;
-
-  // Unmounts what a server has left there that ended before it could do so itself.
-  ~MountPoint();
-
-  [[nodiscard]] const std::filesystem::path& folder() const { return folder_; }
-
-  // Whether something is mounted and answers.
-  [[nodiscard]] bool isServed() const;
-
- private:
-  std::filesystem::path folder_;
-  dev_t diskBefore_;
-};
-
 // A mounted disc image: SquashFS with squashfuse, ISO with fuseiso. The destructor unmounts it; the FUSE server
 // is a child process and ends with this process.
 class ImageMount {
@@ -44,11 +23,15 @@ class ImageMount {
   ImageMount& operator=(const ImageMount&) = delete;
   ~ImageMount() = default;
 
-  [[nodiscard]] const std::filesystem::path& folder() const { return point_.folder(); }
+  [[nodiscard]] const std::filesystem::path& folder() const { return folder_; }
 
  private:
-  MountPoint point_;  // longer than the server
-  ToolProcess server_;
+  // Whether something is mounted and answers.
+  [[nodiscard]] bool isServed() const;
+
+  std::filesystem::path folder_;
+  dev_t diskBefore_;
+  ToolProcess server_;  // its guard unmounts: a server does not always get as far
 };
 
 // The images among a set's discs, mounted below a folder for temporary files.

@@ -179,19 +179,37 @@ TEST(RehearseStop, AProgramThatIsKilledWhileItsSandboxIsMadeLeavesNoProcess) {
   std::ranges::for_each(processes, waitForEndOf);
 }
 
-// A server that is ended in the middle of mounting leaves a mount that nobody serves.
-TEST(RehearseStop, WhileAnImageIsMountedLeavesNothing) {
+std::vector<std::string> commandWithASlowMount() {
   makeDiscSet();
   turnDiscsIntoImages();
   std::vector<std::string> command = commandWithASlow("squashfuse", "*", "mount", "delay_enter");
   command.insert(command.end(), {"--product", "Lumaweave"});
-  ChildProgram program(command);
+  return command;
+}
+
+std::vector<pid_t> waitForTheMountingServer(pid_t program) {
   EXPECT_TRUE(comesTrue([] { return exists(kHeld); }));
   std::this_thread::sleep_for(std::chrono::seconds(1));
+  return descendantsOf(program);
+}
+
+// A server that is ended in the middle of mounting leaves a mount that nobody serves.
+TEST(RehearseStop, WhileAnImageIsMountedLeavesNothing) {
+  ChildProgram program(commandWithASlowMount());
+  const std::vector<pid_t> processes = waitForTheMountingServer(program.pid());
   kill(program.pid(), SIGTERM);
   EXPECT_EQ(program.waitForEnd(), 1);
   EXPECT_THAT(program.standardError(), HasSubstr(kStopped));
-  expectNothingLeft();
+  expectNothingLeft(processes);
+}
+
+TEST(RehearseStop, AProgramThatIsKilledWhileAnImageIsMountedLeavesNoMount) {
+  ChildProgram program(commandWithASlowMount());
+  const std::vector<pid_t> processes = waitForTheMountingServer(program.pid());
+  kill(program.pid(), SIGKILL);
+  EXPECT_EQ(program.waitForEnd(), 128 + SIGKILL);
+  std::ranges::for_each(processes, waitForEndOf);
+  EXPECT_THAT(temporaryMounts(), SizeIs(0));
 }
 
 TEST(RehearseStop, WhatWasInstalledSoFarIsKeptWhereItWasToBeKept) {
