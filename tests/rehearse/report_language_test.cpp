@@ -89,16 +89,16 @@ TEST_P(EveryLanguagesReport, KeepsTheColumnOfItsRows) {
 
 TEST_P(EveryLanguagesReport, IsEnglishForPrograms) {
   const std::string report = reportIn(GetParam());
-  const nlohmann::ordered_json json = reportJson(manyFindings());
-  EXPECT_THAT(json["failures"],
+  const nlohmann::ordered_json told = reportJson(manyFindings());
+  EXPECT_THAT(told["failures"],
               testing::ElementsAre("the page refused Continue", "a sheet appeared 2 times: One",
                                    "a sheet appeared: Other", "content differs: /e", "not installed: /g"));
-  EXPECT_THAT(json["remarks"],
+  EXPECT_THAT(told["remarks"],
               testing::ElementsAre(
                   "nothing installs lost.db", "the page never asked for discs/3 Spare",
                   "the total size is announced as 12.0 MB but is 10.0 MB: the bar will end early or late",
                   "the size of the first component is not announced (it is 5.0 MB)"));
-  EXPECT_EQ(json["prompts"][1]["reply"], "late");
+  EXPECT_EQ(told["prompts"][1]["reply"], "late");
   EXPECT_EQ(reportText(manyFindings(), judge(manyFindings())), report) << "it is the user's language again";
 }
 
