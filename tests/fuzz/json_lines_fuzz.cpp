@@ -82,22 +82,38 @@ class FieldReader final : public nlohmann::json_sax<json> {
   std::string name_;
 };
 
-// A line as a word: the command's name, "answer <number>", or "bad".
+std::optional<int> intIn(const FieldReader::Field& field) {
+  const bool fits = field.integer && *field.integer == static_cast<int>(*field.integer);
+  return fits ? std::optional(static_cast<int>(*field.integer)) : std::nullopt;
+}
+
+std::string answerWord(int button, int alert) {
+  return "answer " + std::to_string(button) + " to " + std::to_string(alert);
+}
+
+// A line as a word: the command's name, an answer with the alert's number (0 for the next one), or "bad".
 std::string expectedWord(const std::string& line) {
   FieldReader reader;
-  if (!json::sax_parse(line, &reader) || !reader.isObject || reader.fields.size() != 1) {
+  if (!json::sax_parse(line, &reader) || !reader.isObject) {
     return "bad";
   }
-  const auto& [name, field] = *reader.fields.begin();
-  if (name == "do" && field.text) {
-    for (const char* command : {"title", "enter", "forward", "back", "quit", "wait"}) {
-      if (*field.text == command) {
+  auto& fields = reader.fields;
+  if (fields.size() == 1 && fields.count("do") == 1 && fields["do"].text) {
+    for (const char* command : {"title", "enter", "forward", "back", "quit", "wait", "stop", "no-answers"}) {
+      if (*fields["do"].text == command) {
         return command;
       }
     }
   }
-  if (name == "answer" && field.integer && *field.integer == static_cast<int>(*field.integer)) {
-    return "answer " + std::to_string(*field.integer);
+  if (fields.count("answer") == 1) {
+    const auto button = intIn(fields["answer"]);
+    if (button && fields.size() == 1) {
+      return answerWord(*button, 0);
+    }
+    const auto alert = fields.size() == 2 && fields.count("alert") == 1 ? intIn(fields["alert"]) : std::nullopt;
+    if (button && alert && *alert > 0) {
+      return answerWord(*button, *alert);
+    }
   }
   return "bad";
 }
@@ -133,6 +149,8 @@ const char* nameOf(Command command) {
     case Command::back: return "back";
     case Command::quit: return "quit";
     case Command::wait: return "wait";
+    case Command::stop: return "stop";
+    case Command::noAnswers: return "no-answers";
   }
   return "none";
 }
@@ -152,7 +170,8 @@ Words wordsOf(std::string_view input, std::size_t pieceSize) {
     } else if (const auto& good = std::get<Request>(request); std::holds_alternative<Command>(good)) {
       words.commands.emplace_back(nameOf(std::get<Command>(good)));
     } else {
-      words.answers.push_back("answer " + std::to_string(std::get<Answer>(good).button));
+      const Answer answer = std::get<Answer>(good);
+      words.answers.push_back(answerWord(answer.button, static_cast<int>(answer.alert)));
     }
   };
   while (!input.empty()) {

@@ -150,7 +150,9 @@ void countedInstall(id pane, SEL selector) {
     case Command::wait: report_(tavenhall::event::Idle{}); break;
     case Command::forward: [self leavePane:pane_ direction:InstallerDirectionForward]; break;
     case Command::back: [self leavePane:pane_ direction:InstallerDirectionBackward]; break;
-    case Command::quit: [self end]; break;
+    case Command::quit:
+    case Command::stop: [self end]; break;
+    case Command::noAnswers: break;  // whoever plays the Installer answers
   }
 }
 
