@@ -19,6 +19,7 @@
 #include <iterator>
 #include <nlohmann/json.hpp>
 #include <string_view>
+#include <sys/file.h>
 #include <unistd.h>
 #include <utility>
 
@@ -177,6 +178,19 @@ void noteDiscSize(const Split& split) {
 }
 
 }  // namespace
+
+SplitLock::SplitLock(const fs::path& set) : folder_(open(set.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+  if (folder_ >= 0 && flock(folder_, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+    close(folder_);
+    throw UsageError(format(_("another split writes into the set {0}"), {set.string()}), ExitStatus::failure);
+  }
+}
+
+SplitLock::~SplitLock() {
+  if (folder_ >= 0) {
+    close(folder_);
+  }
+}
 
 Split planSplit(const SplitRequest& request) {
   const InstallerSet set = openInstallerSet(request.set);

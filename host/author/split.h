@@ -61,6 +61,20 @@ class CannotSplit : public UsageError {
   std::vector<std::string> problems_;
 };
 
+// Keeps two splits of one set apart, until destruction or the end of the process: a lock on the set's folder
+// itself, so nothing is left behind. On a file system without locks nothing keeps them apart.
+class SplitLock {
+ public:
+  // Throws UsageError if another one has the lock. Without a folder there is nothing to be locked.
+  explicit SplitLock(const std::filesystem::path& set);
+  SplitLock(const SplitLock&) = delete;
+  SplitLock& operator=(const SplitLock&) = delete;
+  ~SplitLock();
+
+ private:
+  int folder_;
+};
+
 // The set must be one for discs whose own hold placeholders at most. Throws
 // CannotSplit, or UsageError where there is no such set or library.
 [[nodiscard]] Split planSplit(const SplitRequest& request);

@@ -147,6 +147,7 @@ ExitStatus splitLibrary(const SplitArguments& arguments) {
   SplitRequest request = arguments.request;
   request.medium = discMedium(arguments.size);
   request.reserve = arguments.reserve.empty() ? 0 : bytesFromText(arguments.reserve);
+  const SplitLock lock(request.set);
   const Split split = planOrExplain(request);
   printLayout(split, request.medium);
   if (arguments.isDryRun) {

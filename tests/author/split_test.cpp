@@ -164,6 +164,20 @@ TEST(SplitCommand, StoppedWhileItCopiesLeavesTheSetAsItWas) {
   EXPECT_EQ(treeOf(kSplitSet), before);
 }
 
+TEST(SplitCommand, IsRefusedWhileAnotherOneWritesIntoTheSet) {
+  makeEmptySet();
+  makeLibrary();
+  const std::string large = kLibrary + "/Strings/Large.db";
+  writeFile(large, "");
+  std::filesystem::resize_file(large, 2'000'000'000);
+  ChildProgram first = startSplit({"--copy"}, "");
+  waitForFile(kSplitSet + "/discs/.split/1 Tavenhall Tessaphon A/TANVO/Library/Strings/Large.db");
+  ChildProgram second = startSplit({}, "");
+  EXPECT_EQ(second.waitForEnd(), 1);
+  EXPECT_EQ(second.standardError(), "tavinstall: another split writes into the set /tmp/split set\n");
+  EXPECT_EQ(first.waitForEnd(), 0) << first.standardError();
+}
+
 TEST(SplitCommand, StoppedWhileItMakesImagesLeavesTheDiscs) {
   makeEmptySet();
   makeLibrary();
