@@ -13,8 +13,8 @@
 
 namespace tavenhall {
 
-// A mounted disc image: SquashFS with squashfuse, ISO with fuseiso. The destructor unmounts it; the FUSE server
-// is a child process and ends with this process.
+// A mounted disc image: SquashFS with squashfuse, ISO with fuseiso. The FUSE server is a child process; the
+// destructor ends and unmounts it, and so does, on Linux, the end of this process, whatever has ended it.
 class ImageMount {
  public:
   // Creates `folder` and mounts the image there. Throws UsageError with the reason and the remedy, and Stopped.
