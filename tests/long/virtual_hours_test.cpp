@@ -140,10 +140,12 @@ TEST(LongInstall, MoreThanThreeHoursLeaveNeitherMemoryNorDescriptorsBehind) {
   expectAllInstalled();
 
   // The folders that the copy is in, its two files or the log, and the same of who reads ahead are all that is
-  // ever open.
+  // ever open. Other threads open and close files while they are counted, so a few may count twice.
+  constexpr int kMostOpen = 7;
+  constexpr int kMostCountedTwice = 3;
   EXPECT_EQ(after.descriptors, before.descriptors);
   for (const Figures& at : ledger.figures()) {
-    EXPECT_LE(at.descriptors, before.descriptors + 7) << at.seconds;
+    EXPECT_LE(at.descriptors, before.descriptors + kMostOpen + kMostCountedTwice) << at.seconds;
   }
   if (kMemoryTells) {
     const Figures& early = ledger.figures()[5];  // after the first disc was begun, and all code was run once
