@@ -43,7 +43,7 @@ struct Guard {
 
 // Runs `command` (a program of the PATH, and its arguments) in a child process, without a shell, after
 // setsid() so that a terminal's Ctrl-C does not reach it, with these descriptors and no other. The child gets
-// SIGTERM when this process ends, if the system supports that, and once more for each of its threads. Throws
+// SIGTERM when this process ends, if the system supports that: up to once for each of its threads. Throws
 // std::system_error if the process cannot be created; the child exits with kCannotRun if the program cannot be
 // executed.
 inline constexpr int kCannotRun = 127;
