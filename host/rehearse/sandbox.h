@@ -12,8 +12,8 @@ struct SandboxBind {
   std::string inside;
 };
 
-// A command that runs bubblewrap. Start it with a guard: until the sandbox is complete, bubblewrap's
-// second process is not bound to its first one, and would wait for ever or run on without it.
+// A command that runs bubblewrap. Start it with a guard: until the sandbox is complete, bubblewrap's second
+// process is not bound to its first one, and would wait for ever or run on without it.
 struct SandboxCommand {
   std::vector<std::string> words;
   int filter;  // a descriptor that bubblewrap reads; the sandbox owns it

@@ -32,11 +32,17 @@ std::vector<std::string> serverCommand(const fs::path& image, const fs::path& fo
   return {"squashfuse", "-f", image.string(), folder.string()};
 }
 
-dev_t diskOf(const fs::path& folder) {
+fs::path created(fs::path folder) {
   fs::create_directories(folder);
+  return folder;
+}
+
+// Whether something is mounted there and answers.
+bool isServed(const fs::path& folder) {
   struct stat found {};
-  stat(folder.c_str(), &found);
-  return found.st_dev;
+  struct stat above {};
+  return stat(folder.parent_path().c_str(), &above) == 0 && stat(folder.c_str(), &found) == 0 &&
+         found.st_dev != above.st_dev;
 }
 
 std::string mountFailureText(const fs::path& image, int status, const std::string& lastWords) {
@@ -62,11 +68,10 @@ void requireRightContent(const fs::path& image, const fs::path& folder) {
 }  // namespace
 
 ImageMount::ImageMount(const fs::path& image, fs::path folder, const StopRequest& stop)
-    : folder_(std::move(folder)),
-      diskBefore_(diskOf(folder_)),
+    : folder_(created(std::move(folder))),
       server_(serverCommand(image, folder_), ToolProcess::Keep::outputAndErrors, -1,
               Guard{{"fusermount3", "-q", "-u", "-z", folder_.string()}}) {
-  while (!isServed()) {
+  while (!isServed(folder_)) {
     stop.throwIfCome();
     if (server_.hasEnded()) {
       throw UsageError(mountFailureText(image, server_.wait(), server_.lastLine()));
@@ -76,11 +81,6 @@ ImageMount::ImageMount(const fs::path& image, fs::path folder, const StopRequest
   if (isIso(image)) {
     requireRightContent(image, folder_);
   }
-}
-
-bool ImageMount::isServed() const {
-  struct stat found {};
-  return stat(folder_.c_str(), &found) == 0 && found.st_dev != diskBefore_;
 }
 
 DiscMounts::DiscMounts(InstallerSet& set, const StopRequest& stop) {

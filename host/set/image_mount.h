@@ -8,7 +8,6 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
-#include <sys/types.h>
 #include <vector>
 
 namespace tavenhall {
@@ -26,11 +25,7 @@ class ImageMount {
   [[nodiscard]] const std::filesystem::path& folder() const { return folder_; }
 
  private:
-  // Whether something is mounted and answers.
-  [[nodiscard]] bool isServed() const;
-
   std::filesystem::path folder_;
-  dev_t diskBefore_;
   ToolProcess server_;  // its guard unmounts: a server does not always get as far
 };
 

@@ -149,15 +149,23 @@ ChildProgram startSplit(std::vector<std::string> options, const std::string& pat
   return ChildProgram(options);
 }
 
-TEST(SplitCommand, StoppedWhileItCopiesLeavesTheSetAsItWas) {
-  makeEmptySet();
-  makeLibrary();
+// It takes a while to be copied.
+void makeLargeFile() {
   const std::string large = kLibrary + "/Strings/Large.db";
   writeFile(large, "");
   std::filesystem::resize_file(large, 2'000'000'000);
+}
+
+const std::string kLargeDraft =
+    kSplitSet + "/discs/.split/1 Tavenhall Tessaphon A/TANVO/Library/Strings/Large.db";
+
+TEST(SplitCommand, StoppedWhileItCopiesLeavesTheSetAsItWas) {
+  makeEmptySet();
+  makeLibrary();
+  makeLargeFile();
   const auto before = treeOf(kSplitSet);
   ChildProgram program = startSplit({"--copy"}, "");
-  waitForFile(kSplitSet + "/discs/.split/1 Tavenhall Tessaphon A/TANVO/Library/Strings/Large.db");
+  waitForFile(kLargeDraft);
   kill(program.pid(), SIGINT);
   EXPECT_EQ(program.waitForEnd(), 1);
   EXPECT_EQ(program.standardError(), "tavinstall: stopped; the set is as it was\n");
@@ -167,11 +175,9 @@ TEST(SplitCommand, StoppedWhileItCopiesLeavesTheSetAsItWas) {
 TEST(SplitCommand, IsRefusedWhileAnotherOneWritesIntoTheSet) {
   makeEmptySet();
   makeLibrary();
-  const std::string large = kLibrary + "/Strings/Large.db";
-  writeFile(large, "");
-  std::filesystem::resize_file(large, 2'000'000'000);
+  makeLargeFile();
   ChildProgram first = startSplit({"--copy"}, "");
-  waitForFile(kSplitSet + "/discs/.split/1 Tavenhall Tessaphon A/TANVO/Library/Strings/Large.db");
+  waitForFile(kLargeDraft);
   ChildProgram second = startSplit({}, "");
   EXPECT_EQ(second.waitForEnd(), 1);
   EXPECT_EQ(second.standardError(), "tavinstall: another split writes into the set /tmp/split set\n");
